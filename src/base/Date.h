@@ -1,0 +1,27 @@
+#pragma once
+
+#include <compare>
+
+namespace vorli {
+
+/// A moment of the calendar, in seconds since 1970-01-01 00:00 UTC. Delays are measured with the Scheduler's
+/// monotonic clock instead: a Date jumps when somebody sets the clock.
+struct Date {
+  double secondsSince1970 = 0.0;
+
+  /// The first of January of the year 1: before any real reading. Marks an empty snapshot.
+  static constexpr Date distantPast() { return Date{-62135596800.0}; }
+
+  auto operator<=>(const Date&) const = default;
+};
+
+/// Seconds from `earlier` to `later`; negative when the clock was set back between the two.
+constexpr double operator-(Date later, Date earlier) {
+  return later.secondsSince1970 - earlier.secondsSince1970;
+}
+
+constexpr Date operator+(Date date, double seconds) {
+  return Date{date.secondsSince1970 + seconds};
+}
+
+}  // namespace vorli

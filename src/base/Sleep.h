@@ -1,0 +1,71 @@
+#pragma once
+
+#include "base/Scheduler.h"
+#include "base/Task.h"
+
+#include <memory>
+
+namespace vorli {
+
+enum class SleepResult { elapsed, cancelled };
+
+namespace detail {
+
+class SleepAwaiter {
+ public:
+  SleepAwaiter(Scheduler& scheduler, double seconds) : scheduler_(scheduler), seconds_(seconds) {}
+
+  bool await_ready() const noexcept { return false; }
+
+  template <typename Promise>
+  bool await_suspend(std::coroutine_handle<Promise> handle) {
+    context_ = handle.promise().context;
+    if (context_->isCancelled()) return false;
+
+    auto resumption = std::make_shared<Resumption>(handle);
+    const auto timer = scheduler_.after(seconds_, [resumption] { resumption->resume(); });
+    context_->setCancelHandler(
+        [&scheduler = scheduler_, timer, weak = std::weak_ptr<Resumption>(resumption)] {
+          const auto sleeper = weak.lock();
+          if (!sleeper) return;
+          scheduler.cancel(timer);
+          scheduler.post([sleeper] { sleeper->resume(); });
+        });
+    return true;
+  }
+
+  SleepResult await_resume() const {
+    return context_->isCancelled() ? SleepResult::cancelled : SleepResult::elapsed;
+  }
+
+ private:
+  Scheduler& scheduler_;
+  const double seconds_;
+  TaskContext* context_ = nullptr;
+};
+
+struct CancellationAwaiter {
+  TaskContext* context = nullptr;
+  bool await_ready() const noexcept { return false; }
+  template <typename Promise>
+  bool await_suspend(std::coroutine_handle<Promise> handle) {
+    context = handle.promise().context;
+    return false;
+  }
+  bool await_resume() const { return context->isCancelled(); }
+};
+
+}  // namespace detail
+
+/// Suspends the flow for `seconds`. A cancelled flow's sleep ends at once, and the flow goes on: one that
+/// must not looks at the result.
+[[nodiscard]] inline detail::SleepAwaiter sleepFor(Scheduler& scheduler, double seconds) {
+  return {scheduler, seconds};
+}
+
+/// `co_await isCancelled()` tells, without suspending, whether this flow was cancelled.
+[[nodiscard]] inline detail::CancellationAwaiter isCancelled() {
+  return {};
+}
+
+}  // namespace vorli

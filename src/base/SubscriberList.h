@@ -1,0 +1,60 @@
+#pragma once
+
+#include "base/Subscription.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace vorli {
+
+/// The subscribers of one source, called in the order in which they came. Subscribing and leaving are allowed
+/// while a value is being delivered: a newcomer waits for the next value, one who left gets nothing more.
+template <typename... Args>
+class SubscriberList {
+ public:
+  using Handler = std::function<void(const Args&...)>;
+
+  Subscription add(Handler handler) {
+    const std::uint64_t id = ++state_->lastId;
+    state_->entries.push_back(std::make_shared<Entry>(Entry{id, std::move(handler), true}));
+    return Subscription([weak = std::weak_ptr<State>(state_), id] {
+      if (auto state = weak.lock()) state->remove(id);
+    });
+  }
+
+  void deliver(const Args&... args) const {
+    const auto state = state_;  // keeps the list while a handler destroys its owner
+    const auto snapshot = state->entries;
+    for (const auto& entry : snapshot) {
+      if (entry->active) entry->handler(args...);
+    }
+  }
+
+  bool empty() const { return state_->entries.empty(); }
+
+ private:
+  struct Entry {
+    std::uint64_t id;
+    Handler handler;
+    bool active;
+  };
+  struct State {
+    std::uint64_t lastId = 0;
+    std::vector<std::shared_ptr<Entry>> entries;
+
+    void remove(std::uint64_t id) {
+      const auto found =
+          std::find_if(entries.begin(), entries.end(), [id](const auto& entry) { return entry->id == id; });
+      if (found == entries.end()) return;
+      (*found)->active = false;
+      entries.erase(found);
+    }
+  };
+
+  std::shared_ptr<State> state_ = std::make_shared<State>();
+};
+
+}  // namespace vorli

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "base/Date.h"
+
+namespace vorli::ports {
+
+/// The calendar. It may jump, also backwards; delays are the Scheduler's.
+class CalendarClock {
+ public:
+  virtual ~CalendarClock() = default;
+
+  /// The present moment. Any thread; does not block.
+  virtual Date now() const = 0;
+};
+
+}  // namespace vorli::ports

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "base/Colour.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vorli::ports {
+
+/// One straight line with round caps of a picture that is `StatusPicture::sidePoints` wide and high, y
+/// downwards.
+struct Stroke {
+  double fromX = 0.0, fromY = 0.0, toX = 0.0, toY = 0.0;
+  double width = 0.0;
+  Colour colour;
+
+  bool operator==(const Stroke&) const = default;
+};
+
+/// The status item's picture as a list of strokes, scalable to any size.
+struct StatusPicture {
+  double sidePoints = 18.0;
+  std::vector<Stroke> strokes;
+
+  bool operator==(const StatusPicture&) const = default;
+};
+
+/// One click. An event that could not be read is a plain left click.
+struct StatusClick {
+  enum class Button { left, right };
+  enum class Control { up, held };
+  Button button = Button::left;
+  Control control = Control::up;
+};
+
+/// One row of the status item's menu.
+struct MenuRow {
+  enum class Kind { action, separator };
+  Kind kind = Kind::action;
+  std::string title;
+  std::string keyEquivalent;  // lower case, without its modifier; empty: none
+  std::function<void()> action;
+};
+
+/// The program's place in the menu bar or tray. Main thread; no call blocks.
+class StatusItem {
+ public:
+  virtual ~StatusItem() = default;
+
+  /// Makes the item appear. False when it has no button to show things on: everything else is then skipped.
+  virtual bool create() = 0;
+  virtual bool hasButton() const = 0;
+
+  /// Called when the button is released.
+  virtual void setClickHandler(std::function<void(const StatusClick&)> handler) = 0;
+
+  /// Where the system itself opens the menu, it asks for its rows through this, once per opening.
+  virtual void setMenuProvider(std::function<std::vector<MenuRow>()> provider) = 0;
+  /// Opens the menu at the item.
+  virtual void showMenu(std::vector<MenuRow> rows) = 0;
+
+  virtual void setToolTip(const std::string& text) = 0;
+  virtual void setAccessibilityLabel(const std::string& text) = 0;
+  virtual void setAccessibilityValue(const std::string& text) = 0;
+
+  /// A picture equal to the one shown costs nothing.
+  virtual void setPicture(const StatusPicture& picture) = 0;
+
+  /// True when what lies behind the item is dark.
+  virtual bool hasDarkAppearance() const = 0;
+  /// Called when `hasDarkAppearance` may have changed.
+  virtual void setAppearanceHandler(std::function<void()> handler) = 0;
+};
+
+}  // namespace vorli::ports

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "base/Logger.h"
+
+namespace vorli::ports {
+
+/// The system's log. Any thread; a call blocks for some microseconds and never fails visibly.
+class SystemLog {
+ public:
+  virtual ~SystemLog() = default;
+
+  virtual void write(const LogRecord& record) = 0;
+};
+
+}  // namespace vorli::ports

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "app/AppSettings.h"
+#include "base/Observable.h"
+#include "base/RepeatingTimer.h"
+#include "base/SharedInstance.h"
+#include "base/TaskScope.h"
+#include "insights/ProcessEnumerator.h"
+#include "sampling/CPUStats.h"
+#include "sampling/MemorySnapshot.h"
+#include "sampling/ThermalSnapshot.h"
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace vorli {
+
+/// How often the machine is looked at: every 2 seconds while the user looks on, every 15 otherwise.
+enum class MonitorCadence { active, idle };
+
+double periodSeconds(MonitorCadence cadence);
+
+/// What the monitor reads from.
+struct SystemMonitorPorts {
+  Scheduler& scheduler;
+  const ports::CalendarClock& calendar;
+  ports::MemoryCounters& memory;
+  ports::CPUCounters& cpu;
+  ports::ThermalSensors& thermal;
+  ports::PowerSources& power;
+  ports::ProcessTable& processes;
+  ports::Workspace& workspace;
+};
+
+/// The shared sampling loop: one coherent look at the machine per tick, published to whoever subscribes.
+/// Holds `ringProgress`, the smoothed worst of seven signals of distress. Knows none of its consumers. Main
+/// thread.
+class SystemMonitor : public SharedInstance<SystemMonitor> {
+ public:
+  SystemMonitor(const SystemMonitorPorts& ports, AppSettings& settings);
+
+  Observable<MemorySnapshot> memory{MemorySnapshot::empty};
+  Observable<CPUSnapshot> cpu{CPUSnapshot::empty};
+  Observable<ThermalSnapshot> thermal{ThermalSnapshot::empty};
+  Observable<std::vector<ProcessSnapshot>> topMemoryHogs;  // at most 5, largest residentBytes first
+  Observable<std::vector<ProcessSnapshot>> topCPUHogs;     // at most 5, largest cpuFraction first
+  Observable<Date> lastUpdate{Date::distantPast()};
+  Observable<double> ringProgress{0.0};
+
+  /// Who changes it calls `restartTimer` as well.
+  MonitorCadence cadence = MonitorCadence::idle;
+
+  /// One whole tick, at once. Each call moves the smoothing by one step, however short the time since the
+  /// last.
+  void refresh();
+
+  /// Starts the timer anew with the period of `cadence`; it fires first after one whole period.
+  void restartTimer();
+  void stopTimer() { timer_.reset(); }
+  bool hasTimer() const { return timer_ != nullptr; }
+
+  /// The worst of the seven signals, from the published samples, 0 to 1, not smoothed.
+  double targetRingProgress() const;
+
+  const std::optional<MemorySnapshot>& previousMemorySnapshot() const { return previousMemorySnapshot_; }
+
+ private:
+  SystemMonitorPorts ports_;
+  bool hasSampledOnce_ = false;
+  std::optional<MemorySnapshot> previousMemorySnapshot_;
+  CPUStats cpuStats_;
+  ProcessEnumerator processEnumerator_;
+  AppSettings& settings_;
+  std::unique_ptr<RepeatingTimer> timer_;
+  TaskScope tasks_;
+};
+
+}  // namespace vorli

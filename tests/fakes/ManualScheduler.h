@@ -1,0 +1,87 @@
+#pragma once
+
+#include "base/Scheduler.h"
+
+#include <cmath>
+#include <deque>
+#include <map>
+#include <mutex>
+
+namespace vorli::fakes {
+
+/// Virtual time: nothing happens until a test moves the clock, and then due work runs in order of its time,
+/// what it creates included. Posting is allowed from any thread.
+class ManualScheduler final : public Scheduler {
+ public:
+  double now() const override { return now_; }
+
+  void post(Work work) override {
+    const std::lock_guard guard(lock_);
+    posted_.push_back(std::move(work));
+  }
+
+  TimerId after(double seconds, Work work, Precision = Precision::exact) override {
+    const TimerId id = ++lastId_;
+    timers_.emplace(std::pair(now_ + std::max(seconds, 0.0), id), std::move(work));
+    return id;
+  }
+
+  void cancel(TimerId timer) override {
+    std::erase_if(timers_, [timer](const auto& entry) { return entry.first.second == timer; });
+  }
+
+  /// Runs what is queued now and what that queues; time stands still. Timers that are due run too.
+  void runReady() {
+    for (;;) {
+      if (auto work = takePosted()) {
+        work();
+      } else if (!timers_.empty() && timers_.begin()->first.first <= now_) {
+        takeTimer()();
+      } else {
+        return;
+      }
+    }
+  }
+
+  /// Moves the clock by `seconds`, stopping at each due piece of work on the way, edges included.
+  void advance(double seconds) { advanceTo(now_ + seconds); }
+
+  void advanceTo(double target) {
+    runReady();
+    while (!timers_.empty() && timers_.begin()->first.first <= target) {
+      now_ = std::max(now_, timers_.begin()->first.first);
+      runReady();
+    }
+    now_ = std::max(now_, target);
+    runReady();
+  }
+
+  /// Moves the clock and runs nothing, as when the main thread is blocked.
+  void advanceClockOnly(double seconds) { now_ += seconds; }
+
+  std::size_t pendingTimers() const { return timers_.size(); }
+  /// Time of the next timer, or infinity.
+  double earliestDeadline() const { return timers_.empty() ? INFINITY : timers_.begin()->first.first; }
+
+ private:
+  Work takePosted() {
+    const std::lock_guard guard(lock_);
+    if (posted_.empty()) return nullptr;
+    Work work = std::move(posted_.front());
+    posted_.pop_front();
+    return work;
+  }
+
+  Work takeTimer() {
+    auto node = timers_.extract(timers_.begin());
+    return std::move(node.mapped());
+  }
+
+  double now_ = 1000.0;  // not 0, so that a forgotten origin shows
+  TimerId lastId_ = 0;
+  std::map<std::pair<double, TimerId>, Work> timers_;
+  std::mutex lock_;
+  std::deque<Work> posted_;
+};
+
+}  // namespace vorli::fakes
