@@ -46,7 +46,7 @@ class Observable {
     auto shared = std::make_shared<Handler>(std::move(handler));
     auto inner = subscribe([&scheduler, weak = std::weak_ptr<Handler>(shared)](const T& value) {
       scheduler.post([weak, value] {
-        if (auto handler = weak.lock()) (*handler)(value);
+        if (const auto alive = weak.lock()) (*alive)(value);
       });
     });
     return Subscription([inner = std::move(inner), shared = std::move(shared)]() mutable {
