@@ -1,0 +1,101 @@
+#pragma once
+
+#include "ports/ProcessTable.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace vorli::fakes {
+
+/// One process of the fake table; a part that is empty cannot be read.
+struct FakeProcess {
+  std::int32_t pid = 0;
+  std::optional<ports::ProcessTaskInfo> taskInfo = ports::ProcessTaskInfo{};
+  std::optional<ports::ProcessBSDInfo> bsdInfo = ports::ProcessBSDInfo{};
+  std::optional<SharedText> executablePath;
+  std::optional<std::uint64_t> exactResidentBytes;
+};
+
+/// A table of processes in the order in which a test adds them.
+class ProcessTable final : public ports::ProcessTable {
+ public:
+  ports::Timebase timebase() override { return base; }
+
+  int listAllPIDs(std::span<std::int32_t> buffer) override {
+    ++listings;
+    if (buffer.empty()) return slotCount.value_or(static_cast<int>(processes.size()));
+    const auto count = std::min(buffer.size(), processes.size());
+    for (std::size_t i = 0; i < count; ++i) buffer[i] = processes[i].pid;
+    return bytesWritten.value_or(static_cast<int>(count * sizeof(std::int32_t)));
+  }
+
+  bool readTaskInfo(std::int32_t pid, ports::ProcessTaskInfo& info) override {
+    const auto* process = find(pid);
+    if (!process || !process->taskInfo) return false;
+    info = *process->taskInfo;
+    return true;
+  }
+
+  bool readBSDInfo(std::int32_t pid, ports::ProcessBSDInfo& info) override {
+    const auto* process = find(pid);
+    if (!process || !process->bsdInfo) return false;
+    info = *process->bsdInfo;
+    return true;
+  }
+
+  std::optional<SharedText> executablePath(std::int32_t pid) override {
+    const auto* process = find(pid);
+    return process ? process->executablePath : std::nullopt;
+  }
+
+  std::optional<std::uint64_t> exactResidentBytes(std::int32_t pid) override {
+    exactReads.push_back(pid);
+    const auto* process = find(pid);
+    return process ? process->exactResidentBytes : std::nullopt;
+  }
+
+  /// Adds a readable process, or changes the one with this identifier.
+  FakeProcess& add(std::int32_t pid, std::string name = "process") {
+    auto& process = entry(pid);
+    process.bsdInfo = ports::ProcessBSDInfo{1, 0, std::move(name)};
+    return process;
+  }
+
+  FakeProcess& entry(std::int32_t pid) {
+    for (auto& process : processes) {
+      if (process.pid == pid) return process;
+    }
+    processes.push_back({.pid = pid});
+    return processes.back();
+  }
+
+  void remove(std::int32_t pid) {
+    std::erase_if(processes, [pid](const auto& process) { return process.pid == pid; });
+  }
+
+  std::vector<FakeProcess> processes;
+  ports::Timebase base;
+  /// What the two calls of a listing return, when not the plain truth.
+  std::optional<int> slotCount;
+  std::optional<int> bytesWritten;
+  int listings = 0;
+  std::vector<std::int32_t> exactReads;
+
+ private:
+  // The reads come in the order of the listing, so the next entry is nearly always the one.
+  const FakeProcess* find(std::int32_t pid) {
+    for (std::size_t i = 0; i < processes.size(); ++i) {
+      const auto at = (cursor_ + i) % processes.size();
+      if (processes[at].pid == pid) {
+        cursor_ = at;
+        return &processes[at];
+      }
+    }
+    return nullptr;
+  }
+
+  std::size_t cursor_ = 0;
+};
+
+}  // namespace vorli::fakes
