@@ -46,7 +46,8 @@ class AppSettings : public SharedInstance<AppSettings> {
   void setLastAutoRefresh(std::optional<Date> value);
 
  private:
-  void store(const Observable<bool>& property, const char* key);
+  template <typename T>
+  void assign(Observable<T>& property, T value, const char* key);
 
   ports::KeyValueStore& defaults_;
   Observable<bool> autoClear_;
