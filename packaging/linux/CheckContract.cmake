@@ -1,0 +1,20 @@
+# Stops the build when the contract or what was generated from it is not what both sides count on.
+set(methods Ping Version PurgeMemory FlushDNS KillPID DumpBTM MoveLaunchAgentPlist)
+set(slow_methods PurgeMemory FlushDNS KillPID DumpBTM MoveLaunchAgentPlist)
+
+file(READ ${CONTRACT} contract)
+string(REGEX MATCHALL "<method name=\"[A-Za-z]+\"" found "${contract}")
+string(REGEX REPLACE "<method name=\"([A-Za-z]+)\"" "\\1" found "${found}")
+if(NOT found STREQUAL methods)
+  message(FATAL_ERROR "${CONTRACT} declares ${found}, not ${methods}")
+endif()
+if(contract MATCHES "<(signal|property) ")
+  message(FATAL_ERROR "${CONTRACT} declares a signal or a property")
+endif()
+
+file(READ ${ADAPTOR} adaptor)
+foreach(method IN LISTS slow_methods)
+  if(NOT adaptor MATCHES "virtual void ${method}\\(sdbus::Result<int32_t, std::string>&& result")
+    message(FATAL_ERROR "${method} is generated as a blocking method: see its Async annotation")
+  endif()
+endforeach()
