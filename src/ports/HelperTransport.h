@@ -9,20 +9,21 @@
 
 namespace vorli::ports {
 
-/// One connection to the daemon. Handlers run on the main thread, never inside the call that caused them, and
-/// not after the connection is destroyed. Main thread; no call blocks on the bus.
+/// One connection to the daemon. Its calls belong to the main thread, and none blocks on the bus. Handlers
+/// come on any thread, never inside the call that caused them, and also when the connection object is gone by
+/// then: they hold weakly what they touch.
 class HelperConnection {
  public:
   virtual ~HelperConnection() = default;
 
-  /// The connection is of no more use: it was invalidated from this side, or lost for good.
+  /// The connection is of no more use: it was invalidated from this side, or lost for good. Called once.
   virtual void setInvalidationHandler(std::function<void()> handler) = 0;
   /// The daemon went away while a call was out.
   virtual void setInterruptionHandler(std::function<void()> handler) = 0;
 
   /// Starts the connection; handlers are installed before.
   virtual void resume() = 0;
-  /// Ends it. The invalidation handler follows.
+  /// Ends it. Requests that are out fail, and the invalidation handler follows.
   virtual void invalidate() = 0;
 
   /// The daemon's interface. `errorHandler` gets a description when a request made through this proxy fails
