@@ -1,0 +1,30 @@
+#pragma once
+
+#include "base/Observable.h"
+
+#include <functional>
+#include <memory>
+#include <utility>
+
+namespace vorli {
+
+/// Watches several observables at once: `handler` is put on the main loop once for their present values, then
+/// once for each change of any of them, and reads what it needs itself. Ends with the token.
+template <typename... Observables>
+Subscription onAnyChange(Scheduler& scheduler, std::function<void()> handler,
+                         const Observables&... observables) {
+  auto shared = std::make_shared<std::function<void()>>(std::move(handler));
+  const auto schedule = [&scheduler, weak = std::weak_ptr<std::function<void()>>(shared)](const auto&...) {
+    scheduler.post([weak] {
+      if (const auto handler = weak.lock()) (*handler)();
+    });
+  };
+  auto subscriptions = std::make_tuple(observables.subscribeToChanges(schedule)...);
+  schedule();
+  return Subscription([subscriptions = std::move(subscriptions), shared = std::move(shared)]() mutable {
+    std::apply([](auto&... each) { (each.cancel(), ...); }, subscriptions);
+    shared.reset();
+  });
+}
+
+}  // namespace vorli

@@ -1,0 +1,112 @@
+#include "linux/StoredValueText.h"
+
+#include <QLocale>
+#include <cmath>
+
+namespace vorli::linuxhost {
+
+namespace {
+
+const QString stringMark = QStringLiteral("@String ");
+const QString dateMark = QStringLiteral("@Date ");
+const QString listMark = QStringLiteral("@Strings");
+const QString datesMark = QStringLiteral("@Dates");
+
+QString secondsText(Date date) {
+  return QString::number(date.secondsSince1970, 'f', 6);
+}
+
+std::optional<Date> dateFrom(const QString& text) {
+  bool understood = false;
+  const double seconds = text.toDouble(&understood);
+  if (!understood || !std::isfinite(seconds)) return std::nullopt;
+  return Date{seconds};
+}
+
+QString realText(double real) {
+  const QString text = QString::number(real, 'g', QLocale::FloatingPointShortest);
+  return text.contains(QLatin1Char('.')) || text.contains(QLatin1Char('e')) ? text
+                                                                            : text + QStringLiteral(".0");
+}
+
+// What an unmarked text is read as. Only the one spelling that we write ourselves counts as a number, so that
+// every other text stays the text it is.
+ports::StoredValue plainValue(const QString& text) {
+  if (text == QLatin1String("true")) return true;
+  if (text == QLatin1String("false")) return false;
+  bool understood = false;
+  if (const qlonglong number = text.toLongLong(&understood); understood && QString::number(number) == text) {
+    return std::int64_t{number};
+  }
+  const double real = text.toDouble(&understood);
+  if (understood && realText(real) == text) return real;
+  return text.toStdString();
+}
+
+QString plainText(const std::string& text) {
+  const auto plain = QString::fromStdString(text);
+  const bool staysText =
+      std::holds_alternative<std::string>(plainValue(plain)) && !plain.startsWith(QLatin1Char('@'));
+  return staysText ? plain : stringMark + plain;
+}
+
+std::optional<ports::StoredValue> listFrom(QStringList items) {
+  const QString mark = items.takeFirst();
+  if (mark == listMark) {
+    std::vector<std::string> texts;
+    for (const auto& item : items) texts.push_back(item.toStdString());
+    return texts;
+  }
+  if (mark != datesMark) return std::nullopt;
+  std::map<std::string, Date> dates;
+  for (const auto& item : items) {
+    const auto split = item.lastIndexOf(QLatin1Char('='));
+    const auto date = split < 0 ? std::nullopt : dateFrom(item.mid(split + 1));
+    if (date) dates[item.left(split).toStdString()] = *date;
+  }
+  return dates;
+}
+
+}  // namespace
+
+QVariant toIni(const ports::StoredValue& value) {
+  struct Writer {
+    QVariant operator()(bool flag) const { return flag ? QStringLiteral("true") : QStringLiteral("false"); }
+    QVariant operator()(std::int64_t number) const { return QString::number(number); }
+    QVariant operator()(double real) const { return realText(real); }
+    QVariant operator()(const std::string& text) const { return plainText(text); }
+    QVariant operator()(Date date) const { return dateMark + secondsText(date); }
+    QVariant operator()(const std::vector<std::string>& texts) const {
+      QStringList items{listMark};
+      for (const auto& text : texts) items << QString::fromStdString(text);
+      return items;
+    }
+    QVariant operator()(const std::map<std::string, Date>& dates) const {
+      QStringList items{datesMark};
+      for (const auto& [key, date] : dates) {
+        items << QString::fromStdString(key) + QLatin1Char('=') + secondsText(date);
+      }
+      return items;
+    }
+  };
+  return std::visit(Writer{}, value);
+}
+
+std::optional<ports::StoredValue> fromIni(const QVariant& stored) {
+  // A list with nothing but its mark comes back as a single text.
+  auto items = stored.toStringList();
+  if (items.size() > 1 || items.value(0) == listMark || items.value(0) == datesMark) {
+    return items.value(0).startsWith(QLatin1Char('@')) ? listFrom(std::move(items))
+                                                       : items.join(QStringLiteral(", ")).toStdString();
+  }
+  const auto text = stored.toString();
+  if (text.startsWith(stringMark)) return text.mid(stringMark.size()).toStdString();
+  if (text.startsWith(dateMark)) {
+    const auto date = dateFrom(text.mid(dateMark.size()));
+    return date ? std::optional<ports::StoredValue>(*date) : std::nullopt;
+  }
+  if (text.startsWith(QLatin1Char('@'))) return std::nullopt;
+  return plainValue(text);
+}
+
+}  // namespace vorli::linuxhost
