@@ -66,7 +66,7 @@ class ProcessTable final : public ports::ProcessTable {
     for (auto& process : processes) {
       if (process.pid == pid) return process;
     }
-    processes.push_back({.pid = pid});
+    processes.emplace_back().pid = pid;
     return processes.back();
   }
 
