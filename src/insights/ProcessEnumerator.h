@@ -1,6 +1,8 @@
 #pragma once
 
 #include "base/Date.h"
+#include "insights/LargestRows.h"
+#include "insights/PIDMap.h"
 #include "insights/ProcessSnapshot.h"
 #include "ports/CPUCounters.h"
 #include "ports/CalendarClock.h"
@@ -9,32 +11,58 @@
 
 #include <cstdint>
 #include <optional>
-#include <unordered_map>
+#include <span>
 #include <vector>
 
 namespace vorli {
 
-/// Looks at every process once per sampling pass. Its only memory is each process's CPU counter and the time
-/// of the last pass, which turn cumulative time into a fraction. One pass at a time.
+/// Looks at every process once per sampling pass. What it carries from pass to pass is each process's CPU
+/// counter and the time of the last pass, which turn cumulative time into a fraction; the rest is memory that
+/// is used again. One pass at a time.
 class ProcessEnumerator {
  public:
   ProcessEnumerator(ports::ProcessTable& table, ports::Workspace& workspace, ports::CPUCounters& processors,
                     const ports::CalendarClock& calendar);
 
   /// One row for each process that can be read, in the kernel's order. CPU fractions are 0 in the first pass,
-  /// and for a process's first pass. Empty when the listing failed.
-  std::vector<ProcessSnapshot> enumerate();
+  /// and for a process's first pass. Empty when the listing failed. The rows are overwritten by the next
+  /// pass.
+  const std::vector<ProcessSnapshot>& enumerate();
 
  private:
-  std::vector<std::int32_t> listPIDs();
+  struct Pass {
+    Date now;
+    double elapsedSeconds;
+    double processorCount;
+  };
+
+  std::span<const std::int32_t> listPIDs();
+  void mapApplications();
+  bool readProcess(std::int32_t pid);
+  double cpuFraction(std::int32_t pid, std::uint64_t total, const Pass& pass) const;
+  void fillRow(ProcessSnapshot& row, std::int32_t pid, double cpuFraction, const Pass& pass);
+  ProcessSnapshot& nextRow();
+  void refineLargestRows();
 
   ports::ProcessTable& table_;
   ports::Workspace& workspace_;
   ports::CPUCounters& processors_;
   const ports::CalendarClock& calendar_;
   const ports::Timebase timebase_;
-  std::unordered_map<std::int32_t, std::uint64_t> previousCPUTime_;
+
+  PIDMap<std::uint64_t> previousCPUTime_;  // in the units of the timebase
   std::optional<Date> previousSampleAt_;
+
+  // Used again by each pass.
+  std::vector<std::int32_t> pids_;
+  PIDMap<std::uint64_t> cpuTime_;
+  std::vector<ports::RunningApplication> applications_;
+  PIDMap<const ports::RunningApplication*> applicationsByPID_;
+  ports::ProcessTaskInfo taskInfo_;
+  ports::ProcessBSDInfo bsdInfo_;
+  std::vector<ProcessSnapshot> rows_;
+  std::size_t rowCount_ = 0;
+  LargestRows largestRows_;
 };
 
 }  // namespace vorli

@@ -1,0 +1,138 @@
+#include "insights/ProcessEnumerator.h"
+
+#include "base/Assert.h"
+#include "base/UTF8.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+namespace vorli {
+
+namespace {
+
+constexpr int bytesPerPID = 4;
+constexpr double nanosecondsPerSecond = 1'000'000'000.0;
+
+// Resident sizes of a pass can be estimates that are some MiB too low. The exact ones are read for so many of
+// the largest processes, well over what any list or threshold looks at.
+constexpr std::size_t exactRows = 32;
+
+// The name up to its first NUL; empty when it is not all readable text.
+std::string_view readableName(const std::string& bytes) {
+  const std::string_view name = bytes.c_str();
+  if (isASCII(name)) return name;
+  if (!isUTF8(name) || name.contains(replacementCharacter)) return {};
+  return name;
+}
+
+}  // namespace
+
+ProcessEnumerator::ProcessEnumerator(ports::ProcessTable& table, ports::Workspace& workspace,
+                                     ports::CPUCounters& processors, const ports::CalendarClock& calendar)
+    : table_(table),
+      workspace_(workspace),
+      processors_(processors),
+      calendar_(calendar),
+      timebase_(table.timebase()) {}
+
+const std::vector<ProcessSnapshot>& ProcessEnumerator::enumerate() {
+  const auto pids = listPIDs();
+  const Date now = calendar_.now();
+  const double elapsed = previousSampleAt_ ? now - *previousSampleAt_ : 0.0;
+  const Pass pass{now, elapsed, static_cast<double>(processors_.processorCount())};
+  mapApplications();
+
+  cpuTime_.reset(pids.size());
+  rowCount_ = 0;
+  for (const std::int32_t pid : pids) {
+    if (pid < 1 || !readProcess(pid)) continue;
+    std::uint64_t total = 0;
+    VORLI_ASSERT(!__builtin_add_overflow(taskInfo_.totalUser, taskInfo_.totalSystem, &total));
+    cpuTime_.set(pid, total);
+    fillRow(nextRow(), pid, cpuFraction(pid, total, pass), pass);
+  }
+  rows_.resize(rowCount_);
+  refineLargestRows();
+
+  std::swap(previousCPUTime_, cpuTime_);
+  previousSampleAt_ = now;
+  return rows_;
+}
+
+std::span<const std::int32_t> ProcessEnumerator::listPIDs() {
+  const int slots = table_.listAllPIDs({});
+  if (slots < 1) return {};
+  pids_.assign(static_cast<std::size_t>(slots), 0);
+  const int written = table_.listAllPIDs(pids_);
+  if (written < 1) return {};
+  return {pids_.data(), static_cast<std::size_t>(std::min(written / bytesPerPID, slots))};
+}
+
+void ProcessEnumerator::mapApplications() {
+  applications_ = workspace_.runningApplications();
+  applicationsByPID_.reset(applications_.size());
+  for (const auto& application : applications_) {
+    if (application.processIdentifier > 0) {
+      applicationsByPID_.set(application.processIdentifier, &application);
+    }
+  }
+}
+
+// Both readings or none: a process that is gone, or not ours to see, drops out here.
+bool ProcessEnumerator::readProcess(std::int32_t pid) {
+  return table_.readTaskInfo(pid, taskInfo_) && table_.readBSDInfo(pid, bsdInfo_);
+}
+
+// In cores. The difference wraps around, so a counter that ran backwards shows as a process at full use.
+double ProcessEnumerator::cpuFraction(std::int32_t pid, std::uint64_t total, const Pass& pass) const {
+  const std::uint64_t* previous = previousCPUTime_.find(pid);
+  if (!previous || !(pass.elapsedSeconds > 0.0)) return 0.0;
+  const double cpu = static_cast<double>(total - *previous) * timebase_.numer / timebase_.denom /
+                     nanosecondsPerSecond / pass.elapsedSeconds;
+  return cpu > 0.0 ? std::min(cpu, pass.processorCount) : 0.0;
+}
+
+void ProcessEnumerator::fillRow(ProcessSnapshot& row, std::int32_t pid, double cpuFraction,
+                                const Pass& pass) {
+  VORLI_ASSERT(std::in_range<std::int32_t>(bsdInfo_.parentPID));
+  const auto* const* found = applicationsByPID_.find(pid);
+  const ports::RunningApplication* application = found ? *found : nullptr;
+  const auto name = readableName(bsdInfo_.name);
+
+  row.id = pid;
+  row.parentPID = static_cast<std::int32_t>(bsdInfo_.parentPID);
+  row.name = name;
+  row.displayName = name;
+  row.executablePath = table_.executablePath(pid);
+  row.residentBytes = taskInfo_.residentBytes;
+  row.cpuFraction = cpuFraction;
+  row.uptime = std::max(pass.now - Date{static_cast<double>(bsdInfo_.startSeconds)}, 0.0);
+  if (application) {
+    if (application->localizedName) row.displayName = application->localizedName->view();
+    row.bundleIdentifier = application->bundleIdentifier;
+    row.activationPolicy = application->activationPolicy;
+    row.appIcon = application->icon;
+  } else {
+    row.bundleIdentifier.reset();
+    row.activationPolicy.reset();
+    row.appIcon.reset();
+  }
+  if (row.name.empty() && application && application->localizedName) row.name = row.displayName;
+  if (row.name.empty()) row.name = "pid " + std::to_string(pid);
+}
+
+// The row behind the last one of this pass. Its old content gives its memory to the new one.
+ProcessSnapshot& ProcessEnumerator::nextRow() {
+  if (rowCount_ == rows_.size()) rows_.emplace_back();
+  return rows_[rowCount_++];
+}
+
+void ProcessEnumerator::refineLargestRows() {
+  for (const auto index : largestRows_.find(rows_, exactRows, &ProcessSnapshot::residentBytes)) {
+    ProcessSnapshot& row = rows_[index];
+    if (const auto exact = table_.exactResidentBytes(row.id)) row.residentBytes = *exact;
+  }
+}
+
+}  // namespace vorli
