@@ -66,11 +66,20 @@ class SystemMonitor : public SharedInstance<SystemMonitor> {
   const std::optional<MemorySnapshot>& previousMemorySnapshot() const { return previousMemorySnapshot_; }
 
  private:
+  template <typename Field>
+  std::vector<ProcessSnapshot> largest(const std::vector<ProcessSnapshot>& rows,
+                                       Field ProcessSnapshot::*field);
+  void setPreviousMemory(const MemorySnapshot& before);
+  ThermalSnapshot sampleThermal();
+  void updateRingProgress();
+  Task<> tick();
+
   SystemMonitorPorts ports_;
   bool hasSampledOnce_ = false;
   std::optional<MemorySnapshot> previousMemorySnapshot_;
   CPUStats cpuStats_;
   ProcessEnumerator processEnumerator_;
+  LargestRows largestRows_;
   AppSettings& settings_;
   std::unique_ptr<RepeatingTimer> timer_;
   TaskScope tasks_;

@@ -1,0 +1,87 @@
+#include "sampling/RingProgress.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace vorli {
+
+namespace {
+
+// Rates at which a signal stands at its worst, in pages per second.
+constexpr double worstDecompressionRate = 10000.0;
+constexpr double worstSwapinRate = 500.0;
+constexpr double worstPageoutRate = 2000.0;
+
+double baseOf(MemoryPressureLevel level) {
+  switch (level) {
+    case MemoryPressureLevel::normal:
+      return 0.05;
+    case MemoryPressureLevel::warning:
+      return 0.55;
+    case MemoryPressureLevel::critical:
+      return 0.85;
+  }
+  return 0.05;
+}
+
+// The difference wraps around: a counter that ran backwards puts its signal at the worst for one tick.
+double rateScore(std::uint64_t earlier, std::uint64_t later, double seconds, double worstRate) {
+  return std::min(static_cast<double>(later - earlier) / seconds / worstRate, 1.0);
+}
+
+double worstRateScore(const MemorySnapshot& earlier, const MemorySnapshot& later) {
+  const double seconds = later.capturedAt - earlier.capturedAt;
+  if (!(seconds > 0.0)) return 0.0;
+  return std::max(
+      {rateScore(earlier.decompressionsCumulative, later.decompressionsCumulative, seconds,
+                 worstDecompressionRate),
+       rateScore(earlier.swapinsCumulative, later.swapinsCumulative, seconds, worstSwapinRate),
+       rateScore(earlier.pageoutsCumulative, later.pageoutsCumulative, seconds, worstPageoutRate)});
+}
+
+double loadScore(double load, int activeProcessorCount) {
+  const double cores = std::max(static_cast<double>(activeProcessorCount), 1.0);
+  return std::clamp((load - cores) / cores, 0.0, 1.0);
+}
+
+// A busy processor barely counts, and its last tenth moves the ring by a third. Continuous at the knots.
+double cpuScore(double usage) {
+  if (usage < 0.0) return 0.0;
+  if (usage < 0.5) return usage * 0.1;
+  if (usage < 0.75) return (usage - 0.5) + 0.05;
+  if (usage < 0.9) return (usage - 0.75) * 2.5 + 0.3;
+  return (std::min(usage, 1.0) - 0.9) * 3.25 + 0.675;
+}
+
+double thermalScore(ThermalState state) {
+  switch (state) {
+    case ThermalState::nominal:
+      return 0.0;
+    case ThermalState::fair:
+      return 0.3;
+    case ThermalState::serious:
+      return 0.7;
+    case ThermalState::critical:
+      return 1.0;
+  }
+  return 0.0;
+}
+
+}  // namespace
+
+double ringProgressTarget(const RingSignals& signals) {
+  if (signals.memory.isEmpty()) return 0.0;
+  const double rates = signals.previous ? worstRateScore(*signals.previous, signals.memory) : 0.0;
+  const double worst = std::max({baseOf(signals.memory.pressureLevel), rates,
+                                 loadScore(signals.load, signals.activeProcessorCount),
+                                 cpuScore(signals.cpuUsage), thermalScore(signals.thermalState)});
+  return std::min(worst, 1.0);
+}
+
+double smoothedRingProgress(double current, double target) {
+  // Per tick and not per second, so that the ring settles fast while the user looks on.
+  if (current < target) return current * 0.45 + target * 0.55;
+  return current * 0.85 + target * 0.15;
+}
+
+}  // namespace vorli

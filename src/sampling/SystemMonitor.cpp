@@ -1,0 +1,100 @@
+#include "sampling/SystemMonitor.h"
+
+#include "sampling/RingProgress.h"
+
+#include <array>
+#include <utility>
+
+namespace vorli {
+
+namespace {
+
+constexpr std::size_t topListLength = 5;
+
+}  // namespace
+
+double periodSeconds(MonitorCadence cadence) {
+  return cadence == MonitorCadence::active ? 2.0 : 15.0;
+}
+
+SystemMonitor::SystemMonitor(const SystemMonitorPorts& ports, AppSettings& settings)
+    : ports_(ports),
+      processEnumerator_(ports.processes, ports.workspace, ports.cpu, ports.calendar),
+      settings_(settings),
+      tasks_(ports.scheduler) {}
+
+void SystemMonitor::refresh() {
+  const auto& processes = processEnumerator_.enumerate();
+  auto memoryHogs = largest(processes, &ProcessSnapshot::residentBytes);
+  auto cpuHogs = largest(processes, &ProcessSnapshot::cpuFraction);
+  const MemorySnapshot before = memory;
+  memory = sampleMemory(ports_.memory, ports_.calendar);
+  setPreviousMemory(before);
+  cpu = cpuStats_.sample(ports_.cpu, ports_.calendar);
+  thermal = sampleThermal();
+  topMemoryHogs = std::move(memoryHogs);
+  topCPUHogs = std::move(cpuHogs);
+  lastUpdate = ports_.calendar.now();
+  updateRingProgress();
+}
+
+template <typename Field>
+std::vector<ProcessSnapshot> SystemMonitor::largest(const std::vector<ProcessSnapshot>& rows,
+                                                    Field ProcessSnapshot::*field) {
+  std::vector<ProcessSnapshot> top;
+  top.reserve(topListLength);
+  for (const auto index : largestRows_.find(rows, topListLength, field)) top.push_back(rows[index]);
+  return top;
+}
+
+// An empty snapshot, be it the first or that of a failed read, is no base for rates.
+void SystemMonitor::setPreviousMemory(const MemorySnapshot& before) {
+  if (before.isEmpty()) {
+    previousMemorySnapshot_.reset();
+  } else {
+    previousMemorySnapshot_ = before;
+  }
+}
+
+ThermalSnapshot SystemMonitor::sampleThermal() {
+  ThermalSnapshot snapshot;
+  snapshot.thermalState = thermalState(ports_.thermal.readThermal());
+  snapshot.lowPowerMode = ports_.thermal.isLowPowerModeEnabled();
+  snapshot.powerSource = readPowerSource(ports_.power);
+  snapshot.capturedAt = ports_.calendar.now();
+  return snapshot;
+}
+
+void SystemMonitor::updateRingProgress() {
+  const double target = targetRingProgress();
+  if (!hasSampledOnce_) {
+    ringProgress = target;
+    hasSampledOnce_ = true;
+  } else {
+    ringProgress = smoothedRingProgress(ringProgress, target);
+  }
+}
+
+double SystemMonitor::targetRingProgress() const {
+  std::array<double, 3> load{};
+  ports_.cpu.readLoadAverages(load);
+  return ringProgressTarget({.memory = memory,
+                             .previous = previousMemorySnapshot_,
+                             .load = load[0],
+                             .activeProcessorCount = ports_.cpu.activeProcessorCount(),
+                             .cpuUsage = cpu->usage,
+                             .thermalState = thermal->thermalState});
+}
+
+void SystemMonitor::restartTimer() {
+  stopTimer();
+  timer_ = std::make_unique<RepeatingTimer>(ports_.scheduler, periodSeconds(cadence),
+                                            [this] { tasks_.spawn(tick()); });
+}
+
+Task<> SystemMonitor::tick() {
+  refresh();
+  co_return;
+}
+
+}  // namespace vorli

@@ -1,0 +1,17 @@
+#include "sampling/RingState.h"
+
+namespace vorli {
+namespace {
+
+TEST(RingStateTest, isCutAtItsTwoEdges) {
+  EXPECT_EQ(ringState(-1.0), RingState::healthy);
+  EXPECT_EQ(ringState(0.0), RingState::healthy);
+  EXPECT_EQ(ringState(0.5499), RingState::healthy);
+  EXPECT_EQ(ringState(0.55), RingState::warming);
+  EXPECT_EQ(ringState(0.7999), RingState::warming);
+  EXPECT_EQ(ringState(0.8), RingState::critical);
+  EXPECT_EQ(ringState(1.0), RingState::critical);
+}
+
+}  // namespace
+}  // namespace vorli

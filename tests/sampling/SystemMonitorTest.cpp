@@ -1,0 +1,300 @@
+#include "sampling/SystemMonitor.h"
+#include "tests/fakes/CPUCounters.h"
+#include "tests/fakes/CalendarClock.h"
+#include "tests/fakes/KeyValueStore.h"
+#include "tests/fakes/ManualScheduler.h"
+#include "tests/fakes/MemoryCounters.h"
+#include "tests/fakes/PowerSources.h"
+#include "tests/fakes/ProcessTable.h"
+#include "tests/fakes/ThermalSensors.h"
+#include "tests/fakes/Workspace.h"
+
+#include <memory>
+
+namespace vorli {
+namespace {
+
+struct SystemMonitorTest : testing::Test {
+  SystemMonitorTest() { makeMonitor(); }
+
+  void makeMonitor() {
+    monitor = std::make_unique<SystemMonitor>(
+        SystemMonitorPorts{scheduler, calendar, memory, cpu, thermal, power, processes, workspace}, settings);
+  }
+
+  /// Makes the heat alone give this target, one of 0.05, 0.3, 0.7 and 1.0.
+  void setHeat(int state) { thermal.reading.systemState = state; }
+
+  void addProcess(std::int32_t pid, std::uint64_t resident, std::uint64_t cpuTime = 0) {
+    processes.add(pid).taskInfo = ports::ProcessTaskInfo{resident, cpuTime, 0};
+  }
+
+  static std::vector<std::int32_t> pids(const std::vector<ProcessSnapshot>& rows) {
+    std::vector<std::int32_t> result;
+    for (const auto& row : rows) result.push_back(row.id);
+    return result;
+  }
+
+  fakes::ManualScheduler scheduler;
+  fakes::CalendarClock calendar{scheduler};
+  fakes::MemoryCounters memory;
+  fakes::CPUCounters cpu;
+  fakes::ThermalSensors thermal;
+  fakes::PowerSources power;
+  fakes::ProcessTable processes;
+  fakes::Workspace workspace;
+  fakes::KeyValueStore store;
+  AppSettings settings{store};
+  std::unique_ptr<SystemMonitor> monitor;
+};
+
+TEST_F(SystemMonitorTest, startsWithEmptyValuesAndReadsNothing) {
+  EXPECT_EQ(monitor->memory.get(), MemorySnapshot::empty);
+  EXPECT_EQ(monitor->cpu.get(), CPUSnapshot::empty);
+  EXPECT_EQ(monitor->thermal.get(), ThermalSnapshot::empty);
+  EXPECT_TRUE(monitor->topMemoryHogs->empty());
+  EXPECT_TRUE(monitor->topCPUHogs->empty());
+  EXPECT_EQ(monitor->lastUpdate.get(), Date::distantPast());
+  EXPECT_EQ(monitor->ringProgress.get(), 0.0);
+  EXPECT_EQ(monitor->cadence, MonitorCadence::idle);
+  EXPECT_FALSE(monitor->hasTimer());
+  EXPECT_FALSE(monitor->previousMemorySnapshot().has_value());
+  EXPECT_EQ(memory.statisticsReads + processes.listings, 0);
+}
+
+TEST_F(SystemMonitorTest, theFirstTickShowsTheRealValueWithoutSmoothing) {
+  memory.statistics->decompressions = 1'000'000;
+  setHeat(2);
+  monitor->refresh();
+  EXPECT_EQ(monitor->ringProgress.get(), 0.7);
+  EXPECT_FALSE(monitor->previousMemorySnapshot().has_value());
+}
+
+TEST_F(SystemMonitorTest, theRingRisesAndFallsByItsTwoRules) {
+  setHeat(0);
+  monitor->refresh();
+  EXPECT_EQ(monitor->ringProgress.get(), 0.05);
+  setHeat(2);
+  monitor->refresh();
+  EXPECT_DOUBLE_EQ(monitor->ringProgress.get(), 0.4075);  // 0.05 x 0.45 + 0.7 x 0.55
+  setHeat(1);
+  monitor->refresh();
+  EXPECT_DOUBLE_EQ(monitor->ringProgress.get(), 0.391375);  // 0.4075 x 0.85 + 0.3 x 0.15
+}
+
+TEST_F(SystemMonitorTest, aRingAtItsTargetStays) {
+  setHeat(1);
+  monitor->refresh();
+  monitor->refresh();
+  EXPECT_DOUBLE_EQ(monitor->ringProgress.get(), 0.3);
+}
+
+TEST_F(SystemMonitorTest, everyRefreshIsAWholeStepHoweverSoon) {
+  monitor->refresh();
+  setHeat(3);
+  monitor->refresh();
+  monitor->refresh();
+  EXPECT_DOUBLE_EQ(monitor->ringProgress.get(), 0.807625);  // 0.05 -> 0.5725 -> 0.807625
+}
+
+TEST_F(SystemMonitorTest, theSampleBeforeIsTheBaseOfTheRates) {
+  monitor->refresh();
+  const auto first = monitor->memory.get();
+  memory.statistics->decompressions = 5000;
+  scheduler.advance(2.0);
+  monitor->refresh();
+  EXPECT_EQ(monitor->previousMemorySnapshot(), first);
+  EXPECT_DOUBLE_EQ(monitor->targetRingProgress(), 0.25);
+}
+
+TEST_F(SystemMonitorTest, aFailedReadLetsTheRingFallAndIsNoBaseForRates) {
+  setHeat(3);
+  monitor->refresh();
+  memory.statistics.reset();
+  monitor->refresh();
+  EXPECT_EQ(monitor->memory.get(), MemorySnapshot::empty);
+  EXPECT_EQ(monitor->targetRingProgress(), 0.0);
+  EXPECT_DOUBLE_EQ(monitor->ringProgress.get(), 0.85);
+  EXPECT_TRUE(monitor->previousMemorySnapshot().has_value());
+
+  memory.statistics = ports::VMStatistics{.decompressions = 1'000'000};
+  setHeat(0);
+  scheduler.advance(1.0);
+  monitor->refresh();
+  EXPECT_FALSE(monitor->previousMemorySnapshot().has_value());
+  EXPECT_EQ(monitor->targetRingProgress(), 0.05);
+}
+
+TEST_F(SystemMonitorTest, aFailedFirstReadStillCountsAsTheFirstTick) {
+  memory.statistics.reset();
+  monitor->refresh();
+  EXPECT_EQ(monitor->ringProgress.get(), 0.0);
+  memory.statistics = ports::VMStatistics{};
+  setHeat(3);
+  monitor->refresh();
+  EXPECT_DOUBLE_EQ(monitor->ringProgress.get(), 0.55);
+}
+
+TEST_F(SystemMonitorTest, loadAndProcessorUsageReachTheRing) {
+  cpu.loadAverages = {6.0, 0.0, 0.0};
+  EXPECT_EQ(monitor->targetRingProgress(), 0.0);  // nothing sampled yet
+  monitor->refresh();
+  EXPECT_DOUBLE_EQ(monitor->targetRingProgress(), 0.5);
+  cpu.loadAverages.clear();  // an unreadable load is none
+  EXPECT_DOUBLE_EQ(monitor->targetRingProgress(), 0.05);
+  cpu.ticks = ports::CPUTicks{.user = 75, .idle = 25};
+  monitor->refresh();
+  EXPECT_DOUBLE_EQ(monitor->cpu->usage, 0.75);
+  EXPECT_DOUBLE_EQ(monitor->targetRingProgress(), 0.3);
+}
+
+TEST_F(SystemMonitorTest, aFailedProcessorReadDoesNotStopTheTick) {
+  cpu.ticks.reset();
+  addProcess(1, 100);
+  monitor->refresh();
+  EXPECT_EQ(monitor->cpu.get(), CPUSnapshot::empty);
+  EXPECT_EQ(monitor->topMemoryHogs->size(), 1u);
+  EXPECT_EQ(monitor->lastUpdate.get(), calendar.now());
+  EXPECT_EQ(monitor->ringProgress.get(), 0.05);
+}
+
+TEST_F(SystemMonitorTest, theThermalSnapshotHoldsStatePowerModeSourceAndTime) {
+  setHeat(2);
+  thermal.lowPowerMode = true;
+  power.sourceType = "Battery Power";
+  calendar.set(Date{77.0});
+  monitor->refresh();
+  EXPECT_EQ(monitor->thermal.get(),
+            (ThermalSnapshot{ThermalState::serious, true, PowerSource::battery, Date{77.0}}));
+}
+
+TEST_F(SystemMonitorTest, topListsHoldTheFiveLargest) {
+  const std::uint64_t resident[] = {50, 10, 70, 30, 60, 20, 40};
+  for (int i = 0; i < 7; ++i) addProcess(i + 1, resident[i]);
+  monitor->refresh();
+  EXPECT_EQ(pids(monitor->topMemoryHogs), (std::vector<std::int32_t>{3, 5, 1, 7, 4}));
+
+  // Over one second of nanoseconds: 0.7, 0.6 ... 0.1 cores.
+  for (int i = 0; i < 7; ++i) addProcess(i + 1, 1, static_cast<std::uint64_t>(7 - i) * 100'000'000);
+  scheduler.advance(1.0);
+  monitor->refresh();
+  EXPECT_EQ(pids(monitor->topCPUHogs), (std::vector<std::int32_t>{1, 2, 3, 4, 5}));
+  EXPECT_DOUBLE_EQ(monitor->topCPUHogs->front().cpuFraction, 0.7);
+}
+
+TEST_F(SystemMonitorTest, fewerThanFiveProcessesAreAllListed) {
+  addProcess(1, 10);
+  addProcess(2, 30);
+  addProcess(3, 20);
+  monitor->refresh();
+  EXPECT_EQ(pids(monitor->topMemoryHogs), (std::vector<std::int32_t>{2, 3, 1}));
+  EXPECT_EQ(monitor->topCPUHogs->size(), 3u);
+}
+
+TEST_F(SystemMonitorTest, aFailedListingEmptiesTheTopLists) {
+  addProcess(1, 10);
+  monitor->refresh();
+  processes.slotCount = 0;
+  monitor->refresh();
+  EXPECT_TRUE(monitor->topMemoryHogs->empty());
+  EXPECT_TRUE(monitor->topCPUHogs->empty());
+}
+
+TEST_F(SystemMonitorTest, publishesInTheOrderOfTheTick) {
+  std::vector<std::string> order;
+  std::vector<Subscription> tokens;
+  const auto watch = [&](const auto& property, const char* name) {
+    tokens.push_back(property.subscribeToChanges([&order, name](const auto&) { order.push_back(name); }));
+  };
+  watch(monitor->ringProgress, "ringProgress");
+  watch(monitor->lastUpdate, "lastUpdate");
+  watch(monitor->topCPUHogs, "topCPUHogs");
+  watch(monitor->topMemoryHogs, "topMemoryHogs");
+  watch(monitor->thermal, "thermal");
+  watch(monitor->cpu, "cpu");
+  watch(monitor->memory, "memory");
+  monitor->refresh();
+  EXPECT_EQ(order, (std::vector<std::string>{"memory", "cpu", "thermal", "topMemoryHogs", "topCPUHogs",
+                                             "lastUpdate", "ringProgress"}));
+}
+
+TEST_F(SystemMonitorTest, aDeferredSubscriberSeesTheFinishedTick) {
+  double ringSeen = -1.0;
+  const auto token = monitor->memory.subscribeOnMainLoop(scheduler, [&](const MemorySnapshot& value) {
+    if (!value.isEmpty()) ringSeen = monitor->ringProgress;
+  });
+  setHeat(2);
+  monitor->refresh();
+  EXPECT_EQ(ringSeen, -1.0);
+  scheduler.runReady();
+  EXPECT_EQ(ringSeen, 0.7);
+}
+
+TEST_F(SystemMonitorTest, theTimerFiresFirstAfterOneWholePeriod) {
+  monitor->restartTimer();
+  EXPECT_TRUE(monitor->hasTimer());
+  scheduler.advance(14.999);
+  EXPECT_EQ(memory.statisticsReads, 0);
+  scheduler.advance(0.001);
+  EXPECT_EQ(memory.statisticsReads, 1);
+  scheduler.advance(15.0);
+  EXPECT_EQ(memory.statisticsReads, 2);
+}
+
+TEST_F(SystemMonitorTest, theActiveCadenceTicksEveryTwoSeconds) {
+  EXPECT_EQ(periodSeconds(MonitorCadence::active), 2.0);
+  EXPECT_EQ(periodSeconds(MonitorCadence::idle), 15.0);
+  monitor->cadence = MonitorCadence::active;
+  monitor->restartTimer();
+  scheduler.advance(1.999);
+  EXPECT_EQ(memory.statisticsReads, 0);
+  scheduler.advance(0.001);
+  EXPECT_EQ(memory.statisticsReads, 1);
+  scheduler.advance(20.0);
+  EXPECT_EQ(memory.statisticsReads, 11);
+}
+
+TEST_F(SystemMonitorTest, aRestartCountsItsPeriodAnewAndTheOldTimerIsGone) {
+  monitor->restartTimer();
+  scheduler.advance(14.0);
+  monitor->cadence = MonitorCadence::active;
+  monitor->restartTimer();
+  EXPECT_EQ(scheduler.pendingTimers(), 1u);
+  scheduler.advance(1.999);
+  EXPECT_EQ(memory.statisticsReads, 0);
+  scheduler.advance(0.001);
+  EXPECT_EQ(memory.statisticsReads, 1);
+}
+
+TEST_F(SystemMonitorTest, changingTheCadenceAloneChangesNothing) {
+  monitor->restartTimer();
+  monitor->cadence = MonitorCadence::active;
+  scheduler.advance(14.999);
+  EXPECT_EQ(memory.statisticsReads, 0);
+}
+
+TEST_F(SystemMonitorTest, aStoppedTimerFiresNoMore) {
+  monitor->restartTimer();
+  monitor->stopTimer();
+  EXPECT_FALSE(monitor->hasTimer());
+  scheduler.advance(60.0);
+  EXPECT_EQ(memory.statisticsReads, 0);
+}
+
+TEST_F(SystemMonitorTest, aMonitorThatIsGoneTicksNoMore) {
+  monitor->restartTimer();
+  scheduler.advance(14.0);
+  monitor.reset();
+  scheduler.advance(60.0);
+  EXPECT_EQ(memory.statisticsReads, 0);
+  EXPECT_EQ(scheduler.pendingTimers(), 0u);
+}
+
+TEST_F(SystemMonitorTest, twoRefreshesInARowBothSample) {
+  monitor->refresh();
+  monitor->refresh();
+  EXPECT_EQ(memory.statisticsReads, 2);
+}
+
+}  // namespace
+}  // namespace vorli
