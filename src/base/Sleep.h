@@ -63,7 +63,8 @@ struct CancellationAwaiter {
   return {scheduler, seconds};
 }
 
-/// `co_await isCancelled()` tells, without suspending, whether this flow was cancelled.
+/// `co_await isCancelled()` tells, without suspending, whether this flow was cancelled. Not inside a
+/// condition: see Task.
 [[nodiscard]] inline detail::CancellationAwaiter isCancelled() {
   return {};
 }

@@ -20,6 +20,18 @@ struct TaskPromiseBase {
   TaskContext* context = nullptr;
   std::coroutine_handle<> continuation;
 
+  struct InitialAwaiter {
+    TaskPromiseBase* promise;
+
+    bool await_ready() noexcept { return false; }
+    template <typename Promise>
+    void await_suspend(std::coroutine_handle<Promise> started) noexcept {
+      const bool awaitsOutsideOfConditionsOnly = &started.promise() == promise;
+      VORLI_ASSERT(awaitsOutsideOfConditionsOnly);
+    }
+    void await_resume() noexcept {}
+  };
+
   struct FinalAwaiter {
     bool await_ready() noexcept { return false; }
     template <typename Promise>
@@ -32,7 +44,7 @@ struct TaskPromiseBase {
     void await_resume() noexcept {}
   };
 
-  std::suspend_always initial_suspend() noexcept { return {}; }
+  InitialAwaiter initial_suspend() noexcept { return {this}; }
   FinalAwaiter final_suspend() noexcept { return {}; }
   [[noreturn]] void unhandled_exception() noexcept { std::abort(); }
 };
@@ -61,7 +73,9 @@ struct TaskPromise<void> : TaskPromiseBase {
 /// A flow on the main thread that reads top to bottom. It does nothing until it is awaited by another flow or
 /// spawned in a TaskScope; destroying it destroys everything that it holds. A flow is a member or free
 /// function with parameters by value, never a capturing lambda, and no lambda is written on a co_await line:
-/// GCC 12 destroys the captures of such a lambda twice.
+/// GCC 12 destroys the captures of such a lambda twice. Nor does `co_await` stand in the condition of an if,
+/// while or switch: GCC 12 then puts the condition before the promise in the frame, and every handle made
+/// from the promise is off by 8 bytes. Write `const bool done = co_await isCancelled();` first.
 template <typename T = void>
 class [[nodiscard]] Task {
  public:

@@ -30,6 +30,12 @@ struct TaskTest : testing::Test {
     trace.push_back(result == SleepResult::cancelled ? "cancelled" : "elapsed");
   }
 
+#if defined(__GNUC__) && !defined(__clang__) && __GNUC__ == 12
+  Task<> awaitingInACondition() {
+    if (co_await isCancelled()) trace.push_back("cancelled");
+  }
+#endif
+
   Task<> waiter(TaskHandle other) {
     co_await other.finished();
     trace.push_back("waited");
@@ -117,6 +123,12 @@ TEST_F(TaskTest, deadlineBeforeTheReplyWinsOnce) {
   scheduler.advance(10.0);
   EXPECT_EQ(trace, std::vector<std::string>{"deadline"});
 }
+
+#if defined(__GNUC__) && !defined(__clang__) && __GNUC__ == 12
+TEST_F(TaskTest, anAwaitInsideAConditionIsCaughtAtTheStartOfTheFlow) {
+  EXPECT_DEATH(static_cast<void>(awaitingInACondition()), "awaitsOutsideOfConditionsOnly");
+}
+#endif
 
 }  // namespace
 }  // namespace vorli
