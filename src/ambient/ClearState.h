@@ -21,6 +21,7 @@ class ClearState : public SharedInstance<ClearState> {
 
  private:
   Task<> ceremony(double riseDuration, double decayDuration);
+  Task<> moveTo(double target, double durationSeconds);
 
   Scheduler& scheduler_;
   TaskHandle ceremonyTask_;

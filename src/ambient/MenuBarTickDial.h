@@ -19,8 +19,16 @@ struct MenuBarTickDial {
   double minFilledAlpha = 0.7;
   double maxFilledAlpha = 1.0;
 
+  /// The progress to show: the ring's, drawn towards 0.2 by the calm after a polish.
+  static double calmedProgress(double ringProgress, double calmIntensity);
+
   /// The dial in a frame of `sidePoints`, with `padding` free on every side.
   ports::StatusPicture picture(double sidePoints, double padding) const;
+
+ private:
+  int filledTicks() const;
+  Colour filledColour() const;
+  double filledAlpha(int tick, int filled) const;
 };
 
 }  // namespace vorli
