@@ -1,0 +1,235 @@
+#include "linux/DesktopEntryIndex.h"
+
+#include <algorithm>
+#include <cctype>
+#include <climits>
+#include <cstdlib>
+
+#include <QSocketNotifier>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/inotify.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace vorli::linuxhost {
+
+namespace {
+
+// A burst of changes is over when the folders have been quiet for this long.
+constexpr double quietSeconds = 0.5;
+// Entries of real programs, all translations included, stay under 200 kB.
+constexpr off_t largestEntryBytes = 1024 * 1024;
+// Folders inside folders are rare, and a loop of links must end.
+constexpr int deepestFolder = 4;
+
+std::string lowered(std::string_view text) {
+  std::string result(text);
+  std::transform(result.begin(), result.end(), result.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return result;
+}
+
+std::vector<std::string> split(const char* text, const char* otherwise) {
+  std::vector<std::string> parts;
+  std::string_view rest = text && *text ? text : otherwise;
+  while (!rest.empty()) {
+    const auto colon = rest.find(':');
+    if (const auto part = rest.substr(0, colon); part.starts_with('/')) parts.emplace_back(part);
+    rest.remove_prefix(colon == std::string_view::npos ? rest.size() : colon + 1);
+  }
+  return parts;
+}
+
+std::string realPathOf(const std::string& path) {
+  char resolved[PATH_MAX];
+  return realpath(path.c_str(), resolved) ? resolved : std::string();
+}
+
+// The entry's program as an absolute path without links; empty when there is no such file.
+std::string resolvedProgram(const std::string& program, const std::vector<std::string>& programPath) {
+  if (program.empty()) return {};
+  if (program.find('/') != std::string::npos) return realPathOf(program);
+  for (const auto& folder : programPath) {
+    const std::string candidate = folder + "/" + program;
+    if (access(candidate.c_str(), X_OK) == 0) return realPathOf(candidate);
+  }
+  return {};
+}
+
+// Empty for anything but a plain file of a sensible size. Never waits: a FIFO is opened without blocking, and left.
+std::optional<std::string> readPlainFile(int folder, const char* name) {
+  const int file = openat(folder, name, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+  if (file < 0) return std::nullopt;
+  std::optional<std::string> text;
+  struct stat info {};
+  if (fstat(file, &info) == 0 && S_ISREG(info.st_mode) && info.st_size <= largestEntryBytes) {
+    text.emplace(static_cast<std::size_t>(info.st_size), '\0');
+    const ssize_t got = read(file, text->data(), text->size());
+    text->resize(static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
+  }
+  close(file);
+  return text;
+}
+
+// A claim of two different entries is no claim.
+void claim(std::unordered_map<std::string, const DesktopEntry*>& claims, std::string key, const DesktopEntry* entry) {
+  if (key.empty()) return;
+  const auto [slot, isFirst] = claims.emplace(std::move(key), entry);
+  if (!isFirst && slot->second != entry) slot->second = nullptr;
+}
+
+const DesktopEntry* find(const std::unordered_map<std::string, const DesktopEntry*>& claims, const std::string& key) {
+  const auto found = claims.find(key);
+  return found == claims.end() ? nullptr : found->second;
+}
+
+}  // namespace
+
+bool isInterpreter(std::string_view programPath) {
+  const auto base = programPath.substr(programPath.rfind('/') + 1);
+  for (const std::string_view name : {"python", "perl", "ruby", "node", "electron", "java", "gjs", "mono", "wine"}) {
+    if (base.starts_with(name)) return true;
+  }
+  return base == "sh" || base == "bash" || base == "dash" || base == "zsh" || base == "fish";
+}
+
+DesktopEntryIndex::Places DesktopEntryIndex::Places::ofThisUser() {
+  const char* home = std::getenv("HOME");
+  const std::string homeFolder = home ? home : "";
+  const char* dataHome = std::getenv("XDG_DATA_HOME");
+  const std::string own = dataHome && *dataHome == '/' ? dataHome : homeFolder + "/.local/share";
+
+  Places places;
+  places.folders = {own + "/applications", own + "/flatpak/exports/share/applications"};
+  for (const auto& folder : split(std::getenv("XDG_DATA_DIRS"), "/usr/local/share:/usr/share")) {
+    places.folders.push_back(folder + "/applications");
+  }
+  for (const char* folder :
+       {"/var/lib/flatpak/exports/share/applications", "/var/lib/snapd/desktop/applications"}) {
+    if (std::find(places.folders.begin(), places.folders.end(), folder) == places.folders.end()) {
+      places.folders.emplace_back(folder);
+    }
+  }
+  places.programPath = split(std::getenv("PATH"), "/usr/local/bin:/usr/bin:/bin");
+  for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+    if (const char* locale = std::getenv(variable); locale && *locale) {
+      places.locales = localeKeys(locale);
+      break;
+    }
+  }
+  return places;
+}
+
+DesktopEntryIndex::DesktopEntryIndex(Scheduler& scheduler, Places places)
+    : scheduler_(scheduler), places_(std::move(places)), inotify_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+  if (inotify_ >= 0) {
+    notifier_ = std::make_unique<QSocketNotifier>(inotify_, QSocketNotifier::Read);
+    QObject::connect(notifier_.get(), &QSocketNotifier::activated, [this] { changeSeen(); });
+  }
+  read();
+}
+
+DesktopEntryIndex::~DesktopEntryIndex() {
+  scheduler_.cancel(rereadTimer_);
+  notifier_.reset();
+  if (inotify_ >= 0) close(inotify_);
+}
+
+void DesktopEntryIndex::changeSeen() {
+  alignas(inotify_event) char events[4096];
+  while (::read(inotify_, events, sizeof events) > 0) {
+  }
+  scheduler_.cancel(rereadTimer_);
+  rereadTimer_ = scheduler_.after(quietSeconds, [this] {
+    read();
+    if (changed_) changed_();
+  });
+}
+
+void DesktopEntryIndex::watch(const std::string& folder) {
+  if (inotify_ < 0) return;
+  constexpr auto changes =
+      IN_CLOSE_WRITE | IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE_SELF | IN_MOVE_SELF;
+  if (inotify_add_watch(inotify_, folder.c_str(), changes | IN_ONLYDIR) >= 0) return;
+  // A folder that does not exist yet is noticed when its parent gets it.
+  const auto parent = folder.substr(0, folder.rfind('/'));
+  if (!parent.empty()) inotify_add_watch(inotify_, parent.c_str(), IN_CREATE | IN_MOVED_TO | IN_ONLYDIR);
+}
+
+void DesktopEntryIndex::read() {
+  entries_.clear();
+  order_.clear();
+  for (const auto& folder : places_.folders) readFolder(folder, "", 0);
+  indexEntries();
+}
+
+void DesktopEntryIndex::readFolder(const std::string& folder, const std::string& idPrefix, int depth) {
+  watch(folder);
+  DIR* listing = opendir(folder.c_str());
+  if (!listing) return;
+  while (const dirent* item = readdir(listing)) {
+    const std::string name = item->d_name;
+    if (name.starts_with('.')) continue;
+    if (!name.ends_with(".desktop")) {
+      struct stat info {};
+      const bool isFolder = fstatat(dirfd(listing), name.c_str(), &info, 0) == 0 && S_ISDIR(info.st_mode);
+      if (isFolder && depth < deepestFolder) readFolder(folder + "/" + name, idPrefix + name + "-", depth + 1);
+      continue;
+    }
+    const std::string id = idPrefix + name.substr(0, name.size() - 8);
+    if (entries_.contains(id)) continue;
+    const auto text = readPlainFile(dirfd(listing), name.c_str());
+    if (!text) continue;
+    auto entry = parseDesktopEntry(*text, places_.locales);
+    if (!entry) continue;
+    entry->id = id;
+    entry->path = folder + "/" + name;
+    add(std::move(*entry));
+  }
+  closedir(listing);
+}
+
+// A hidden entry is kept so that it hides the same id of the folders behind.
+void DesktopEntryIndex::add(DesktopEntry entry) {
+  order_.push_back(entry.id);
+  entries_.emplace(entry.id, std::move(entry));
+}
+
+void DesktopEntryIndex::indexEntries() {
+  for (auto* claims : {&byLowerID_, &byLastPiece_, &byClass_, &byProgram_}) claims->clear();
+  for (const auto& id : order_) {
+    const DesktopEntry& entry = entries_.at(id);
+    if (entry.hidden) continue;
+    byLowerID_.emplace(lowered(id), &entry);
+    claim(byLastPiece_, lowered(id.substr(id.rfind('.') + 1)), &entry);
+    claim(byClass_, entry.startupWMClass, &entry);
+    if (!entry.isVisible()) continue;
+    const auto program = resolvedProgram(entry.program, places_.programPath);
+    if (!isInterpreter(program)) {
+      claim(byProgram_, program, &entry);
+    } else if (!entry.arguments.empty()) {
+      claim(byProgram_, resolvedProgram(entry.arguments.front(), places_.programPath), &entry);
+    }
+  }
+}
+
+const DesktopEntry* DesktopEntryIndex::byID(std::string_view id) const {
+  const auto found = entries_.find(std::string(id));
+  return found == entries_.end() || found->second.hidden ? nullptr : &found->second;
+}
+
+const DesktopEntry* DesktopEntryIndex::byIDIgnoringCase(std::string_view id) const {
+  return find(byLowerID_, lowered(id));
+}
+const DesktopEntry* DesktopEntryIndex::byLastPiece(std::string_view piece) const {
+  return find(byLastPiece_, lowered(piece));
+}
+const DesktopEntry* DesktopEntryIndex::byStartupWMClass(std::string_view wmClass) const {
+  return find(byClass_, std::string(wmClass));
+}
+const DesktopEntry* DesktopEntryIndex::byProgram(std::string_view realPath) const {
+  return find(byProgram_, std::string(realPath));
+}
+
+}  // namespace vorli::linuxhost
