@@ -1,9 +1,9 @@
 #include "linux/DesktopEntry.h"
 
+#include "base/UTF8.h"
+
 #include <algorithm>
 #include <map>
-
-#include "base/UTF8.h"
 
 namespace vorli::linuxhost {
 
@@ -31,19 +31,31 @@ std::string unescaped(std::string_view value) {
       continue;
     }
     switch (value[++i]) {
-      case 's': text += ' '; break;
-      case 'n': text += '\n'; break;
-      case 't': text += '\t'; break;
-      case 'r': text += '\r'; break;
-      case '\\': text += '\\'; break;
-      default: text += '\\', text += value[i];
+      case 's':
+        text += ' ';
+        break;
+      case 'n':
+        text += '\n';
+        break;
+      case 't':
+        text += '\t';
+        break;
+      case 'r':
+        text += '\r';
+        break;
+      case '\\':
+        text += '\\';
+        break;
+      default:
+        text += '\\', text += value[i];
     }
   }
   return text;
 }
 
 // The keys of the group "Desktop Entry"; the first of two equal keys counts.
-std::expected<std::map<std::string, std::string_view, std::less<>>, std::string> readMainGroup(std::string_view text) {
+std::expected<std::map<std::string, std::string_view, std::less<>>, std::string> readMainGroup(
+    std::string_view text) {
   std::map<std::string, std::string_view, std::less<>> keys;
   bool inGroup = false, seen = false;
   while (!text.empty()) {
@@ -76,7 +88,11 @@ void setCommand(DesktopEntry& entry, std::vector<std::string> words) {
   auto first = words.begin();
   while (first != words.end() && isWrapper(*first)) {
     ++first;
-    while (first != words.end() && (isAssignment(*first) || first->starts_with('-'))) ++first;
+    while (first != words.end() && (isAssignment(*first) || first->starts_with('-'))) {
+      const bool takesValue = *first == "-u" || *first == "-C";
+      ++first;
+      if (takesValue && first != words.end()) ++first;
+    }
   }
   if (first == words.end()) return;
   entry.program = std::move(*first);

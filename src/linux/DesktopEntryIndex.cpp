@@ -1,11 +1,10 @@
 #include "linux/DesktopEntryIndex.h"
 
+#include <QSocketNotifier>
 #include <algorithm>
 #include <cctype>
 #include <climits>
 #include <cstdlib>
-
-#include <QSocketNotifier>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/inotify.h>
@@ -57,7 +56,8 @@ std::string resolvedProgram(const std::string& program, const std::vector<std::s
   return {};
 }
 
-// Empty for anything but a plain file of a sensible size. Never waits: a FIFO is opened without blocking, and left.
+// Empty for anything but a plain file of a sensible size. Never waits: a FIFO is opened without blocking, and
+// left.
 std::optional<std::string> readPlainFile(int folder, const char* name) {
   const int file = openat(folder, name, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
   if (file < 0) return std::nullopt;
@@ -73,13 +73,15 @@ std::optional<std::string> readPlainFile(int folder, const char* name) {
 }
 
 // A claim of two different entries is no claim.
-void claim(std::unordered_map<std::string, const DesktopEntry*>& claims, std::string key, const DesktopEntry* entry) {
+void claim(std::unordered_map<std::string, const DesktopEntry*>& claims, std::string key,
+           const DesktopEntry* entry) {
   if (key.empty()) return;
   const auto [slot, isFirst] = claims.emplace(std::move(key), entry);
   if (!isFirst && slot->second != entry) slot->second = nullptr;
 }
 
-const DesktopEntry* find(const std::unordered_map<std::string, const DesktopEntry*>& claims, const std::string& key) {
+const DesktopEntry* find(const std::unordered_map<std::string, const DesktopEntry*>& claims,
+                         const std::string& key) {
   const auto found = claims.find(key);
   return found == claims.end() ? nullptr : found->second;
 }
@@ -88,7 +90,8 @@ const DesktopEntry* find(const std::unordered_map<std::string, const DesktopEntr
 
 bool isInterpreter(std::string_view programPath) {
   const auto base = programPath.substr(programPath.rfind('/') + 1);
-  for (const std::string_view name : {"python", "perl", "ruby", "node", "electron", "java", "gjs", "mono", "wine"}) {
+  for (const std::string_view name :
+       {"python", "perl", "ruby", "node", "electron", "java", "gjs", "mono", "wine"}) {
     if (base.starts_with(name)) return true;
   }
   return base == "sh" || base == "bash" || base == "dash" || base == "zsh" || base == "fish";
@@ -160,6 +163,7 @@ void DesktopEntryIndex::watch(const std::string& folder) {
 void DesktopEntryIndex::read() {
   entries_.clear();
   order_.clear();
+  readFolders_.clear();
   for (const auto& folder : places_.folders) readFolder(folder, "", 0);
   indexEntries();
 }
@@ -168,13 +172,19 @@ void DesktopEntryIndex::readFolder(const std::string& folder, const std::string&
   watch(folder);
   DIR* listing = opendir(folder.c_str());
   if (!listing) return;
+  struct stat self {};
+  if (fstat(dirfd(listing), &self) != 0 || !readFolders_.emplace(self.st_dev, self.st_ino).second) {
+    closedir(listing);  // reached once more by a link
+    return;
+  }
   while (const dirent* item = readdir(listing)) {
     const std::string name = item->d_name;
     if (name.starts_with('.')) continue;
     if (!name.ends_with(".desktop")) {
       struct stat info {};
       const bool isFolder = fstatat(dirfd(listing), name.c_str(), &info, 0) == 0 && S_ISDIR(info.st_mode);
-      if (isFolder && depth < deepestFolder) readFolder(folder + "/" + name, idPrefix + name + "-", depth + 1);
+      if (isFolder && depth < deepestFolder)
+        readFolder(folder + "/" + name, idPrefix + name + "-", depth + 1);
       continue;
     }
     const std::string id = idPrefix + name.substr(0, name.size() - 8);

@@ -1,24 +1,28 @@
 #pragma once
 
+#include "base/Scheduler.h"
+#include "linux/DesktopEntry.h"
+
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
-
-#include "base/Scheduler.h"
-#include "linux/DesktopEntry.h"
 
 class QSocketNotifier;
 
 namespace vorli::linuxhost {
 
-/// All desktop entries of this user, by id and by what they start. Reads the folders once and again when inotify tells
-/// of a change; a burst of changes, as a package upgrade makes them, is one reading. Main thread.
+/// All desktop entries of this user, by id and by what they start. Reads the folders once and again when
+/// inotify tells of a change; a burst of changes, as a package upgrade makes them, is one reading. Main
+/// thread.
 class DesktopEntryIndex {
  public:
-  /// Folders of entries, the most important first: an id found in an earlier one hides the same id in a later one.
+  /// Folders of entries, the most important first: an id found in an earlier one hides the same id in a later
+  /// one.
   struct Places {
     std::vector<std::string> folders;
     std::vector<std::string> programPath;  // where a program named without a slash is searched
@@ -35,12 +39,13 @@ class DesktopEntryIndex {
   const DesktopEntry* byID(std::string_view id) const;
   /// Ids are compared without regard to case; the first of the index's order counts.
   const DesktopEntry* byIDIgnoringCase(std::string_view id) const;
-  /// By the last dotted piece of the id, lower case: "org.example.Viewer" for "viewer". Null when two entries claim it.
+  /// By the last dotted piece of the id, lower case: "org.example.Viewer" for "viewer". Null when two entries
+  /// claim it.
   const DesktopEntry* byLastPiece(std::string_view piece) const;
   /// Exact in case. Null when two entries claim it.
   const DesktopEntry* byStartupWMClass(std::string_view wmClass) const;
-  /// The one visible entry that starts the program file at `realPath`, an interpreter's script included. Null when none
-  /// or several do.
+  /// The one visible entry that starts the program file at `realPath`, an interpreter's script included. Null
+  /// when none or several do.
   const DesktopEntry* byProgram(std::string_view realPath) const;
 
   std::size_t size() const { return entries_.size(); }
@@ -62,6 +67,7 @@ class DesktopEntryIndex {
   const Places places_;
   std::unordered_map<std::string, DesktopEntry> entries_;
   std::vector<std::string> order_;
+  std::set<std::pair<std::uint64_t, std::uint64_t>> readFolders_;  // device and inode
   Claims byLowerID_, byLastPiece_, byClass_, byProgram_;
   std::function<void()> changed_;
   int inotify_ = -1;

@@ -55,8 +55,8 @@ std::string_view controlGroupPath(std::string_view cgroup) {
   return path;
 }
 
-// "app-gnome-org.example.Viewer-1234.scope" names the ids "gnome-org.example.Viewer" and, one part less, without the
-// launcher.
+// "app-gnome-org.example.Viewer-1234.scope" names the ids "gnome-org.example.Viewer" and, one part less,
+// without the launcher.
 CgroupEvidence evidenceFromUnit(std::string_view unit) {
   CgroupEvidence evidence;
   std::string_view name = unit.substr(4);
@@ -114,8 +114,8 @@ CgroupEvidence evidenceFromCgroup(std::string_view cgroup) {
   const auto unit = path.substr(path.rfind('/') + 1);
   const bool isUnit = unit.ends_with(".scope") || unit.ends_with(".service");
   if (isUnit && unit.starts_with("snap.")) return evidenceFromSnap(unit);
-  const bool isAppSlice =
-      path.find("/app.slice/") != std::string_view::npos || path.find("/background.slice/") != std::string_view::npos;
+  const bool isAppSlice = path.find("/app.slice/") != std::string_view::npos ||
+                          path.find("/background.slice/") != std::string_view::npos;
   if (!isUnit || !unit.starts_with("app-")) return {};
   const auto evidence = evidenceFromUnit(unit);
   return isAppSlice || evidence.kind == CgroupEvidence::Kind::flatpak ? evidence : CgroupEvidence{};
@@ -126,7 +126,8 @@ std::string launchedDesktopFile(std::string_view environment, int pid) {
   const auto launched = valueOf(environment, "GIO_LAUNCHED_DESKTOP_FILE_PID", '\0');
   if (!file || !launched) return {};
   int launchedPID = 0;
-  const auto [end, failed] = std::from_chars(launched->data(), launched->data() + launched->size(), launchedPID);
+  const auto [end, failed] =
+      std::from_chars(launched->data(), launched->data() + launched->size(), launchedPID);
   if (failed != std::errc() || end != launched->data() + launched->size() || launchedPID != pid) return {};
   return std::string(*file);
 }

@@ -22,11 +22,12 @@ struct CgroupEvidence {
 };
 
 /// Reads `/proc/PID/cgroup`. Units are named by the rules that desktops share:
-/// `app[-LAUNCHER]-ID-RANDOM.scope`, `app[-LAUNCHER]-ID[@RANDOM].service`, with `\x2d` for a dash inside of a part.
+/// `app[-LAUNCHER]-ID-RANDOM.scope`, `app[-LAUNCHER]-ID[@RANDOM].service`, with `\x2d` for a dash inside of a
+/// part.
 CgroupEvidence evidenceFromCgroup(std::string_view cgroup);
 
-/// The desktop file that GIO says it launched this very process from; empty when there is none, or when the variables
-/// were inherited from a parent.
+/// The desktop file that GIO says it launched this very process from; empty when there is none, or when the
+/// variables were inherited from a parent.
 std::string launchedDesktopFile(std::string_view environment, int pid);
 
 /// The words of a `/proc/PID/cmdline`.

@@ -1,11 +1,10 @@
 #include "linux/WindowList.h"
 
+#include <QSocketNotifier>
 #include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <cstring>
-
-#include <QSocketNotifier>
 #include <unistd.h>
 #include <xcb/res.h>
 #include <xcb/xcb.h>
@@ -90,7 +89,7 @@ struct WindowList::Atoms {
     }
     for (std::size_t i = 0; i < wanted.size(); ++i) {
       const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookies[i], nullptr));
-      *wanted[i].first = reply ? reply->atom : XCB_ATOM_NONE;
+      *wanted[i].first = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
     }
   }
 };
@@ -98,7 +97,8 @@ struct WindowList::Atoms {
 namespace {
 
 xcb_get_property_cookie_t ask(xcb_connection_t* connection, std::uint32_t window, xcb_atom_t property) {
-  return xcb_get_property(connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, longestPropertyWords);
+  return xcb_get_property(connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0,
+                          longestPropertyWords);
 }
 
 Property answer(xcb_connection_t* connection, xcb_get_property_cookie_t cookie) {
@@ -135,7 +135,9 @@ WindowList::~WindowList() {
   if (connection_) xcb_disconnect(connection_);
 }
 
-bool WindowList::canSeeWindows() const { return connection_ && hasClientList_; }
+bool WindowList::canSeeWindows() const {
+  return connection_ && hasClientList_;
+}
 
 std::optional<DesktopWindow> WindowList::activeWindow() const {
   const auto found = std::find_if(windows_.begin(), windows_.end(),
@@ -186,7 +188,8 @@ void WindowList::readClientList() {
   std::vector<DesktopWindow> kept;
   std::vector<std::uint32_t> fresh;
   for (const auto id : ids) {
-    const auto known = std::find_if(windows_.begin(), windows_.end(), [id](const auto& window) { return window.id == id; });
+    const auto known =
+        std::find_if(windows_.begin(), windows_.end(), [id](const auto& window) { return window.id == id; });
     if (known == windows_.end()) {
       fresh.push_back(id);
     } else {
@@ -225,8 +228,10 @@ std::vector<DesktopWindow> WindowList::describe(const std::vector<std::uint32_t>
     window.id = ids[i];
     window.pid = pidFromServer(client.get());
     const auto machine = text(answers[1]);
-    const bool isRemote = !machine.empty() && !thisMachine.empty() && machine != thisMachine && machine != "localhost";
-    if (window.pid == 0 && !isRemote) window.pid = static_cast<std::int32_t>(firstWord(answers[0]).value_or(0));
+    const bool isRemote =
+        !machine.empty() && !thisMachine.empty() && machine != thisMachine && machine != "localhost";
+    if (window.pid == 0 && !isRemote)
+      window.pid = static_cast<std::int32_t>(firstWord(answers[0]).value_or(0));
     const auto classes = text(answers[2]);
     window.wmInstance = classes.substr(0, classes.find('\0'));
     if (classes.size() > window.wmInstance.size() + 1) {
@@ -242,14 +247,16 @@ std::vector<DesktopWindow> WindowList::describe(const std::vector<std::uint32_t>
 }
 
 void WindowList::readActiveWindow() {
-  const auto active = firstWord(answer(connection_, ask(connection_, root_, atoms_->activeWindow))).value_or(0);
+  const auto active =
+      firstWord(answer(connection_, ask(connection_, root_, atoms_->activeWindow))).value_or(0);
   // Window managers tell each focus change once or twice.
   if (active == std::exchange(active_, active)) return;
   if (handlers_.activeWindowChanged) handlers_.activeWindowChanged();
 }
 
 void WindowList::readCurrentDesktop() {
-  const auto desktop = firstWord(answer(connection_, ask(connection_, root_, atoms_->currentDesktop))).value_or(0);
+  const auto desktop =
+      firstWord(answer(connection_, ask(connection_, root_, atoms_->currentDesktop))).value_or(0);
   if (desktop == std::exchange(currentDesktop_, desktop)) return;
   if (handlers_.workspaceChanged) handlers_.workspaceChanged();
 }
@@ -262,7 +269,8 @@ std::vector<std::int32_t> WindowList::ownersOfVisibleWindows() {
   };
   std::vector<Questions> asked;
   for (const auto& window : windows_) {
-    asked.push_back({xcb_get_window_attributes(connection_, window.id), ask(connection_, window.id, atoms_->state),
+    asked.push_back({xcb_get_window_attributes(connection_, window.id),
+                     ask(connection_, window.id, atoms_->state),
                      ask(connection_, window.id, atoms_->windowDesktop)});
   }
   std::vector<std::int32_t> owners;
@@ -290,7 +298,8 @@ void WindowList::requestClose(std::uint32_t window) {
   message.type = atoms_->closeWindow;
   message.data.data32[0] = XCB_CURRENT_TIME;
   message.data.data32[1] = 2;  // the request comes from a pager or the like, not from the application itself
-  xcb_send_event(connection_, 0, root_, XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+  xcb_send_event(connection_, 0, root_,
+                 XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                  reinterpret_cast<const char*>(&message));
   xcb_flush(connection_);
 }

@@ -25,8 +25,8 @@ struct DesktopWindow {
   bool operator==(const DesktopWindow&) const = default;
 };
 
-/// The X server's windows, followed by events and never by polling. Main thread; a change costs one pipelined round
-/// trip to the server for the new windows.
+/// The X server's windows, followed by events and never by polling. Main thread; a change costs one pipelined
+/// round trip to the server for the new windows.
 class WindowList {
  public:
   /// Connects to `display`, or to the one of the environment when it is null.
@@ -42,10 +42,12 @@ class WindowList {
   /// Empty when no window of an application has the focus.
   std::optional<DesktopWindow> activeWindow() const;
 
-  /// Processes with a window that the user can see now: mapped, not minimised, on this workspace. One round trip.
+  /// Processes with a window that the user can see now: mapped, not minimised, on this workspace. One round
+  /// trip.
   std::vector<std::int32_t> ownersOfVisibleWindows();
 
-  /// Asks the window manager to close a window, as its close button does. The application may ask the user first.
+  /// Asks the window manager to close a window, as its close button does. The application may ask the user
+  /// first.
   void requestClose(std::uint32_t window);
 
   struct Handlers {

@@ -1,12 +1,10 @@
 #include "linux/DesktopEntryIndex.h"
+#include "tests/fakes/ManualScheduler.h"
 
 #include <filesystem>
 #include <fstream>
-
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-
-#include "tests/fakes/ManualScheduler.h"
 
 namespace vorli::linuxhost {
 namespace {
@@ -101,7 +99,8 @@ TEST_F(DesktopEntryIndexTest, hostileFoldersNeitherBlockNorBreakTheIndex) {
   fs::create_directory(root / "system/folder.desktop");
   std::ofstream(root / "system/huge.desktop") << std::string(5 * 1024 * 1024, 'x');
   std::ofstream(root / "system/binary.desktop") << std::string("\0\xff\xfe[Desktop Entry]", 18);
-  for (int i = 0; i < 60; ++i) entry("system/broken" + std::to_string(i) + ".desktop", "\"open" + std::string(i, '\\'));
+  for (int i = 0; i < 60; ++i)
+    entry("system/broken" + std::to_string(i) + ".desktop", "\"open" + std::string(i, '\\'));
   program("bin/good");
   entry("system/good.desktop", "good");
   const auto entries = index();

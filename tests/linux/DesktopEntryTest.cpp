@@ -14,7 +14,8 @@ DesktopEntry parsed(const std::string& text, const std::vector<std::string>& loc
 }
 
 TEST(DesktopEntryTest, readsWhatProcessesAreMatchedWith) {
-  const auto entry = parsed(minimal + "Icon=viewer-icon\nStartupWMClass=Viewer-bin\nX-Flatpak=org.example.Viewer\n");
+  const auto entry =
+      parsed(minimal + "Icon=viewer-icon\nStartupWMClass=Viewer-bin\nX-Flatpak=org.example.Viewer\n");
   EXPECT_EQ(entry.name, "Viewer");
   EXPECT_EQ(entry.program, "viewer");
   EXPECT_EQ(entry.icon, "viewer-icon");
@@ -32,7 +33,8 @@ TEST(DesktopEntryTest, takesTheNameInTheMostExactLanguageThatItHas) {
 }
 
 TEST(DesktopEntryTest, ordersLocaleKeysFromTheMostExact) {
-  EXPECT_EQ(localeKeys("de_AT.UTF-8@euro"), (std::vector<std::string>{"de_AT@euro", "de_AT", "de@euro", "de"}));
+  EXPECT_EQ(localeKeys("de_AT.UTF-8@euro"),
+            (std::vector<std::string>{"de_AT@euro", "de_AT", "de@euro", "de"}));
   EXPECT_EQ(localeKeys("fr"), std::vector<std::string>{"fr"});
   EXPECT_TRUE(localeKeys("POSIX").empty());
   EXPECT_TRUE(localeKeys("").empty());
@@ -40,8 +42,8 @@ TEST(DesktopEntryTest, ordersLocaleKeysFromTheMostExact) {
 
 TEST(DesktopEntryTest, looksBehindWrappersForTheProgram) {
   EXPECT_EQ(parsed(minimal + "").program, "viewer");
-  const auto entry =
-      parsed("[Desktop Entry]\nType=Application\nName=V\nExec=env -u X A=1 B=/c \"/opt/My App/run\" --flag %f\n");
+  const auto entry = parsed(
+      "[Desktop Entry]\nType=Application\nName=V\nExec=env -u X A=1 B=/c \"/opt/My App/run\" --flag %f\n");
   EXPECT_EQ(entry.program, "/opt/My App/run");
   EXPECT_EQ(entry.arguments, std::vector<std::string>{"--flag"});
 }
@@ -71,10 +73,13 @@ TEST(DesktopEntryTest, readsOnlyItsOwnGroup) {
   EXPECT_EQ(entry.program, "viewer");
 }
 
-TEST(DesktopEntryTest, theFirstOfTwoEqualKeysCounts) { EXPECT_EQ(parsed(minimal + "Name=Other\n").name, "Viewer"); }
+TEST(DesktopEntryTest, theFirstOfTwoEqualKeysCounts) {
+  EXPECT_EQ(parsed(minimal + "Name=Other\n").name, "Viewer");
+}
 
 TEST(DesktopEntryTest, toleratesWindowsLineEndsAndBlanks) {
-  EXPECT_EQ(parsed("[Desktop Entry]\r\nType = Application\r\nName =  Viewer \r\nExec=viewer\r\n").name, "Viewer");
+  EXPECT_EQ(parsed("[Desktop Entry]\r\nType = Application\r\nName =  Viewer \r\nExec=viewer\r\n").name,
+            "Viewer");
 }
 
 TEST(DesktopEntryTest, repairsInvalidText) {
@@ -83,9 +88,10 @@ TEST(DesktopEntryTest, repairsInvalidText) {
 
 TEST(DesktopEntryTest, whatIsNoApplicationIsRefusedWithAReason) {
   for (const std::string text :
-       {"", "\n", "garbage", "[Desktop Entry", "[Desktop Entry]", "[Other]\nType=Application\nName=V\nExec=v\n",
-        "[Desktop Entry]\nType=Link\nName=V\nURL=x\n", "[Desktop Entry]\nType=Application\nExec=v\n",
-        "[Desktop Entry]\nType=Application\nName=V\n", "[Desktop Entry]\nType=Application\nName=V\nExec=\n",
+       {"", "\n", "garbage", "[Desktop Entry", "[Desktop Entry]",
+        "[Other]\nType=Application\nName=V\nExec=v\n", "[Desktop Entry]\nType=Link\nName=V\nURL=x\n",
+        "[Desktop Entry]\nType=Application\nExec=v\n", "[Desktop Entry]\nType=Application\nName=V\n",
+        "[Desktop Entry]\nType=Application\nName=V\nExec=\n",
         "[Desktop Entry]\nType=Application\nName=V\nExec=\"open\n", "[Desktop Entry]\nName=V\nExec=v\n",
         "Type=Application\nName=V\nExec=v\n", "[Desktop Entry]\nType=application\nName=V\nExec=v\n"}) {
     const auto entry = parseDesktopEntry(text, {});
