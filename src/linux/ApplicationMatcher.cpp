@@ -1,0 +1,146 @@
+#include "linux/ApplicationMatcher.h"
+
+#include "linux/ProcessEvidence.h"
+#include "linux/SmallFile.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+
+namespace vorli::linuxhost {
+
+namespace {
+
+// Field 22 of a stat line, ticks since boot; the name before it may hold blanks and brackets. 0 when
+// unreadable.
+std::uint64_t startTicks(std::string_view stat) {
+  const auto bracket = stat.rfind(')');
+  if (bracket == std::string_view::npos) return 0;
+  stat.remove_prefix(bracket + 1);
+  for (int field = 3; field <= 22; ++field) {
+    const auto start = stat.find_first_not_of(' ');
+    if (start == std::string_view::npos) return 0;
+    stat.remove_prefix(start);
+    if (field == 22) break;
+    stat.remove_prefix(std::min(stat.find(' '), stat.size()));
+  }
+  std::uint64_t ticks = 0;
+  std::from_chars(stat.data(), stat.data() + stat.size(), ticks);
+  return ticks;
+}
+
+std::string_view unifiedPath(std::string_view cgroup) {
+  const auto start = cgroup.find("0::");
+  if (start == std::string_view::npos) return {};
+  cgroup.remove_prefix(start + 3);
+  return cgroup.substr(0, cgroup.find('\n'));
+}
+
+// "/usr/lib/viewer/viewer (deleted)" is a program that an upgrade replaced under the running process.
+std::string withoutDeletedMark(std::string path) {
+  constexpr std::string_view mark = " (deleted)";
+  if (path.ends_with(mark)) path.resize(path.size() - mark.size());
+  return path;
+}
+
+}  // namespace
+
+ApplicationMatcher::ApplicationMatcher(const DesktopEntryIndex& entries, std::string root)
+    : entries_(entries), root_(std::move(root)) {}
+
+const DesktopEntry* ApplicationMatcher::match(std::int32_t pid,
+                                              std::span<const DesktopWindow> windows) const {
+  const std::string process = root_ + "/proc/" + std::to_string(pid);
+  if (const auto* entry = byFlatpak(process)) return entry;
+  if (const auto* entry = byControlGroup(pid, process)) return entry;
+  if (const auto* entry = byLaunchRecord(pid, process)) return entry;
+  for (const auto& window : windows) {
+    if (const auto* entry = byWindow(window)) return entry;
+  }
+  return byExecutable(process);
+}
+
+const DesktopEntry* ApplicationMatcher::byFlatpak(const std::string& process) const {
+  const auto info = readSmallFile(process + "/root/.flatpak-info");
+  return info ? entries_.byID(flatpakIDFromInfo(*info)) : nullptr;
+}
+
+const DesktopEntry* ApplicationMatcher::byControlGroup(std::int32_t pid, const std::string& process) const {
+  const auto cgroup = readSmallFile(process + "/cgroup");
+  if (!cgroup) return nullptr;
+  const auto evidence = evidenceFromCgroup(*cgroup);
+  for (const auto& id : evidence.ids) {
+    const auto* entry = entries_.byID(id);
+    if (!entry) continue;
+    // A shell in a terminal, and everything started in it, inherits the terminal's unit.
+    const bool isUnit = evidence.kind == CgroupEvidence::Kind::systemdUnit;
+    if (!isUnit || byExecutable(process) == entry || leadsItsControlGroup(pid, *cgroup)) return entry;
+    return nullptr;
+  }
+  return nullptr;
+}
+
+// True for the oldest process of the group and for those that run the same program.
+bool ApplicationMatcher::leadsItsControlGroup(std::int32_t pid, const std::string& cgroup) const {
+  const auto members =
+      readSmallFile(root_ + "/sys/fs/cgroup" + std::string(unifiedPath(cgroup)) + "/cgroup.procs");
+  if (!members) return false;
+  std::string_view rest = *members;
+  std::int32_t oldest = 0;
+  std::uint64_t oldestStart = UINT64_MAX;
+  while (!rest.empty()) {
+    std::int32_t member = 0;
+    std::from_chars(rest.data(), rest.data() + rest.size(), member);
+    const auto stat = readSmallFile(root_ + "/proc/" + std::to_string(member) + "/stat");
+    const auto start = stat ? startTicks(*stat) : 0;
+    if (start != 0 && start < oldestStart) {
+      oldest = member;
+      oldestStart = start;
+    }
+    const auto end = rest.find('\n');
+    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+  }
+  if (oldest == pid) return true;
+  const auto own = readLink(root_ + "/proc/" + std::to_string(pid) + "/exe");
+  return !own.empty() && own == readLink(root_ + "/proc/" + std::to_string(oldest) + "/exe");
+}
+
+const DesktopEntry* ApplicationMatcher::byLaunchRecord(std::int32_t pid, const std::string& process) const {
+  const auto environment = readSmallFile(process + "/environ");
+  if (!environment) return nullptr;
+  auto file = launchedDesktopFile(*environment, pid);
+  if (!file.ends_with(".desktop")) return nullptr;
+  file.resize(file.size() - 8);
+  const auto* entry = entries_.byID(file.substr(file.rfind('/') + 1));
+  return entry && entry->path == file + ".desktop" ? entry : nullptr;
+}
+
+const DesktopEntry* ApplicationMatcher::byWindow(const DesktopWindow& window) const {
+  if (const auto* entry = entries_.byID(window.gtkApplicationID)) return entry;
+  if (!window.kdeDesktopFile.empty()) {
+    std::string id = window.kdeDesktopFile.substr(window.kdeDesktopFile.rfind('/') + 1);
+    if (id.ends_with(".desktop")) id.resize(id.size() - 8);
+    if (const auto* entry = entries_.byID(id)) return entry;
+  }
+  using Lookup = const DesktopEntry* (DesktopEntryIndex::*)(std::string_view) const;
+  for (const Lookup lookup : {&DesktopEntryIndex::byStartupWMClass, &DesktopEntryIndex::byIDIgnoringCase,
+                              &DesktopEntryIndex::byLastPiece}) {
+    for (const auto& name : {window.wmClass, window.wmInstance}) {
+      const auto* entry = name.empty() ? nullptr : (entries_.*lookup)(name);
+      if (entry) return entry;
+    }
+  }
+  return nullptr;
+}
+
+const DesktopEntry* ApplicationMatcher::byExecutable(const std::string& process) const {
+  const auto program = withoutDeletedMark(readLink(process + "/exe"));
+  if (program.empty()) return nullptr;
+  if (!isInterpreter(program)) return entries_.byProgram(program);
+  const auto words = commandLineWords(readSmallFile(process + "/cmdline").value_or(""));
+  const auto script = std::find_if(words.begin() + (words.empty() ? 0 : 1), words.end(),
+                                   [](const auto& word) { return !word.starts_with('-'); });
+  return script == words.end() ? nullptr : entries_.byProgram(*script);
+}
+
+}  // namespace vorli::linuxhost
