@@ -1,5 +1,7 @@
 #include "helper/ApplicationsFolder.h"
 
+#include "base/HostSystem.h"
+
 #include <algorithm>
 #include <array>
 #include <string>
@@ -25,11 +27,7 @@ constexpr ApplicationsFolders ApplicationsFolders::macOS{macOSFolders, macOSHome
 constexpr ApplicationsFolders ApplicationsFolders::linuxDesktop{linuxFolders, linuxHomeFolders};
 
 const ApplicationsFolders& ApplicationsFolders::ofThisSystem() {
-#if defined(__APPLE__)
-  return macOS;
-#else
-  return linuxDesktop;
-#endif
+  return hostSystem == HostSystem::macOS ? macOS : linuxDesktop;
 }
 
 bool isAppInApplicationsFolder(const ports::ApplicationBundle& bundle, const ApplicationsFolders& folders) {
