@@ -1,0 +1,225 @@
+#!/usr/bin/env python3
+"""Plants each offence in a tree of its own and sees that tools/check_includes tells it, and only it."""
+
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.realpath(__file__))))
+CONTRACT = "packaging/linux/com.kv.vorli.helper.xml"
+
+
+class CheckIncludesTest(unittest.TestCase):
+    def setUp(self):
+        self.root = tempfile.mkdtemp(prefix="vorli-check-")
+        self.addCleanup(shutil.rmtree, self.root)
+        with open(os.path.join(ROOT, CONTRACT), encoding="utf-8") as file:
+            self.contract = file.read()
+        self.plant(CONTRACT, self.contract)
+        # One port each that is still listed as under way would be told as "no port": give them a header.
+        sys.path.insert(0, os.path.join(ROOT, "tools"))
+        from source_rules.layers import PORTS_UNDER_WAY
+
+        for name in PORTS_UNDER_WAY:
+            self.plant(f"src/ports/{name}.h", f"class {name} {{ virtual void call() = 0; }};")
+        self.plant("src/base/Date.h", "#include <chrono>\nstruct Date {};\n")
+        self.plant("src/ports/Clock.h", '#include "base/Date.h"\nstruct Clock { virtual Date now() = 0; };\n')
+        self.plant("src/linux/Clock.h", '#include "ports/Clock.h"\n#include <unistd.h>\n#include <QDBusMessage>\n')
+        self.plant("tests/fakes/Clock.h", '#include "ports/Clock.h"\n')
+
+    def plant(self, path, text):
+        full = os.path.join(self.root, path)
+        os.makedirs(os.path.dirname(full), exist_ok=True)
+        with open(full, "w", encoding="utf-8") as file:
+            file.write(text)
+
+    def check(self):
+        run = subprocess.run(
+            [os.path.join(ROOT, "tools/check_includes"), self.root], capture_output=True, text=True, check=False
+        )
+        self.assertEqual(run.returncode, 1 if run.stdout else 0, run.stderr)
+        return run.stdout.splitlines()
+
+    def refused(self, path, text, *expected, line=1):
+        """Plants one file and expects exactly one told line for it, which holds the texts."""
+        self.plant(path, text)
+        told = self.check()
+        self.assertEqual(len(told), 1, told)
+        self.assertTrue(told[0].startswith(f"{path}:{line}: "), told)
+        for part in expected:
+            self.assertIn(part, told[0])
+
+    def accepted(self, path, text):
+        self.plant(path, text)
+        self.assertEqual(self.check(), [])
+
+    def testCleanTreePasses(self):
+        self.assertEqual(self.check(), [])
+
+    # --- the include table
+
+    def testBaseIncludesTheStandardLibraryOnly(self):
+        self.accepted("src/base/Good.h", "#include <map>\n#include <csignal>\n")
+        self.refused("src/base/Bad.h", "#include <unistd.h>\n", "operating system")
+
+    def testBaseIncludesNoPort(self):
+        self.refused("src/base/Bad.h", '#include "ports/Clock.h"\n', "base may not include", "ports/Clock.h")
+
+    def testPortsIncludeBaseAndTheHelperContractOnly(self):
+        self.plant("src/helper/HelperManager.h", "")
+        self.accepted("src/helper/HelperProtocol.h", "")
+        self.accepted("src/ports/Good.h", '#include "helper/HelperProtocol.h"\n')
+        self.refused("src/ports/Bad.h", '#include "helper/HelperManager.h"\n', "ports may not include")
+
+    def testCoreIncludesNoQt(self):
+        self.refused("src/polish/Bad.cpp", "#include <QString>\n", "polish may not include QtCore")
+
+    def testCoreIncludesNoUi(self):
+        self.plant("src/ui/Widget.h", "")
+        self.refused("src/polish/Bad.cpp", '#include "ui/Widget.h"\n', "polish may not include")
+
+    def testSamplingIncludesNoConsumerOfItsValues(self):
+        self.plant("src/app/AppSettings.h", "")
+        self.plant("src/app/AppDelegate.h", "")
+        self.accepted("src/sampling/Good.cpp", '#include "app/AppSettings.h"\n')
+        self.refused("src/sampling/Bad.cpp", '#include "app/AppDelegate.h"\n', "sampling may not include")
+
+    def testDaemonIncludesBaseAndContractOnly(self):
+        self.plant("src/helper/HelperProtocol.h", "")
+        self.accepted("src/daemon/Good.cpp", '#include "helper/HelperProtocol.h"\n')
+        self.refused("src/daemon/Bad.cpp", '#include "ports/Clock.h"\n', "daemon may not include")
+
+    def testPlatformIncludesNoCore(self):
+        self.plant("src/sampling/RingState.h", "")
+        self.refused("src/linux/Bad.cpp", '#include "sampling/RingState.h"\n', "linux may not include")
+
+    def testPlatformDrawsNothing(self):
+        self.refused("src/linux/Bad.cpp", "#include <QPainter>\n", "linux may not include QtGui")
+
+    def testPosixKnowsNoLinux(self):
+        self.refused("src/posix/Bad.cpp", '#include "linux/Clock.h"\n', "posix may not include")
+
+    def testUiIncludesSystemHeadersInItsPlatformFolderOnly(self):
+        self.accepted("src/ui/linux/Good.cpp", "#include <xcb/xcb.h>\n#include <QWidget>\n")
+        self.refused("src/ui/Bad.cpp", "#include <xcb/xcb.h>\n", "operating system")
+
+    def testUiIncludesNeitherLinuxNorItsOwnPlatformFolder(self):
+        self.plant("src/ui/linux/StatusItem.h", "")
+        self.accepted("src/main/main.cpp", '#include "ui/linux/StatusItem.h"\n#include "linux/Clock.h"\n')
+        self.refused("src/ui/Bad.cpp", '#include "ui/linux/StatusItem.h"\n', "ui may not include")
+        os.remove(os.path.join(self.root, "src/ui/Bad.cpp"))
+        self.refused("src/ui/linux/Bad.cpp", '#include "linux/Clock.h"\n', "ui/linux may not include")
+
+    def testGeneratedContractStaysInThePlatformFolder(self):
+        self.accepted("src/linux/Good.cpp", '#include "helper_contract/HelperProxy.h"\n')
+        self.refused("src/helper/Bad.cpp", '#include "helper_contract/HelperProxy.h"\n', "generated contract")
+
+    def testUnknownFolderAndUnknownFileAreTold(self):
+        self.refused("src/misc/Bad.cpp", "", "does not know")
+        shutil.rmtree(os.path.join(self.root, "src/misc"))
+        self.refused("src/app/Bad.cpp", '\n#include "Neighbour.h"\n', "not in src", line=2)
+
+    def testIncludeInACommentIsNone(self):
+        self.accepted("src/base/Good.h", '// #include "ports/Clock.h"\n/*\n#include <unistd.h>\n*/\n')
+
+    def testCycleIsToldOnce(self):
+        self.plant("src/app/One.h", '#include "app/Two.h"\n')
+        self.plant("src/app/Two.h", '#include "app/Three.h"\n')
+        self.plant("src/app/Three.h", '#include "app/One.h"\n')
+        told = self.check()
+        self.assertEqual(len(told), 1, told)
+        self.assertIn("in a circle", told[0])
+        for name in ("One", "Two", "Three"):
+            self.assertIn(f"app/{name}.h", told[0])
+
+    # --- ports
+
+    def testPortWithoutFakeIsTold(self):
+        self.plant("src/posix/Disk.h", "")
+        self.refused("src/ports/Disk.h", "struct Disk { virtual int free() = 0; };", "has no fake")
+
+    def testPortWithoutBackEndIsTold(self):
+        self.plant("tests/fakes/Disk.h", '#include "ports/Disk.h"\n')
+        self.refused("src/ports/Disk.h", "struct Disk { virtual int free() = 0; };", "has no back end")
+
+    def testPlainRecordNeedsNeither(self):
+        self.accepted("src/ports/Row.h", "struct Row { int pid; };")
+
+    def testFakeBearsItsPortsName(self):
+        self.accepted("tests/fakes/ManualScheduler.h", '#include "base/Scheduler.h"\n')
+        self.refused("tests/fakes/SteppedClock.h", '#include "ports/Clock.h"\n', "under another name")
+
+    # --- lines
+
+    def testBracketInACoAwaitExpressionIsTold(self):
+        self.accepted("src/app/Good.cpp", 'co_await sleep("[");  // [\nint a[2];\n')
+        self.refused("src/app/Bad.cpp", "co_await run([x] { return x; });\n", "co_await")
+        self.refused("src/app/Bad.cpp", "co_await run(\n    [x] { return x; });\n", "co_await")
+
+    def testCoroutineLambdaIsTold(self):
+        self.refused("tests/app/Bad.cpp", "auto f = [x]() -> Task<int> { co_return x; };\n", "lambda")
+
+    def testSharedInstanceStaysInMainAppAndUi(self):
+        self.accepted("src/app/Good.cpp", "SystemMonitor::shared().refresh();\n")
+        self.refused("src/polish/Bad.cpp", "\nSystemMonitor::shared().refresh();\n", "shared()", line=2)
+
+    def testClockSleepAndTimerAreTold(self):
+        for text in (
+            "auto t = std::chrono::steady_clock::now();",
+            "std::this_thread::sleep_for(limit);",
+            "::usleep(10);",
+            "auto t = time(nullptr);",
+            "clock_gettime(CLOCK_MONOTONIC, &t);",
+            "int fd = timerfd_create(CLOCK_MONOTONIC, 0);",
+            "QTimer timer;",
+            "auto t = QDateTime::currentDateTime();",
+        ):
+            with self.subTest(text):
+                self.refused("src/linux/Bad.cpp", text + "\n", "clock, sleep or timer")
+
+    def testSchedulerAndCalendarClockAreTheClocks(self):
+        self.accepted("src/ui/QtScheduler.cpp", "auto t = std::chrono::steady_clock::now();\n")
+        self.accepted("src/posix/CalendarClock.cpp", "auto t = std::chrono::system_clock::now();\n")
+
+    def testPlatformConditionIsTold(self):
+        self.accepted("src/linux/Good.cpp", "#ifdef __GLIBC__\n#endif\n")
+        self.accepted("src/base/HostSystem.h", "#if defined(__APPLE__)\n#endif\n")
+        self.refused("src/startup/Bad.cpp", "#if defined(__APPLE__)\n#endif\n", "condition on the platform")
+
+    def testJudgingACallerByPidIsTold(self):
+        for text in ("message.getCredsUid();", 'subject("unix-process");', "message.getCredsPid();"):
+            with self.subTest(text):
+                self.refused("src/linux/daemon/Bad.cpp", text + "\n", "by its pid")
+
+    def testLongFilesAreTold(self):
+        self.accepted("src/app/Long.cpp", "\n" * 400)
+        self.refused("src/app/Long.cpp", "\n" * 401, "401 lines", line=401)
+        os.remove(os.path.join(self.root, "src/app/Long.cpp"))
+        self.accepted("tests/app/LongTest.cpp", "\n" * 600)
+        self.refused("tests/app/LongTest.cpp", "\n" * 601, "601 lines", line=601)
+
+    def testSleepInATestIsTold(self):
+        self.accepted("tests/desktop/waiting.py", "time.sleep(0.05)\n")
+        for path, text in (
+            ("tests/app/BadTest.cpp", "std::this_thread::sleep_for(limit);"),
+            ("tests/ui/BadTest.cpp", "QTest::qWait(10);"),
+            ("tests/desktop/bad.py", "time.sleep(1)"),
+            ("tests/desktop/bad.sh", "sleep 1"),
+        ):
+            with self.subTest(path):
+                self.refused(path, text + "\n", "a sleep in a test")
+                os.remove(os.path.join(self.root, path))
+
+    def testContractWithABlockingMethodIsTold(self):
+        self.refused(CONTRACT, self.contract.replace('value="clientserver"', 'value="client-server"', 1), "PurgeMemory", "Async")
+
+    def testMissingContractIsTold(self):
+        os.remove(os.path.join(self.root, CONTRACT))
+        self.assertEqual(self.check(), [f"{CONTRACT}:1: is missing"])
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=1)

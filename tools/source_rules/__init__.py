@@ -1,0 +1,1 @@
+"""The rules of the source tree that a compiler does not check."""

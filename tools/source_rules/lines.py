@@ -1,0 +1,101 @@
+"""Rules about single lines and sizes: coroutines, shared instances, clocks, platform conditions, root-side traps."""
+
+import re
+
+from .layers import MAY_INCLUDE_OS, folder_of
+
+LONGEST_SOURCE = 400
+LONGEST_TEST = 600
+
+_CLOCK = re.compile(
+    r"\b(?:sleep_for|sleep_until|usleep|nanosleep|clock_nanosleep|clock_gettime|gettimeofday|timerfd_create|"
+    r"timer_create|setitimer|QTimer|QBasicTimer|QElapsedTimer|QDeadlineTimer|startTimer|msleep)\b"
+    r"|_clock::now\b|\bstd::time\(|(?<![\w:.>])(?:time|sleep|alarm)\((?:nullptr|NULL|0|\d+)\)"
+    r"|\bQ(?:Date|Time|DateTime)::current"
+)
+_SLEEP_IN_TEST = {
+    (".h", ".cpp", ".mm"): re.compile(
+        r"\b(?:sleep_for|sleep_until|usleep|nanosleep|msleep|qWait|qSleep)\b|(?<![\w:.>])sleep\("
+    ),
+    (".py",): re.compile(r"\btime\.sleep\b|^\s*from time import .*\bsleep\b", re.MULTILINE),
+    (".sh",): re.compile(r"(?:^|[\s;&|(])sleep\s+[\d$]", re.MULTILINE),
+}
+_SHARED = re.compile(r"\b[A-Z]\w*::shared\(\)")
+_PLATFORM_IF = re.compile(
+    r"^[ \t]*#[ \t]*(?:el)?if[^\n]*\b(?:__linux__|__APPLE__|_WIN32|__unix__|__GLIBC__|__FreeBSD__|Q_OS_\w+|TARGET_OS_\w+)\b",
+    re.MULTILINE,
+)
+# The bus library reads these from /proc by the caller's pid, or judges by that pid: another process may have it.
+_BY_PID = re.compile(r"\b(?:getCredsUid|getCredsPid|getCredsGid)\b|unix-process")
+_CO_AWAIT = re.compile(r"\bco_await\b[^;]*")
+_TASK_LAMBDA = re.compile(r"\]\s*\([^()]*\)\s*(?:mutable\s*)?->\s*(?:\w+::)*Task<")
+
+
+def _is_clock(path):
+    """The places that are the program's clocks: implementations of the scheduler and of the calendar."""
+    name = path.rsplit("/", 1)[-1].rsplit(".", 1)[0]
+    return name.endswith(("Scheduler", "CalendarClock"))
+
+
+def _is_waiting(path):
+    """The one kind of test file that may pause: between two looks at a condition, until a deadline."""
+    return path.rsplit("/", 1)[-1].split(".")[0].lower() == "waiting"
+
+
+def _hits(file, pattern, message, text=None):
+    for match in pattern.finditer(file.code if text is None else text):
+        yield file.path, file.line_of(match.start()), f"{message}: {match[0].strip()[:60]}"
+
+
+def check_coroutines(files):
+    """GCC 12 destroys what a lambda inside a co_await expression captures twice."""
+    for file in files:
+        for match in _CO_AWAIT.finditer(file.code):
+            start = file.code.rfind("\n", 0, match.start()) + 1
+            end = file.code.find("\n", match.end())
+            if "[" in file.code[start : end if end >= 0 else None].split(";")[0] or "[" in match[0]:
+                yield file.path, file.line_of(match.start()), "a bracket in a co_await expression"
+        yield from _hits(file, _TASK_LAMBDA, "a coroutine written as a lambda")
+
+
+def check_source_lines(sources):
+    for source in sources:
+        inside = source.path[len("src/") :]
+        folder = folder_of(inside) or ""
+        if not inside.startswith(("main/", "app/", "ui/")) and inside != "base/SharedInstance.h":
+            yield from _hits(source, _SHARED, "shared() is for main, app and ui")
+        if not _is_clock(inside):
+            yield from _hits(source, _CLOCK, "a clock, sleep or timer outside Scheduler and CalendarClock")
+        if folder not in MAY_INCLUDE_OS and inside != "base/HostSystem.h":
+            yield from _hits(source, _PLATFORM_IF, "a condition on the platform outside the platform folders")
+        yield from _hits(source, _BY_PID, "judges a caller by its pid", source.text)
+
+
+def check_sizes(sources, tests):
+    for files, limit in ((sources, LONGEST_SOURCE), (tests, LONGEST_TEST)):
+        for file in files:
+            length = file.text.count("\n")
+            if length > limit:
+                yield file.path, limit + 1, f"has {length} lines, {limit} at most"
+
+
+def check_sleeps(tests):
+    for test in tests:
+        if _is_waiting(test.path) or test.path.startswith("tests/tools/"):  # these plant what is forbidden
+            continue
+        for suffixes, pattern in _SLEEP_IN_TEST.items():
+            if test.path.endswith(suffixes):
+                code = test.code if suffixes[0] == ".h" else re.sub(r"#[^\n]*", "", test.text)
+                yield from _hits(test, pattern, "a sleep in a test", code)
+
+
+def check_contract(path, text):
+    """The generator ignores any other spelling than these two and then makes an adaptor that blocks."""
+    methods = re.findall(r'<method name="(\w+)">(.*?)</method>', text, re.DOTALL)
+    if not methods:
+        yield path, 1, "declares no method"
+    for name, body in methods:
+        how = re.search(r'Method\.Async" value="([^"]*)"', body)
+        wanted = "client" if name in ("Ping", "Version") else "clientserver"
+        if not how or how[1] != wanted:
+            yield path, 1, f'{name} needs the annotation Async "{wanted}"'
