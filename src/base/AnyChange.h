@@ -16,7 +16,7 @@ Subscription onAnyChange(Scheduler& scheduler, std::function<void()> handler,
   auto shared = std::make_shared<std::function<void()>>(std::move(handler));
   const auto schedule = [&scheduler, weak = std::weak_ptr<std::function<void()>>(shared)](const auto&...) {
     scheduler.post([weak] {
-      if (const auto handler = weak.lock()) (*handler)();
+      if (const auto alive = weak.lock()) (*alive)();
     });
   };
   auto subscriptions = std::make_tuple(observables.subscribeToChanges(schedule)...);

@@ -1,0 +1,142 @@
+#include "app/AppDelegate.h"
+
+#include "ambient/MenuBarTickDial.h"
+#include "app/StatusMenu.h"
+#include "app/StatusSentence.h"
+#include "app/UserDefaults.h"
+#include "base/AnyChange.h"
+#include "helper/HelperLaunchTask.h"
+
+namespace vorli {
+
+namespace {
+
+constexpr double statusIconSide = 18.0;
+constexpr double statusIconPadding = 1.0;
+// At full calm the dial shows this much, however loaded the machine is.
+constexpr double calmProgress = 0.2;
+
+}  // namespace
+
+AppDelegate::AppDelegate(const AppDelegateNeeds& needs)
+    : scheduler_(needs.scheduler),
+      notifications_(needs.notifications),
+      defaults_(needs.defaults),
+      bundle_(needs.bundle),
+      statusItem_(needs.statusItem),
+      host_(needs.host),
+      desktop_(needs.desktop),
+      helperManager_(needs.helperManager),
+      systemMonitor_(needs.systemMonitor),
+      settings_(needs.settings),
+      clearState_(needs.clearState),
+      tasks_(needs.scheduler) {}
+
+void AppDelegate::applicationDidFinishLaunching() {
+  createStatusItem();
+  updateStatusIcon();
+
+  systemMonitor_.refresh();
+  systemMonitor_.restartTimer();
+
+  helperManager_.lastError = std::nullopt;
+  helperManager_.refreshStatus();
+  const Reinstall force = buildChanged(bundle_, defaults_) ? Reinstall::forced : Reinstall::ifStale;
+  tasks_.spawn(helperLaunchTask(scheduler_, helperManager_, force, [] {}));
+
+  notifications_.observe<ApplicationDidBecomeActive>([this](const auto&) { helperManager_.refreshStatus(); })
+      .detach();
+
+  subscribeToMonitorAndTheme();
+}
+
+AppDelegate::TerminateReply AppDelegate::applicationShouldTerminate() {
+  return TerminateReply::now;
+}
+
+void AppDelegate::applicationWillTerminate() {
+  systemMonitor_.stopTimer();
+  cancellables_.clear();
+}
+
+void AppDelegate::createStatusItem() {
+  if (!statusItem_.create()) return;
+  statusItem_.setClickHandler([this](const ports::StatusClick& click) { handleStatusClick(click); });
+  statusItem_.setMenuProvider([this] { return contextMenu(); });
+  statusItem_.setToolTip("Vorli");
+  statusItem_.setAccessibilityLabel("Vorli");
+}
+
+void AppDelegate::subscribeToMonitorAndTheme() {
+  cancellables_.push_back(onAnyChange(
+      scheduler_, [this] { updateStatusIcon(); }, systemMonitor_.memory, systemMonitor_.thermal,
+      systemMonitor_.cpu));
+  cancellables_.push_back(
+      clearState_.calmIntensity.subscribeOnMainLoop(scheduler_, [this](double) { updateStatusIcon(); }));
+  statusItem_.setAppearanceHandler([this] { updateStatusIcon(); });
+}
+
+void AppDelegate::updateStatusIcon() {
+  if (!statusItem_.hasButton()) return;
+  const double ring = systemMonitor_.ringProgress;
+  const double calm = clearState_.calmIntensity;
+
+  MenuBarTickDial dial;
+  dial.progress = calm * calmProgress + ring * (1.0 - calm);
+  dial.isDark = statusItem_.hasDarkAppearance();
+  dial.calmOverlay = calm;
+  statusItem_.setPicture(dial.picture(statusIconSide, statusIconPadding));
+  statusItem_.setAccessibilityValue(statusSentence(SetupState::finished, ring));
+}
+
+void AppDelegate::handleStatusClick(const ports::StatusClick& click) {
+  if (click.button == ports::StatusClick::Button::right ||
+      click.control == ports::StatusClick::Control::held) {
+    statusItem_.showMenu(contextMenu());
+    return;
+  }
+  togglePopover();
+}
+
+void AppDelegate::togglePopover() {
+  systemMonitor_.refresh();
+  helperManager_.refreshStatus();
+}
+
+std::vector<ports::MenuRow> AppDelegate::contextMenu() {
+  return statusMenu({
+                        .menuClearNow = [this] { polishNow(); },
+                        .menuRestartDock = [this] { desktop_.restartDock(); },
+                        .menuRestartFinder = [this] { desktop_.restartFinder(); },
+                        .menuCheckForUpdates = nullptr,
+                        .menuOpenLoginItems = [this] { helperManager_.openLoginItems(); },
+                        .menuAbout = [this] { menuAbout(); },
+                        .menuQuit = [this] { host_.terminate(); },
+                    },
+                    UpdatesState::unconfigured);
+}
+
+void AppDelegate::menuAbout() {
+  host_.activateIgnoringOtherApps();
+  host_.openAboutPanel();
+}
+
+void AppDelegate::polishNow() {
+  if (helperManager_.status.get() == InstallStatus::Case::enabled) {
+    tasks_.spawn(polishWithoutCeremony());
+  } else {
+    showInfoAlert("Helper not installed. Open Vorli to finish setup.");
+  }
+}
+
+Task<> AppDelegate::polishWithoutCeremony() {
+  co_await helperManager_.flushDNS();
+  co_await helperManager_.purgeMemory();
+  systemMonitor_.refresh();
+}
+
+void AppDelegate::showInfoAlert(const std::string& text) {
+  host_.showInfoAlert("Vorli", text);
+}
+
+}  // namespace vorli

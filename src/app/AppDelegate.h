@@ -1,0 +1,84 @@
+#pragma once
+
+#include "ambient/ClearState.h"
+#include "app/AppSettings.h"
+#include "base/NotificationCenter.h"
+#include "base/TaskScope.h"
+#include "helper/HelperManager.h"
+#include "ports/ApplicationBundle.h"
+#include "ports/ApplicationHost.h"
+#include "ports/DesktopShell.h"
+#include "ports/KeyValueStore.h"
+#include "ports/StatusItem.h"
+#include "sampling/SystemMonitor.h"
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace vorli {
+
+/// Posted when the application becomes the active one.
+struct ApplicationDidBecomeActive {};
+
+/// What the root object works with. The services stand in the order in which they are built.
+struct AppDelegateNeeds {
+  Scheduler& scheduler;
+  NotificationCenter& notifications;
+  ports::KeyValueStore& defaults;
+  const ports::ApplicationBundle& bundle;
+  ports::StatusItem& statusItem;
+  ports::ApplicationHost& host;
+  ports::DesktopShell& desktop;
+  HelperManager& helperManager;
+  SystemMonitor& systemMonitor;
+  AppSettings& settings;
+  ClearState& clearState;
+};
+
+/// The root object of the process: runs the launch sequence, holds the subscriptions that turn samples into
+/// reactions, and answers clicks, menu rows and the question whether the process may end. Main thread.
+class AppDelegate {
+ public:
+  enum class TerminateReply { now, later };
+
+  explicit AppDelegate(const AppDelegateNeeds& needs);
+
+  // The platform calls these.
+  void applicationDidFinishLaunching();
+  TerminateReply applicationShouldTerminate();
+  void applicationWillTerminate();
+
+  void handleStatusClick(const ports::StatusClick& click);
+  void togglePopover();
+
+  /// Purges memory and flushes the DNS cache, without ceremony, audio check or cooldown. Tells the user when
+  /// the helper is not installed.
+  void polishNow();
+
+  void updateStatusIcon();
+
+ private:
+  void createStatusItem();
+  void subscribeToMonitorAndTheme();
+  std::vector<ports::MenuRow> contextMenu();
+  void menuAbout();
+  void showInfoAlert(const std::string& text);
+  Task<> polishWithoutCeremony();
+
+  Scheduler& scheduler_;
+  NotificationCenter& notifications_;
+  ports::KeyValueStore& defaults_;
+  const ports::ApplicationBundle& bundle_;
+  ports::StatusItem& statusItem_;
+  ports::ApplicationHost& host_;
+  ports::DesktopShell& desktop_;
+  HelperManager& helperManager_;
+  SystemMonitor& systemMonitor_;
+  AppSettings& settings_;
+  ClearState& clearState_;
+  std::vector<Subscription> cancellables_;
+  TaskScope tasks_;
+};
+
+}  // namespace vorli

@@ -1,0 +1,257 @@
+#include "ambient/MenuBarTickDial.h"
+#include "app/AppDelegate.h"
+#include "tests/fakes/ApplicationBundle.h"
+#include "tests/fakes/ApplicationHost.h"
+#include "tests/fakes/CPUCounters.h"
+#include "tests/fakes/CalendarClock.h"
+#include "tests/fakes/CapturedLog.h"
+#include "tests/fakes/DesktopShell.h"
+#include "tests/fakes/HelperService.h"
+#include "tests/fakes/HelperTransport.h"
+#include "tests/fakes/KeyValueStore.h"
+#include "tests/fakes/ManualScheduler.h"
+#include "tests/fakes/MemoryCounters.h"
+#include "tests/fakes/PowerSources.h"
+#include "tests/fakes/ProcessTable.h"
+#include "tests/fakes/StatusItem.h"
+#include "tests/fakes/ThermalSensors.h"
+#include "tests/fakes/Workspace.h"
+
+namespace vorli {
+namespace {
+
+using Button = ports::StatusClick::Button;
+using Control = ports::StatusClick::Control;
+
+struct AppDelegateTest : testing::Test {
+  fakes::CapturedLog log;
+  fakes::ManualScheduler scheduler;
+  NotificationCenter notifications;
+  fakes::KeyValueStore defaults;
+  fakes::ApplicationBundle bundle;
+  fakes::StatusItem statusItem;
+  fakes::ApplicationHost host;
+  fakes::DesktopShell desktop;
+  fakes::CalendarClock calendar{scheduler};
+  fakes::MemoryCounters memory;
+  fakes::CPUCounters cpu;
+  fakes::ThermalSensors thermal;
+  fakes::PowerSources power;
+  fakes::ProcessTable processes;
+  fakes::Workspace workspace;
+  fakes::HelperService service{scheduler};
+  fakes::HelperTransport transport{scheduler};
+
+  HelperManager helperManager{scheduler, service, transport, bundle};
+  AppSettings settings{defaults};
+  SystemMonitor systemMonitor{{scheduler, calendar, memory, cpu, thermal, power, processes, workspace},
+                              settings};
+  ClearState clearState{scheduler};
+  std::optional<AppDelegate> delegate;
+
+  void launch() {
+    delegate.emplace(AppDelegateNeeds{scheduler, notifications, defaults, bundle, statusItem, host, desktop,
+                                      helperManager, systemMonitor, settings, clearState});
+    delegate->applicationDidFinishLaunching();
+  }
+  void setPressure(std::int32_t level) { memory.pressure.kernelLevel = level; }
+  std::vector<std::string> rowTitles() {
+    std::vector<std::string> titles;
+    for (const auto& row : statusItem.shownMenus.back()) titles.push_back(row.title);
+    return titles;
+  }
+};
+
+TEST_F(AppDelegateTest, theIconStandsBeforeTheFirstSample) {
+  setPressure(4);
+  launch();
+  ASSERT_EQ(statusItem.pictures.size(), 1u);
+  EXPECT_EQ(statusItem.accessibilityValue, "Your Mac is feeling great. 0 percent under pressure.");
+  scheduler.runReady();
+  EXPECT_EQ(statusItem.accessibilityValue, "Your Mac is under heavy pressure. 85 percent. Tap to polish.");
+}
+
+TEST_F(AppDelegateTest, theItemIsNamedOnce) {
+  launch();
+  EXPECT_EQ(statusItem.creations, 1);
+  EXPECT_EQ(statusItem.toolTip, "Vorli");
+  EXPECT_EQ(statusItem.accessibilityLabel, "Vorli");
+}
+
+TEST_F(AppDelegateTest, theFirstSampleIsTakenInsideTheLaunch) {
+  launch();
+  EXPECT_EQ(memory.statisticsReads, 1);
+  EXPECT_TRUE(systemMonitor.hasTimer());
+  scheduler.advance(14.9);
+  EXPECT_EQ(memory.statisticsReads, 1);
+  scheduler.advance(0.1);
+  EXPECT_EQ(memory.statisticsReads, 2);
+}
+
+TEST_F(AppDelegateTest, anItemWithoutAButtonDoesNotStopTheLaunch) {
+  statusItem.buttonAvailable = false;
+  launch();
+  scheduler.runReady();
+  EXPECT_TRUE(statusItem.pictures.empty());
+  EXPECT_TRUE(statusItem.toolTip.empty());
+  EXPECT_EQ(memory.statisticsReads, 1);
+  EXPECT_GT(transport.version.requests, 0);
+}
+
+TEST_F(AppDelegateTest, aHealthyHelperOfTheSameBuildIsLeftAlone) {
+  defaults.values["vorli.lastLaunchedBuild"] = std::string("7");
+  launch();
+  scheduler.advance(10.0);
+  EXPECT_EQ(log.count("Helper healthy at v1.2.3; no reinstall needed"), 1);
+  EXPECT_EQ(log.count("Forced helper reinstall requested"), 0);
+}
+
+TEST_F(AppDelegateTest, aFirstLaunchIsNoBuildChange) {
+  launch();
+  scheduler.advance(10.0);
+  EXPECT_EQ(log.count("Forced helper reinstall requested"), 0);
+  EXPECT_TRUE(defaults.values["vorli.lastLaunchedBuild"] == ports::StoredValue(std::string("7")));
+}
+
+TEST_F(AppDelegateTest, anotherBuildRenewsTheHelper) {
+  defaults.values["vorli.lastLaunchedBuild"] = std::string("6");
+  launch();
+  scheduler.advance(10.0);
+  EXPECT_EQ(log.count("Forced helper reinstall requested"), 1);
+}
+
+TEST_F(AppDelegateTest, aHelperThatNeverAnswersDoesNotHoldUpTheLaunch) {
+  transport.setConduct(fakes::HelperTransport::Conduct::silent);
+  launch();
+  scheduler.runReady();
+  EXPECT_EQ(memory.statisticsReads, 1);
+  scheduler.advance(60.0);
+  EXPECT_GE(log.count("Forced helper reinstall requested"), 1);
+}
+
+TEST_F(AppDelegateTest, becomingActiveReadsTheHelpersStatus) {
+  launch();
+  scheduler.advance(10.0);
+  service.rawStatus = 2;
+  notifications.post(ApplicationDidBecomeActive{});
+  EXPECT_TRUE(helperManager.status.get() == InstallStatus::Case::requiresApproval);
+}
+
+TEST_F(AppDelegateTest, aTickRedrawsTheIconAfterItIsWhole) {
+  launch();
+  scheduler.runReady();
+  setPressure(2);
+  systemMonitor.refresh();
+  EXPECT_EQ(statusItem.accessibilityValue, "Your Mac is feeling great. 5 percent under pressure.");
+  scheduler.runReady();
+  // 0.05 x 0.45 + 0.55 x 0.55 = 0.325
+  EXPECT_EQ(statusItem.accessibilityValue, "Your Mac is feeling great. 33 percent under pressure.");
+}
+
+TEST_F(AppDelegateTest, theCalmHoldsTheDialDown) {
+  setPressure(4);
+  launch();
+  scheduler.runReady();
+  const auto loaded = statusItem.pictures.back();
+  clearState.calmIntensity = 1.0;
+  scheduler.runReady();
+  MenuBarTickDial expected;
+  expected.progress = 0.2;
+  expected.calmOverlay = 1.0;
+  EXPECT_TRUE(statusItem.pictures.back() == expected.picture(18.0, 1.0));
+  EXPECT_FALSE(statusItem.pictures.back() == loaded);
+  EXPECT_EQ(statusItem.accessibilityValue, "Your Mac is under heavy pressure. 85 percent. Tap to polish.");
+}
+
+TEST_F(AppDelegateTest, anotherAppearanceRedrawsTheIcon) {
+  launch();
+  scheduler.runReady();
+  statusItem.setDark(true);
+  MenuBarTickDial expected;
+  expected.progress = 0.05;
+  expected.isDark = true;
+  EXPECT_TRUE(statusItem.pictures.back() == expected.picture(18.0, 1.0));
+}
+
+TEST_F(AppDelegateTest, rightAndControlClicksOpenTheMenuAndPlainOnesDoNot) {
+  launch();
+  statusItem.click(Button::right);
+  statusItem.click(Button::left, Control::held);
+  statusItem.click(Button::right, Control::held);
+  EXPECT_EQ(statusItem.shownMenus.size(), 3u);
+  statusItem.click(Button::left);
+  EXPECT_EQ(statusItem.shownMenus.size(), 3u);
+  EXPECT_EQ(rowTitles(), (std::vector<std::string>{"Polish Now", "", "Restart Dock", "Restart Finder", "",
+                                                   "Open Login Items", "", "About Vorli", "", "Quit Vorli"}));
+}
+
+TEST_F(AppDelegateTest, aPlainClickTakesAFreshSample) {
+  launch();
+  statusItem.click();
+  EXPECT_EQ(memory.statisticsReads, 2);
+}
+
+TEST_F(AppDelegateTest, everyRowDoesItsWork) {
+  launch();
+  statusItem.click(Button::right);
+  EXPECT_TRUE(statusItem.choose("Restart Dock"));
+  EXPECT_TRUE(statusItem.choose("Restart Finder"));
+  EXPECT_TRUE(statusItem.choose("Open Login Items"));
+  EXPECT_TRUE(statusItem.choose("About Vorli"));
+  EXPECT_TRUE(statusItem.choose("Quit Vorli"));
+  EXPECT_EQ(desktop.dockRestarts, 1);
+  EXPECT_EQ(desktop.finderRestarts, 1);
+  EXPECT_EQ(service.calls, std::vector<std::string>{"open login items"});
+  EXPECT_EQ(host.activations, 1);
+  EXPECT_EQ(host.aboutPanels, 1);
+  EXPECT_EQ(host.terminations, 1);
+}
+
+TEST_F(AppDelegateTest, theSystemsOwnMenuGetsFreshRows) {
+  launch();
+  EXPECT_EQ(statusItem.menuProvider().size(), 10u);
+}
+
+TEST_F(AppDelegateTest, polishNowFlushesThenPurgesThenSamples) {
+  launch();
+  scheduler.advance(10.0);
+  transport.requests.clear();
+  const int before = memory.statisticsReads;
+  transport.purgeMemory.delaySeconds = 1.0;
+  statusItem.click(Button::right);
+  statusItem.choose("Polish Now");
+  scheduler.runReady();
+  EXPECT_EQ(transport.requests, (std::vector<std::string>{"flushDNS", "purgeMemory"}));
+  EXPECT_EQ(memory.statisticsReads, before);
+  scheduler.advance(1.0);
+  EXPECT_EQ(memory.statisticsReads, before + 1);
+  EXPECT_TRUE(host.alerts.empty());
+  EXPECT_FALSE(settings.lastAutoRefresh());
+}
+
+TEST_F(AppDelegateTest, polishNowWithoutAHelperSaysSo) {
+  service.rawStatus = 0;
+  transport.leadsToDaemon = false;
+  launch();
+  delegate->polishNow();
+  ASSERT_EQ(host.alerts.size(), 1u);
+  EXPECT_EQ(host.alerts[0].first, "Vorli");
+  EXPECT_EQ(host.alerts[0].second, "Helper not installed. Open Vorli to finish setup.");
+  EXPECT_EQ(transport.purgeMemory.requests, 0);
+}
+
+TEST_F(AppDelegateTest, endingStopsTheTimerAndTheReactions) {
+  launch();
+  scheduler.advance(10.0);
+  EXPECT_EQ(delegate->applicationShouldTerminate(), AppDelegate::TerminateReply::now);
+  delegate->applicationWillTerminate();
+  EXPECT_FALSE(systemMonitor.hasTimer());
+  const auto pictures = statusItem.pictures.size();
+  systemMonitor.refresh();
+  clearState.calmIntensity = 0.5;
+  scheduler.advance(60.0);
+  EXPECT_EQ(statusItem.pictures.size(), pictures);
+}
+
+}  // namespace
+}  // namespace vorli
