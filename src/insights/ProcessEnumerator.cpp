@@ -70,9 +70,9 @@ std::span<const std::int32_t> ProcessEnumerator::listPIDs() {
 }
 
 void ProcessEnumerator::mapApplications() {
-  applications_ = workspace_.runningApplications();
-  applicationsByPID_.reset(applications_.size());
-  for (const auto& application : applications_) {
+  const auto& applications = workspace_.runningApplications();
+  applicationsByPID_.reset(applications.size());
+  for (const auto& application : applications) {
     if (application.processIdentifier > 0) {
       applicationsByPID_.set(application.processIdentifier, &application);
     }

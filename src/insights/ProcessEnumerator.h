@@ -56,8 +56,7 @@ class ProcessEnumerator {
   // Used again by each pass.
   std::vector<std::int32_t> pids_;
   PIDMap<std::uint64_t> cpuTime_;
-  std::vector<ports::RunningApplication> applications_;
-  PIDMap<const ports::RunningApplication*> applicationsByPID_;
+  PIDMap<const ports::RunningApplication*> applicationsByPID_;  // into the workspace's list, for one pass
   ports::ProcessTaskInfo taskInfo_;
   ports::ProcessBSDInfo bsdInfo_;
   std::vector<ProcessSnapshot> rows_;
