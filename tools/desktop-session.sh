@@ -1,0 +1,165 @@
+#!/usr/bin/env bash
+# Runs one command in a private, headless desktop session.
+#
+#   desktop-session.sh [options] [--] command [argument...]
+#
+#   --size WxH             size of the screen                                  (1920x1080)
+#   --dpi N                dots per inch, told to the X server and as Xft.dpi  (96)
+#   --wm NAME              xfwm4 | openbox | none                              (xfwm4)
+#   --compositor NAME      none | xfwm4 | picom                                (none)
+#   --panel NAME           xfce4 (status notifier and XEmbed) | tint2 (XEmbed) | trayer (XEmbed) | none  (xfce4)
+#   --panel-pos PLACE      top | bottom                                        (top)
+#   --dark                 a dark theme for the panel
+#   --notify NAME          xfce4 | dunst | none                                (xfce4)
+#   --audio NAME           pulse | pipewire | none                             (pulse)
+#   --audio-idle           let the sink suspend after a second of silence
+#   --a11y                 an accessibility bus, and Qt told to use it
+#   --no-activation        the session bus starts no service by itself
+#   --system-bus PREFIX    a private system bus with the daemon installed under PREFIX and the real polkitd, which
+#                          takes the session's user for one who sits at the machine (root only)
+#   --user NAME            run the session as this user (root only; "nobody" with --system-bus)
+#   --home DIR             a home folder to use and keep, instead of a fresh one
+#   --keep-logs DIR        copy the logs of the session there at its end
+#   --timeout SECONDS      end the command after that time                     (never)
+#
+# The command sees DISPLAY, HOME and the XDG folders, DBUS_SESSION_BUS_ADDRESS, PULSE_SERVER, with --system-bus also
+# DBUS_SYSTEM_BUS_ADDRESS, and VORLI_SESSION_DIR with logs/ in it. The exit code is the command's; 124 when its time
+# ran out, 70 when the session did not come up, 64 for a wrong call.
+#
+# Everything started here carries VORLI_SESSION_MARK in its environment. What carries it at the end is ended by
+# process id; nothing is ever ended by name.
+set -u
+
+here=$(dirname "$(readlink -f "$0")")
+# shellcheck source=tools/session/common.sh
+. "$here/session/common.sh"
+
+parse_options() {
+  size=1920x1080 dpi=96 wm=xfwm4 compositor=none panel=xfce4 panel_place=top dark=no notify=xfce4 audio=pulse
+  audio_idle=no accessible=no activation=yes system_prefix='' user='' home='' kept_logs='' limit=0
+  while [ $# -gt 0 ]; do
+    case $1 in
+      --dark | --audio-idle | --a11y | --no-activation | --) ;;
+      --*) [ $# -ge 2 ] || fail_call "$1 lacks its value" ;;
+    esac
+    case $1 in
+      --size) size=$2 ;;
+      --dpi) dpi=$2 ;;
+      --wm) wm=$2 ;;
+      --compositor) compositor=$2 ;;
+      --panel) panel=$2 ;;
+      --panel-pos) panel_place=$2 ;;
+      --notify) notify=$2 ;;
+      --audio) audio=$2 ;;
+      --system-bus) system_prefix=$2 ;;
+      --user) user=$2 ;;
+      --home) home=$2 ;;
+      --keep-logs) kept_logs=$2 ;;
+      --timeout) limit=$2 ;;
+      --dark) dark=yes && shift && continue ;;
+      --audio-idle) audio_idle=yes && shift && continue ;;
+      --a11y) accessible=yes && shift && continue ;;
+      --no-activation) activation=no && shift && continue ;;
+      --) shift && break ;;
+      -*) fail_call "unknown option $1" ;;
+      *) break ;;
+    esac
+    shift 2
+  done
+  one_of --wm "$wm" xfwm4 openbox none
+  one_of --compositor "$compositor" none xfwm4 picom
+  one_of --panel "$panel" xfce4 tint2 trayer none
+  one_of --panel-pos "$panel_place" top bottom
+  one_of --notify "$notify" xfce4 dunst none
+  one_of --audio "$audio" pulse pipewire none
+  [ "$compositor" != xfwm4 ] || [ "$wm" = xfwm4 ] || fail_call "--compositor xfwm4 needs --wm xfwm4"
+  command=("$@")
+  [ ${#command[@]} -gt 0 ] || fail_call "no command given"
+}
+
+need_programs() {
+  local needed=(Xvfb xdpyinfo xprop xwininfo dbus-daemon dbus-send) program
+  [ "$wm" = none ] || needed+=("$wm")
+  [ "$compositor" != picom ] || needed+=(picom)
+  case $panel in xfce4) needed+=(xfce4-panel) ;; tint2 | trayer) needed+=("$panel") ;; esac
+  [ "$notify" != dunst ] || needed+=(dunst)
+  case $audio in pulse) needed+=(pulseaudio pactl) ;; pipewire) needed+=(pipewire wireplumber pipewire-pulse pactl) ;; esac
+  [ "$dpi" = 96 ] || needed+=(xrdb)
+  [ -z "$system_prefix" ] || needed+=(unshare setpriv)
+  for program in "${needed[@]}"; do
+    command -v "$program" >/dev/null || fail "$program is not installed: run tools/setup"
+  done
+}
+
+marked_processes() {
+  grep -lzxF "VORLI_SESSION_MARK=$VORLI_SESSION_MARK" /proc/[0-9]*/environ 2>/dev/null | sed 's|/proc/||; s|/environ||'
+}
+
+# Asks each process once to end, and ends after two seconds what has not.
+finish() {
+  local status=$? round process left
+  local -A asked=()
+  trap - EXIT INT TERM HUP
+  export -n VORLI_SESSION_MARK # or the look would find itself
+  for round in {1..60}; do
+    left=$(marked_processes)
+    [ -n "$left" ] || break
+    for process in $left; do
+      [ "$round" -gt 40 ] && kill -KILL "$process" 2>/dev/null
+      [ -n "${asked[$process]:-}" ] || kill -TERM "$process" 2>/dev/null
+      asked[$process]=yes
+    done
+    sleep 0.05
+  done
+  [ -z "$system_prefix" ] || remove_user_session
+  if [ -n "$kept_logs" ]; then mkdir -p "$kept_logs" && cp -r "$VORLI_SESSION_DIR/logs/." "$kept_logs/"; fi
+  rm -rf --one-file-system "$VORLI_SESSION_DIR"
+  exit $status
+}
+
+make_session_folder() {
+  VORLI_SESSION_DIR=$(mktemp -d /tmp/vorli-session.XXXXXX) || fail "no folder in /tmp"
+  VORLI_SESSION_MARK=$(basename "$VORLI_SESSION_DIR")-$$
+  export VORLI_SESSION_DIR VORLI_SESSION_MARK
+  mkdir "$VORLI_SESSION_DIR"/{logs,run,home}
+  chmod 700 "$VORLI_SESSION_DIR/run"
+  chmod 711 "$VORLI_SESSION_DIR"
+  [ -z "$home" ] || mkdir -p "$home"
+  if [ -n "$user" ]; then
+    chown -R "$user:" "$VORLI_SESSION_DIR"/{logs,run,home}
+    [ -z "$home" ] || chown "$user:" "$home"
+    install -d -m 1777 /tmp/.X11-unix
+  fi
+}
+
+parse_options "$@"
+need_programs
+[ -n "$user" ] || [ -z "$system_prefix" ] || user=nobody
+if [ -n "$user$system_prefix" ]; then
+  [ "$(id -u)" = 0 ] || fail "--user and --system-bus need root"
+  id "$user" >/dev/null 2>&1 || fail "there is no user $user"
+fi
+
+# A mount namespace of its own: what is mounted for the session vanishes with it.
+if [ -n "$system_prefix" ] && [ -z "${VORLI_SESSION_UNSHARED:-}" ]; then
+  VORLI_SESSION_UNSHARED=yes exec unshare --mount --propagation private "$0" "$@"
+fi
+unset VORLI_SESSION_UNSHARED
+
+make_session_folder
+trap finish EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM HUP
+
+into_session=()
+if [ -n "$system_prefix" ]; then
+  # shellcheck source=tools/session/system-bus.sh
+  . "$here/session/system-bus.sh"
+  start_system_bus "$system_prefix" "$user"
+  into_session=("$here/session/enter-cgroup.sh" "$session_cgroup")
+fi
+[ -z "$user" ] || into_session+=(setpriv --reuid "$user" --regid "$(id -g "$user")" --init-groups)
+
+export size dpi wm compositor panel panel_place dark notify audio audio_idle accessible activation home limit
+${into_session[@]+"${into_session[@]}"} "$here/session/desktop.sh" "${command[@]}" <&0 &
+wait $!

@@ -1,0 +1,229 @@
+#!/usr/bin/env bash
+# shellcheck disable=SC2154  # the options come in the environment
+# Brings up the desktop itself, as the session's user, and runs the command in it. Started by desktop-session.sh,
+# which gives the options in the environment and ends what is started here.
+set -u
+
+here=$(dirname "$(readlink -f "$0")")
+# shellcheck source=tools/session/common.sh
+. "$here/common.sh"
+dir=$VORLI_SESSION_DIR
+
+# Nothing of the real user's home, runtime folder or buses is read or written.
+private_environment() {
+  unset WAYLAND_DISPLAY SESSION_MANAGER DBUS_SESSION_BUS_ADDRESS DESKTOP_SESSION XAUTHORITY DISPLAY PULSE_COOKIE
+  export HOME=${home:-$dir/home} USER LOGNAME
+  USER=$(id -un)
+  LOGNAME=$USER
+  export XDG_CONFIG_HOME=$HOME/.config XDG_DATA_HOME=$HOME/.local/share
+  export XDG_CACHE_HOME=$HOME/.cache XDG_STATE_HOME=$HOME/.local/state
+  export XDG_RUNTIME_DIR=$dir/run XDG_CONFIG_DIRS=/etc/xdg XDG_DATA_DIRS=/usr/local/share:/usr/share
+  export XDG_SESSION_TYPE=x11 XDG_CURRENT_DESKTOP=X-Vorli
+  [ "$panel" != xfce4 ] || XDG_CURRENT_DESKTOP=XFCE
+  export LC_ALL=C.UTF-8 LIBGL_ALWAYS_SOFTWARE=1 QT_QPA_PLATFORM=xcb GTK_A11Y=none NO_AT_BRIDGE=1
+  channels=$XDG_CONFIG_HOME/xfce4/xfconf/xfce-perchannel-xml
+  mkdir -p "$channels" "$XDG_DATA_HOME" "$XDG_CACHE_HOME" "$XDG_STATE_HOME"
+  [ -r . ] && [ -x . ] || cd "$HOME" || fail "the home folder $HOME cannot be entered"
+}
+
+start_x_server() {
+  mkfifo "$dir/run/display"
+  Xvfb -displayfd 7 -screen 0 "${size}x24" -dpi "$dpi" -nolisten tcp -noreset +extension Composite \
+    +extension RANDR 7<>"$dir/run/display" >"$dir/logs/x-server" 2>&1 </dev/null &
+  read -r -t 15 number <>"$dir/run/display" || fail "no X server" x-server
+  export DISPLAY=:$number
+  wait_until 10 xdpyinfo || fail "the X server does not answer" x-server
+  [ "$dpi" = 96 ] || echo "Xft.dpi: $dpi" | xrdb -nocpp -merge
+}
+
+start_session_bus() {
+  local services='<standard_session_servicedirs/>' name
+  if [ "$activation" = no ]; then # only what the session itself cannot do without
+    mkdir "$dir/run/services"
+    for name in org.xfce.Xfconf org.a11y.Bus; do
+      cp "/usr/share/dbus-1/services/$name.service" "$dir/run/services/" 2>/dev/null
+    done
+    services="<servicedir>$dir/run/services</servicedir>"
+  fi
+  cat >"$dir/run/bus.conf" <<X
+<busconfig>
+  <type>session</type>
+  <listen>unix:path=$dir/run/bus</listen>
+  <auth>EXTERNAL</auth>
+  $services
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+X
+  export DBUS_SESSION_BUS_ADDRESS=unix:path=$dir/run/bus
+  in_background session-bus dbus-daemon --config-file="$dir/run/bus.conf" --nofork --nopidfile
+  wait_until 10 bus_has_name session org.freedesktop.DBus || fail "no session bus" session-bus
+}
+
+start_accessibility() {
+  [ "$accessible" = yes ] || return 0
+  unset NO_AT_BRIDGE GTK_A11Y
+  export QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 QT_ACCESSIBILITY=1
+  in_background accessibility /usr/libexec/at-spi-bus-launcher --launch-immediately
+  wait_until 10 bus_has_name session org.a11y.Bus || fail "no accessibility bus" accessibility
+}
+
+window_manager_is_up() { xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'; }
+
+compositor_is_up() { # it owns the selection _NET_WM_CM_S0
+  /usr/bin/python3 "$here/selection_owner.py" _NET_WM_CM_S0
+}
+
+start_window_manager() {
+  local compositing=off
+  [ "$compositor" != xfwm4 ] || compositing=on
+  cat >"$channels/xfwm4.xml" <<X
+<?xml version="1.0" encoding="UTF-8"?>
+<channel name="xfwm4" version="1.0">
+  <property name="general" type="empty">
+    <property name="use_compositing" type="bool" value="$([ $compositing = on ] && echo true || echo false)"/>
+    <property name="vblank_mode" type="string" value="off"/>
+    <property name="workspace_count" type="int" value="3"/>
+  </property>
+</channel>
+X
+  case $wm in
+    xfwm4) in_background window-manager xfwm4 --compositor=$compositing --vblank=off ;;
+    openbox) in_background window-manager openbox --sm-disable ;;
+  esac
+  [ "$wm" = none ] || wait_until 10 window_manager_is_up || fail "no window manager" window-manager
+  if [ "$compositor" = picom ]; then
+    printf '%s\n' 'backend = "xrender";' 'vsync = false;' 'shadow = false;' 'fading = false;' >"$dir/run/picom.conf"
+    in_background compositor picom --config "$dir/run/picom.conf"
+  fi
+  [ "$compositor" = none ] || wait_until 10 compositor_is_up || fail "no compositor" compositor
+}
+
+# By hand, not by the bus: several installed daemons claim the one name, and the bus would take any of them.
+start_notifications() {
+  case $notify in
+    xfce4) in_background notifications "$(echo /usr/lib/*/xfce4/notifyd/xfce4-notifyd)" ;;
+    dunst) in_background notifications dunst ;;
+    none) return 0 ;;
+  esac
+  wait_until 10 bus_has_name session org.freedesktop.Notifications || fail "no notification daemon" notifications
+}
+
+write_xfce_panel() {
+  cat >"$channels/xfce4-panel.xml" <<X
+<?xml version="1.0" encoding="UTF-8"?>
+<channel name="xfce4-panel" version="1.0">
+  <property name="configver" type="int" value="2"/>
+  <property name="panels" type="array">
+    <value type="int" value="1"/>
+    <property name="dark-mode" type="bool" value="$([ "$dark" = yes ] && echo true || echo false)"/>
+    <property name="panel-1" type="empty">
+      <property name="position" type="string" value="p=$([ "$panel_place" = top ] && echo 6 || echo 8);x=0;y=0"/>
+      <property name="length" type="uint" value="100"/>
+      <property name="position-locked" type="bool" value="true"/>
+      <property name="size" type="uint" value="28"/>
+      <property name="icon-size" type="uint" value="0"/>
+      <property name="plugin-ids" type="array">
+        <value type="int" value="1"/><value type="int" value="2"/><value type="int" value="3"/>
+      </property>
+    </property>
+  </property>
+  <property name="plugins" type="empty">
+    <property name="plugin-1" type="string" value="tasklist"/>
+    <property name="plugin-2" type="string" value="separator">
+      <property name="expand" type="bool" value="true"/>
+      <property name="style" type="uint" value="0"/>
+    </property>
+    <property name="plugin-3" type="string" value="systray">
+      <property name="square-icons" type="bool" value="true"/>
+      <property name="known-legacy-items" type="array"><value type="string" value="none"/></property>
+    </property>
+  </property>
+</channel>
+X
+}
+
+write_tint2_panel() {
+  cat >"$dir/run/tint2rc" <<X
+rounded = 0
+border_width = 0
+background_color = $([ "$dark" = yes ] && echo '#202020 100' || echo '#e8e8e8 100')
+
+panel_items = TS
+panel_background_id = 1
+panel_size = 100% 28
+panel_position = $panel_place center horizontal
+panel_layer = top
+systray_padding = 2 2 2
+systray_icon_size = 22
+X
+}
+
+tray_is_up() { /usr/bin/python3 "$here/selection_owner.py" _NET_SYSTEM_TRAY_S0; }
+
+start_panel() {
+  if [ "$dark" = yes ]; then
+    mkdir -p "$XDG_CONFIG_HOME/gtk-3.0"
+    printf '[Settings]\ngtk-application-prefer-dark-theme=1\n' >"$XDG_CONFIG_HOME/gtk-3.0/settings.ini"
+  fi
+  case $panel in
+    xfce4)
+      write_xfce_panel
+      in_background panel xfce4-panel --disable-wm-check
+      wait_until 15 bus_has_name session org.kde.StatusNotifierWatcher || fail "no status notifier watcher" panel
+      ;;
+    tint2)
+      write_tint2_panel
+      in_background panel tint2 -c "$dir/run/tint2rc"
+      ;;
+    trayer)
+      in_background panel trayer --edge "$panel_place" --align right --widthtype request --height 28 --expand true \
+        --transparent false --tint "$([ "$dark" = yes ] && echo 0x202020 || echo 0xe8e8e8)"
+      ;;
+    none) return 0 ;;
+  esac
+  wait_until 10 tray_is_up || fail "no tray in the panel" panel
+}
+
+# A sink that plays into nothing; its monitor can be recorded.
+start_sound() {
+  local suspend=()
+  case $audio in
+    pulse)
+      export PULSE_SERVER=unix:$dir/run/pulse.socket PULSE_COOKIE=$dir/run/cookie PULSE_RUNTIME_PATH=$dir/run/pulse
+      [ "$audio_idle" = no ] || suspend=(-L "module-suspend-on-idle timeout=1")
+      # norewinds: the plain sink renders two seconds ahead, and its monitor is silent for so long.
+      in_background sound pulseaudio -n --daemonize=no --exit-idle-time=-1 --disallow-exit=no --use-pid-file=no \
+        --realtime=no --high-priority=no \
+        -L "module-native-protocol-unix socket=$dir/run/pulse.socket auth-anonymous=1" \
+        -L "module-null-sink sink_name=vorli_null norewinds=1 sink_properties=device.description=Null" \
+        ${suspend[@]+"${suspend[@]}"}
+      ;;
+    pipewire)
+      export PULSE_SERVER=unix:$dir/run/pulse/native
+      in_background pipewire pipewire
+      wait_until 10 test -S "$dir/run/pipewire-0" || fail "no pipewire" pipewire
+      in_background wireplumber wireplumber
+      in_background sound pipewire-pulse
+      ;;
+    none) return 0 ;;
+  esac
+  wait_until 10 pactl info || fail "no sound server" sound
+  [ "$audio" = pulse ] || pactl load-module module-null-sink media.class=Audio/Sink sink_name=vorli_null >/dev/null
+  pactl set-default-sink vorli_null
+}
+
+private_environment
+start_x_server
+start_session_bus
+start_accessibility
+start_window_manager
+start_notifications
+start_panel
+start_sound
+
+if [ "$limit" = 0 ]; then exec "$@"; fi
+exec timeout --kill-after=5 "$limit" "$@"

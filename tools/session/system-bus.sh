@@ -1,0 +1,87 @@
+# shellcheck shell=bash
+# shellcheck disable=SC2154  # `here` is the folder of desktop-session.sh
+# A private system bus with the installed daemon and the real polkitd. Sourced by desktop-session.sh, as root.
+#
+# polkitd asks the files below /run/systemd and the control group of a caller who sits at the machine. It is given
+# both: its own mount namespace holds the files of one active local session, and the session's processes are put
+# into that session's control group. So the daemon's actions are granted and refused by their own defaults.
+
+# start_system_bus PREFIX USER: sets DBUS_SYSTEM_BUS_ADDRESS and session_cgroup.
+start_system_bus() {
+  local prefix=$1 user=$2 folder=$VORLI_SESSION_DIR/system
+  [ -f "$prefix/share/dbus-1/system-services/com.kv.vorli.helper.service" ] ||
+    fail "no helper is installed under $prefix"
+  mkdir -p "$folder"/{services,policies,actions}
+  # The installed file may have been written for another root: the daemon of this prefix is the one to start.
+  sed -E "s|^Exec=.*|Exec=$prefix/libexec/vorli/vorli-helper|" \
+    "$prefix/share/dbus-1/system-services/com.kv.vorli.helper.service" >"$folder/services/com.kv.vorli.helper.service"
+  cp "$prefix/share/dbus-1/system.d/com.kv.vorli.helper.conf" \
+    /usr/share/dbus-1/system.d/org.freedesktop.PolicyKit1.conf "$folder/policies/"
+  cp /usr/share/polkit-1/actions/*.policy "$prefix"/share/polkit-1/actions/*.policy "$folder/actions/"
+
+  export DBUS_SYSTEM_BUS_ADDRESS=unix:path=$folder/bus
+  write_system_bus_config "$folder" >"$folder/bus.conf"
+  in_background system-bus dbus-daemon --config-file="$folder/bus.conf" --nofork --nopidfile
+  wait_until 10 bus_has_name system org.freedesktop.DBus || fail "no private system bus" system-bus
+
+  make_user_session "$user"
+  in_background polkitd unshare --mount --propagation private "$here/session/polkitd.sh" "$folder"
+  wait_until 10 bus_has_name system org.freedesktop.PolicyKit1 || fail "no polkitd on the private system bus" polkitd
+}
+
+write_system_bus_config() {
+  cat <<X
+<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN" "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>system</type>
+  <listen>unix:path=$1/bus</listen>
+  <auth>EXTERNAL</auth>
+  <servicedir>$1/services</servicedir>
+  <policy context="default">
+    <allow user="*"/>
+    <deny own="*"/>
+    <deny send_type="method_call"/>
+    <allow send_type="signal"/>
+    <allow send_requested_reply="true" send_type="method_return"/>
+    <allow send_requested_reply="true" send_type="error"/>
+    <allow receive_type="method_call"/>
+    <allow receive_type="method_return"/>
+    <allow receive_type="error"/>
+    <allow receive_type="signal"/>
+    <allow send_destination="org.freedesktop.DBus"/>
+    <deny send_destination="org.freedesktop.DBus" send_interface="org.freedesktop.DBus"
+          send_member="UpdateActivationEnvironment"/>
+  </policy>
+  <includedir>$1/policies</includedir>
+</busconfig>
+X
+}
+
+# The files that a login manager keeps for one active session at the machine's own seat, and its control group.
+make_user_session() {
+  local uid user=$1 login=$VORLI_SESSION_DIR/system/login
+  uid=$(id -u "$user")
+  session_id=vorli$$
+  mkdir -p "$login"/{sessions,users,seats,machines}
+  printf '%s\n' "UID=$uid" "USER=$user" ACTIVE=1 IS_DISPLAY=1 STATE=active REMOTE=0 TYPE=x11 CLASS=user SEAT=seat0 \
+    >"$login/sessions/$session_id"
+  printf '%s\n' "NAME=$user" STATE=active "DISPLAY=$session_id" "SESSIONS=$session_id" \
+    "ACTIVE_SESSIONS=$session_id" "ONLINE_SESSIONS=$session_id" SEATS=seat0 ACTIVE_SEATS=seat0 ONLINE_SEATS=seat0 \
+    >"$login/users/$uid"
+  printf '%s\n' IS_SEAT0=1 "ACTIVE=$session_id" "ACTIVE_UID=$uid" "SESSIONS=$session_id" "UIDS=$uid" \
+    >"$login/seats/seat0"
+
+  mkdir "$VORLI_SESSION_DIR/system/cgroup"
+  mount -t cgroup2 none "$VORLI_SESSION_DIR/system/cgroup" || fail "no control groups: is the container privileged?"
+  session_cgroup=$VORLI_SESSION_DIR/system/cgroup/user.slice/user-$uid.slice/session-$session_id.scope
+  mkdir -p "$session_cgroup" || fail "no control group for the session"
+}
+
+# The kernel keeps a control group after its mount is gone, so the session's own goes first. Its parents may serve
+# another session.
+remove_user_session() {
+  [ -n "${session_cgroup:-}" ] || return 0
+  rmdir "$session_cgroup" 2>/dev/null
+  rmdir -p --ignore-fail-on-non-empty "${session_cgroup%/*}" 2>/dev/null
+  umount "$VORLI_SESSION_DIR/system/cgroup" 2>/dev/null
+}
