@@ -6,7 +6,10 @@
 #include "base/SubscriberList.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <functional>
+#include <optional>
+#include <type_traits>
 #include <vector>
 
 namespace vorli {
@@ -20,8 +23,9 @@ inline Colour mix(const Colour& from, const Colour& to, double share) {
 }
 
 /// A model value whose shown value follows by animation. Setting it inside `withAnimation` adds a segment
-/// that starts, after its delay, from whatever is shown by then; setting it outside drops all segments.
-/// Several segments may wait one behind another. Main thread.
+/// that starts, after its delay, from whatever is shown by then; a delayed one leaves the motion before it
+/// alone until then, and one that waits for a later moment than a newer one starts is dropped. Setting it
+/// outside drops all segments. It comes to rest on the value set last. Main thread.
 template <typename T>
 class Animated {
  public:
@@ -32,12 +36,12 @@ class Animated {
   operator const T&() const { return model_; }
 
   Animated& operator=(T value) {
-    const double now = clock_.now();
     if (const auto& animation = detail::currentAnimation()) {
-      collapse(now);
-      segments_.push_back({now + animation->delaySeconds, *animation, value});
-      std::stable_sort(segments_.begin(), segments_.end(),
-                       [](const Segment& a, const Segment& b) { return a.start < b.start; });
+      const double now = clock_.now();
+      const double start = now + std::max(animation->delaySeconds, 0.0);
+      std::erase_if(segments_, [start](const Segment& waiting) { return waiting.start > start; });
+      segments_.push_back({start, *animation, value, std::nullopt});
+      forgetBefore(now);
     } else {
       segments_.clear();
       base_ = value;
@@ -54,13 +58,10 @@ class Animated {
   /// True while a segment runs or waits at time `t`.
   bool isMoving(double t) const { return t < restsAt(); }
 
-  /// The clock's time from which the shown value stays; in the past when it is at rest, infinite when a
-  /// segment repeats for ever.
+  /// The clock's time from which the shown value stays; in the past when it is at rest, infinite when the
+  /// last segment repeats for ever.
   double restsAt() const {
-    double end = -1.0;
-    for (const auto& segment : segments_)
-      end = std::max(end, segment.start + segment.animation.activeSeconds());
-    return end;
+    return segments_.empty() ? -1.0 : segments_.back().start + segments_.back().animation.activeSeconds();
   }
 
   /// Called inside each assignment with the new model value.
@@ -69,52 +70,67 @@ class Animated {
   }
 
  private:
+  // Where a segment took over, and how fast the value moved there, in ways per second.
+  struct Origin {
+    T from;
+    double velocity;
+  };
   struct Segment {
     double start;
     Animation animation;
     T target;
+    std::optional<Origin> origin;  // known once the segments before it are forgotten
   };
 
-  // Value at `t` from the first `count` segments. A later segment takes over where the earlier one stands.
+  // Value at `t` from the first `count` segments, which stand in order of their start. A later one takes over
+  // where the earlier ones stand.
   T evaluate(double t, std::size_t count) const {
     if (count == 0) return base_;
     const Segment& segment = segments_[count - 1];
     if (t < segment.start) return evaluate(t, count - 1);
     const double elapsed = t - segment.start;
     if (elapsed >= segment.animation.activeSeconds()) return segment.target;
-    const T from = evaluate(segment.start, count - 1);
-    return mix(from, segment.target,
-               segment.animation.progress(elapsed, startVelocity(segment, from, count)));
+    const Origin origin = originOf(count - 1);
+    return mix(origin.from, segment.target, segment.animation.progress(elapsed, origin.velocity));
+  }
+
+  Origin originOf(std::size_t index) const {
+    const Segment& segment = segments_[index];
+    if (segment.origin) return *segment.origin;
+    const T from = evaluate(segment.start, index);
+    return {from, startVelocity(segment, from, index)};
   }
 
   // A spring goes on with the speed that the value had; of a colour it does not keep it.
-  double startVelocity(const Segment& segment, const T& from, std::size_t count) const {
+  double startVelocity(const Segment& segment, const T& from, std::size_t index) const {
     if constexpr (std::is_same_v<T, double>) {
       if (segment.animation.kind != Animation::Kind::spring) return 0.0;
       const double way = segment.target - from;
       if (way == 0.0) return 0.0;
       constexpr double step = 1e-4;
-      return (from - evaluate(segment.start - step, count - 1)) / step / way;
+      return (from - evaluate(segment.start - step, index)) / step / way;
     } else {
       return 0.0;
     }
   }
 
-  // Forgets what has come to rest under a later, started segment, so the list stays short.
-  void collapse(double now) {
-    while (!segments_.empty() &&
-           now >= segments_.front().start + segments_.front().animation.activeSeconds() &&
-           (segments_.size() == 1 || segments_[1].start >= now)) {
-      base_ = segments_.front().target;
-      segments_.erase(segments_.begin());
-    }
+  // Drops all segments before the one that rules at `now`, so that the list holds that one and those that
+  // wait.
+  void forgetBefore(double now) {
+    std::size_t started = 0;
+    while (started < segments_.size() && segments_[started].start <= now) ++started;
+    if (started == 0) return;
+    const std::size_t ruling = started - 1;
+    segments_[ruling].origin = originOf(ruling);
+    base_ = segments_[ruling].origin->from;
+    segments_.erase(segments_.begin(), segments_.begin() + static_cast<std::ptrdiff_t>(ruling));
   }
 
   const Scheduler& clock_;
   T base_;
   T model_;
   std::vector<Segment> segments_;
-  SubscriberList<T> changed_;
+  mutable SubscriberList<T> changed_;
 };
 
 }  // namespace vorli
