@@ -43,15 +43,12 @@ class Observable {
   /// `handler` still gets the value that was assigned, even when a newer one stands by then. Nothing is
   /// delivered after the subscription has ended, not even what was already on its way.
   Subscription subscribeOnMainLoop(Scheduler& scheduler, Handler handler) const {
+    // Only the subscription owns the handler, so what was posted finds it gone with its token.
     auto shared = std::make_shared<Handler>(std::move(handler));
-    auto inner = subscribe([&scheduler, weak = std::weak_ptr<Handler>(shared)](const T& value) {
-      scheduler.post([weak, value] {
+    return subscribe([&scheduler, shared = std::move(shared)](const T& value) {
+      scheduler.post([weak = std::weak_ptr<Handler>(shared), value] {
         if (const auto alive = weak.lock()) (*alive)(value);
       });
-    });
-    return Subscription([inner = std::move(inner), shared = std::move(shared)]() mutable {
-      inner.cancel();
-      shared.reset();
     });
   }
 

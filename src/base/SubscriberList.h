@@ -29,6 +29,7 @@ class SubscriberList {
     const auto state = state_;  // keeps the list while a handler destroys its owner
     const auto snapshot = state->entries;
     for (const auto& entry : snapshot) {
+      if (state.use_count() == 1) return;  // the source is gone, and maybe the value with it
       if (entry->active) entry->handler(args...);
     }
   }
@@ -49,8 +50,10 @@ class SubscriberList {
       const auto found =
           std::find_if(entries.begin(), entries.end(), [id](const auto& entry) { return entry->id == id; });
       if (found == entries.end()) return;
-      (*found)->active = false;
+      // Out of the list before it dies: its handler may own further subscriptions to this source.
+      const auto gone = std::move(*found);
       entries.erase(found);
+      gone->active = false;
     }
   };
 

@@ -1,0 +1,117 @@
+#include "base/Observable.h"
+#include "tests/fakes/ManualScheduler.h"
+
+#include <optional>
+#include <string>
+
+namespace vorli {
+namespace {
+
+using Numbers = std::vector<int>;
+
+struct ObservableTest : testing::Test {
+  Observable<int>::Handler record() {
+    return [this](const int& value) { heard.push_back(value); };
+  }
+
+  fakes::ManualScheduler scheduler;
+  Observable<int> number{1};
+  Numbers heard;
+};
+
+TEST_F(ObservableTest, aSubscriberGetsTheCurrentValueAtOnceAndEachNewOneInItsAssignment) {
+  const auto token = number.subscribe(record());
+  EXPECT_EQ(heard, Numbers{1});
+  number = 2;
+  EXPECT_EQ(heard, (Numbers{1, 2}));
+  EXPECT_EQ(number.get(), 2);
+}
+
+TEST_F(ObservableTest, anEqualValueIsDeliveredToo) {
+  const auto token = number.subscribe(record());
+  number = 1;
+  EXPECT_EQ(heard, (Numbers{1, 1}));
+}
+
+TEST_F(ObservableTest, theValueStandsBeforeItIsDelivered) {
+  Numbers seen;
+  const auto token = number.subscribeToChanges([&](const int&) { seen.push_back(number); });
+  number = 5;
+  EXPECT_EQ(seen, Numbers{5});
+}
+
+TEST_F(ObservableTest, aSubscriberToChangesDoesNotGetTheCurrentValue) {
+  const auto token = number.subscribeToChanges(record());
+  EXPECT_TRUE(heard.empty());
+  number = 2;
+  EXPECT_EQ(heard, Numbers{2});
+}
+
+TEST_F(ObservableTest, nothingComesAfterTheTokenIsGone) {
+  { const auto token = number.subscribe(record()); }
+  number = 2;
+  EXPECT_EQ(heard, Numbers{1});
+}
+
+TEST_F(ObservableTest, aTokenMayOutliveItsSource) {
+  std::optional<Observable<int>> source(std::in_place, 1);
+  auto token = source->subscribe(record());
+  auto deferred = source->subscribeOnMainLoop(scheduler, record());
+  source.reset();
+  token.cancel();
+  deferred.cancel();
+  scheduler.runReady();
+  EXPECT_EQ(heard, Numbers{1});
+}
+
+TEST_F(ObservableTest, deliveryOnTheMainLoopWaitsForItsTurn) {
+  const auto token = number.subscribeOnMainLoop(scheduler, record());
+  EXPECT_TRUE(heard.empty());
+  scheduler.runReady();
+  EXPECT_EQ(heard, Numbers{1});
+  number = 2;
+  number = 3;
+  EXPECT_EQ(heard, Numbers{1});
+  scheduler.runReady();
+  EXPECT_EQ(heard, (Numbers{1, 2, 3}));
+}
+
+TEST_F(ObservableTest, deliveryOnTheMainLoopSeesTheFinishedTick) {
+  Observable<std::string> other{"old"};
+  std::vector<std::string> seen;
+  const auto token = number.subscribeOnMainLoop(scheduler, [&](const int&) { seen.push_back(other.get()); });
+  scheduler.runReady();
+  number = 2;
+  other = "new";
+  scheduler.runReady();
+  EXPECT_EQ(seen, (std::vector<std::string>{"old", "new"}));
+}
+
+TEST_F(ObservableTest, whatWasOnItsWayIsNotDeliveredAfterTheTokenIsGone) {
+  auto token = number.subscribeOnMainLoop(scheduler, record());
+  number = 2;
+  token.cancel();
+  scheduler.runReady();
+  EXPECT_TRUE(heard.empty());
+}
+
+TEST_F(ObservableTest, aDeferredSubscriberMayLeaveInItsOwnCall) {
+  Subscription token;
+  token = number.subscribeOnMainLoop(scheduler, [&, sentinel = std::make_shared<int>(7)](const int&) {
+    token.cancel();
+    heard.push_back(*sentinel);
+  });
+  number = 2;
+  scheduler.runReady();
+  EXPECT_EQ(heard, Numbers{7});
+}
+
+TEST_F(ObservableTest, aDetachedSubscriptionOnTheMainLoopStays) {
+  number.subscribeOnMainLoop(scheduler, record()).detach();
+  number = 2;
+  scheduler.runReady();
+  EXPECT_EQ(heard, (Numbers{1, 2}));
+}
+
+}  // namespace
+}  // namespace vorli
