@@ -5,7 +5,7 @@
 namespace vorli {
 
 /// Fires every `period` seconds until it is destroyed; first after one whole period. Firings that the loop
-/// was too busy for are dropped, and the rhythm stays. Main thread.
+/// was too busy for are dropped, and the rhythm stays. Dropped too is one inside an earlier one. Main thread.
 class RepeatingTimer {
  public:
   RepeatingTimer(Scheduler& scheduler, double periodSeconds, UniqueFunction<void()> fire,
