@@ -14,6 +14,11 @@ namespace detail {
 class SleepAwaiter {
  public:
   SleepAwaiter(Scheduler& scheduler, double seconds) : scheduler_(scheduler), seconds_(seconds) {}
+  ~SleepAwaiter() {
+    if (timer_ != 0) scheduler_.cancel(timer_);  // the flow was destroyed in its sleep
+  }
+  SleepAwaiter(const SleepAwaiter&) = delete;
+  SleepAwaiter& operator=(const SleepAwaiter&) = delete;
 
   bool await_ready() const noexcept { return false; }
 
@@ -23,9 +28,9 @@ class SleepAwaiter {
     if (context_->isCancelled()) return false;
 
     auto resumption = std::make_shared<Resumption>(handle);
-    const auto timer = scheduler_.after(seconds_, [resumption] { resumption->resume(); });
+    timer_ = scheduler_.after(seconds_, [resumption] { resumption->resume(); });
     context_->setCancelHandler(
-        [&scheduler = scheduler_, timer, weak = std::weak_ptr<Resumption>(resumption)] {
+        [&scheduler = scheduler_, timer = timer_, weak = std::weak_ptr<Resumption>(resumption)] {
           const auto sleeper = weak.lock();
           if (!sleeper) return;
           scheduler.cancel(timer);
@@ -34,7 +39,8 @@ class SleepAwaiter {
     return true;
   }
 
-  SleepResult await_resume() const {
+  SleepResult await_resume() {
+    timer_ = 0;
     return context_->isCancelled() ? SleepResult::cancelled : SleepResult::elapsed;
   }
 
@@ -42,6 +48,7 @@ class SleepAwaiter {
   Scheduler& scheduler_;
   const double seconds_;
   TaskContext* context_ = nullptr;
+  Scheduler::TimerId timer_ = 0;
 };
 
 struct CancellationAwaiter {

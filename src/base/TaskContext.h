@@ -18,7 +18,8 @@ class TaskContext : public std::enable_shared_from_this<TaskContext> {
   TaskContext& operator=(const TaskContext&) = delete;
 
   bool isCancelled() const { return cancelled_; }
-  bool isFinished() const { return finished_; }
+  /// True once the flow has run to its end, or is no more to go on.
+  bool hasEnded() const { return finished_ || abandoned_; }
 
   /// Marks the flow cancelled and wakes the sleep that it is in. The flow itself goes on, and decides what to
   /// do.
@@ -27,7 +28,8 @@ class TaskContext : public std::enable_shared_from_this<TaskContext> {
   /// Destroys the flow where it stands, or at its next suspension when it is the one running.
   void abandon();
 
-  /// Called once when the flow ends by itself, before its frame is destroyed; at once if it has ended.
+  /// Called once when the flow ends by itself, before its frame is destroyed; at once if it has. Dropped
+  /// uncalled when the flow is abandoned.
   void onFinished(UniqueFunction<void()> callback);
 
   /// For a sleep: what `cancel` has to do to end it early. Replaced by each sleep.

@@ -6,8 +6,10 @@
 namespace vorli {
 
 TaskScope::~TaskScope() {
-  for (const auto& weak : std::exchange(contexts_, {})) {
-    if (const auto context = weak.lock()) context->abandon();
+  while (!contexts_.empty()) {  // what a flow holds may spawn another when it is destroyed
+    for (const auto& weak : std::exchange(contexts_, {})) {
+      if (const auto context = weak.lock()) context->abandon();
+    }
   }
 }
 

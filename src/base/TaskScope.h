@@ -17,21 +17,22 @@ class TaskHandle {
   /// True until the flow has run to its end or was destroyed.
   bool isRunning() const {
     const auto context = context_.lock();
-    return context && !context->isFinished();
+    return context && !context->hasEnded();
   }
 
   void cancel() const {
     if (const auto context = context_.lock()) context->cancel();
   }
 
-  /// Suspends the awaiting flow until this one has ended; goes on at once when it has.
+  /// Suspends the awaiting flow until this one has ended; goes on at once when it has. A flow that waits for
+  /// one whose scope goes away is destroyed with it.
   auto finished() const { return FinishedAwaiter{context_.lock()}; }
 
  private:
   struct FinishedAwaiter {
     std::shared_ptr<TaskContext> context;
 
-    bool await_ready() const { return !context || context->isFinished(); }
+    bool await_ready() const { return !context || context->hasEnded(); }
     template <typename Promise>
     void await_suspend(std::coroutine_handle<Promise> handle) {
       auto resumption = std::make_shared<Resumption>(handle);
