@@ -2,6 +2,8 @@
 
 #include "base/Scheduler.h"
 
+#include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <deque>
 #include <map>
@@ -13,6 +15,14 @@ namespace vorli::fakes {
 /// what it creates included. Posting is allowed from any thread.
 class ManualScheduler final : public Scheduler {
  public:
+  ManualScheduler() = default;
+  ~ManualScheduler() override {
+    // Work that dies here may still cancel or queue other work.
+    while (!timers_.empty()) takeTimer();
+    while (takePosted()) {
+    }
+  }
+
   double now() const override { return now_; }
 
   void post(Work work) override {
@@ -27,7 +37,10 @@ class ManualScheduler final : public Scheduler {
   }
 
   void cancel(TimerId timer) override {
-    std::erase_if(timers_, [timer](const auto& entry) { return entry.first.second == timer; });
+    const auto found = std::find_if(timers_.begin(), timers_.end(),
+                                    [timer](const auto& entry) { return entry.first.second == timer; });
+    if (found == timers_.end()) return;
+    const auto gone = timers_.extract(found);  // dies outside of the map: it may cancel others
   }
 
   /// Runs what is queued now and what that queues; time stands still. Timers that are due run too.
@@ -49,15 +62,15 @@ class ManualScheduler final : public Scheduler {
   void advanceTo(double target) {
     runReady();
     while (!timers_.empty() && timers_.begin()->first.first <= target) {
-      now_ = std::max(now_, timers_.begin()->first.first);
+      now_ = std::max(now_.load(), timers_.begin()->first.first);
       runReady();
     }
-    now_ = std::max(now_, target);
+    now_ = std::max(now_.load(), target);
     runReady();
   }
 
   /// Moves the clock and runs nothing, as when the main thread is blocked.
-  void advanceClockOnly(double seconds) { now_ += seconds; }
+  void advanceClockOnly(double seconds) { now_ = now_ + seconds; }
 
   std::size_t pendingTimers() const { return timers_.size(); }
   /// Time of the next timer, or infinity.
@@ -77,7 +90,7 @@ class ManualScheduler final : public Scheduler {
     return std::move(node.mapped());
   }
 
-  double now_ = 1000.0;  // not 0, so that a forgotten origin shows
+  std::atomic<double> now_ = 1000.0;  // not 0, so that a forgotten origin shows
   TimerId lastId_ = 0;
   std::map<std::pair<double, TimerId>, Work> timers_;
   std::mutex lock_;
