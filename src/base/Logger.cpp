@@ -1,5 +1,6 @@
 #include "base/Logger.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <mutex>
