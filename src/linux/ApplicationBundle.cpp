@@ -27,6 +27,7 @@ ApplicationBundle::ApplicationBundle() : home_(readHome()) {
 }
 
 std::optional<std::string> ApplicationBundle::infoString(const std::string& key) const {
+  if (key == "CFBundleIdentifier") return "com.kv.vorli";
   if (key == "CFBundleVersion") return VORLI_BUILD_NUMBER;
   if (key == "CFBundleShortVersionString") return VORLI_VERSION;
   return std::nullopt;

@@ -10,8 +10,8 @@ class ApplicationBundle {
  public:
   virtual ~ApplicationBundle() = default;
 
-  /// A text of the program's information dictionary ("CFBundleVersion", "CFBundleShortVersionString"). Empty
-  /// when it is missing or no text.
+  /// A text of the program's information dictionary ("CFBundleIdentifier", "CFBundleVersion",
+  /// "CFBundleShortVersionString"). Empty when it is missing or no text.
   virtual std::optional<std::string> infoString(const std::string& key) const = 0;
 
   /// Absolute path of the installed program: the bundle, or the executable where there are no bundles.

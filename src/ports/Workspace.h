@@ -71,9 +71,10 @@ class Workspace {
   virtual bool canSeeWindows() = 0;
 
   /// Owners of the windows that are on the screen now: neither minimised nor on another space; the desktop's
-  /// own furniture left out. One owner may come several times. An empty list is a screen without windows, or
-  /// a look that failed; an empty optional says that windows cannot be seen. Blocks for one round trip to
-  /// the display, about a millisecond.
+  /// own furniture left out. A window of an application of the list is told by the process identifier that
+  /// the list has. One owner may come several times. An empty list is a screen without windows, or a look
+  /// that failed; an empty optional says that windows cannot be seen. Blocks for one round trip to the
+  /// display, about a millisecond.
   virtual std::optional<std::vector<std::int32_t>> onScreenWindowOwnerPIDs() = 0;
 
   /// Asks an application of the list to quit, as its own menu would: it may refuse, or ask the user first.
