@@ -39,8 +39,8 @@ class AudioOutputTap {
   /// thread, which it blocks for the window and the set-up; the set-up ends after 0.35 s at the latest.
   virtual std::expected<void, AudioTapFailure> listen(double windowSeconds, InputBlock input) = 0;
 
-  /// Whether the default output device runs for anybody, audibly or not. Empty: there is no such device, or
-  /// it cannot be read. Main thread; blocks for 0.1 s at the longest.
+  /// Whether the default output device runs for anybody, were it with silence. Empty: there is no such
+  /// device, or it cannot be read. Main thread; blocks for 0.1 s at the longest.
   virtual std::optional<bool> isOutputRunning() = 0;
 };
 

@@ -1,0 +1,228 @@
+"""audio_probe.py PROGRAM SERVER: what the audio probe answers while a real sound server plays this and that."""
+
+import array
+import math
+import os
+import socket
+import subprocess
+import sys
+import tempfile
+import unittest
+
+from waiting import until
+
+PROGRAM, SERVER = sys.argv[1:3]
+SINK = "vorli_null"
+RATE = 44100
+WINDOW, SET_UP_LIMIT, STATE_LIMIT = 0.15, 0.35, 0.1
+# A machine under load may wake the program late.
+SLACK = 0.25
+
+
+def pactl(*arguments):
+    return subprocess.run(["pactl", *arguments], check=True, capture_output=True, text=True).stdout
+
+
+def sink_state(sink):
+    rows = [row.split("\t") for row in pactl("list", "short", "sinks").splitlines()]
+    return next((row[-1] for row in rows if row[1] == sink), None)
+
+
+def recordings():
+    return pactl("list", "short", "source-outputs").split()
+
+
+def probe(**environment):
+    out = subprocess.run(
+        [PROGRAM], check=True, capture_output=True, text=True, env={**os.environ, **environment}, timeout=20
+    ).stdout
+    answer = {"log": []}
+    for line in out.splitlines():
+        name, value = line.split("=", 1)
+        if name == "log":
+            answer["log"].append(value)
+        else:
+            answer[name] = float(value)
+    peaks = [line.split("peak=")[1].split(",")[0] for line in answer["log"] if "peak=" in line]
+    answer["peak"] = float(peaks[0]) if peaks else None
+    return answer
+
+
+class Sound:
+    """Plays a 440 Hz sine of `decibels` below full scale, or digital silence, until the end of the block."""
+
+    def __init__(self, decibels, sink=SINK, latency=("--latency-msec=50",)):
+        self.decibels, self.sink, self.latency = decibels, sink, latency
+
+    def __enter__(self):
+        height = 0.0 if self.decibels is None else 10 ** (self.decibels / 20) * 32767
+        period = [round(height * math.sin(2 * math.pi * 440 * i / RATE)) for i in range(RATE)]
+        self.file = tempfile.TemporaryFile()
+        for _ in range(60):
+            array.array("h", period).tofile(self.file)
+        self.file.seek(0)
+        raw = ("--raw", "--format=s16le", f"--rate={RATE}", "--channels=1", f"--device={self.sink}")
+        self.player = subprocess.Popen(["pacat", "--playback", *raw, *self.latency], stdin=self.file)
+        until(lambda: sink_state(self.sink) == "RUNNING", f"{self.sink} runs")
+        return self
+
+    def __exit__(self, *_):
+        self.player.terminate()
+        self.player.wait()
+        self.file.close()
+
+
+class SoundServerTest(unittest.TestCase):
+    def setUp(self):
+        pactl("set-default-sink", SINK)
+
+    def tearDown(self):
+        self.assertEqual(recordings(), [], "a recording was left behind")
+
+    def tell(self, what, answer):
+        print(
+            f"{SERVER}: {what}: held up {answer['seconds']:.3f} s, peak {answer['peak']},"
+            f" audible {answer['audible']:g}, fallback {answer['fallback']:g}",
+            flush=True,
+        )
+
+
+class AudioProbeTest(SoundServerTest):
+    def assert_listened(self, answer):
+        self.assertGreaterEqual(answer["seconds"], WINDOW)
+        self.assertLess(answer["seconds"], WINDOW + SET_UP_LIMIT + SLACK)
+
+    def listen_to(self, decibels):
+        with Sound(decibels):
+            until(lambda: probe()["peak"], "the sine has arrived")
+            answer = probe()
+        self.tell(f"sine of {decibels} dB", answer)
+        self.assert_listened(answer)
+        self.assertAlmostEqual(answer["peak"], 10 ** (decibels / 20), delta=0.01 * 10 ** (decibels / 20))
+        self.assertEqual(answer["fallback"], 1)
+        return answer
+
+    def test_a_loud_sine_is_audible(self):
+        self.assertEqual(self.listen_to(-6)["audible"], 1)
+
+    def test_a_sine_just_above_the_threshold_is_audible(self):
+        self.assertEqual(self.listen_to(-33)["audible"], 1)
+
+    def test_a_sine_below_the_threshold_is_not(self):
+        self.assertEqual(self.listen_to(-36)["audible"], 0)
+
+    def test_silence_on_a_running_output_is_active_for_the_fallback_alone(self):
+        with Sound(None):
+            answer = until(lambda: (a := probe())["fallback"] and a, "the output runs")
+        self.tell("silence while running", answer)
+        self.assert_listened(answer)
+        self.assertEqual((answer["peak"], answer["audible"], answer["fallback"]), (0.0, 0, 1))
+
+    def test_a_muted_output_is_silent_at_once(self):
+        with Sound(-6):
+            pactl("set-sink-mute", SINK, "1")
+            try:
+                answer = probe()
+            finally:
+                pactl("set-sink-mute", SINK, "0")
+        self.tell("muted", answer)
+        self.assertEqual((answer["peak"], answer["audible"], answer["fallback"]), (0.0, 0, 0))
+        self.assertLess(answer["seconds"], WINDOW)
+
+    def test_the_volume_of_the_output_counts(self):
+        with Sound(-6):
+            until(lambda: probe()["audible"], "the sine has arrived")
+            pactl("set-sink-volume", SINK, "10%")
+            try:
+                answer = until(lambda: not (a := probe())["audible"] and a, "the volume has arrived")
+            finally:
+                pactl("set-sink-volume", SINK, "100%")
+        self.tell("volume 10 %", answer)
+        self.assertGreater(answer["peak"], 0.0)
+        self.assertEqual(answer["fallback"], 1)
+
+    def test_an_output_that_does_not_run_is_silent_at_once(self):
+        until(lambda: sink_state(SINK) != "RUNNING", "the output rests")
+        answer = probe()
+        self.tell(f"not running ({sink_state(SINK).lower()})", answer)
+        self.assertEqual((answer["peak"], answer["audible"], answer["fallback"]), (0.0, 0, 0))
+        self.assertLess(answer["seconds"], WINDOW)
+
+    def test_a_suspended_output_is_not_woken(self):
+        until(lambda: sink_state(SINK) != "RUNNING", "the output rests")
+        pactl("suspend-sink", SINK, "1")
+        try:
+            until(lambda: sink_state(SINK) == "SUSPENDED", "the output is suspended")
+            answer = probe()
+            self.assertEqual(sink_state(SINK), "SUSPENDED")
+        finally:
+            pactl("suspend-sink", SINK, "0")
+        self.tell("suspended", answer)
+        self.assertEqual((answer["peak"], answer["audible"], answer["fallback"]), (0.0, 0, 0))
+        self.assertLess(answer["seconds"], WINDOW)
+
+    def test_only_the_default_output_counts_and_never_the_default_source(self):
+        other = pactl("load-module", "module-null-sink", "sink_name=vorli_other").strip()
+        try:
+            until(lambda: sink_state("vorli_other"), "the other output is there")
+            pactl("set-default-sink", SINK)
+            pactl("set-default-source", "vorli_other.monitor")
+            with Sound(None), Sound(-6, sink="vorli_other"):
+                answer = until(lambda: (a := probe())["fallback"] and a, "the output runs")
+                self.tell("sound elsewhere", answer)
+                self.assertEqual((answer["peak"], answer["audible"]), (0.0, 0))
+        finally:
+            pactl("unload-module", other)
+        until(lambda: sink_state("vorli_other") is None, "the other output is gone")
+
+    def test_an_absent_server_is_no_sound(self):
+        answer = probe(PULSE_SERVER=f"unix:{os.environ['XDG_RUNTIME_DIR']}/nobody")
+        self.tell("no server", answer)
+        self.assertEqual((answer["peak"], answer["audible"], answer["fallback"]), (None, 0, 0))
+        self.assertEqual(answer["log"], ["CreateProcessTap failed: 6. Falling back to legacy probe."])
+        self.assertLess(answer["seconds"], WINDOW)
+
+    def test_a_server_that_hangs_holds_nobody_up_for_long(self):
+        path = os.path.join(os.environ["XDG_RUNTIME_DIR"], "mute.sock")
+        with socket.socket(socket.AF_UNIX) as server:
+            server.bind(path)
+            server.listen()
+            answer = probe(PULSE_SERVER=f"unix:{path}")
+        os.unlink(path)
+        self.tell("server hangs", answer)
+        self.assertEqual((answer["audible"], answer["fallback"]), (0, 0))
+        self.assertEqual(answer["log"], ["CreateProcessTap failed: 8. Falling back to legacy probe."])
+        self.assertGreaterEqual(answer["seconds"], SET_UP_LIMIT)
+        self.assertLess(answer["seconds"], SET_UP_LIMIT + STATE_LIMIT + SLACK)
+
+    def test_without_the_sound_library_the_cards_are_asked(self):
+        with tempfile.TemporaryDirectory() as folder:
+            hollow = os.path.join(folder, "libpulse.so.0")
+            subprocess.run(["cc", "-shared", "-x", "c", "-o", hollow, os.devnull], check=True)
+            answer = probe(LD_LIBRARY_PATH=folder)
+        self.tell("no sound library", answer)
+        self.assertEqual((answer["canListen"], answer["audible"], answer["log"]), (0, 0, []))
+
+
+if SERVER == "pulse":
+
+    class LateSoundTest(SoundServerTest):
+        """A player that hands over two seconds at a time. Only one of the two servers takes them as they come."""
+
+        def test_is_answered_by_the_fallback(self):
+            slow = pactl("load-module", "module-null-sink", "sink_name=vorli_slow").strip()
+            try:
+                pactl("set-default-sink", "vorli_slow")
+                with Sound(-6, sink="vorli_slow", latency=("--latency-msec=2000",)):
+                    answer = until(lambda: (a := probe())["peak"] is None and a, "a start that fails")
+            finally:
+                pactl("unload-module", slow)
+            self.tell("late sound", answer)
+            self.assertEqual(answer["log"][0], "AudioDeviceStart failed: 8")
+            self.assertEqual((answer["audible"], answer["fallback"]), (1, 1))
+            self.assertGreaterEqual(answer["seconds"], SET_UP_LIMIT)
+            self.assertLess(answer["seconds"], SET_UP_LIMIT + STATE_LIMIT + SLACK)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1], verbosity=0)

@@ -1,0 +1,15 @@
+"""The one place where a desktop test pauses: between two looks at a condition, until a deadline."""
+
+import time
+
+
+def until(condition, what, seconds=10.0, pause=0.02):
+    """Returns the first true value of `condition`; fails with `what` when none came in time."""
+    deadline = time.monotonic() + seconds
+    while True:
+        value = condition()
+        if value:
+            return value
+        if time.monotonic() > deadline:
+            raise AssertionError(f"not within {seconds:g} s: {what}")
+        time.sleep(pause)
