@@ -1,6 +1,7 @@
 #include "linux/ApplicationMatcher.h"
 
 #include "linux/ProcessEvidence.h"
+#include "linux/ProcessStart.h"
 #include "linux/SmallFile.h"
 
 #include <algorithm>
@@ -10,24 +11,6 @@
 namespace vorli::linuxhost {
 
 namespace {
-
-// Field 22 of a stat line, ticks since boot; the name before it may hold blanks and brackets. 0 when
-// unreadable.
-std::uint64_t startTicks(std::string_view stat) {
-  const auto bracket = stat.rfind(')');
-  if (bracket == std::string_view::npos) return 0;
-  stat.remove_prefix(bracket + 1);
-  for (int field = 3; field <= 22; ++field) {
-    const auto start = stat.find_first_not_of(' ');
-    if (start == std::string_view::npos) return 0;
-    stat.remove_prefix(start);
-    if (field == 22) break;
-    stat.remove_prefix(std::min(stat.find(' '), stat.size()));
-  }
-  std::uint64_t ticks = 0;
-  std::from_chars(stat.data(), stat.data() + stat.size(), ticks);
-  return ticks;
-}
 
 std::string_view unifiedPath(std::string_view cgroup) {
   const auto start = cgroup.find("0::");
@@ -92,7 +75,7 @@ bool ApplicationMatcher::leadsItsControlGroup(std::int32_t pid, const std::strin
     std::int32_t member = 0;
     std::from_chars(rest.data(), rest.data() + rest.size(), member);
     const auto stat = readSmallFile(root_ + "/proc/" + std::to_string(member) + "/stat");
-    const auto start = stat ? startTicks(*stat) : 0;
+    const auto start = stat ? parseProcessStart(*stat).value_or(ProcessStart{}).ticks : 0;
     if (start != 0 && start < oldestStart) {
       oldest = member;
       oldestStart = start;

@@ -242,4 +242,15 @@ const DesktopEntry* DesktopEntryIndex::byProgram(std::string_view realPath) cons
   return find(byProgram_, std::string(realPath));
 }
 
+const DesktopEntry* DesktopEntryIndex::onlyOneInFolder(std::string_view realPath) const {
+  const std::string prefix = std::string(realPath) + "/";
+  const DesktopEntry* only = nullptr;
+  for (const auto& [program, entry] : byProgram_) {
+    if (!program.starts_with(prefix) || entry == only) continue;
+    if (only || !entry) return nullptr;
+    only = entry;
+  }
+  return only;
+}
+
 }  // namespace vorli::linuxhost

@@ -48,6 +48,10 @@ class DesktopEntryIndex {
   /// when none or several do.
   const DesktopEntry* byProgram(std::string_view realPath) const;
 
+  /// The one visible entry whose program lies in the folder at `realPath`, at any depth. Null when none or
+  /// several do.
+  const DesktopEntry* onlyOneInFolder(std::string_view realPath) const;
+
   std::size_t size() const { return entries_.size(); }
 
   /// Called on the main thread after the index was read anew; pointers from before are gone then.

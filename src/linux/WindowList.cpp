@@ -63,10 +63,11 @@ std::int32_t pidFromServer(xcb_res_query_client_ids_reply_t* reply) {
 
 struct WindowList::Atoms {
   xcb_atom_t clientList, activeWindow, currentDesktop, closeWindow, pid, clientMachine, gtkApplicationID,
-      kdeDesktopFile, windowType, typeDock, typeDesktop, state, stateHidden, windowDesktop;
+      gtkUniqueBusName, gtkObjectPath, kdeDesktopFile, windowType, typeDock, typeDesktop, state, stateHidden,
+      windowDesktop;
 
   explicit Atoms(xcb_connection_t* connection) {
-    const std::array<std::pair<xcb_atom_t*, const char*>, 14> wanted{{
+    const std::array<std::pair<xcb_atom_t*, const char*>, 16> wanted{{
         {&clientList, "_NET_CLIENT_LIST"},
         {&activeWindow, "_NET_ACTIVE_WINDOW"},
         {&currentDesktop, "_NET_CURRENT_DESKTOP"},
@@ -74,6 +75,8 @@ struct WindowList::Atoms {
         {&pid, "_NET_WM_PID"},
         {&clientMachine, "WM_CLIENT_MACHINE"},
         {&gtkApplicationID, "_GTK_APPLICATION_ID"},
+        {&gtkUniqueBusName, "_GTK_UNIQUE_BUS_NAME"},
+        {&gtkObjectPath, "_GTK_APPLICATION_OBJECT_PATH"},
         {&kdeDesktopFile, "_KDE_NET_WM_DESKTOP_FILE"},
         {&windowType, "_NET_WM_WINDOW_TYPE"},
         {&typeDock, "_NET_WM_WINDOW_TYPE_DOCK"},
@@ -204,22 +207,24 @@ void WindowList::readClientList() {
 
 std::vector<DesktopWindow> WindowList::describe(const std::vector<std::uint32_t>& ids) {
   struct Questions {
-    std::array<xcb_get_property_cookie_t, 6> properties;
+    std::array<xcb_get_property_cookie_t, 8> properties;
     xcb_res_query_client_ids_cookie_t client;
   };
   std::vector<Questions> asked;
   for (const auto id : ids) {
     const xcb_res_client_id_spec_t spec{id, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
-    asked.push_back({{ask(connection_, id, atoms_->pid), ask(connection_, id, atoms_->clientMachine),
-                      ask(connection_, id, XCB_ATOM_WM_CLASS), ask(connection_, id, atoms_->gtkApplicationID),
-                      ask(connection_, id, atoms_->kdeDesktopFile), ask(connection_, id, atoms_->windowType)},
-                     xcb_res_query_client_ids(connection_, 1, &spec)});
+    asked.push_back(
+        {{ask(connection_, id, atoms_->pid), ask(connection_, id, atoms_->clientMachine),
+          ask(connection_, id, XCB_ATOM_WM_CLASS), ask(connection_, id, atoms_->gtkApplicationID),
+          ask(connection_, id, atoms_->kdeDesktopFile), ask(connection_, id, atoms_->windowType),
+          ask(connection_, id, atoms_->gtkUniqueBusName), ask(connection_, id, atoms_->gtkObjectPath)},
+         xcb_res_query_client_ids(connection_, 1, &spec)});
   }
 
   static const std::string thisMachine = hostName();
   std::vector<DesktopWindow> result;
   for (std::size_t i = 0; i < ids.size(); ++i) {
-    std::array<Property, 6> answers;
+    std::array<Property, 8> answers;
     for (std::size_t j = 0; j < answers.size(); ++j) answers[j] = answer(connection_, asked[i].properties[j]);
     const Owned<xcb_res_query_client_ids_reply_t> client(
         xcb_res_query_client_ids_reply(connection_, asked[i].client, nullptr));
@@ -239,6 +244,8 @@ std::vector<DesktopWindow> WindowList::describe(const std::vector<std::uint32_t>
     }
     window.gtkApplicationID = text(answers[3]);
     window.kdeDesktopFile = text(answers[4]);
+    window.gtkUniqueBusName = text(answers[6]);
+    window.gtkApplicationObjectPath = text(answers[7]);
     const auto type = firstWord(answers[5]).value_or(XCB_ATOM_NONE);
     window.isNormal = type != atoms_->typeDock && type != atoms_->typeDesktop;
     result.push_back(std::move(window));

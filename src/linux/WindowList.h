@@ -17,6 +17,8 @@ struct DesktopWindow {
   std::uint32_t id = 0;
   std::int32_t pid = 0;  // 0: on another machine, or unknown
   std::string gtkApplicationID;
+  std::string gtkUniqueBusName;  // where a GTK application exports its actions
+  std::string gtkApplicationObjectPath;
   std::string kdeDesktopFile;
   std::string wmInstance;
   std::string wmClass;
