@@ -1,0 +1,42 @@
+# shellcheck shell=bash
+# What each rung of the test command does. Sourced by ./test.
+
+rung_static() {
+  step "rules of the tree" tools/check_includes
+  local script
+  for script in tests/tools/*_test.py; do step "$(basename "$script")" /usr/bin/python3 "$script"; done
+  step "format" tools/check_format
+  step "shell scripts" tools/check_shell
+  build dev vorli_helper_contract_headers && step "clang-tidy" tools/check_tidy build/dev
+}
+
+rung_unit() {
+  build dev && ctest_step "unit tests" dev
+}
+
+rung_helper() {
+  build dev || return
+  local suite found=no
+  for suite in tests/helper/run tests/helper/run_client; do
+    [ -x "$suite" ] || continue
+    found=yes
+    step "$suite" "$suite"
+  done
+  [ $found = yes ] || step "tests of the helper" false
+}
+
+rung_desktop() {
+  build release && step "desktop" tools/testing/desktop.sh
+}
+
+rung_asan() {
+  build asan && ctest_step "unit tests under AddressSanitizer" asan
+}
+
+rung_tsan() {
+  build tsan && ctest_step "unit tests under ThreadSanitizer" tsan
+}
+
+rung_fuzz() {
+  step "fuzzers" tests/fuzz/run
+}

@@ -1,0 +1,105 @@
+# shellcheck shell=bash
+# The steps of the test command: each runs something with its output in a log, tells how it went in one line, and
+# adds to the counts. Sourced by ./test.
+
+logs=$PWD/build/logs
+passed=0 failed=0
+failures=()
+mkdir -p "$logs"
+
+# begin NAME: on a terminal, what is being waited for.
+begin() { [ ! -t 1 ] || printf '  ...   %s\r' "$1"; }
+
+# tell NAME GOOD BAD SECONDS LOG: counts; shows the end of the log when something failed.
+tell() {
+  passed=$((passed + $2)) failed=$((failed + $3))
+  if [ "$3" -eq 0 ]; then
+    printf '  ok    %-52s %5d tests %4d s\n' "$1" "$2" "$4"
+  else
+    failures+=("$1")
+    printf '  FAILED %-51s %5d of %d, log in %s\n' "$1" "$3" $(($2 + $3)) "${5#"$PWD/"}"
+    tail -n "${6:-40}" "$5" | sed 's/^/      | /'
+  fi
+}
+
+# log_of NAME: a file for the output of a step.
+log_of() {
+  local name=${1//[^A-Za-z0-9._-]/-}
+  mkdir -p "$logs"
+  echo "$logs/$name.log"
+}
+
+# counts_of LOG: "PASSED FAILED" when the log closes with "N passed, N failed" or as Python's tests do.
+counts_of() {
+  tail -n 3 "$1" | awk '
+    /^[0-9]+ passed, [0-9]+ failed$/ { print $1, $3 + 0 }
+    /^Ran [0-9]+ tests? in / { ran = $2 }
+    /^OK/ && ran { print ran, 0 }
+    /^FAILED \(/ && ran { gsub(/[^0-9]+/, " "); bad = $1 + $2; print ran - bad, bad }'
+}
+
+# step NAME COMMAND...: a test in itself, or as many as it counts.
+step() {
+  local name=$1 log start=$SECONDS status counts
+  shift
+  log=$(log_of "$name")
+  begin "$name"
+  "$@" >"$log" 2>&1 </dev/null
+  status=$?
+  counts=$(counts_of "$log")
+  [ -n "$counts" ] || counts=$([ $status = 0 ] && echo "1 0" || echo "0 1")
+  # shellcheck disable=SC2086  # two numbers
+  set -- $counts
+  if [ "$2" = 0 ] && [ $status != 0 ]; then set -- "$1" 1; fi
+  if [ "$2" = 0 ] && grep -qE 'skipped=[1-9]|\[ *SKIPPED *\]|[1-9][0-9]* skipped' "$log"; then
+    echo "A test was skipped; a skipped test is a failed one." >>"$log"
+    set -- "$1" 1
+  fi
+  tell "$name" "$1" "$2" $((SECONDS - start)) "$log"
+  [ "$2" = 0 ]
+}
+
+# must NAME COMMAND...: what the following steps build on. Not a test; counts only when it fails.
+must() {
+  local name=$1 log start=$SECONDS
+  shift
+  log=$(log_of "$name")
+  begin "$name"
+  if "$@" >"$log" 2>&1 </dev/null; then
+    printf '  done  %-52s             %4d s\n' "$name" $((SECONDS - start))
+  else
+    tell "$name" 0 1 $((SECONDS - start)) "$log"
+    return 1
+  fi
+}
+
+build() { # build PRESET [TARGET...]
+  local preset=$1
+  shift
+  [ $# -eq 0 ] || set -- --target "$@"
+  must "configure $preset" cmake --preset "$preset" -Wno-dev && must "build $preset" cmake --build --preset "$preset" "$@"
+}
+
+# ctest_step NAME PRESET [ARGUMENT...]: the tests of a build tree, each counted; not run or skipped is failed.
+ctest_step() {
+  local name=$1 preset=$2 log report start=$SECONDS counts
+  shift 2
+  log=$(log_of "$name")
+  report=${log%.log}.xml
+  rm -f "$report"
+  begin "$name"
+  ctest --preset "$preset" --parallel "$(nproc)" --timeout 120 --output-junit "$report" "$@" >"$log" 2>&1 </dev/null
+  counts=$(/usr/bin/python3 tools/testing/count_junit.py "$report") || counts="0 1"
+  # shellcheck disable=SC2086
+  set -- $counts
+  tell "$name" "$1" "$2" $((SECONDS - start)) "$log" 60
+  [ "$2" = 0 ]
+}
+
+close() {
+  printf '%s\n' "" "took $((SECONDS / 60)) min $((SECONDS % 60)) s"
+  [ ${#failures[@]} -eq 0 ] || printf 'failed: %s\n' "${failures[@]}"
+  [ $((passed + failed)) -gt 0 ] || failed=1
+  echo "$passed passed, $failed failed"
+  [ $failed -eq 0 ]
+}
