@@ -42,5 +42,13 @@ TEST(PIDMapTest, aResetForgetsEverything) {
   EXPECT_EQ(map.find(7), nullptr);
 }
 
+TEST(PIDMapDeathTest, moreEntriesThanPromisedStopTheProgram) {
+  PIDMap<int> map;
+  map.reset(2);
+  map.set(1, 0);
+  map.set(2, 0);
+  EXPECT_DEATH(map.set(3, 0), "broken invariant");
+}
+
 }  // namespace
 }  // namespace vorli
