@@ -1,0 +1,23 @@
+#include "daemon/ContinueProcess.h"
+
+#include <algorithm>
+#include <cerrno>
+
+namespace vorli::daemon {
+
+HelperReply continueProcess(ProcessControl& control, const Permit& permit, std::int32_t pid) {
+  const auto process = control.pin(pid);
+  if (!process) return toReply(process.error());
+
+  const auto users = (*process)->users();
+  // Asked after the users: still the pinned process, so what was read was its own.
+  if (!(*process)->isThere()) return {ESRCH, "The process has ended"};
+  if (!users) return {exit_code::refused, "The users of the process cannot be read"};
+  if (!std::ranges::all_of(*users, [&](UserId user) { return user == permit.user(); }))
+    return {exit_code::refused, "Not a process of the caller"};
+
+  if (const auto resumed = (*process)->resume(); !resumed) return toReply(resumed.error());
+  return {exit_code::done, "Continued"};
+}
+
+}  // namespace vorli::daemon

@@ -1,0 +1,66 @@
+#include "daemon/Lifecycle.h"
+
+#include <memory>
+#include <utility>
+
+namespace vorli::daemon {
+
+Lifecycle::Lifecycle(Scheduler& scheduler, Link& link, std::function<std::size_t()> inFlight,
+                     double idleSeconds)
+    : scheduler_(scheduler),
+      link_(link),
+      inFlight_(std::move(inFlight)),
+      idleSeconds_(idleSeconds),
+      lastActivity_(scheduler.now()) {}
+
+Lifecycle::~Lifecycle() {
+  scheduler_.cancel(idleTimer_);
+  scheduler_.cancel(barrierTimer_);
+  scheduler_.cancel(drainTimer_);
+}
+
+void Lifecycle::start() {
+  touch();
+  watchIdleness(idleSeconds_);
+}
+
+// The timer is left alone by the calls and looks at their traces when it is due, so a call costs no timer.
+void Lifecycle::watchIdleness(double seconds) {
+  idleTimer_ = scheduler_.after(seconds, [this] {
+    const double left = lastActivity_ + idleSeconds_ - scheduler_.now();
+    if (inFlight_() > 0) {
+      watchIdleness(idleSeconds_);
+    } else if (left > 0.0) {
+      watchIdleness(left);
+    } else {
+      leave();
+    }
+  });
+}
+
+void Lifecycle::requestEnded() {
+  touch();
+  stopIfDrained();
+}
+
+void Lifecycle::leave() {
+  if (std::exchange(leaving_, true)) return;
+  scheduler_.cancel(idleTimer_);
+  link_.announceStopping();
+  link_.releaseName();
+  // From here on the bus starts a new process for new calls.
+  const auto received = [this, alive = std::weak_ptr(alive_)] {
+    if (alive.expired()) return;
+    everythingReceived_ = true;
+    stopIfDrained();
+  };
+  barrierTimer_ = scheduler_.after(Timing::barrierSeconds, received);
+  drainTimer_ = scheduler_.after(Timing::drainSeconds, [this] { link_.stop(); });
+  link_.barrier(OnceReply<bool>([received](bool) { received(); }));
+}
+
+void Lifecycle::stopIfDrained() {
+  if (leaving_ && everythingReceived_ && inFlight_() == 0) link_.stop();
+}
+
+}  // namespace vorli::daemon

@@ -1,0 +1,75 @@
+#include "linux/daemon/BusDNSCache.h"
+
+#include "linux/daemon/BusNames.h"
+
+#include <cerrno>
+#include <chrono>
+#include <sdbus-c++/sdbus-c++.h>
+
+namespace vorli::linuxhost {
+
+namespace {
+
+using State = daemon::DNSCache::Outcome::State;
+
+std::chrono::microseconds microseconds(double seconds) {
+  return std::chrono::microseconds(static_cast<std::int64_t>(seconds * 1e6));
+}
+
+daemon::DNSCache::Outcome failure(const sdbus::Error& error) {
+  return {State::failed, {EIO, error.getName()}};
+}
+
+}  // namespace
+
+const BusDNSCache::Method BusDNSCache::resolved{"systemd-resolved", "org.freedesktop.resolve1",
+                                                "/org/freedesktop/resolve1",
+                                                "org.freedesktop.resolve1.Manager", "FlushCaches"};
+const BusDNSCache::Method BusDNSCache::networkManagerDnsmasq{
+    "NetworkManager's dnsmasq", "org.freedesktop.NetworkManager.dnsmasq", "/uk/org/thekelleys/dnsmasq",
+    "org.freedesktop.NetworkManager.dnsmasq", "ClearCache"};
+const BusDNSCache::Method BusDNSCache::dnsmasq{"dnsmasq", "uk.org.thekelleys.dnsmasq",
+                                               "/uk/org/thekelleys/dnsmasq", "uk.org.thekelleys.dnsmasq",
+                                               "ClearCache"};
+
+BusDNSCache::BusDNSCache(sdbus::IConnection& connection, const Method& method)
+    : connection_(connection),
+      method_(method),
+      bus_(sdbus::createProxy(connection, bus::service, bus::path)) {}
+
+BusDNSCache::~BusDNSCache() = default;
+
+// The call goes to the owner's unique name: one to the service's name would start a service that does not
+// run, and one that cannot start holds such a call for 25 seconds.
+void BusDNSCache::flush(double seconds, OnceReply<Outcome> reply) {
+  auto held = std::make_shared<OnceReply<Outcome>>(std::move(reply));
+  try {
+    bus_->callMethodAsync("GetNameOwner")
+        .onInterface(bus::interface)
+        .withTimeout(microseconds(seconds))
+        .withArguments(std::string(method_.service))
+        .uponReplyInvoke([this, seconds, held](const sdbus::Error* error, const std::string& owner) {
+          if (error) return std::move(*held)(Outcome{});
+          call(owner, seconds, std::move(*held));
+        });
+  } catch (const sdbus::Error& error) {
+    std::move (*held)(failure(error));
+  }
+}
+
+void BusDNSCache::call(const std::string& owner, double seconds, OnceReply<Outcome> reply) {
+  auto held = std::make_shared<OnceReply<Outcome>>(std::move(reply));
+  try {
+    owner_ = sdbus::createProxy(connection_, owner, method_.path);
+    owner_->callMethodAsync(method_.name)
+        .onInterface(method_.interface)
+        .withTimeout(microseconds(seconds))
+        .uponReplyInvoke([held](const sdbus::Error* error) {
+          std::move (*held)(error ? failure(*error) : Outcome{State::flushed, {}});
+        });
+  } catch (const sdbus::Error& error) {
+    std::move (*held)(failure(error));
+  }
+}
+
+}  // namespace vorli::linuxhost

@@ -1,0 +1,77 @@
+#include "linux/daemon/HelperObject.h"
+
+#include "daemon/ExitCode.h"
+#include "helper/HelperProtocol.h"
+
+#include <exception>
+#include <utility>
+
+namespace vorli::linuxhost {
+
+namespace {
+
+// The caller may be gone, or its queue full: then nobody waits for the answer.
+void send(const sdbus::Result<std::int32_t, std::string>& result, const HelperReply& reply) noexcept {
+  try {
+    result.returnResults(reply.exitCode, reply.output);
+  } catch (const std::exception&) {
+  }
+}
+
+}  // namespace
+
+HelperObject::HelperObject(sdbus::IConnection& connection, daemon::RequestDesk& desk,
+                           std::function<void()> called)
+    : AdaptorInterfaces(connection, path), desk_(desk), called_(std::move(called)) {
+  registerAdaptor();
+}
+
+HelperObject::~HelperObject() {
+  unregisterAdaptor();
+}
+
+std::string HelperObject::Ping() {
+  called_();
+  return "pong";
+}
+
+std::string HelperObject::Version() {
+  called_();
+  return std::string(helper::version);
+}
+
+void HelperObject::PurgeMemory(Result&& result) {
+  submit(daemon::Method::purgeMemory, {}, std::move(result));
+}
+
+void HelperObject::FlushDNS(Result&& result) {
+  submit(daemon::Method::flushDNS, {}, std::move(result));
+}
+
+void HelperObject::KillPID(Result&& result, std::int32_t pid, std::int32_t signal) {
+  submit(daemon::Method::killPID, daemon::KillArguments{pid, signal}, std::move(result));
+}
+
+void HelperObject::DumpBTM(Result&& result) {
+  submit(daemon::Method::dumpBTM, {}, std::move(result));
+}
+
+void HelperObject::MoveLaunchAgentPlist(Result&& result, std::string from, std::string to) {
+  submit(daemon::Method::moveLaunchAgentPlist, daemon::MoveArguments{std::move(from), std::move(to)},
+         std::move(result));
+}
+
+void HelperObject::submit(daemon::Method method, Arguments arguments, Result&& result) {
+  auto held = std::make_shared<Result>(std::move(result));
+  try {
+    called_();
+    daemon::Request request{method, getObject().getCurrentlyProcessedMessage()->getSender(),
+                            std::move(arguments)};
+    desk_.submit(std::move(request),
+                 OnceReply<HelperReply>([held](HelperReply reply) { send(*held, reply); }));
+  } catch (const std::exception&) {
+    send(*held, {daemon::exit_code::internalError, "Internal error"});
+  }
+}
+
+}  // namespace vorli::linuxhost

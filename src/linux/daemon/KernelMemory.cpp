@@ -1,0 +1,91 @@
+#include "linux/daemon/KernelMemory.h"
+
+#include "linux/daemon/FileDescriptor.h"
+#include "linux/daemon/LastError.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdlib>
+#include <fcntl.h>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <unistd.h>
+
+namespace vorli::linuxhost {
+
+namespace {
+
+std::expected<void, daemon::SystemError> pull(const char* lever, std::string_view value) {
+  const FileDescriptor file(::open(lever, O_WRONLY | O_CLOEXEC));
+  if (!file || ::write(file.get(), value.data(), value.size()) < 0) return lastError();
+  return {};
+}
+
+std::string memoryInformation() {
+  const FileDescriptor file(::open("/proc/meminfo", O_RDONLY | O_CLOEXEC));
+  char text[8192];
+  const auto size = file ? ::read(file.get(), text, sizeof text) : 0;
+  return size > 0 ? std::string(text, static_cast<std::size_t>(size)) : std::string();
+}
+
+// Lines of the form "MemFree:    23427 kB".
+std::uint64_t bytesOf(const std::string& information, const std::string& key) {
+  const auto line = ("\n" + information).find("\n" + key + ":");
+  if (line == std::string::npos) return 0;
+  return std::strtoull(information.c_str() + line + key.size() + 1, nullptr, 10) << 10;
+}
+
+}  // namespace
+
+/// One run of sync(2), which may hang on a broken disk for ever and cannot be called off.
+struct KernelMemory::Sync {
+  std::mutex lock;
+  std::condition_variable changed;
+  bool running = false;
+};
+
+KernelMemory::KernelMemory() : sync_(std::make_shared<Sync>()) {}
+
+std::optional<daemon::MemoryReading> KernelMemory::read() {
+  const auto information = memoryInformation();
+  if (information.empty()) return std::nullopt;
+  return daemon::MemoryReading{
+      .freeBytes = bytesOf(information, "MemFree"),
+      .availableBytes = bytesOf(information, "MemAvailable"),
+      .pageCacheBytes = bytesOf(information, "Cached") + bytesOf(information, "Buffers"),
+      .reclaimableSlabBytes = bytesOf(information, "SReclaimable"),
+  };
+}
+
+// One that still runs is waited for instead of a second: there is never more than one stuck thread.
+bool KernelMemory::syncWithin(double seconds) {
+  std::unique_lock guard(sync_->lock);
+  if (!sync_->running) {
+    sync_->running = true;
+    std::thread([sync = sync_] {
+      ::sync();
+      const std::lock_guard finished(sync->lock);
+      sync->running = false;
+      sync->changed.notify_all();
+    }).detach();
+  }
+  return sync_->changed.wait_for(guard, std::chrono::duration<double>(seconds),
+                                 [this] { return !sync_->running; });
+}
+
+// Never 4: that silences the kernel's own line about each of these writes for good.
+std::expected<void, daemon::SystemError> KernelMemory::dropPageCache() {
+  return pull(dropCachesPath, "1\n");
+}
+
+std::expected<void, daemon::SystemError> KernelMemory::dropSlab() {
+  return pull(dropCachesPath, "2\n");
+}
+
+std::expected<void, daemon::SystemError> KernelMemory::compact() {
+  return pull(compactPath, "1\n");
+}
+
+}  // namespace vorli::linuxhost

@@ -1,0 +1,54 @@
+#include "linux/daemon/PolkitAuthority.h"
+
+#include "linux/daemon/SharedReply.h"
+
+#include <map>
+#include <sdbus-c++/sdbus-c++.h>
+#include <string>
+
+namespace vorli::linuxhost {
+
+namespace {
+
+constexpr char service[] = "org.freedesktop.PolicyKit1";
+constexpr char path[] = "/org/freedesktop/PolicyKit1/Authority";
+constexpr char interface[] = "org.freedesktop.PolicyKit1.Authority";
+
+constexpr std::uint32_t neverAskTheUser = 0;
+constexpr std::chrono::seconds answerLimit(3);
+
+using Details = std::map<std::string, std::string>;
+using Subject = sdbus::Struct<std::string, std::map<std::string, sdbus::Variant>>;
+using Answer = sdbus::Struct<bool, bool, Details>;
+
+daemon::Verdict verdictOf(const Answer& answer) {
+  if (std::get<0>(answer)) return daemon::Verdict::granted;
+  return std::get<1>(answer) ? daemon::Verdict::authenticationNeeded : daemon::Verdict::denied;
+}
+
+}  // namespace
+
+PolkitAuthority::PolkitAuthority(sdbus::IConnection& connection)
+    : polkit_(sdbus::createProxy(connection, service, path)) {}
+
+PolkitAuthority::~PolkitAuthority() = default;
+
+void PolkitAuthority::check(const std::string& caller, std::string_view action, const std::string& subject,
+                            OnceReply<daemon::Verdict> reply) {
+  const SharedReply answer(std::move(reply));
+  const Subject who{"system-bus-name", {{"name", sdbus::Variant(caller)}}};
+  const Details details = subject.empty() ? Details() : Details{{"item", subject}};
+  try {
+    polkit_->callMethodAsync("CheckAuthorization")
+        .onInterface(interface)
+        .withTimeout(answerLimit)
+        .withArguments(who, std::string(action), details, neverAskTheUser, std::string())
+        .uponReplyInvoke([answer](const sdbus::Error* error, const Answer& result) {
+          answer(error ? daemon::Verdict::error : verdictOf(result));
+        });
+  } catch (const sdbus::Error&) {
+    answer(daemon::Verdict::error);
+  }
+}
+
+}  // namespace vorli::linuxhost
