@@ -1,0 +1,213 @@
+"""running_apps.py PROGRAM: real applications of different make, and what the workspace sees of them."""
+
+import json
+import os
+import signal
+import subprocess
+import sys
+import threading
+import unittest
+
+from waiting import until
+
+PROGRAM = sys.argv[1]
+DATA = os.environ["XDG_DATA_HOME"]
+
+WINDOW_SCRIPT = """
+import gi, sys
+gi.require_version("Gtk", "3.0")
+from gi.repository import Gtk
+window = Gtk.Window(title=sys.argv[1])
+window.connect("destroy", Gtk.main_quit)
+window.show_all()
+Gtk.main()
+"""
+
+SERVICE_SCRIPT = """
+import gi, sys
+gi.require_version("Gtk", "3.0")
+from gi.repository import Gio, Gtk
+application = Gtk.Application(application_id="org.example.Activated", flags=Gio.ApplicationFlags.IS_SERVICE)
+application.connect("activate", lambda app: Gtk.ApplicationWindow(application=app, title="Activated").show_all())
+application.run(sys.argv)
+"""
+
+
+def write(path, text, mode=0o644):
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(text)
+    os.chmod(path, mode)
+
+
+def add_entries():
+    write(f"{DATA}/tools/window.py", WINDOW_SCRIPT)
+    write(f"{DATA}/tools/service.py", SERVICE_SCRIPT)
+    write(f"{DATA}/applications/org.example.Script.desktop",
+          f"[Desktop Entry]\nType=Application\nName=Script Window\nExec=/usr/bin/python3 {DATA}/tools/window.py Script\n")
+    write(f"{DATA}/applications/org.example.Activated.desktop",
+          "[Desktop Entry]\nType=Application\nName=Activated Window\nDBusActivatable=true\n"
+          f"Exec=/usr/bin/python3 {DATA}/tools/service.py\n")
+    write(f"{DATA}/dbus-1/services/org.example.Activated.service",
+          f"[D-BUS Service]\nName=org.example.Activated\nExec=/usr/bin/python3 {DATA}/tools/service.py\n")
+
+
+class Probe:
+    """The test program; collects its lines on a thread of its own."""
+
+    def __init__(self):
+        self.process = subprocess.Popen([PROGRAM], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+        self.lines = []
+        self.reader = threading.Thread(target=self.read, daemon=True)
+        self.reader.start()
+        until(lambda: any("ready" in line for line in self.lines), "the probe is ready")
+
+    def read(self):
+        for line in self.process.stdout:
+            self.lines.append(json.loads(line))
+
+    def ask(self, command, key):
+        seen = len(self.lines)
+        self.process.stdin.write(command + "\n")
+        self.process.stdin.flush()
+        return until(lambda: next((line for line in self.lines[seen:] if key in line), None), command)[key]
+
+    def running(self):
+        return {application["id"]: application for application in self.ask("list", "list")}
+
+    def wait_for(self, identifier):
+        return until(lambda: self.running().get(identifier), f"{identifier} is running")
+
+    def events(self, kind):
+        return [line["application"]["id"] for line in self.lines if line.get("event") == kind and "application" in line]
+
+    def front(self):
+        front = self.ask("front", "front")
+        return front["id"] if front else None
+
+    def close(self):
+        self.process.stdin.close()
+        self.process.wait(timeout=10)
+        self.reader.join(timeout=10)
+        self.process.stdout.close()
+
+
+def window_of(title):
+    found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title], capture_output=True, text=True)
+    return found.stdout.split()[0] if found.stdout.split() else None
+
+
+def activate(title):
+    window = until(lambda: window_of(title), f"a window {title}")
+    subprocess.run(["xdotool", "windowactivate", window], check=False)
+
+
+class RunningApplications(unittest.TestCase):
+    def setUp(self):
+        add_entries()
+        self.started = []
+        self.probe = Probe()
+
+    def tearDown(self):
+        for application in self.probe.running().values():
+            os.kill(application["pid"], signal.SIGKILL)
+        until(lambda: not self.probe.running(), "all that was started has ended")
+        self.probe.close()
+        for process in self.started:
+            process.kill()
+            process.wait()
+
+    def start(self, *command):
+        process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.started.append(process)
+        return process
+
+    def test_applications_of_different_make_map_to_their_entries(self):
+        self.start("mousepad")
+        self.start("featherpad", "--standalone")
+        self.start("xterm", "-T", "Terminal", "-e", "galculator")
+        self.start("/usr/bin/python3", f"{DATA}/tools/window.py", "Script")
+        subprocess.run(["gapplication", "launch", "org.example.Activated"], check=True, timeout=20)
+
+        expected = {
+            "org.xfce.mousepad": "Mousepad",
+            "featherpad": "FeatherPad",
+            "debian-xterm": "XTerm",
+            "galculator": "Galculator",
+            "org.example.Script": "Script Window",
+            "org.example.Activated": "Activated Window",
+        }
+        for identifier, name in expected.items():
+            application = self.probe.wait_for(identifier)
+            self.assertEqual(application["name"], name)
+            self.assertEqual(application["policy"], "regular")
+            self.assertGreater(application["launched"], 1.6e9)
+            until(lambda i=identifier: i in self.probe.events("launched"), f"{identifier} was told")
+        self.assertEqual(set(self.probe.running()), set(expected), "the desktop's own furniture is no application")
+
+        for title, identifier in (("Script", "org.example.Script"), ("galculator", "galculator"),
+                                  ("Activated", "org.example.Activated")):
+            activate(title)
+            until(lambda i=identifier: self.probe.front() == i, f"{identifier} is frontmost")
+            self.assertIn(identifier, self.probe.events("activated"))
+        owners = self.probe.ask("windows", "windows")
+        for application in self.probe.running().values():
+            self.assertIn(application["pid"], owners)
+
+    def test_ends_of_every_kind_are_followed(self):
+        self.start("galculator")
+        crashing = self.start("mousepad")
+        launcher = self.start("sh", "-c", f"/usr/bin/python3 {DATA}/tools/window.py Script & exit 0")
+        launcher.wait(timeout=10)
+        script = self.probe.wait_for("org.example.Script")
+        self.probe.wait_for("galculator")
+        self.probe.wait_for("org.xfce.mousepad")
+
+        subprocess.run(["wmctrl", "-i", "-c", until(lambda: window_of("galculator"), "its window")], check=True)
+        until(lambda: "galculator" in self.probe.events("terminated"), "the closed window's application ended")
+        crashing.send_signal(signal.SIGKILL)
+        until(lambda: "org.xfce.mousepad" in self.probe.events("terminated"), "the crash was seen")
+        self.assertIn("org.example.Script", self.probe.running())
+        os.kill(script["pid"], signal.SIGTERM)
+        until(lambda: not self.probe.running(), "nothing runs any more")
+
+    def test_a_polite_quit_asks_before_unsaved_text_is_lost(self):
+        editor = self.start("mousepad")
+        pid = self.probe.wait_for("org.xfce.mousepad")["pid"]
+        activate("Mousepad")
+        until(lambda: self.probe.front() == "org.xfce.mousepad", "the editor has the focus")
+        subprocess.run(["xdotool", "type", "--delay", "20", "unsaved"], check=True)
+        until(lambda: window_of(r"^\*"), "the text is in the editor")
+        self.assertTrue(self.probe.ask(f"quit {pid}", "asked"))
+        until(lambda: window_of("Save Changes"), "the editor asks")
+        self.assertIsNone(editor.poll())
+
+    def test_a_polite_quit_ends_what_has_nothing_to_lose(self):
+        self.start("galculator")
+        pid = self.probe.wait_for("galculator")["pid"]
+        self.assertTrue(self.probe.ask(f"quit {pid}", "asked"))
+        until(lambda: "galculator" in self.probe.events("terminated"), "it quit")
+        self.assertFalse(self.probe.ask(f"quit {pid}", "asked"))
+        self.assertFalse(self.probe.ask("quit 1", "asked"))
+
+    def test_a_minimised_window_is_not_on_the_screen(self):
+        self.start("galculator")
+        pid = self.probe.wait_for("galculator")["pid"]
+        until(lambda: pid in self.probe.ask("windows", "windows"), "its window is on the screen")
+        subprocess.run(["xdotool", "windowminimize", until(lambda: window_of("galculator"), "its window")], check=True)
+        until(lambda: pid not in self.probe.ask("windows", "windows"), "its window is gone from the screen")
+        self.assertIn("galculator", self.probe.running())
+
+    def test_an_entry_that_comes_later_names_what_runs_already(self):
+        self.start("/usr/bin/python3", f"{DATA}/tools/window.py", "Late")
+        until(lambda: window_of("Late"), "its window")
+        write(f"{DATA}/tools/late.py", WINDOW_SCRIPT)
+        self.start("/usr/bin/python3", f"{DATA}/tools/late.py", "Later")
+        until(lambda: window_of("Later"), "its window")
+        self.assertNotIn("org.example.Late", self.probe.running())
+        write(f"{DATA}/applications/org.example.Late.desktop",
+              f"[Desktop Entry]\nType=Application\nName=Late\nExec=/usr/bin/python3 {DATA}/tools/late.py\n")
+        self.assertEqual(self.probe.wait_for("org.example.Late")["name"], "Late")
+
+
+unittest.main(argv=sys.argv[:1], verbosity=2)
