@@ -29,7 +29,11 @@ class [[nodiscard]] Subscription {
   }
 
   /// Lets the subscription live for the rest of the process, as an observer whose token nobody keeps.
-  void detach() { cancel_ = nullptr; }
+  void detach() {
+    // Kept and not dropped: the function may own what the subscription consists of.
+    static auto& detached = *new std::vector<UniqueFunction<void()>>;
+    if (cancel_) detached.push_back(std::exchange(cancel_, nullptr));
+  }
 
  private:
   UniqueFunction<void()> cancel_;
