@@ -1,8 +1,9 @@
-#include <QCoreApplication>
+#include <QApplication>
 #include <gmock/gmock.h>
 
 int main(int argc, char** argv) {
-  const QCoreApplication application(argc, argv);
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  const QApplication application(argc, argv);
   testing::InitGoogleMock(&argc, argv);
   return RUN_ALL_TESTS();
 }

@@ -1,0 +1,30 @@
+#include "ui/Typeface.h"
+
+#include <QStringList>
+
+namespace vorli::ui {
+namespace {
+
+QFont face(const char* family, const char* substitute, QFont::StyleHint hint, double points,
+           QFont::Weight weight) {
+  QFont font(QStringList{QString::fromLatin1(family), QString::fromLatin1(substitute)});
+  font.setStyleHint(hint);
+  // QFont knows fractions only of typographic points; at Qt's logical 96 dpi one is four thirds of a pixel.
+  font.setPointSizeF(points * 0.75);
+  font.setWeight(weight);
+  return font;
+}
+
+}  // namespace
+
+QFont geist(double points, QFont::Weight weight) {
+  return face("Geist", "sans-serif", QFont::SansSerif, points, weight);
+}
+
+QFont fraunces(double points, QFont::Weight weight, double trackingEm) {
+  QFont font = face("Fraunces 9pt", "serif", QFont::Serif, points, weight);
+  font.setLetterSpacing(QFont::AbsoluteSpacing, points * trackingEm);
+  return font;
+}
+
+}  // namespace vorli::ui

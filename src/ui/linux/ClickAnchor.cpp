@@ -1,0 +1,44 @@
+#include "ui/linux/ClickAnchor.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace vorli::ui {
+namespace {
+
+constexpr int usualPanelThickness = 32;
+constexpr int thickestPanel = 96;
+
+// The space that is kept free beside the edge at which the point lies.
+int panelThickness(QPoint point, const ScreenPlace& screen) {
+  const QRect& whole = screen.geometry;
+  const QRect& free = screen.available;
+  if (point.y() < free.top()) return free.top() - whole.top();
+  if (point.y() > free.bottom()) return whole.bottom() - free.bottom();
+  if (point.x() < free.left()) return free.left() - whole.left();
+  if (point.x() > free.right()) return whole.right() - free.right();
+  return usualPanelThickness;  // with two monitors the desktop often tells of no panel
+}
+
+}  // namespace
+
+std::optional<QPoint> logicalPoint(QPoint native, const QList<ScreenPlace>& screens) {
+  for (const auto& screen : screens) {
+    const QPoint origin = screen.geometry.topLeft();
+    const QPointF offset = QPointF(native - origin) / screen.pixelRatio;
+    const QPoint logical =
+        origin + QPoint(static_cast<int>(std::floor(offset.x())), static_cast<int>(std::floor(offset.y())));
+    if (screen.geometry.contains(logical)) return logical;
+  }
+  return std::nullopt;
+}
+
+QRect assumedIconRectangle(QPoint point, const QList<ScreenPlace>& screens) {
+  int side = usualPanelThickness;
+  for (const auto& screen : screens) {
+    if (screen.geometry.contains(point)) side = std::clamp(panelThickness(point, screen), 16, thickestPanel);
+  }
+  return {point.x() - side / 2, point.y() - side / 2, side, side};
+}
+
+}  // namespace vorli::ui

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QVariantMap>
+#include <functional>
+
+namespace vorli::ui {
+
+/// Answers a call of org.freedesktop.DBus.Properties for an object with one interface of read-only
+/// properties. False when the message is no such call.
+bool answerPropertyCall(const QDBusMessage& message, const QDBusConnection& bus, const QString& interface,
+                        const std::function<QVariantMap()>& read);
+
+/// Sends the reply unless the caller wants none.
+void answer(const QDBusMessage& message, const QDBusConnection& bus, const QVariantList& values = {});
+void refuse(const QDBusMessage& message, const QDBusConnection& bus, QDBusError::ErrorType error,
+            const QString& text);
+
+}  // namespace vorli::ui

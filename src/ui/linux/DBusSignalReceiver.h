@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QObject>
+#include <functional>
+
+namespace vorli::ui {
+
+/// Hands a signal of the bus to a function for as long as it lives, whoever sends it: naming a sender would
+/// make Qt ask the bus for its owner and wait.
+class DBusSignalReceiver final : public QObject {
+  Q_OBJECT
+
+ public:
+  using Handler = std::function<void(const QDBusMessage&)>;
+
+  DBusSignalReceiver(QDBusConnection bus, const QString& path, const QString& interface, const QString& name,
+                     Handler handler);
+  ~DBusSignalReceiver() override;
+
+ private slots:
+  void received(const QDBusMessage& message) { handler_(message); }
+
+ private:
+  QDBusConnection bus_;
+  const QString path_, interface_, name_;
+  Handler handler_;
+};
+
+}  // namespace vorli::ui

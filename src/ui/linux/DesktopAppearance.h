@@ -1,0 +1,41 @@
+#pragma once
+
+#include "base/SubscriberList.h"
+#include "ui/linux/DBusSignalReceiver.h"
+#include "ui/linux/ManagerSelections.h"
+
+#include <QDBusConnection>
+#include <cstdint>
+#include <optional>
+
+namespace vorli::ui {
+
+/// Whether the desktop wants dark windows: by the portal's preference, then by the name of its theme, then by
+/// Qt's palette. The portal is asked without waiting, so the first answers may come from the other two.
+class DesktopAppearance {
+ public:
+  DesktopAppearance(QDBusConnection bus, ManagerSelections& selections);
+
+  bool isDark() const;
+
+  /// `handler` runs when `isDark` has changed.
+  Subscription subscribe(std::function<void()> handler) { return changed_.add(std::move(handler)); }
+
+ private:
+  enum class Preference : std::uint32_t { none = 0, dark = 1, light = 2 };  // the portal's numbers
+
+  void askPortal();
+  void portalSays(const QVariant& value);
+  void update();
+  bool derive() const;
+
+  QDBusConnection bus_;
+  ManagerSelections& selections_;
+  Preference preference_ = Preference::none;
+  bool dark_ = false;
+  SubscriberList<> changed_;
+  DBusSignalReceiver settingChanged_;
+  Subscription themeSubscription_;
+};
+
+}  // namespace vorli::ui

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "base/Scheduler.h"
+#include "ports/StatusItem.h"
+#include "ui/WindowPalette.h"
+
+#include <QPoint>
+#include <vector>
+
+namespace vorli::ui {
+
+/// What lies behind a window that is not rectangular.
+enum class Compositing { absent, present };
+
+/// Opens the menu at `point` where no panel can draw it. The chosen row's action runs from the main loop
+/// after the menu has closed; the menu goes by itself.
+void showStatusMenu(Scheduler& scheduler, std::vector<ports::MenuRow> rows, QPoint point,
+                    Appearance appearance, Compositing compositing);
+
+}  // namespace vorli::ui

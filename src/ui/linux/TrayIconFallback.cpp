@@ -1,0 +1,94 @@
+#include "ui/linux/TrayIconFallback.h"
+
+#include "ui/StatusPicturePainter.h"
+
+#include <QApplication>
+#include <QHelpEvent>
+#include <QIconEngine>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QToolTip>
+#include <QWidget>
+
+namespace vorli::ui {
+namespace {
+
+// Draws at the size that the tray gives, into the window itself: nothing is scaled, nothing cached.
+class PictureEngine final : public QIconEngine {
+ public:
+  explicit PictureEngine(ports::StatusPicture picture) : picture_(std::move(picture)) {}
+
+  void paint(QPainter* painter, const QRect& area, QIcon::Mode, QIcon::State) override {
+    paintStatusPicture(*painter, area, picture_);
+  }
+  QPixmap pixmap(const QSize& size, QIcon::Mode, QIcon::State) override {
+    return QPixmap::fromImage(statusPictureImage(picture_, std::min(size.width(), size.height())));
+  }
+  QIconEngine* clone() const override { return new PictureEngine(picture_); }
+
+ private:
+  ports::StatusPicture picture_;
+};
+
+}  // namespace
+
+TrayIconFallback::TrayIconFallback(ClickHandler handler) : clickHandler_(std::move(handler)) {
+  icon_.show();
+  adoptWindow();
+}
+
+TrayIconFallback::~TrayIconFallback() {
+  icon_.hide();
+}
+
+void TrayIconFallback::setPicture(const ports::StatusPicture& picture) {
+  icon_.setIcon(QIcon(new PictureEngine(picture)));
+}
+
+void TrayIconFallback::setTexts(const QString& title, const QString& sentence) {
+  sentence_ = sentence;
+  icon_.setToolTip(title + QLatin1Char('\n') + sentence);
+  if (!window_) return;
+  window_->setAccessibleName(title);
+  window_->setAccessibleDescription(sentence);
+}
+
+// Qt reports a click when the button goes down and without its modifiers, so its window is listened to
+// itself.
+void TrayIconFallback::adoptWindow() {
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (!window->inherits("QSystemTrayIconSys")) continue;
+    window_ = window;
+    window_->installEventFilter(this);
+    return;
+  }
+  connect(&icon_, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+    const bool right = reason == QSystemTrayIcon::Context;
+    clickHandler_({right ? ports::StatusClick::Button::right : ports::StatusClick::Button::left,
+                   ports::StatusClick::Control::up},
+                  QCursor::pos());
+  });
+}
+
+bool TrayIconFallback::eventFilter(QObject* watched, QEvent* event) {
+  if (watched != window_) return false;
+  switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+      return true;
+    case QEvent::MouseButtonRelease: {
+      const auto* mouse = static_cast<QMouseEvent*>(event);
+      if (!window_->rect().contains(mouse->position().toPoint())) return true;
+      const bool right = mouse->button() == Qt::RightButton;
+      const bool control = mouse->modifiers().testFlag(Qt::ControlModifier);
+      clickHandler_({right ? ports::StatusClick::Button::right : ports::StatusClick::Button::left,
+                     control ? ports::StatusClick::Control::held : ports::StatusClick::Control::up},
+                    mouse->globalPosition().toPoint());
+      return true;
+    }
+    default:
+      return false;
+  }
+}
+
+}  // namespace vorli::ui
