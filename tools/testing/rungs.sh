@@ -11,7 +11,7 @@ rung_static() {
 }
 
 rung_unit() {
-  build dev && ctest_step "unit tests" dev
+  build dev && ctest_step "unit tests" dev --label-exclude "desktop|helper"
 }
 
 rung_helper() {
@@ -30,11 +30,11 @@ rung_desktop() {
 }
 
 rung_asan() {
-  build asan && ctest_step "unit tests under AddressSanitizer" asan
+  build asan && ctest_step "unit tests under AddressSanitizer" asan --label-exclude desktop
 }
 
 rung_tsan() {
-  build tsan && ctest_step "unit tests under ThreadSanitizer" tsan
+  build tsan && ctest_step "unit tests under ThreadSanitizer" tsan --label-exclude desktop
 }
 
 rung_fuzz() {
