@@ -84,14 +84,16 @@ class SystemBusTest(unittest.TestCase):
         self.assertEqual(os.geteuid(), 0, "the private system bus needs root")
         self.prefix = tempfile.mkdtemp(prefix="vorli-prefix-")
         self.addCleanup(shutil.rmtree, self.prefix)
-        self.write("share/dbus-1/system-services/com.kv.vorli.helper.service",
-                   "[D-BUS Service]\nName=com.kv.vorli.helper\nExec=/elsewhere/vorli-helper\nUser=root\n")
-        self.write("share/dbus-1/system.d/com.kv.vorli.helper.conf", "<busconfig/>\n")
-        self.write("share/polkit-1/actions/com.kv.vorli.helper.policy", POLICY)
+        for suffix, text in (
+            ("service", "[D-BUS Service]\nName=com.kv.vorli.helper\nExec=/elsewhere/vorli-helper\nUser=root\n"),
+            ("conf", "<busconfig/>\n"),
+            ("policy", POLICY),
+        ):
+            self.write(f"libexec/vorli/com.kv.vorli.helper.{suffix}", text)
 
     def write(self, path, text):
         full = os.path.join(self.prefix, path)
-        os.makedirs(os.path.dirname(full))
+        os.makedirs(os.path.dirname(full), exist_ok=True)
         with open(full, "w", encoding="utf-8") as file:
             file.write(text)
 

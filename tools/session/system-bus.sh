@@ -9,15 +9,12 @@
 # start_system_bus PREFIX USER: sets DBUS_SYSTEM_BUS_ADDRESS and session_cgroup.
 start_system_bus() {
   local prefix=$1 user=$2 folder=$VORLI_SESSION_DIR/system
-  [ -f "$prefix/share/dbus-1/system-services/com.kv.vorli.helper.service" ] ||
-    fail "no helper is installed under $prefix"
   mkdir -p "$folder"/{services,policies,actions}
-  # The installed file may have been written for another root: the daemon of this prefix is the one to start.
-  sed -E "s|^Exec=.*|Exec=$prefix/libexec/vorli/vorli-helper|" \
-    "$prefix/share/dbus-1/system-services/com.kv.vorli.helper.service" >"$folder/services/com.kv.vorli.helper.service"
-  cp "$prefix/share/dbus-1/system.d/com.kv.vorli.helper.conf" \
-    /usr/share/dbus-1/system.d/org.freedesktop.PolicyKit1.conf "$folder/policies/"
-  cp /usr/share/polkit-1/actions/*.policy "$prefix"/share/polkit-1/actions/*.policy "$folder/actions/"
+  cp /usr/share/dbus-1/system.d/org.freedesktop.PolicyKit1.conf "$folder/policies/"
+  cp /usr/share/polkit-1/actions/*.policy "$folder/actions/"
+  take_helper_file service "$folder/services" "$prefix/share/dbus-1/system-services"
+  take_helper_file conf "$folder/policies" /etc/dbus-1/system.d /usr/share/dbus-1/system.d
+  take_helper_file policy "$folder/actions" /usr/share/polkit-1/actions
 
   export DBUS_SYSTEM_BUS_ADDRESS=unix:path=$folder/bus
   write_system_bus_config "$folder" >"$folder/bus.conf"
@@ -27,6 +24,20 @@ start_system_bus() {
   make_user_session "$user"
   in_background polkitd unshare --mount --propagation private "$here/session/polkitd.sh" "$folder"
   wait_until 10 bus_has_name system org.freedesktop.PolicyKit1 || fail "no polkitd on the private system bus" polkitd
+}
+
+# take_helper_file SUFFIX TO FOLDER...: the file lies beside the daemon, or, when the prefix is one that the system
+# itself looks into, in one of the folders.
+take_helper_file() {
+  local name=com.kv.vorli.helper.$1 to=$2 folder
+  shift 2
+  for folder in "$prefix/libexec/vorli" "$@"; do
+    if [ -f "$folder/$name" ]; then
+      cp "$folder/$name" "$to/"
+      return
+    fi
+  done
+  fail "no helper is installed under $prefix: $name is missing"
 }
 
 write_system_bus_config() {
