@@ -8,6 +8,7 @@
 #include "tests/fakes/HelperService.h"
 #include "tests/fakes/HelperTransport.h"
 #include "tests/fakes/ManualScheduler.h"
+#include "tests/helper/Outcome.h"
 
 #include <memory>
 #include <optional>
@@ -19,21 +20,6 @@ namespace vorli {
 
 // Virtual time just before a limit.
 inline constexpr double frame = 1.0 / 60.0;
-
-/// What became of a flow: its value, how often it went on, and when.
-template <typename T>
-struct Outcome {
-  std::optional<T> value;
-  int resumes = 0;
-  double at = 0.0;
-};
-
-template <typename T>
-Task<> collect(Task<T> task, std::shared_ptr<Outcome<T>> outcome, const Scheduler* clock) {
-  outcome->value = co_await std::move(task);
-  ++outcome->resumes;
-  outcome->at = clock->now();
-}
 
 struct HelperFixture : testing::Test {
   using Conduct = fakes::HelperTransport::Conduct;

@@ -1,0 +1,193 @@
+#include "linux/HelperRegistration.h"
+
+#include "helper/HelperProtocol.h"
+
+#include <unistd.h>
+#include <utility>
+
+namespace vorli::linuxhost {
+
+namespace {
+
+using Verdict = PolkitAuthority::Verdict;
+using Interaction = PolkitAuthority::Interaction;
+
+// The numbers of the port.
+constexpr int notRegistered = 0;
+constexpr int enabled = 1;
+constexpr int requiresApproval = 2;
+constexpr int notFound = 3;
+
+const std::string purgeMemory = "com.kv.vorli.helper.purge-memory";
+const std::string moveStartupItem = "com.kv.vorli.helper.move-startup-item";
+
+const std::string busName = "org.freedesktop.DBus";
+const std::string systemdName = "org.freedesktop.systemd1";
+const std::string helperUnit = "vorli-helper.service";
+constexpr std::uint64_t limitMicroseconds = 2'000'000;
+
+}  // namespace
+
+std::shared_ptr<HelperRegistration> HelperRegistration::on(SystemBus& bus,
+                                                           std::shared_ptr<HelperNameWatch> watch,
+                                                           std::string helperPath) {
+  const auto polkit = std::make_shared<PolkitAuthority>();
+  bus.attach(polkit);
+  std::shared_ptr<HelperRegistration> registration(
+      new HelperRegistration(std::move(watch), polkit, std::move(helperPath)));
+  bus.attach(registration);
+  return registration;
+}
+
+HelperRegistration::HelperRegistration(std::shared_ptr<HelperNameWatch> watch,
+                                       std::shared_ptr<PolkitAuthority> polkit, std::string helperPath)
+    : watch_(std::move(watch)), polkit_(std::move(polkit)), helperPath_(std::move(helperPath)) {}
+
+void HelperRegistration::connected(sdbus::IConnection& connection) {
+  connection_ = &connection;
+  bus_ = sdbus::createProxy(connection, busName, "/org/freedesktop/DBus");
+  manager_ = sdbus::createProxy(connection, systemdName, "/org/freedesktop/systemd1");
+}
+
+void HelperRegistration::disconnected() {
+  unit_.reset();
+  manager_.reset();
+  bus_.reset();
+  connection_ = nullptr;
+  finish(noSystemBus);
+}
+
+void HelperRegistration::setChangeHandler(std::function<void()> handler) {
+  watch_->setChangeHandler(handler);
+  polkit_->setChangeHandler(std::move(handler));
+}
+
+void HelperRegistration::readStatus(std::function<void(int)> done) {
+  waiting_.push_back(std::move(done));
+  if (waiting_.size() > 1) return;
+  watch_->refresh([weak = weak_from_this()] {
+    if (const auto registration = weak.lock()) registration->judgePresence();
+  });
+}
+
+void HelperRegistration::judgePresence() {
+  switch (watch_->presence()) {
+    case HelperNameWatch::Presence::unknown:
+    case HelperNameWatch::Presence::noBus:
+      return finish(noSystemBus);
+    case HelperNameWatch::Presence::absent:
+      return finish(access(helperPath_.c_str(), X_OK) == 0 ? notRegistered : notFound);
+    case HelperNameWatch::Presence::activatable:
+      return askForServiceManager();
+    case HelperNameWatch::Presence::owned:
+      return askPolkit();
+  }
+}
+
+// Where systemd runs, it starts the daemon and knows best; elsewhere the bus does.
+void HelperRegistration::askForServiceManager() {
+  if (!bus_) return finish(noSystemBus);
+  bus_->callMethodAsync("NameHasOwner")
+      .onInterface(busName)
+      .withTimeout(limitMicroseconds)
+      .withArguments(systemdName)
+      .uponReplyInvoke([this](const sdbus::Error* error, bool isThere) {
+        if (error || !isThere) return askPolkit();
+        loadUnit();
+      });
+}
+
+void HelperRegistration::loadUnit() {
+  manager_->callMethodAsync("LoadUnit")
+      .onInterface("org.freedesktop.systemd1.Manager")
+      .withTimeout(limitMicroseconds)
+      .withArguments(helperUnit)
+      .uponReplyInvoke([this](const sdbus::Error* error, const sdbus::ObjectPath& unit) {
+        if (!error) return askForLoadState(unit);
+        const std::string& name = error->getName();
+        if (name == "org.freedesktop.systemd1.NoSuchUnit") return finish(noUnit);
+        if (name == "org.freedesktop.systemd1.UnitMasked") return finish(requiresApproval);
+        askPolkit();
+      });
+}
+
+void HelperRegistration::askForLoadState(const std::string& unitPath) {
+  unit_ = sdbus::createProxy(*connection_, systemdName, unitPath);
+  unit_->callMethodAsync("Get")
+      .onInterface("org.freedesktop.DBus.Properties")
+      .withTimeout(limitMicroseconds)
+      .withArguments(std::string("org.freedesktop.systemd1.Unit"), std::string("LoadState"))
+      .uponReplyInvoke([this](const sdbus::Error* error, const sdbus::Variant& loadState) {
+        if (error || !loadState.containsValueOfType<std::string>()) return askPolkit();
+        judgeLoadState(loadState.get<std::string>());
+      });
+}
+
+void HelperRegistration::judgeLoadState(const std::string& loadState) {
+  if (loadState == "masked") return finish(requiresApproval);
+  if (loadState == "not-found") return finish(noUnit);
+  askPolkit();
+}
+
+void HelperRegistration::askPolkit() {
+  polkit_->check(purgeMemory, Interaction::none, [weak = weak_from_this()](Verdict verdict) {
+    const auto registration = weak.lock();
+    if (!registration) return;
+    switch (verdict) {
+      case Verdict::authorized:
+        return registration->finish(enabled);
+      case Verdict::needsPassword:
+      case Verdict::refused:
+      case Verdict::dismissed:
+        return registration->finish(requiresApproval);
+      case Verdict::unknownAction:
+        return registration->finish(notRegistered);
+      case Verdict::unreachable:
+        return registration->finish(noPolkit);
+    }
+  });
+}
+
+void HelperRegistration::finish(int status) {
+  for (const auto& done : std::exchange(waiting_, {})) done(status);
+}
+
+void HelperRegistration::readStartupItemConsent(std::function<void(ports::Consent)> done) {
+  polkit_->check(moveStartupItem, Interaction::none, [done = std::move(done)](Verdict verdict) {
+    const bool isMissing = verdict == Verdict::needsPassword || verdict == Verdict::refused;
+    done(isMissing ? ports::Consent::missing : ports::Consent::granted);
+  });
+}
+
+void HelperRegistration::askForApproval(std::function<void(Approval)> done) {
+  if (!watch_->mayLeadToDaemon()) return done(Approval::notToBeHadHere);
+  polkit_->check(purgeMemory, Interaction::none, [weak = weak_from_this(), done](Verdict verdict) {
+    const auto registration = weak.lock();
+    if (!registration) return;
+    if (verdict == Verdict::needsPassword) return registration->promptFor(purgeMemory, done);
+    if (verdict != Verdict::authorized) return done(Approval::notToBeHadHere);
+    registration->polkit_->check(moveStartupItem, Interaction::none, [weak, done](Verdict second) {
+      const auto self = weak.lock();
+      if (!self) return;
+      if (second == Verdict::needsPassword) return self->promptFor(moveStartupItem, done);
+      done(Approval::notToBeHadHere);
+    });
+  });
+}
+
+// Nobody there to ask: polkit answers as it does without interaction.
+void HelperRegistration::promptFor(const std::string& action, std::function<void(Approval)> done) {
+  polkit_->check(action, Interaction::mayAskTheUser, [done = std::move(done)](Verdict verdict) {
+    switch (verdict) {
+      case Verdict::authorized:
+        return done(Approval::granted);
+      case Verdict::dismissed:
+      case Verdict::refused:
+        return done(Approval::declined);
+      default:
+        return done(Approval::notToBeHadHere);
+    }
+  });
+}
+
+}  // namespace vorli::linuxhost

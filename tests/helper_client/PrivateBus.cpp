@@ -1,0 +1,143 @@
+#include "tests/helper_client/PrivateBus.h"
+
+#include "tests/helper_client/Waiting.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace vorli {
+
+namespace {
+
+const char* const busConfiguration = R"(<!DOCTYPE busconfig PUBLIC
+ "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>system</type>
+  <listen>unix:path=FOLDER/socket</listen>
+  <auth>EXTERNAL</auth>
+  <servicedir>FOLDER/services</servicedir>
+  <policy context="default">
+    <allow user="*"/>
+    <allow own="*"/>
+    <allow send_type="method_call"/>
+    <allow send_type="signal"/>
+    <allow send_requested_reply="true" send_type="method_return"/>
+    <allow send_requested_reply="true" send_type="error"/>
+    <allow receive_type="method_call"/>
+    <allow receive_type="method_return"/>
+    <allow receive_type="error"/>
+    <allow receive_type="signal"/>
+  </policy>
+</busconfig>
+)";
+
+// The socket's file is there a moment before anybody listens.
+bool listens(const std::string& path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  path.copy(address.sun_path, sizeof address.sun_path - 1);
+  const int client = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const bool connected = connect(client, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
+  close(client);
+  return connected;
+}
+
+int run(const std::string& command) {
+  return std::system(command.c_str());
+}
+
+}  // namespace
+
+PrivateBus::PrivateBus() {
+  std::string pattern = std::filesystem::temp_directory_path() / "vorli-bus-XXXXXX";
+  folder_ = mkdtemp(pattern.data());
+  std::filesystem::create_directory(folder_ / "services");
+  std::string configuration = busConfiguration;
+  for (auto at = configuration.find("FOLDER"); at != std::string::npos; at = configuration.find("FOLDER"))
+    configuration.replace(at, 6, folder_.string());
+  write("bus.conf", configuration);
+  setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + folder_.string() + "/socket").c_str(), 1);
+}
+
+PrivateBus::~PrivateBus() {
+  const pid_t helper = helperPid();
+  if (helper > 0) ::kill(helper, SIGKILL);
+  authorities_.clear();
+  daemon_.end();
+  std::filesystem::remove_all(folder_);
+}
+
+void PrivateBus::start() {
+  std::filesystem::remove(folder_ / "socket");
+  daemon_ = ChildProcess({"dbus-daemon", "--config-file=" + (folder_ / "bus.conf").string(), "--nofork"},
+                         folder_ / "bus.log");
+  waitUntil([&] { return listens(folder_ / "socket"); });
+}
+
+void PrivateBus::install(const std::string& command) {
+  write("services/com.kv.vorli.helper.service",
+        "[D-BUS Service]\nName=com.kv.vorli.helper\nExec=" + command + "\nUser=root\n");
+}
+
+void PrivateBus::installScriptedHelper() {
+  // A copy, which a test may take away.
+  const auto program = folder_ / "scripted_helper";
+  std::filesystem::copy_file(SCRIPTED_HELPER, program, std::filesystem::copy_options::overwrite_existing);
+  install(program.string() + " " + folder_.string());
+}
+
+void PrivateBus::uninstall() {
+  std::filesystem::remove(folder_ / "services/com.kv.vorli.helper.service");
+}
+
+void PrivateBus::reload() const {
+  run("dbus-send --system --print-reply --dest=org.freedesktop.DBus / "
+      "org.freedesktop.DBus.ReloadConfig >/dev/null");
+}
+
+void PrivateBus::startAuthority(const std::string& which) {
+  authorities_.push_back(
+      {which, ChildProcess({SCRIPTED_AUTHORITY, folder_.string(), which}, folder_ / "authority.out")});
+  const std::string name = which == "polkit" ? "org.freedesktop.PolicyKit1" : "org.freedesktop.systemd1";
+  waitUntil([&] {
+    return run("dbus-send --system --print-reply --dest=org.freedesktop.DBus / "
+               "org.freedesktop.DBus.NameHasOwner string:" +
+               name + " | grep -q 'boolean true'") == 0;
+  });
+}
+
+void PrivateBus::endAuthority(const std::string& which) {
+  std::erase_if(authorities_, [&](const auto& authority) { return authority.which == which; });
+}
+
+void PrivateBus::clearLogs() const {
+  std::filesystem::remove(folder_ / "helper.log");
+  std::filesystem::remove(folder_ / "authority.log");
+}
+
+pid_t PrivateBus::helperPid() const {
+  pid_t pid = -1;
+  for (const auto& line : helperLog()) {
+    if (line.starts_with("pid ")) pid = std::atoi(line.c_str() + 4);
+  }
+  return pid;
+}
+
+void PrivateBus::write(const std::string& name, const std::string& text) const {
+  // Whole or not at all: a scripted program may be reading.
+  std::ofstream(folder_ / (name + ".new")) << text;
+  std::filesystem::rename(folder_ / (name + ".new"), folder_ / name);
+}
+
+std::vector<std::string> PrivateBus::lines(const std::string& name) const {
+  std::vector<std::string> result;
+  std::ifstream file(folder_ / name);
+  for (std::string line; std::getline(file, line);) result.push_back(line);
+  return result;
+}
+
+}  // namespace vorli
