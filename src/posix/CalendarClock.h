@@ -1,0 +1,13 @@
+#pragma once
+
+#include "ports/CalendarClock.h"
+
+namespace vorli::posix {
+
+/// The system's real-time clock.
+class CalendarClock final : public ports::CalendarClock {
+ public:
+  Date now() const override;
+};
+
+}  // namespace vorli::posix
