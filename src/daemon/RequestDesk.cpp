@@ -58,8 +58,6 @@ void RequestDesk::submit(Request request, OnceReply<HelperReply> reply) {
 
 Task<> RequestDesk::serve(SharedCase entry, OnceReply<HelperReply> reply) {
   auto answer = co_await decide(entry);
-  // Refused by its text alone: whose it was is still worth writing down.
-  if (!entry->user && entry->place) co_await identify(entry);
   answer.output = answerText(answer.output);
   close(*entry, answer);
   std::move(reply)(std::move(answer));
@@ -67,7 +65,11 @@ Task<> RequestDesk::serve(SharedCase entry, OnceReply<HelperReply> reply) {
 
 Task<HelperReply> RequestDesk::decide(SharedCase entry) {
   const auto order = decode(entry->request);
-  if (!order) co_return order.error();
+  if (!order) {
+    // Whose it was is still worth writing down.
+    if (entry->place) co_await identify(entry);
+    co_return order.error();
+  }
 
   if (!entry->place) co_return HelperReply{exit_code::busy, "Too many requests at once"};
   co_await identify(entry);
