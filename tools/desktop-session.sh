@@ -124,6 +124,7 @@ make_session_folder() {
   mkdir "$VORLI_SESSION_DIR"/{logs,run,home}
   chmod 700 "$VORLI_SESSION_DIR/run"
   chmod 711 "$VORLI_SESSION_DIR"
+  cp -r "$here/session" "$VORLI_SESSION_DIR/tools" # the session's user may not look into the folder of this script
   [ -z "$home" ] || mkdir -p "$home"
   if [ -n "$user" ]; then
     chown -R "$user:" "$VORLI_SESSION_DIR"/{logs,run,home}
@@ -156,10 +157,10 @@ if [ -n "$system_prefix" ]; then
   # shellcheck source=tools/session/system-bus.sh
   . "$here/session/system-bus.sh"
   start_system_bus "$system_prefix" "$user"
-  into_session=("$here/session/enter-cgroup.sh" "$session_cgroup")
+  into_session=("$VORLI_SESSION_DIR/tools/enter-cgroup.sh" "$session_cgroup")
 fi
 [ -z "$user" ] || into_session+=(setpriv --reuid "$user" --regid "$(id -g "$user")" --init-groups)
 
 export size dpi wm compositor panel panel_place dark notify audio audio_idle accessible activation home limit
-${into_session[@]+"${into_session[@]}"} "$here/session/desktop.sh" "${command[@]}" <&0 &
+${into_session[@]+"${into_session[@]}"} "$VORLI_SESSION_DIR/tools/desktop.sh" "${command[@]}" <&0 &
 wait $!

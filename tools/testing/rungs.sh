@@ -25,8 +25,16 @@ rung_helper() {
   [ $found = yes ] || step "tests of the helper" false
 }
 
+# The tests that bring their own programs and sessions are known to ctest; the others drive the installed program.
 rung_desktop() {
-  build release && step "desktop" tools/testing/desktop.sh
+  local name file options
+  build dev && ctest_step "parts in a desktop" dev --label-regex desktop --parallel 1
+  build package && must "install for the tests" prepare_installed package || return
+  step "packaging" tools/testing/check_packaging.sh "$stage/prefix"
+  while IFS=$'\t' read -r name file options; do
+    step "$name" run_installed "$name" "$file" "$options"
+  done < <(installed_tests)
+  must "contact sheet of the pictures" contact_sheet
 }
 
 rung_asan() {

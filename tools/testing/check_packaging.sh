@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# check_packaging.sh PREFIX: what is installed there is complete and well-formed.
+set -u
+prefix=$1 passed=0 failed=0
+
+check() { # check WHAT COMMAND...
+  local what=$1
+  shift
+  if "$@"; then passed=$((passed + 1)); else failed=$((failed + 1)) && echo "FAILED: $what"; fi
+}
+
+icon_has_size() { # SIZE
+  local file=$prefix/share/icons/hicolor/$1x$1/apps/com.kv.vorli.png
+  [ "$(identify -format '%wx%h' "$file")" = "$1x$1" ]
+}
+
+check "desktop entry" desktop-file-validate "$prefix/share/applications/com.kv.vorli.desktop"
+check "desktop entry starts this program" grep -qx "Exec=$prefix/bin/vorli" "$prefix/share/applications/com.kv.vorli.desktop"
+check "session service starts this program" grep -qx "Exec=$prefix/bin/vorli" "$prefix/share/dbus-1/services/com.kv.vorli.service"
+check "catalogue entry" appstreamcli validate --no-net "$prefix/share/metainfo/com.kv.vorli.metainfo.xml"
+for size in 16 22 24 32 48 64 128 256 512; do check "icon of $size pixels" icon_has_size $size; done
+check "program" test -x "$prefix/bin/vorli"
+check "daemon" test -x "$prefix/libexec/vorli/vorli-helper"
+check "fonts" test "$(find "$prefix/share/vorli/fonts" -name '*.ttf' | wc -l)" = 6
+check "licences of the fonts" test "$(find "$prefix/share/vorli/fonts" -name '*-LICENSE.txt' | wc -l)" = 2
+check "no back door in the daemon" sh -c '! strings -a "$1" | grep -E "VORLI_[A-Z]+|unix-process"' - "$prefix/libexec/vorli/vorli-helper"
+echo "$passed passed, $failed failed"
+[ $failed = 0 ]

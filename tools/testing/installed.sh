@@ -1,0 +1,55 @@
+# shellcheck shell=bash
+# Tests of the installed program, each in a private desktop session. Sourced by ./test.
+#
+# Such a test is a file tests/desktop/*.py with lines "# session: OPTIONS": it runs once for each line, in a session
+# with those options (those of tools/desktop-session.sh; PREFIX stands for where the program is installed). It finds
+#   VORLI_PREFIX     the installation
+#   VORLI_PICTURES   a folder for pictures, one PNG a state, named after it
+#   VORLI_VARIANT    the number of its line, from 1
+
+pictures=$PWD/build/pictures
+
+# prepare_installed PRESET: installs that build where any user can read it, together with the tests.
+prepare_installed() {
+  stage=$(mktemp -d /tmp/vorli-test.XXXXXX) && trap 'rm -rf "$stage"' EXIT || return
+  mkdir "$stage"/{prefix,tools,tests,pictures} && rm -rf "$pictures" && mkdir -p "$pictures" || return
+  cp -r tools/session tools/*.py "$stage/tools/" && cp -r tests/desktop "$stage/tests/" || return
+  chmod 755 "$stage" && chmod 1777 "$stage/pictures" && cmake --install "build/$1" --prefix "$stage/prefix"
+}
+
+# installed_tests: NAME, file and options of each, parted by tabs.
+installed_tests() {
+  local file name count options
+  for file in tests/desktop/*.py; do
+    name=$(basename "$file" .py) count=0
+    while IFS= read -r options; do
+      count=$((count + 1))
+      printf '%s\t%s\t%s\n' "$name-$count" "$file" "$options"
+    done < <(sed -n 's/^# session: *//p' "$file")
+  done
+}
+
+# run_installed NAME FILE OPTIONS
+run_installed() {
+  local options status
+  # shellcheck disable=SC2206  # one word for each option
+  options=(${3//PREFIX/$stage/prefix})
+  install -d -m 1777 "$stage/pictures/$1"
+  VORLI_PREFIX=$stage/prefix VORLI_PICTURES=$stage/pictures/$1 VORLI_VARIANT=${1##*-} \
+    PYTHONPATH=$stage/tools/session PYTHONDONTWRITEBYTECODE=1 \
+    tools/desktop-session.sh "${options[@]}" --timeout 300 --keep-logs "$logs/session-$1" -- \
+    /usr/bin/python3 "$stage/$2"
+  status=$?
+  mkdir -p "$pictures/$1" && cp -r "$stage/pictures/$1/." "$pictures/$1/"
+  rmdir --ignore-fail-on-non-empty "$pictures/$1"
+  return $status
+}
+
+# One sheet with every picture that the rung left, so that a look at one file shows all states.
+contact_sheet() {
+  local files
+  mapfile -t files < <(find "$pictures" -name '*.png' ! -name contact-sheet.png | sort)
+  [ ${#files[@]} -gt 0 ] || return 1
+  (cd "$pictures" && montage -label '%d/%t' "${files[@]#"$pictures/"}" -tile 4x -geometry '420x300>+10+10' \
+    -background '#f4f2ee' contact-sheet.png)
+}

@@ -1,0 +1,137 @@
+#!/usr/bin/python3
+"""visit.py PREFIX OUT: lives with the installed Vorli for a few minutes in a private desktop session.
+
+Looks at the dial at rest and under load, opens the menu, polishes once through the real daemon, opens the about panel,
+and leaves pictures, OUT/report.json and a summary.
+"""
+
+import json
+import os
+import sys
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.realpath(__file__)), "session"))
+
+from vorli import (  # noqa: E402
+    Load, Missing, PanelMenu, TrayIcon, Vorli, free_memory_bytes, picture, until, window_picture, windows_of,
+)
+
+WARMING = 0.55
+ABOUT_ROW = 5  # of the menu, separators left out
+
+
+def tell(text):
+    print(f"visit: {text}", flush=True)
+
+
+class Visit:
+    def __init__(self, prefix, out):
+        self.out = out
+        self.vorli = Vorli(os.path.join(prefix, "bin", "vorli"), os.path.join(out, "vorli.log"))
+        self.icon = TrayIcon()
+        self.report = {}
+
+    def path(self, name):
+        return os.path.join(self.out, name)
+
+    def picture_of_panel(self, name):
+        x, _ = self.icon.centre()
+        picture(self.path(name), max(0, x - 100), 0, 120, 30, zoom=5)
+
+    def next_tick(self, seconds=40):
+        seen = self.vorli.ticks
+        until(lambda: self.vorli.ticks > seen, "the next look at the machine", seconds)
+
+    def rest(self):
+        self.icon.appear()
+        until(lambda: self.vorli.ticks >= 1, "the first look at the machine")
+        self.report["helperStatus"] = until(
+            lambda: self.vorli.helper_status if self.vorli.helper_status == "enabled" else None, "the enabled helper", 20
+        )
+        until(lambda: "reply" in self.vorli.log_text() or True, "")
+        self.picture_of_panel("rest.png")
+        tell(f"at rest: ring {self.vorli.ring:.3f}, helper {self.report['helperStatus']}")
+
+    def load(self):
+        tell("all processors busy until the dial warms")
+        with Load():
+            until(lambda: self.vorli.ring >= WARMING, "the warming dial", 180, pause=0.5)
+            self.next_picture_after_change()
+            tell(f"under load: ring {self.vorli.ring:.3f}")
+
+    def next_picture_after_change(self):
+        # The picture goes to the panel at most four times a second, behind the value.
+        until(lambda: self.icon.items(), "the icon")
+        self.picture_of_panel("load.png")
+
+    def polish(self):
+        self.report["ringBefore"] = self.vorli.ring
+        menu = PanelMenu(self.icon)
+        x, _ = self.icon.centre()
+        left = max(0, min(menu.x, x) - 40)
+        picture(self.path("menu.png"), left, 0, 1920 - left, menu.y + menu.height + 30, zoom=2)
+        free = free_memory_bytes()
+        ticks = self.vorli.ticks
+        menu.press_first()
+        tell("pressed Polish Now")
+        self.report["purge"] = until(lambda: self.vorli.reply("purgeMemory"), "the answer to purgeMemory", 25)
+        self.report["freedBytes"] = free_memory_bytes() - free
+        self.report["flush"] = until(lambda: self.vorli.reply("flushDNS"), "the answer to flushDNS", 6)
+        until(lambda: self.vorli.ticks > ticks, "the look at the machine after the polish")
+        self.report["ringAfter"] = self.vorli.ring
+
+    def about(self):
+        PanelMenu(self.icon).choose(ABOUT_ROW)
+        window = until(lambda: windows_of(self.vorli.process.pid), "the about panel")[0]
+        window_picture(self.path("about.png"), window)
+
+    def cost(self):
+        self.report["ticks"] = self.vorli.ticks
+        self.report["cpuMilliseconds"] = round(self.vorli.processor_milliseconds(), 1)
+        self.report["rssKB"] = self.vorli.memory_kilobytes("Rss")
+        self.report["pssKB"] = self.vorli.memory_kilobytes("Pss")
+
+    def run(self):
+        try:
+            self.rest()
+            self.load()
+            self.polish()
+            self.about()
+            self.cost()
+        finally:
+            code = self.vorli.end()
+        if code != 0:
+            raise Missing(f"a clean end: Vorli left with {code}")
+        order = ("ringBefore", "ringAfter", "helperStatus", "flush", "purge", "freedBytes", "ticks", "cpuMilliseconds",
+                 "rssKB", "pssKB")
+        with open(self.path("report.json"), "w", encoding="utf-8") as file:
+            json.dump({name: self.report[name] for name in order}, file, indent=2)
+            file.write("\n")
+        self.summary()
+
+    def summary(self):
+        report = self.report
+        print(f"""
+  ring before the polish    {report['ringBefore']:.3f}
+  ring after the polish     {report['ringAfter']:.3f}
+  helper                    {report['helperStatus']}
+  DNS cache                 exit {report['flush']['exitCode']}: {report['flush']['output']}
+  memory                    exit {report['purge']['exitCode']}: {report['purge']['output']}
+  free memory rose by       {report['freedBytes'] / 2**20:.0f} MiB
+  looks at the machine      {report['ticks']}
+  processor time            {report['cpuMilliseconds']:.0f} ms
+  resident, proportional    {report['rssKB'] / 1024:.1f} MiB, {report['pssKB'] / 1024:.1f} MiB
+""")
+
+
+def main():
+    prefix, out = sys.argv[1:3]
+    try:
+        Visit(prefix, out).run()
+    except Missing as missing:
+        print(f"visit: {missing}", file=sys.stderr)
+        return 1
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
