@@ -8,4 +8,16 @@ RingState ringState(double progress) {
   return RingState::critical;
 }
 
+std::string_view description(RingState state) {
+  switch (state) {
+    case RingState::healthy:
+      return "healthy";
+    case RingState::warming:
+      return "warming";
+    case RingState::critical:
+      return "critical";
+  }
+  return {};
+}
+
 }  // namespace vorli

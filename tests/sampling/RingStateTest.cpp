@@ -13,5 +13,11 @@ TEST(RingStateTest, isCutAtItsTwoEdges) {
   EXPECT_EQ(ringState(1.0), RingState::critical);
 }
 
+TEST(RingStateTest, isNamedInTheLog) {
+  EXPECT_EQ(description(RingState::healthy), "healthy");
+  EXPECT_EQ(description(RingState::warming), "warming");
+  EXPECT_EQ(description(RingState::critical), "critical");
+}
+
 }  // namespace
 }  // namespace vorli
