@@ -10,7 +10,7 @@ namespace {
 const QString stringMark = QStringLiteral("@String ");
 const QString dateMark = QStringLiteral("@Date ");
 const QString listMark = QStringLiteral("@Strings");
-const QString datesMark = QStringLiteral("@Dates");
+const QString dictionaryMark = QStringLiteral("@Dictionary");
 
 QString secondsText(Date date) {
   return QString::number(date.secondsSince1970, 'f', 6);
@@ -31,7 +31,7 @@ QString realText(double real) {
 
 // What an unmarked text is read as. Only the one spelling that we write ourselves counts as a number, so that
 // every other text stays the text it is.
-ports::StoredValue plainValue(const QString& text) {
+ports::StoredEntry plainValue(const QString& text) {
   if (text == QLatin1String("true")) return true;
   if (text == QLatin1String("false")) return false;
   bool understood = false;
@@ -50,6 +50,21 @@ QString plainText(const std::string& text) {
   return staysText ? plain : stringMark + plain;
 }
 
+struct EntryWriter {
+  QString operator()(bool flag) const { return flag ? QStringLiteral("true") : QStringLiteral("false"); }
+  QString operator()(std::int64_t number) const { return QString::number(number); }
+  QString operator()(double real) const { return realText(real); }
+  QString operator()(const std::string& text) const { return plainText(text); }
+  QString operator()(Date date) const { return dateMark + secondsText(date); }
+};
+
+std::optional<ports::StoredEntry> entryFrom(const QString& text) {
+  if (text.startsWith(stringMark)) return text.mid(stringMark.size()).toStdString();
+  if (text.startsWith(dateMark)) return dateFrom(text.mid(dateMark.size()));
+  if (text.startsWith(QLatin1Char('@'))) return std::nullopt;
+  return plainValue(text);
+}
+
 std::optional<ports::StoredValue> listFrom(QStringList items) {
   const QString mark = items.takeFirst();
   if (mark == listMark) {
@@ -57,56 +72,45 @@ std::optional<ports::StoredValue> listFrom(QStringList items) {
     for (const auto& item : items) texts.push_back(item.toStdString());
     return texts;
   }
-  if (mark != datesMark) return std::nullopt;
-  std::map<std::string, Date> dates;
-  for (const auto& item : items) {
-    const auto split = item.lastIndexOf(QLatin1Char('='));
-    const auto date = split < 0 ? std::nullopt : dateFrom(item.mid(split + 1));
-    if (date) dates[item.left(split).toStdString()] = *date;
+  if (mark != dictionaryMark) return std::nullopt;
+  ports::StoredDictionary dictionary;
+  for (qsizetype i = 0; i + 1 < items.size(); i += 2) {
+    if (auto entry = entryFrom(items[i + 1])) dictionary[items[i].toStdString()] = std::move(*entry);
   }
-  return dates;
+  return dictionary;
 }
 
 }  // namespace
 
 QVariant toIni(const ports::StoredValue& value) {
-  struct Writer {
-    QVariant operator()(bool flag) const { return flag ? QStringLiteral("true") : QStringLiteral("false"); }
-    QVariant operator()(std::int64_t number) const { return QString::number(number); }
-    QVariant operator()(double real) const { return realText(real); }
-    QVariant operator()(const std::string& text) const { return plainText(text); }
-    QVariant operator()(Date date) const { return dateMark + secondsText(date); }
-    QVariant operator()(const std::vector<std::string>& texts) const {
+  struct Writer : EntryWriter {
+    using EntryWriter::operator();
+    QStringList operator()(const std::vector<std::string>& texts) const {
       QStringList items{listMark};
       for (const auto& text : texts) items << QString::fromStdString(text);
       return items;
     }
-    QVariant operator()(const std::map<std::string, Date>& dates) const {
-      QStringList items{datesMark};
-      for (const auto& [key, date] : dates) {
-        items << QString::fromStdString(key) + QLatin1Char('=') + secondsText(date);
+    QStringList operator()(const ports::StoredDictionary& dictionary) const {
+      QStringList items{dictionaryMark};
+      for (const auto& [key, entry] : dictionary) {
+        items << QString::fromStdString(key) << std::visit(EntryWriter{}, entry);
       }
       return items;
     }
   };
-  return std::visit(Writer{}, value);
+  return std::visit([](const auto& held) { return QVariant(Writer{}(held)); }, value);
 }
 
 std::optional<ports::StoredValue> fromIni(const QVariant& stored) {
   // A list with nothing but its mark comes back as a single text.
   auto items = stored.toStringList();
-  if (items.size() > 1 || items.value(0) == listMark || items.value(0) == datesMark) {
+  if (items.size() > 1 || items.value(0) == listMark || items.value(0) == dictionaryMark) {
     return items.value(0).startsWith(QLatin1Char('@')) ? listFrom(std::move(items))
                                                        : items.join(QStringLiteral(", ")).toStdString();
   }
-  const auto text = stored.toString();
-  if (text.startsWith(stringMark)) return text.mid(stringMark.size()).toStdString();
-  if (text.startsWith(dateMark)) {
-    const auto date = dateFrom(text.mid(dateMark.size()));
-    return date ? std::optional<ports::StoredValue>(*date) : std::nullopt;
-  }
-  if (text.startsWith(QLatin1Char('@'))) return std::nullopt;
-  return plainValue(text);
+  const auto entry = entryFrom(stored.toString());
+  if (!entry) return std::nullopt;
+  return std::visit([](const auto& held) { return ports::StoredValue(held); }, *entry);
 }
 
 }  // namespace vorli::linuxhost

@@ -11,9 +11,13 @@
 
 namespace vorli::ports {
 
+/// What an entry of a stored dictionary can hold.
+using StoredEntry = std::variant<bool, std::int64_t, double, std::string, Date>;
+using StoredDictionary = std::map<std::string, StoredEntry>;
+
 /// What a key can hold.
-using StoredValue = std::variant<bool, std::int64_t, double, std::string, Date, std::vector<std::string>,
-                                 std::map<std::string, Date>>;
+using StoredValue =
+    std::variant<bool, std::int64_t, double, std::string, Date, std::vector<std::string>, StoredDictionary>;
 
 /// The user's preferences, one value a key. Tells an absent key from a stored false. A change is readable at
 /// once and reaches the disk soon after, whole or not at all; a failed write is logged by the store and keeps

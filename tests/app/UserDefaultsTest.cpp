@@ -67,7 +67,7 @@ TEST_F(UserDefaultsTest, aRealNumberLosesItsFractionAndIsHeldInRange) {
 TEST_F(UserDefaultsTest, otherTypesReadAsFalseAndZero) {
   for (const ports::StoredValue& value :
        {ports::StoredValue(Date{1.0}), ports::StoredValue(std::vector<std::string>{"1"}),
-        ports::StoredValue(std::map<std::string, Date>{{"a", Date{1.0}}})}) {
+        ports::StoredValue(ports::StoredDictionary{{"a", Date{1.0}}})}) {
     EXPECT_FALSE(boolOf(value));
     EXPECT_EQ(integerOf(value), 0);
   }

@@ -15,6 +15,7 @@ namespace vorli {
 namespace {
 
 using linuxhost::KeyValueStore;
+using ports::StoredDictionary;
 using ports::StoredValue;
 
 struct KeyValueStoreTest : testing::Test {
@@ -61,8 +62,14 @@ TEST_F(KeyValueStoreTest, everyKindOfValueSurvivesARestart) {
       {"noTexts", std::vector<std::string>{}},
       {"oneText", std::vector<std::string>{"a"}},
       {"texts", std::vector<std::string>{"a", "", "b, c", "@Strings"}},
-      {"noDates", std::map<std::string, Date>{}},
-      {"dates", std::map<std::string, Date>{{"org.example=x", Date{1.5}}, {"b", Date{2.0}}}},
+      {"noEntries", StoredDictionary{}},
+      {"oneEntry", StoredDictionary{{"org.example=x, y", Date{1.5}}}},
+      {"entries", StoredDictionary{{"", std::string("60")},
+                                   {"@Date 5", std::int64_t{60}},
+                                   {"c", std::string("a = b, \"c\"")},
+                                   {"d", false},
+                                   {"e", 0.5},
+                                   {"f", Date{2.0}}}},
       {"vorli.lastLaunchedBuild", std::string("100")},
   };
   {
@@ -109,6 +116,14 @@ TEST_F(KeyValueStoreTest, aValueThatIsNoDateReadsAsNoDate) {
   auto store = open();
   EXPECT_FALSE(AppSettings(store).lastAutoRefresh());
   EXPECT_FALSE(dateForKey(store, "other"));
+}
+
+TEST_F(KeyValueStoreTest, aMalformedEntryOfADictionaryIsDroppedAlone) {
+  write("[General]\ndates=@Dictionary, a, @Date x, b, 60, c, @What 1, d, \"@Date 1.5\", last\n");
+  auto store = open();
+  ASSERT_TRUE(store.object("dates"));
+  EXPECT_TRUE(*store.object("dates") ==
+              StoredValue(StoredDictionary{{"b", std::int64_t{60}}, {"d", Date{1.5}}}));
 }
 
 TEST_F(KeyValueStoreTest, aDamagedFileIsKeptAsideAndTheDefaultsApply) {
