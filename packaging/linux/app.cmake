@@ -7,3 +7,18 @@ install(CODE "set(VORLI_PACKAGING_DIR \"${CMAKE_CURRENT_SOURCE_DIR}\")
 set(VORLI_INSTALL_WORK_DIR \"${CMAKE_CURRENT_BINARY_DIR}/install\")
 set(VORLI_BUILD_FONTS \"${CMAKE_SOURCE_DIR}/build/fonts\")" COMPONENT app)
 install(SCRIPT InstallApp.cmake COMPONENT app)
+
+# The icons are drawn by the program's own painter. A build with sanitizers is not installed.
+if(NOT VORLI_SANITIZERS)
+  add_executable(vorli_make_icons make_icons.cpp)
+  target_link_libraries(vorli_make_icons PRIVATE vorli_ui)
+  add_custom_command(
+    OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/icons.stamp
+    COMMAND vorli_make_icons ${CMAKE_CURRENT_BINARY_DIR}/icons
+    COMMAND ${CMAKE_COMMAND} -E touch ${CMAKE_CURRENT_BINARY_DIR}/icons.stamp
+    DEPENDS vorli_make_icons
+    COMMENT "Drawing the icons"
+    VERBATIM)
+  add_custom_target(vorli_icons ALL DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/icons.stamp)
+  install(DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/icons/hicolor DESTINATION share/icons COMPONENT app)
+endif()

@@ -1,4 +1,5 @@
 # shellcheck shell=bash
+# shellcheck disable=SC2154  # logs comes from steps.sh
 # Tests of the installed program, each in a private desktop session. Sourced by ./test.
 #
 # Such a test is a file tests/desktop/*.py with lines "# session: OPTIONS": it runs once for each line, in a session

@@ -1,4 +1,5 @@
 # shellcheck shell=bash
+# shellcheck disable=SC2154  # stage comes from installed.sh
 # What each rung of the test command does. Sourced by ./test.
 
 rung_static() {
