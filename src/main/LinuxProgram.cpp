@@ -1,0 +1,165 @@
+#include "main/LinuxProgram.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+#include <QApplication>
+#include <QPixmapCache>
+#include <xcb/xcb.h>
+
+#include "ambient/ClearState.h"
+#include "app/AppDelegate.h"
+#include "app/AppSettings.h"
+#include "helper/HelperManager.h"
+#include "linux/ApplicationBundle.h"
+#include "linux/CPUCounters.h"
+#include "linux/DesktopShell.h"
+#include "linux/HelperNameWatch.h"
+#include "linux/HelperService.h"
+#include "linux/HelperTransport.h"
+#include "linux/KeyValueStore.h"
+#include "linux/MemoryCounters.h"
+#include "linux/PowerSources.h"
+#include "linux/ProcessTable.h"
+#include "linux/SessionBusService.h"
+#include "linux/SystemBus.h"
+#include "linux/SystemLog.h"
+#include "linux/TerminationSignals.h"
+#include "linux/ThermalSensors.h"
+#include "linux/Workspace.h"
+#include "posix/CalendarClock.h"
+#include "sampling/SystemMonitor.h"
+#include "ui/ApplicationHost.h"
+#include "ui/QtScheduler.h"
+#include "ui/linux/DesktopAppearance.h"
+#include "ui/linux/ManagerSelections.h"
+#include "ui/linux/PanelAppearance.h"
+#include "ui/linux/StatusItem.h"
+
+namespace vorli {
+
+namespace {
+
+constexpr int exitNoDisplay = 1;
+
+// The dial's pictures are cached where they are drawn; Qt's own cache of 10 MB would only grow.
+constexpr int pixmapCacheKilobytes = 1024;
+
+// Qt ends the process with a core dump when there is no display; a sentence serves better.
+bool canReachDisplay() {
+  xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
+  const bool reached = xcb_connection_has_error(connection) == 0;
+  xcb_disconnect(connection);
+  return reached;
+}
+
+// Placing the popover and watching for clicks outside of it need X11, which XWayland offers too.
+void preferX11() {
+  if (std::getenv("DISPLAY") && !std::getenv("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "xcb");
+}
+
+std::string caseName(InstallStatus status) {
+  switch (status.which()) {
+    case InstallStatus::Case::unknown: return "unknown";
+    case InstallStatus::Case::notRegistered: return "notRegistered";
+    case InstallStatus::Case::requiresApproval: return "requiresApproval";
+    case InstallStatus::Case::enabled: return "enabled";
+    case InstallStatus::Case::notFound: return "notFound";
+  }
+  return "unknown";
+}
+
+std::string folderOf(const std::string& path) { return path.substr(0, path.rfind('/')); }
+
+// Every service of the program, in the order in which they are built; they go in the reverse order.
+struct Program {
+  explicit Program(SamplingBackEnds given) : backEnds(std::move(given)) {}
+
+  SamplingBackEnds backEnds;
+  ui::QtScheduler scheduler;
+  NotificationCenter notifications;
+  linuxhost::ApplicationBundle bundle;
+  linuxhost::KeyValueStore defaults{scheduler, linuxhost::KeyValueStore::defaultFile()};
+  linuxhost::ProcessTable processes;
+  linuxhost::Workspace workspace{scheduler};
+  linuxhost::DesktopShell desktop;
+  linuxhost::SystemBus systemBus;
+  std::shared_ptr<linuxhost::HelperNameWatch> helperName = linuxhost::HelperNameWatch::on(systemBus);
+  linuxhost::HelperTransport helperTransport{scheduler, systemBus, helperName};
+  linuxhost::HelperService helperService{scheduler, systemBus, helperName, folderOf(bundle.bundlePath()),
+                                         [this] { host.openAboutPanel(); }};
+  ui::ApplicationHost host;
+  QDBusConnection trayBus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("vorli-tray"));
+  ui::ManagerSelections selections;
+  ui::DesktopAppearance desktopAppearance{trayBus, selections};
+  ui::PanelAppearance panelAppearance{selections, desktopAppearance,
+                                      qEnvironmentVariable("XDG_CURRENT_DESKTOP")};
+  ui::StatusItem statusItem{scheduler, trayBus, selections, desktopAppearance, panelAppearance};
+
+  HelperManager helperManager{scheduler, helperService, helperTransport, bundle};
+  AppSettings settings{defaults};
+  SystemMonitor systemMonitor{{scheduler, *backEnds.calendar, *backEnds.memory, *backEnds.cpu, *backEnds.thermal,
+                               *backEnds.power, processes, workspace},
+                              settings};
+  ClearState clearState{scheduler};
+  AppDelegate delegate{{scheduler, notifications, defaults, bundle, statusItem, host, desktop, helperManager,
+                        systemMonitor, settings, clearState}};
+};
+
+}  // namespace
+
+SamplingBackEnds SamplingBackEnds::ofThisMachine() {
+  return {std::make_unique<posix::CalendarClock>(), std::make_unique<linuxhost::MemoryCounters>(),
+          std::make_unique<linuxhost::CPUCounters>(), std::make_unique<linuxhost::ThermalSensors>(),
+          std::make_unique<linuxhost::PowerSources>()};
+}
+
+int runLinuxProgram(int argc, char** argv, SamplingBackEnds backEnds, std::function<void(SystemMonitor&)> watch) {
+  linuxhost::SystemLog systemLog;
+  Logger::setSink([&systemLog](const LogRecord& record) { systemLog.write(record); });
+
+  preferX11();
+  if (qgetenv("QT_QPA_PLATFORM") == "xcb" && !canReachDisplay()) {
+    std::fputs("vorli: there is no display to show the dial on\n", stderr);
+    return exitNoDisplay;
+  }
+  QApplication application(argc, argv);
+  application.setQuitOnLastWindowClosed(false);
+  application.setApplicationName(QStringLiteral("Vorli"));
+  application.setDesktopFileName(QStringLiteral("com.kv.vorli"));
+  QPixmapCache::setCacheLimit(pixmapCacheKilobytes);
+
+  linuxhost::SessionBusService sessionBus;
+  if (sessionBus.claim() == linuxhost::SessionBusService::Claim::alreadyRunning) {
+    std::fputs("vorli: already running; it was brought to the front\n", stderr);
+    return EXIT_SUCCESS;
+  }
+
+  Program program(std::move(backEnds));
+  std::uint64_t ticks = 0;
+  const auto counting = program.systemMonitor.lastUpdate.subscribeToChanges([&ticks](Date) { ++ticks; });
+  sessionBus.setActivationHandler([&program] { program.delegate.togglePopover(); });
+  sessionBus.setStatusProvider([&program, &ticks] {
+    return linuxhost::SessionBusService::Status{program.systemMonitor.ringProgress, ticks,
+                                                caseName(program.helperManager.status)};
+  });
+  program.helperService.setChangeHandler([&program] { program.helperManager.refreshStatus(); });
+  program.host.setTerminationHandler([&program] {
+    return program.delegate.applicationShouldTerminate() == AppDelegate::TerminateReply::now;
+  });
+  linuxhost::TerminationSignals signals([&program] { program.host.terminate(); });
+  QObject::connect(&application, &QGuiApplication::applicationStateChanged, [&program](Qt::ApplicationState state) {
+    if (state == Qt::ApplicationActive) program.notifications.post(ApplicationDidBecomeActive{});
+  });
+
+  if (watch) watch(program.systemMonitor);
+  program.delegate.applicationDidFinishLaunching();
+  const int status = QApplication::exec();
+  program.delegate.applicationWillTerminate();
+  program.defaults.synchronize();
+  Logger::setSink(nullptr);
+  return status;
+}
+
+}  // namespace vorli

@@ -1,0 +1,129 @@
+#!/usr/bin/python3
+"""Runs the real program with its counters tapped, under changing load, and works every tick's ring out anew from the
+raw readings alone. The two must agree to the last bits of a double."""
+
+import json
+import os
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+TICKS_WANTED = 12
+DEADLINE_SECONDS = 60
+
+
+def pressure_base(t):
+    level = {None: None, 2: "warning", 4: "critical"}.get(t["kernelLevel"], "normal")
+    if level is None:
+        some, full = t["someStallPercent"] or 0.0, t["fullStallPercent"] or 0.0
+        share = 1.0
+        if t["availableBytes"] is not None and t["totalBytes"]:
+            share = t["availableBytes"] / t["totalBytes"]
+        level = "critical" if full >= 10 or share < 0.05 else "warning" if some >= 10 or share < 0.10 else "normal"
+    return {"normal": 0.05, "warning": 0.55, "critical": 0.85}[level]
+
+
+def rate(now, before, key):
+    if before is None:
+        return 0.0
+    seconds = now["memoryAt"] - before["memoryAt"]
+    return ((now[key] - before[key]) % 2**64) / seconds if seconds > 0 else 0.0
+
+
+def cpu_score(now, before):
+    if before is None:
+        return 0.0
+    user, system, idle, nice = ((a - b) % 2**32 for a, b in zip(now["cpu"], before["cpu"]))
+    busy = user + system + nice
+    u = min(busy / (busy + idle), 1.0) if busy + idle else 0.0
+    if u < 0.5:
+        return u * 0.1
+    if u < 0.75:
+        return (u - 0.5) + 0.05
+    if u < 0.9:
+        return (u - 0.75) * 2.5 + 0.3
+    return (min(u, 1.0) - 0.9) * 3.25 + 0.675
+
+
+def thermal_score(t):
+    state = 0
+    for zone in t["zones"]:
+        for value, trip in ((3, "critical"), (2, "hot"), (1, "passive")):
+            if zone[trip] is not None and zone["temperature"] >= zone[trip]:
+                state = max(state, value)
+    return (0.0, 0.3, 0.7, 1.0)[state]
+
+
+def target(now, before):
+    cores = max(now["cores"], 1.0)
+    return min(1.0, max(
+        pressure_base(now),
+        min(rate(now, before, "decompressions") / 10000.0, 1.0),
+        min(rate(now, before, "swapins") / 500.0, 1.0),
+        min(rate(now, before, "pageouts") / 2000.0, 1.0),
+        min(max((now["load"] - cores) / cores, 0.0), 1.0),
+        cpu_score(now, before),
+        thermal_score(now)))
+
+
+def smooth(current, wanted):
+    if current is None:
+        return wanted
+    if current < wanted:
+        return current * 0.45 + wanted * 0.55
+    return current * 0.85 + wanted * 0.15
+
+
+def read_ticks(path):
+    with open(path, encoding="utf-8") as lines:
+        return [json.loads(line) for line in lines if line.endswith("\n")]
+
+
+def main():
+    program = os.path.join(os.environ["VORLI_BUILD"], "tests", "ring_trace")
+    path = os.path.join(tempfile.mkdtemp(prefix="vorli-trace-"), "ticks")
+    open(path, "w", encoding="utf-8").close()
+    running = subprocess.Popen([program, path])
+    load = []
+    until = time.monotonic() + DEADLINE_SECONDS
+    try:
+        while len(read_ticks(path)) < TICKS_WANTED:
+            if running.poll() is not None:
+                sys.exit(f"the program ended early with status {running.returncode}")
+            if time.monotonic() > until:
+                sys.exit(f"only {len(read_ticks(path))} ticks in {DEADLINE_SECONDS} s")
+            # A second start, the user's way to call the program up, takes a fresh sample.
+            subprocess.run(["gdbus", "call", "--session", "--dest", "com.kv.vorli", "--object-path", "/com/kv/vorli",
+                            "--method", "org.freedesktop.Application.Activate", "{}"],
+                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False)
+            if len(read_ticks(path)) == TICKS_WANTED // 2 and not load:
+                load = [subprocess.Popen([sys.executable, "-c", "while True: pass"])
+                        for _ in range(os.cpu_count() or 1)]
+            time.sleep(0.4)
+    finally:
+        for burner in load:
+            burner.kill()
+            burner.wait()
+        running.send_signal(signal.SIGTERM)
+        status = running.wait(timeout=10)
+
+    ticks = read_ticks(path)
+    ring, before, worst = None, None, 0.0
+    for number, now in enumerate(ticks):
+        ring = smooth(ring, target(now, before))
+        error = abs(ring - now["ring"])
+        worst = max(worst, error)
+        if error > 1e-12:
+            sys.exit(f"tick {number}: the program shows {now['ring']!r}, the readings give {ring!r}")
+        ring, before = now["ring"], now
+    rings = [t["ring"] for t in ticks]
+    if status != 0:
+        sys.exit(f"the program ended with status {status}")
+    if max(rings) - min(rings) < 0.1:
+        sys.exit("the load did not move the ring: nothing was proved")
+    print(f"ring_trace: {len(ticks)} ticks, ring {min(rings):.3f} to {max(rings):.3f}, worst error {worst:.1e}")
+
+
+main()
