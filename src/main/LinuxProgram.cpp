@@ -1,13 +1,5 @@
 #include "main/LinuxProgram.h"
 
-#include <cstdio>
-#include <cstdlib>
-#include <memory>
-
-#include <QApplication>
-#include <QPixmapCache>
-#include <xcb/xcb.h>
-
 #include "ambient/ClearState.h"
 #include "app/AppDelegate.h"
 #include "app/AppSettings.h"
@@ -37,6 +29,13 @@
 #include "ui/linux/PanelAppearance.h"
 #include "ui/linux/StatusItem.h"
 
+#include <QApplication>
+#include <QPixmapCache>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <xcb/xcb.h>
+
 namespace vorli {
 
 namespace {
@@ -61,16 +60,23 @@ void preferX11() {
 
 std::string caseName(InstallStatus status) {
   switch (status.which()) {
-    case InstallStatus::Case::unknown: return "unknown";
-    case InstallStatus::Case::notRegistered: return "notRegistered";
-    case InstallStatus::Case::requiresApproval: return "requiresApproval";
-    case InstallStatus::Case::enabled: return "enabled";
-    case InstallStatus::Case::notFound: return "notFound";
+    case InstallStatus::Case::unknown:
+      return "unknown";
+    case InstallStatus::Case::notRegistered:
+      return "notRegistered";
+    case InstallStatus::Case::requiresApproval:
+      return "requiresApproval";
+    case InstallStatus::Case::enabled:
+      return "enabled";
+    case InstallStatus::Case::notFound:
+      return "notFound";
   }
   return "unknown";
 }
 
-std::string folderOf(const std::string& path) { return path.substr(0, path.rfind('/')); }
+std::string folderOf(const std::string& path) {
+  return path.substr(0, path.rfind('/'));
+}
 
 // Every service of the program, in the order in which they are built; they go in the reverse order.
 struct Program {
@@ -81,16 +87,17 @@ struct Program {
   NotificationCenter notifications;
   linuxhost::ApplicationBundle bundle;
   linuxhost::KeyValueStore defaults{scheduler, linuxhost::KeyValueStore::defaultFile()};
-  linuxhost::ProcessTable processes;
+  linuxhost::ProcessTable processes{*backEnds.calendar};
   linuxhost::Workspace workspace{scheduler};
   linuxhost::DesktopShell desktop;
+  ui::ApplicationHost host;
   linuxhost::SystemBus systemBus;
   std::shared_ptr<linuxhost::HelperNameWatch> helperName = linuxhost::HelperNameWatch::on(systemBus);
   linuxhost::HelperTransport helperTransport{scheduler, systemBus, helperName};
   linuxhost::HelperService helperService{scheduler, systemBus, helperName, folderOf(bundle.bundlePath()),
                                          [this] { host.openAboutPanel(); }};
-  ui::ApplicationHost host;
-  QDBusConnection trayBus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("vorli-tray"));
+  QDBusConnection trayBus =
+      QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("vorli-tray"));
   ui::ManagerSelections selections;
   ui::DesktopAppearance desktopAppearance{trayBus, selections};
   ui::PanelAppearance panelAppearance{selections, desktopAppearance,
@@ -99,8 +106,8 @@ struct Program {
 
   HelperManager helperManager{scheduler, helperService, helperTransport, bundle};
   AppSettings settings{defaults};
-  SystemMonitor systemMonitor{{scheduler, *backEnds.calendar, *backEnds.memory, *backEnds.cpu, *backEnds.thermal,
-                               *backEnds.power, processes, workspace},
+  SystemMonitor systemMonitor{{scheduler, *backEnds.calendar, *backEnds.memory, *backEnds.cpu,
+                               *backEnds.thermal, *backEnds.power, processes, workspace},
                               settings};
   ClearState clearState{scheduler};
   AppDelegate delegate{{scheduler, notifications, defaults, bundle, statusItem, host, desktop, helperManager,
@@ -115,7 +122,8 @@ SamplingBackEnds SamplingBackEnds::ofThisMachine() {
           std::make_unique<linuxhost::PowerSources>()};
 }
 
-int runLinuxProgram(int argc, char** argv, SamplingBackEnds backEnds, std::function<void(SystemMonitor&)> watch) {
+int runLinuxProgram(int argc, char** argv, SamplingBackEnds backEnds,
+                    std::function<void(SystemMonitor&)> watch) {
   linuxhost::SystemLog systemLog;
   Logger::setSink([&systemLog](const LogRecord& record) { systemLog.write(record); });
 
@@ -148,10 +156,12 @@ int runLinuxProgram(int argc, char** argv, SamplingBackEnds backEnds, std::funct
   program.host.setTerminationHandler([&program] {
     return program.delegate.applicationShouldTerminate() == AppDelegate::TerminateReply::now;
   });
-  linuxhost::TerminationSignals signals([&program] { program.host.terminate(); });
-  QObject::connect(&application, &QGuiApplication::applicationStateChanged, [&program](Qt::ApplicationState state) {
-    if (state == Qt::ApplicationActive) program.notifications.post(ApplicationDidBecomeActive{});
-  });
+  linuxhost::TerminationSignals terminationSignals([&program] { program.host.terminate(); });
+  QObject::connect(&application, &QGuiApplication::applicationStateChanged,
+                   [&program](Qt::ApplicationState state) {
+                     if (state == Qt::ApplicationActive)
+                       program.notifications.post(ApplicationDidBecomeActive{});
+                   });
 
   if (watch) watch(program.systemMonitor);
   program.delegate.applicationDidFinishLaunching();

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <functional>
-#include <memory>
-
 #include "ports/CPUCounters.h"
 #include "ports/CalendarClock.h"
 #include "ports/MemoryCounters.h"
 #include "ports/PowerSources.h"
 #include "ports/ThermalSensors.h"
+
+#include <functional>
+#include <memory>
 
 namespace vorli {
 
@@ -24,8 +24,8 @@ struct SamplingBackEnds {
   static SamplingBackEnds ofThisMachine();
 };
 
-/// Builds the Linux program on `backEnds` and runs it to its end. Returns the exit status. `watch` gets the monitor
-/// once everything is built and before the first sample.
+/// Builds the Linux program on `backEnds` and runs it to its end. Returns the exit status. `watch` gets the
+/// monitor once everything is built and before the first sample.
 int runLinuxProgram(int argc, char** argv, SamplingBackEnds backEnds,
                     std::function<void(SystemMonitor&)> watch = nullptr);
 

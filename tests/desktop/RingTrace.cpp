@@ -1,13 +1,13 @@
-// The product with its counters tapped: every raw reading goes to a file, one JSON object a tick, with the ring that
-// the program made of it. `ring_trace.py` works the ring out again from the readings alone.
+// The product with its counters tapped: every raw reading goes to a file, one JSON object a tick, with the
+// ring that the program made of it. `ring_trace.py` works the ring out again from the readings alone.
+
+#include "main/LinuxProgram.h"
+#include "sampling/SystemMonitor.h"
 
 #include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
-
-#include "main/LinuxProgram.h"
-#include "sampling/SystemMonitor.h"
 
 namespace vorli {
 namespace {
@@ -39,7 +39,9 @@ struct TappedCalendar final : ports::CalendarClock {
 struct TappedMemory final : ports::MemoryCounters {
   explicit TappedMemory(std::unique_ptr<ports::MemoryCounters> real) : real(std::move(real)) {}
   std::uint64_t pageSizeBytes() override { return real->pageSizeBytes(); }
-  std::optional<ports::VMStatistics> readStatistics() override { return tick.statistics = real->readStatistics(); }
+  std::optional<ports::VMStatistics> readStatistics() override {
+    return tick.statistics = real->readStatistics();
+  }
   std::uint64_t physicalMemoryBytes() override { return tick.physicalMemory = real->physicalMemoryBytes(); }
   std::optional<ports::SwapUsage> readSwapUsage() override { return real->readSwapUsage(); }
   ports::PressureReading readPressure() override {
@@ -90,7 +92,8 @@ void writeTick(std::FILE* file, double ring) {
   printOptional(file, "availableBytes", tick.pressure.availableBytes);
   printOptional(file, "totalBytes", tick.pressure.totalBytes);
   if (tick.cpu) {
-    std::fprintf(file, "\"cpu\":[%u,%u,%u,%u],", tick.cpu->user, tick.cpu->system, tick.cpu->idle, tick.cpu->nice);
+    std::fprintf(file, "\"cpu\":[%u,%u,%u,%u],", tick.cpu->user, tick.cpu->system, tick.cpu->idle,
+                 tick.cpu->nice);
   }
   std::fprintf(file, "\"zones\":[");
   for (std::size_t i = 0; i < tick.thermal.zones.size(); ++i) {
