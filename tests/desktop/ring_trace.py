@@ -1,5 +1,4 @@
-#!/usr/bin/python3
-"""Runs the real program with its counters tapped, under changing load, and works every tick's ring out anew from the
+"""ring_trace.py PROGRAM: runs the real program with its counters tapped, under changing load, and works every tick's ring out anew from the
 raw readings alone. The two must agree to the last bits of a double."""
 
 import json
@@ -8,7 +7,8 @@ import signal
 import subprocess
 import sys
 import tempfile
-import time
+
+from waiting import until
 
 TICKS_WANTED = 12
 DEADLINE_SECONDS = 60
@@ -81,48 +81,51 @@ def read_ticks(path):
         return [json.loads(line) for line in lines if line.endswith("\n")]
 
 
-def main():
-    program = os.path.join(os.environ["VORLI_BUILD"], "tests", "ring_trace")
-    path = os.path.join(tempfile.mkdtemp(prefix="vorli-trace-"), "ticks")
-    open(path, "w", encoding="utf-8").close()
+def burn():
+    return [subprocess.Popen([sys.executable, "-c", "while True: pass"]) for _ in range(os.cpu_count() or 1)]
+
+
+def collect(program, path):
+    """Runs the program until it has written its ticks, the second half of them under load."""
     running = subprocess.Popen([program, path])
     load = []
-    until = time.monotonic() + DEADLINE_SECONDS
+
+    def enough():
+        if running.poll() is not None:
+            raise AssertionError(f"the program ended early with status {running.returncode}")
+        # A second start, the user's way to call the program up, takes a fresh sample.
+        subprocess.run(["gdbus", "call", "--session", "--dest", "com.kv.vorli", "--object-path", "/com/kv/vorli",
+                        "--method", "org.freedesktop.Application.Activate", "{}"],
+                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False)
+        ticks = read_ticks(path)
+        if len(ticks) >= TICKS_WANTED // 2 and not load:
+            load.extend(burn())
+        return len(ticks) >= TICKS_WANTED
+
     try:
-        while len(read_ticks(path)) < TICKS_WANTED:
-            if running.poll() is not None:
-                sys.exit(f"the program ended early with status {running.returncode}")
-            if time.monotonic() > until:
-                sys.exit(f"only {len(read_ticks(path))} ticks in {DEADLINE_SECONDS} s")
-            # A second start, the user's way to call the program up, takes a fresh sample.
-            subprocess.run(["gdbus", "call", "--session", "--dest", "com.kv.vorli", "--object-path", "/com/kv/vorli",
-                            "--method", "org.freedesktop.Application.Activate", "{}"],
-                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False)
-            if len(read_ticks(path)) == TICKS_WANTED // 2 and not load:
-                load = [subprocess.Popen([sys.executable, "-c", "while True: pass"])
-                        for _ in range(os.cpu_count() or 1)]
-            time.sleep(0.4)
+        until(enough, f"{TICKS_WANTED} ticks", DEADLINE_SECONDS, pause=0.4)
     finally:
         for burner in load:
             burner.kill()
             burner.wait()
         running.send_signal(signal.SIGTERM)
         status = running.wait(timeout=10)
+    assert status == 0, f"the program ended with status {status}"
+    return read_ticks(path)
 
-    ticks = read_ticks(path)
+
+def main():
+    path = os.path.join(tempfile.mkdtemp(prefix="vorli-trace-"), "ticks")
+    open(path, "w", encoding="utf-8").close()
+    ticks = collect(sys.argv[1], path)
     ring, before, worst = None, None, 0.0
     for number, now in enumerate(ticks):
-        ring = smooth(ring, target(now, before))
-        error = abs(ring - now["ring"])
-        worst = max(worst, error)
-        if error > 1e-12:
-            sys.exit(f"tick {number}: the program shows {now['ring']!r}, the readings give {ring!r}")
+        worked_out = smooth(ring, target(now, before))
+        worst = max(worst, abs(worked_out - now["ring"]))
+        assert worst <= 1e-12, f"tick {number}: the program shows {now['ring']!r}, the readings give {worked_out!r}"
         ring, before = now["ring"], now
-    rings = [t["ring"] for t in ticks]
-    if status != 0:
-        sys.exit(f"the program ended with status {status}")
-    if max(rings) - min(rings) < 0.1:
-        sys.exit("the load did not move the ring: nothing was proved")
+    rings = [tick["ring"] for tick in ticks]
+    assert max(rings) - min(rings) >= 0.1, "the load did not move the ring: nothing was proved"
     print(f"ring_trace: {len(ticks)} ticks, ring {min(rings):.3f} to {max(rings):.3f}, worst error {worst:.1e}")
 
 
