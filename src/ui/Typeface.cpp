@@ -1,5 +1,7 @@
 #include "ui/Typeface.h"
 
+#include "ui/InstalledFonts.h"
+
 #include <QStringList>
 
 namespace vorli::ui {
@@ -7,6 +9,7 @@ namespace {
 
 QFont face(const char* family, const char* substitute, QFont::StyleHint hint, double points,
            QFont::Weight weight) {
+  loadInstalledFonts();
   QFont font(QStringList{QString::fromLatin1(family), QString::fromLatin1(substitute)});
   font.setStyleHint(hint);
   // QFont knows fractions only of typographic points; at Qt's logical 96 dpi one is four thirds of a pixel.
