@@ -4,6 +4,7 @@
 #include "app/AppDelegate.h"
 #include "app/AppSettings.h"
 #include "helper/HelperManager.h"
+#include "insights/IdleAppTracker.h"
 #include "linux/ApplicationBundle.h"
 #include "linux/CPUCounters.h"
 #include "linux/DesktopShell.h"
@@ -106,9 +107,11 @@ struct Program {
 
   HelperManager helperManager{scheduler, helperService, helperTransport, bundle};
   AppSettings settings{defaults};
+  IdleAppTracker idleTracker{scheduler, *backEnds.calendar, defaults, workspace};
   SystemMonitor systemMonitor{{scheduler, *backEnds.calendar, *backEnds.memory, *backEnds.cpu,
-                               *backEnds.thermal, *backEnds.power, processes, workspace},
-                              settings};
+                               *backEnds.thermal, *backEnds.power, processes, workspace, bundle},
+                              settings,
+                              idleTracker};
   ClearState clearState{scheduler};
   AppDelegate delegate{{scheduler, notifications, defaults, bundle, statusItem, host, desktop, helperManager,
                         systemMonitor, settings, clearState}};

@@ -17,9 +17,13 @@ double periodSeconds(MonitorCadence cadence) {
   return cadence == MonitorCadence::active ? 2.0 : 15.0;
 }
 
-SystemMonitor::SystemMonitor(const SystemMonitorPorts& ports, AppSettings& settings)
+SystemMonitor::SystemMonitor(const SystemMonitorPorts& ports, AppSettings& settings,
+                             IdleAppTracker& idleTracker)
     : ports_(ports),
       processEnumerator_(ports.processes, ports.workspace, ports.cpu, ports.calendar),
+      idleTracker_(idleTracker),
+      orphanDetector_(ports.workspace, ApplicationPaths(ports.bundle.homeDirectory())),
+      leakyDetector_(ports.workspace),
       settings_(settings),
       tasks_(ports.scheduler) {}
 
@@ -34,6 +38,9 @@ void SystemMonitor::refresh() {
   thermal = sampleThermal();
   topMemoryHogs = std::move(memoryHogs);
   topCPUHogs = std::move(cpuHogs);
+  idleApps = idleTracker_.idleApps(settings_.idleThresholdMinutes());
+  orphanHelpers = orphanDetector_.detect(processes);
+  leakyApps = leakyDetector_.detect(processes);
   lastUpdate = ports_.calendar.now();
   updateRingProgress();
 }

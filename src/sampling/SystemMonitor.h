@@ -5,7 +5,11 @@
 #include "base/RepeatingTimer.h"
 #include "base/SharedInstance.h"
 #include "base/TaskScope.h"
+#include "insights/IdleAppTracker.h"
+#include "insights/LeakyAppDetector.h"
+#include "insights/OrphanHelperDetector.h"
 #include "insights/ProcessEnumerator.h"
+#include "ports/ApplicationBundle.h"
 #include "sampling/CPUStats.h"
 #include "sampling/MemorySnapshot.h"
 #include "sampling/ThermalSnapshot.h"
@@ -31,6 +35,7 @@ struct SystemMonitorPorts {
   ports::PowerSources& power;
   ports::ProcessTable& processes;
   ports::Workspace& workspace;
+  const ports::ApplicationBundle& bundle;
 };
 
 /// The shared sampling loop: one coherent look at the machine per tick, published to whoever subscribes.
@@ -38,13 +43,16 @@ struct SystemMonitorPorts {
 /// thread.
 class SystemMonitor : public SharedInstance<SystemMonitor> {
  public:
-  SystemMonitor(const SystemMonitorPorts& ports, AppSettings& settings);
+  SystemMonitor(const SystemMonitorPorts& ports, AppSettings& settings, IdleAppTracker& idleTracker);
 
   Observable<MemorySnapshot> memory{MemorySnapshot::empty};
   Observable<CPUSnapshot> cpu{CPUSnapshot::empty};
   Observable<ThermalSnapshot> thermal{ThermalSnapshot::empty};
   Observable<std::vector<ProcessSnapshot>> topMemoryHogs;  // at most 5, largest residentBytes first
   Observable<std::vector<ProcessSnapshot>> topCPUHogs;     // at most 5, largest cpuFraction first
+  Observable<std::vector<IdleApp>> idleApps;               // longest idle first
+  Observable<std::vector<OrphanHelper>> orphanHelpers;     // largest first
+  Observable<std::vector<LeakyApp>> leakyApps;             // largest first
   Observable<Date> lastUpdate{Date::distantPast()};
   Observable<double> ringProgress{0.0};
 
@@ -80,6 +88,9 @@ class SystemMonitor : public SharedInstance<SystemMonitor> {
   CPUStats cpuStats_;
   ProcessEnumerator processEnumerator_;
   LargestRows largestRows_;
+  IdleAppTracker& idleTracker_;
+  OrphanHelperDetector orphanDetector_;
+  LeakyAppDetector leakyDetector_;
   AppSettings& settings_;
   std::unique_ptr<RepeatingTimer> timer_;
   TaskScope tasks_;

@@ -44,8 +44,11 @@ struct AppDelegateTest : testing::Test {
 
   HelperManager helperManager{scheduler, service, transport, bundle};
   AppSettings settings{defaults};
-  SystemMonitor systemMonitor{{scheduler, calendar, memory, cpu, thermal, power, processes, workspace},
-                              settings};
+  IdleAppTracker idleTracker{scheduler, calendar, defaults, workspace};
+  SystemMonitor systemMonitor{
+      {scheduler, calendar, memory, cpu, thermal, power, processes, workspace, bundle},
+      settings,
+      idleTracker};
   ClearState clearState{scheduler};
   std::optional<AppDelegate> delegate;
 

@@ -106,7 +106,10 @@ struct PolishFixture : HelperFixture {
   fakes::Haptics haptics;
   NotificationCenter notifications;
   AppSettings settings{store};
-  SystemMonitor monitor{{scheduler, calendar, memory, cpu, thermal, power, processes, workspace}, settings};
+  IdleAppTracker idleTracker{scheduler, calendar, store, workspace};
+  SystemMonitor monitor{{scheduler, calendar, memory, cpu, thermal, power, processes, workspace, bundle},
+                        settings,
+                        idleTracker};
   ClearState clearState{scheduler};
   CelebrationGlowController glow{scheduler, overlay};
   AudioActivityProbe audio{tap};

@@ -1,4 +1,5 @@
 #include "sampling/SystemMonitor.h"
+#include "tests/fakes/ApplicationBundle.h"
 #include "tests/fakes/CPUCounters.h"
 #include "tests/fakes/CalendarClock.h"
 #include "tests/fakes/KeyValueStore.h"
@@ -19,7 +20,8 @@ struct SystemMonitorTest : testing::Test {
 
   void makeMonitor() {
     monitor = std::make_unique<SystemMonitor>(
-        SystemMonitorPorts{scheduler, calendar, memory, cpu, thermal, power, processes, workspace}, settings);
+        SystemMonitorPorts{scheduler, calendar, memory, cpu, thermal, power, processes, workspace, bundle},
+        settings, idleTracker);
   }
 
   /// Makes the heat alone give this target, one of 0.05, 0.3, 0.7 and 1.0.
@@ -44,7 +46,9 @@ struct SystemMonitorTest : testing::Test {
   fakes::ProcessTable processes;
   fakes::Workspace workspace;
   fakes::KeyValueStore store;
+  fakes::ApplicationBundle bundle;
   AppSettings settings{store};
+  IdleAppTracker idleTracker{scheduler, calendar, store, workspace};
   std::unique_ptr<SystemMonitor> monitor;
 };
 
@@ -54,6 +58,9 @@ TEST_F(SystemMonitorTest, startsWithEmptyValuesAndReadsNothing) {
   EXPECT_EQ(monitor->thermal.get(), ThermalSnapshot::empty);
   EXPECT_TRUE(monitor->topMemoryHogs->empty());
   EXPECT_TRUE(monitor->topCPUHogs->empty());
+  EXPECT_TRUE(monitor->idleApps->empty());
+  EXPECT_TRUE(monitor->orphanHelpers->empty());
+  EXPECT_TRUE(monitor->leakyApps->empty());
   EXPECT_EQ(monitor->lastUpdate.get(), Date::distantPast());
   EXPECT_EQ(monitor->ringProgress.get(), 0.0);
   EXPECT_EQ(monitor->cadence, MonitorCadence::idle);
@@ -200,6 +207,44 @@ TEST_F(SystemMonitorTest, aFailedListingEmptiesTheTopLists) {
   EXPECT_TRUE(monitor->topCPUHogs->empty());
 }
 
+TEST_F(SystemMonitorTest, idleApplicationsFollowTheSettingsThreshold) {
+  workspace.add(1, SharedText("Mail"), SharedText("org.example.mail"));
+  idleTracker.activationMap = {{"org.example.mail", calendar.now()}};
+  scheduler.advance(25 * 60.0);
+  settings.setIdleThresholdMinutes(25);
+  monitor->refresh();
+  EXPECT_TRUE(monitor->idleApps->empty());
+  settings.setIdleThresholdMinutes(24);
+  monitor->refresh();
+  ASSERT_EQ(monitor->idleApps->size(), 1u);
+  EXPECT_EQ(monitor->idleApps->front().idleFor, 1500.0);
+}
+
+TEST_F(SystemMonitorTest, theDetectorsSeeTheRowsOfTheTick) {
+  workspace.installed["/opt/Foo"] = {SharedText("org.example.foo"), SharedText("Foo")};
+  workspace.installed["/Applications/Foo.app"] = {SharedText("org.example.foo"), SharedText("Foo")};
+  const bool hasBundles = ApplicationPathRules::ofThisSystem().kind == ApplicationPathRules::Kind::bundles;
+  for (std::int32_t pid = 2; pid < 40; ++pid) addProcess(pid, 4'294'967'295);
+  addProcess(40, 4'294'967'296);
+  workspace.add(40, SharedText("Big"), SharedText("org.example.big"));
+  processes.add(41, "foo-agent").executablePath =
+      SharedText(hasBundles ? "/Applications/Foo.app/Contents/foo-agent" : "/opt/Foo/foo-agent");
+  for (auto& process : processes.processes) process.bsdInfo->parentPID = process.pid == 41 ? 1 : 2;
+  monitor->refresh();
+  ASSERT_EQ(monitor->leakyApps->size(), 1u);
+  EXPECT_EQ(monitor->leakyApps->front().pid, 40);
+  EXPECT_EQ(monitor->leakyApps->front().displayName, "Big");
+  ASSERT_EQ(monitor->orphanHelpers->size(), 1u);
+  EXPECT_EQ(monitor->orphanHelpers->front().pid, 41);
+  EXPECT_EQ(monitor->orphanHelpers->front().parentAppName, "Foo");
+
+  processes.remove(40);
+  workspace.add(7, SharedText("Foo"), SharedText("org.example.foo"));
+  monitor->refresh();
+  EXPECT_TRUE(monitor->leakyApps->empty());
+  EXPECT_TRUE(monitor->orphanHelpers->empty());
+}
+
 TEST_F(SystemMonitorTest, publishesInTheOrderOfTheTick) {
   std::vector<std::string> order;
   std::vector<Subscription> tokens;
@@ -208,14 +253,18 @@ TEST_F(SystemMonitorTest, publishesInTheOrderOfTheTick) {
   };
   watch(monitor->ringProgress, "ringProgress");
   watch(monitor->lastUpdate, "lastUpdate");
+  watch(monitor->leakyApps, "leakyApps");
+  watch(monitor->orphanHelpers, "orphanHelpers");
+  watch(monitor->idleApps, "idleApps");
   watch(monitor->topCPUHogs, "topCPUHogs");
   watch(monitor->topMemoryHogs, "topMemoryHogs");
   watch(monitor->thermal, "thermal");
   watch(monitor->cpu, "cpu");
   watch(monitor->memory, "memory");
   monitor->refresh();
-  EXPECT_EQ(order, (std::vector<std::string>{"memory", "cpu", "thermal", "topMemoryHogs", "topCPUHogs",
-                                             "lastUpdate", "ringProgress"}));
+  EXPECT_EQ(order,
+            (std::vector<std::string>{"memory", "cpu", "thermal", "topMemoryHogs", "topCPUHogs", "idleApps",
+                                      "orphanHelpers", "leakyApps", "lastUpdate", "ringProgress"}));
 }
 
 TEST_F(SystemMonitorTest, aDeferredSubscriberSeesTheFinishedTick) {
