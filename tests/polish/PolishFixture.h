@@ -43,8 +43,9 @@ struct PolishFixture : HelperFixture {
     log.clear();
   }
 
-  PolishServices services() {
-    return {.scheduler = scheduler,
+  PolishServices services() { return services(scheduler); }
+  PolishServices services(Scheduler& ofTheFlow) {
+    return {.scheduler = ofTheFlow,
             .notifications = notifications,
             .systemMonitor = monitor,
             .helperManager = *manager,
