@@ -29,6 +29,7 @@ AppDelegate::AppDelegate(const AppDelegateNeeds& needs)
       helperManager_(needs.helperManager),
       systemMonitor_(needs.systemMonitor),
       settings_(needs.settings),
+      suspendedAppsManager_(needs.suspendedAppsManager),
       clearState_(needs.clearState),
       tasks_(needs.scheduler) {}
 
@@ -51,7 +52,14 @@ void AppDelegate::applicationDidFinishLaunching() {
 }
 
 AppDelegate::TerminateReply AppDelegate::applicationShouldTerminate() {
-  return TerminateReply::now;
+  if (suspendedAppsManager_.suspendedPIDs->empty()) return TerminateReply::now;
+  tasks_.spawn(resumeSuspendedAppsAndQuit());
+  return TerminateReply::later;
+}
+
+Task<> AppDelegate::resumeSuspendedAppsAndQuit() {
+  co_await suspendedAppsManager_.resumeAll();
+  host_.replyToTermination();
 }
 
 void AppDelegate::applicationWillTerminate() {

@@ -5,6 +5,7 @@
 #include "base/NotificationCenter.h"
 #include "base/TaskScope.h"
 #include "helper/HelperManager.h"
+#include "insights/SuspendedAppsManager.h"
 #include "ports/ApplicationBundle.h"
 #include "ports/ApplicationHost.h"
 #include "ports/DesktopShell.h"
@@ -33,6 +34,7 @@ struct AppDelegateNeeds {
   HelperManager& helperManager;
   SystemMonitor& systemMonitor;
   AppSettings& settings;
+  SuspendedAppsManager& suspendedAppsManager;
   ClearState& clearState;
 };
 
@@ -46,6 +48,7 @@ class AppDelegate {
 
   // The platform calls these.
   void applicationDidFinishLaunching();
+  /// `later` while applications that stand stopped are resumed; the host is told when that is done.
   TerminateReply applicationShouldTerminate();
   void applicationWillTerminate();
 
@@ -65,6 +68,7 @@ class AppDelegate {
   void menuAbout();
   void showInfoAlert(const std::string& text);
   Task<> polishWithoutCeremony();
+  Task<> resumeSuspendedAppsAndQuit();
 
   Scheduler& scheduler_;
   NotificationCenter& notifications_;
@@ -76,6 +80,7 @@ class AppDelegate {
   HelperManager& helperManager_;
   SystemMonitor& systemMonitor_;
   AppSettings& settings_;
+  SuspendedAppsManager& suspendedAppsManager_;
   ClearState& clearState_;
   std::vector<Subscription> cancellables_;
   TaskScope tasks_;

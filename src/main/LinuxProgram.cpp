@@ -5,6 +5,7 @@
 #include "app/AppSettings.h"
 #include "helper/HelperManager.h"
 #include "insights/IdleAppTracker.h"
+#include "insights/SuspendedAppsManager.h"
 #include "linux/ApplicationBundle.h"
 #include "linux/CPUCounters.h"
 #include "linux/DesktopShell.h"
@@ -112,9 +113,10 @@ struct Program {
                                *backEnds.thermal, *backEnds.power, processes, workspace, bundle},
                               settings,
                               idleTracker};
+  SuspendedAppsManager suspendedAppsManager{scheduler, helperManager, workspace};
   ClearState clearState{scheduler};
   AppDelegate delegate{{scheduler, notifications, defaults, bundle, statusItem, host, desktop, helperManager,
-                        systemMonitor, settings, clearState}};
+                        systemMonitor, settings, suspendedAppsManager, clearState}};
 };
 
 }  // namespace

@@ -49,12 +49,14 @@ struct AppDelegateTest : testing::Test {
       {scheduler, calendar, memory, cpu, thermal, power, processes, workspace, bundle},
       settings,
       idleTracker};
+  SuspendedAppsManager suspendedAppsManager{scheduler, helperManager, workspace};
   ClearState clearState{scheduler};
   std::optional<AppDelegate> delegate;
 
   void launch() {
     delegate.emplace(AppDelegateNeeds{scheduler, notifications, defaults, bundle, statusItem, host, desktop,
-                                      helperManager, systemMonitor, settings, clearState});
+                                      helperManager, systemMonitor, settings, suspendedAppsManager,
+                                      clearState});
     delegate->applicationDidFinishLaunching();
   }
   void setPressure(std::int32_t level) { memory.pressure.kernelLevel = level; }
@@ -241,6 +243,34 @@ TEST_F(AppDelegateTest, polishNowWithoutAHelperSaysSo) {
   EXPECT_EQ(host.alerts[0].first, "Vorli");
   EXPECT_EQ(host.alerts[0].second, "Helper not installed. Open Vorli to finish setup.");
   EXPECT_EQ(transport.purgeMemory.requests, 0);
+}
+
+TEST_F(AppDelegateTest, quittingWaitsUntilEveryStoppedApplicationGoesOn) {
+  launch();
+  scheduler.advance(10.0);
+  suspendedAppsManager.suspendedPIDs = std::set<std::int32_t>{41, 42};
+  transport.killPID.delaySeconds = 1.0;
+  transport.requests.clear();
+  EXPECT_EQ(delegate->applicationShouldTerminate(), AppDelegate::TerminateReply::later);
+  scheduler.advance(1.9);
+  EXPECT_EQ(host.terminationReplies, 0);
+  scheduler.advance(0.2);
+  EXPECT_EQ(host.terminationReplies, 1);
+  EXPECT_EQ(transport.requests, (std::vector<std::string>{"killPID 41 19", "killPID 42 19"}));
+  EXPECT_TRUE(suspendedAppsManager.suspendedPIDs->empty());
+}
+
+TEST_F(AppDelegateTest, quittingWaitsNoLongerThanTheHelpersLimit) {
+  launch();
+  scheduler.advance(10.0);
+  suspendedAppsManager.suspendedPIDs = std::set<std::int32_t>{41};
+  transport.killPID.conduct = fakes::HelperTransport::Conduct::silent;
+  delegate->applicationShouldTerminate();
+  scheduler.advance(9.9);
+  EXPECT_EQ(host.terminationReplies, 0);
+  scheduler.advance(0.1);
+  EXPECT_EQ(host.terminationReplies, 1);
+  EXPECT_EQ(suspendedAppsManager.suspendedPIDs->count(41), 1u);
 }
 
 TEST_F(AppDelegateTest, endingStopsTheTimerAndTheReactions) {
