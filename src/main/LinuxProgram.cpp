@@ -60,6 +60,12 @@ void preferX11() {
   if (std::getenv("DISPLAY") && !std::getenv("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "xcb");
 }
 
+bool hasDisplay() {
+  const auto platform = qgetenv("QT_QPA_PLATFORM");
+  const bool isX11 = platform.isEmpty() ? !std::getenv("WAYLAND_DISPLAY") : platform.startsWith("xcb");
+  return !isX11 || canReachDisplay();
+}
+
 std::string caseName(InstallStatus status) {
   switch (status.which()) {
     case InstallStatus::Case::unknown:
@@ -133,7 +139,7 @@ int runLinuxProgram(int argc, char** argv, SamplingBackEnds backEnds,
   Logger::setSink([&systemLog](const LogRecord& record) { systemLog.write(record); });
 
   preferX11();
-  if (qgetenv("QT_QPA_PLATFORM") == "xcb" && !canReachDisplay()) {
+  if (!hasDisplay()) {
     std::fputs("vorli: there is no display to show the dial on\n", stderr);
     return exitNoDisplay;
   }

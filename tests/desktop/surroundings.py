@@ -1,0 +1,126 @@
+"""surroundings.py PROGRAM: the whole program where something that it expects is missing or broken."""
+
+import os
+import re
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import unittest
+
+from waiting import until
+
+PROGRAM = sys.argv[1]
+
+
+def status(name, environment=None):
+    answer = subprocess.run(
+        ["gdbus", "call", "--session", "--dest", "com.kv.vorli", "--object-path", "/com/kv/vorli", "--method",
+         "org.freedesktop.DBus.Properties.Get", "com.kv.vorli.Status", name],
+        capture_output=True, text=True, env=environment)
+    found = re.search(r"<(?:uint64 )?'?([^'>]*)'?>", answer.stdout)
+    return found.group(1) if answer.returncode == 0 and found else None
+
+
+def thread_names(pid):
+    for task in os.listdir(f"/proc/{pid}/task"):
+        with open(f"/proc/{pid}/task/{task}/comm", encoding="utf-8") as file:
+            yield file.read()
+
+
+class Surroundings(unittest.TestCase):
+    def setUp(self):
+        self.home = tempfile.mkdtemp(prefix="vorli-home-")
+        self.environment = {**os.environ, "XDG_CONFIG_HOME": self.home}
+        self.running = []
+
+    def tearDown(self):
+        for process in self.running:
+            if process.poll() is None:
+                process.kill()
+            process.wait()
+            process.stderr.close()
+        shutil.rmtree(self.home)
+
+    def start(self, **changes):
+        environment = {**self.environment, **changes}
+        environment = {name: value for name, value in environment.items() if value is not None}
+        process = subprocess.Popen([PROGRAM], env=environment, stderr=subprocess.PIPE, text=True)
+        os.set_blocking(process.stderr.fileno(), False)
+        self.running.append(process)
+        return process
+
+    def lives(self, process):
+        until(lambda: status("Ticks") is not None or process.poll() is not None, "the program is on the bus")
+        self.assertIsNone(process.poll(), "the program goes on")
+        return process
+
+    def end(self, process):
+        process.send_signal(signal.SIGTERM)
+        self.assertEqual(process.wait(timeout=5), 0)
+
+    def test_without_a_tray_it_lives_and_can_be_called_up(self):
+        process = self.lives(self.start())
+        ticks = int(status("Ticks"))
+        second = subprocess.run([PROGRAM], env=self.environment, capture_output=True, text=True, timeout=10)
+        self.assertEqual(second.returncode, 0)
+        self.assertIn("already running", second.stderr)
+        until(lambda: int(status("Ticks")) > ticks, "the first one was called up and took a sample")
+        self.end(process)
+
+    def test_without_a_session_bus_it_lives_and_ends_when_told(self):
+        process = self.start(DBUS_SESSION_BUS_ADDRESS="unix:path=/nonexistent")
+        until(lambda: any("QXcb" in name for name in thread_names(process.pid)), "it is connected with the display")
+        self.assertIsNone(process.poll())
+        self.end(process)
+
+    def test_without_a_display_it_says_so(self):
+        process = self.start(DISPLAY=":987", QT_QPA_PLATFORM=None, WAYLAND_DISPLAY=None)
+        self.assertEqual(process.wait(timeout=10), 1)
+        self.assertEqual(process.stderr.read(), "vorli: there is no display to show the dial on\n")
+
+    def test_with_no_display_named_at_all_it_says_so(self):
+        process = self.start(DISPLAY=None, QT_QPA_PLATFORM=None, WAYLAND_DISPLAY=None)
+        self.assertEqual(process.wait(timeout=10), 1)
+        self.assertEqual(process.stderr.read(), "vorli: there is no display to show the dial on\n")
+
+    def test_without_a_system_bus_the_helper_is_unknown_and_the_ring_lives(self):
+        process = self.lives(self.start(DBUS_SYSTEM_BUS_ADDRESS="unix:path=/nonexistent"))
+        until(lambda: status("HelperStatus") == "unknown", "the helper is told as unknown")
+        self.assertGreaterEqual(float(status("RingProgress")), 0.05)
+        self.end(process)
+
+    def test_a_system_bus_that_hangs_holds_nothing_up(self):
+        folder = tempfile.mkdtemp(prefix="vorli-bus-")
+        config = os.path.join(folder, "bus.conf")
+        with open(config, "w", encoding="utf-8") as file:
+            file.write(f"<busconfig><type>system</type><listen>unix:path={folder}/bus</listen>"
+                       "<policy context='default'><allow send_destination='*'/><allow own='*'/></policy></busconfig>")
+        bus = subprocess.Popen(["dbus-daemon", f"--config-file={config}", "--nofork"], stderr=subprocess.DEVNULL)
+        try:
+            until(lambda: os.path.exists(f"{folder}/bus"), "the bus is up")
+            bus.send_signal(signal.SIGSTOP)
+            process = self.lives(self.start(DBUS_SYSTEM_BUS_ADDRESS=f"unix:path={folder}/bus"))
+            ticks = int(status("Ticks"))
+            subprocess.run([PROGRAM], env=self.environment, capture_output=True, timeout=10)
+            until(lambda: int(status("Ticks")) > ticks, "the main loop answers while the system bus hangs", 3.0)
+            self.end(process)
+        finally:
+            bus.send_signal(signal.SIGCONT)
+            bus.kill()
+            bus.wait()
+            shutil.rmtree(folder)
+
+    def test_damaged_settings_are_kept_aside(self):
+        os.makedirs(f"{self.home}/Vorli")
+        with open(f"{self.home}/Vorli/Vorli.ini", "wb") as file:
+            file.write(b"\x00\x01 no settings \xff" * 50)
+        process = self.lives(self.start())
+        self.assertTrue(os.path.exists(f"{self.home}/Vorli/Vorli.ini.damaged"))
+        self.end(process)
+        with open(f"{self.home}/Vorli/Vorli.ini", encoding="utf-8") as file:
+            self.assertIn("vorli.lastLaunchedBuild", file.read())
+
+
+unittest.main(argv=sys.argv[:1], verbosity=2)
