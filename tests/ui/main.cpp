@@ -2,6 +2,9 @@
 #include <gmock/gmock.h>
 
 int main(int argc, char** argv) {
+  // Neither the desktop nor the bus of whoever runs the tests.
+  qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+  qunsetenv("DISPLAY");
   qputenv("QT_QPA_PLATFORM", "offscreen");
   const QApplication application(argc, argv);
   testing::InitGoogleMock(&argc, argv);

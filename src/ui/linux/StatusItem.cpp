@@ -32,10 +32,10 @@ std::optional<QPoint> clickedPoint(QPoint native, const QList<ScreenPlace>& scre
   return knowsThePointer() ? QCursor::pos() : logicalPoint(native, screens);
 }
 
-QPoint topRightOfTheScreen() {
+QRect topRightOfTheScreen() {
   const auto* screen = QGuiApplication::screenAt(QCursor::pos());
   if (!screen) screen = QGuiApplication::primaryScreen();
-  return screen ? screen->availableGeometry().topRight() : QPoint();
+  return screen ? QRect(screen->availableGeometry().topRight(), QSize(1, 1)) : QRect();
 }
 
 }  // namespace
@@ -77,7 +77,7 @@ void StatusItem::setMenuProvider(std::function<std::vector<ports::MenuRow>()> pr
 
 void StatusItem::showMenu(std::vector<ports::MenuRow> rows) {
   const bool composited = selections_.isManaged(ManagerSelections::Selection::compositor);
-  showStatusMenu(scheduler_, std::move(rows), lastClick_ ? lastClick_->point : topRightOfTheScreen(),
+  showStatusMenu(scheduler_, std::move(rows), lastClick_ ? lastClick_->icon : topRightOfTheScreen(),
                  desktop_.isDark() ? Appearance::dark : Appearance::light,
                  composited ? Compositing::present : Compositing::absent);
 }

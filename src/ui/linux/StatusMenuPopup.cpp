@@ -2,18 +2,30 @@
 
 #include "ui/linux/StatusMenuStyle.h"
 
+#include <QBitmap>
+#include <QGuiApplication>
 #include <QMenu>
-#include <QPainterPath>
-#include <QRegion>
+#include <QPainter>
+#include <QScreen>
 
 namespace vorli::ui {
 namespace {
 
-QString rowText(const ports::MenuRow& row) {
-  auto text = QString::fromStdString(row.title);
-  text.replace(QLatin1Char('&'), QLatin1String("&&"));  // a single one marks an access key
-  if (row.keyEquivalent.empty()) return text;
-  return text + QStringLiteral("\tCtrl+") + QString::fromStdString(row.keyEquivalent).toUpper();
+QString rowTitle(const ports::MenuRow& row) {
+  auto title = QString::fromStdString(row.title);
+  return title.replace(QLatin1Char('&'), QLatin1String("&&"));  // a single one marks an access key
+}
+
+QString shortcutText(const ports::MenuRow& row) {
+  if (row.keyEquivalent.empty()) return {};
+  return QStringLiteral("Ctrl+") + QString::fromStdString(row.keyEquivalent).toUpper();
+}
+
+// Below an item in the upper half of its screen, else above it. Qt keeps the menu on the screen.
+QPoint cornerBeside(const QRect& item, QSize menu) {
+  const auto* screen = QGuiApplication::screenAt(item.center());
+  const bool below = !screen || item.center().y() < screen->geometry().center().y();
+  return {item.left(), below ? item.bottom() + 1 : item.top() - menu.height()};
 }
 
 // A menu that goes when it has closed, and takes its style with it.
@@ -24,10 +36,14 @@ class StatusMenuPopup final : public QMenu {
   ~StatusMenuPopup() override { setStyle(nullptr); }
 
   void cutCorners() {
-    QPainterPath outline;
-    outline.addRoundedRect(QRectF({}, QSizeF(sizeHint())), StatusMenuStyle::cornerRadius,
-                           StatusMenuStyle::cornerRadius);
-    setMask(QRegion(outline.toFillPolygon().toPolygon()));
+    QBitmap shape(sizeHint());
+    shape.clear();
+    QPainter painter(&shape);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::color1);
+    painter.drawRoundedRect(shape.rect(), StatusMenuStyle::cornerRadius, StatusMenuStyle::cornerRadius);
+    painter.end();
+    setMask(shape);
   }
 
  private:
@@ -36,7 +52,7 @@ class StatusMenuPopup final : public QMenu {
 
 }  // namespace
 
-void showStatusMenu(Scheduler& scheduler, std::vector<ports::MenuRow> rows, QPoint point,
+void showStatusMenu(Scheduler& scheduler, std::vector<ports::MenuRow> rows, const QRect& item,
                     Appearance appearance, Compositing compositing) {
   auto* menu = new StatusMenuPopup(appearance);
   for (auto& row : rows) {
@@ -44,7 +60,8 @@ void showStatusMenu(Scheduler& scheduler, std::vector<ports::MenuRow> rows, QPoi
       menu->addSeparator();
       continue;
     }
-    auto* action = menu->addAction(rowText(row));
+    auto* action = menu->addAction(rowTitle(row));
+    action->setData(shortcutText(row));
     action->setEnabled(static_cast<bool>(row.action));
     QObject::connect(action, &QAction::triggered, menu,
                      [&scheduler, act = std::move(row.action)] { scheduler.post(act); });
@@ -56,7 +73,7 @@ void showStatusMenu(Scheduler& scheduler, std::vector<ports::MenuRow> rows, QPoi
   } else {
     menu->cutCorners();
   }
-  menu->popup(point);
+  menu->popup(cornerBeside(item, menu->sizeHint()));
 }
 
 }  // namespace vorli::ui

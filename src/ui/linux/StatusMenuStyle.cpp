@@ -2,6 +2,8 @@
 
 #include "ui/Typeface.h"
 
+#include <QAction>
+#include <QMenu>
 #include <QPainter>
 #include <QStyleFactory>
 #include <QStyleOptionMenuItem>
@@ -16,7 +18,15 @@ constexpr int separatorHeight = 11;
 constexpr int inset = 10;
 constexpr double rowRadius = 7.0;
 
-void drawRow(const QStyleOptionMenuItem& row, QPainter& painter, const WindowPalette& palette) {
+// Not part of the row's text: QMenu widens itself for a text that holds one.
+QString shortcutOf(const QStyleOptionMenuItem& row, const QWidget* widget) {
+  const auto* menu = qobject_cast<const QMenu*>(widget);
+  const auto* action = menu ? menu->actionAt(row.rect.center()) : nullptr;
+  return action ? action->data().toString() : QString();
+}
+
+void drawRow(const QStyleOptionMenuItem& row, const QString& shortcut, QPainter& painter,
+             const WindowPalette& palette) {
   if (row.menuItemType == QStyleOptionMenuItem::Separator) {
     painter.fillRect(QRectF(row.rect.x() + inset, row.rect.center().y(), row.rect.width() - 2 * inset, 1),
                      palette.divider);
@@ -28,16 +38,14 @@ void drawRow(const QStyleOptionMenuItem& row, QPainter& painter, const WindowPal
     painter.setBrush(palette.primary.over(row.rect));
     painter.drawRoundedRect(row.rect, rowRadius, rowRadius);
   }
-  const QStringList parts = row.text.split(QLatin1Char('\t'));
   const QRect text = row.rect.adjusted(inset, 0, -inset, 0);
   constexpr int flags = Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextHideMnemonic;
   painter.setFont(geist(13.0));
   painter.setPen(chosen ? palette.primaryText : palette.ink);
-  painter.drawText(text, flags | Qt::AlignLeft, parts.value(0));
-  if (parts.size() < 2) return;
+  painter.drawText(text, flags | Qt::AlignLeft, row.text);
   painter.setFont(geist(12.0));
   painter.setPen(chosen ? palette.primaryText : palette.meta);
-  painter.drawText(text, flags | Qt::AlignRight, parts.value(1));
+  painter.drawText(text, flags | Qt::AlignRight, shortcut);
 }
 
 }  // namespace
@@ -97,7 +105,7 @@ void StatusMenuStyle::drawControl(ControlElement element, const QStyleOption* op
   if (element != CE_MenuItem || !row) return QProxyStyle::drawControl(element, option, painter, widget);
   painter->save();
   painter->setRenderHint(QPainter::Antialiasing);
-  drawRow(*row, *painter, palette_);
+  drawRow(*row, shortcutOf(*row, widget), *painter, palette_);
   painter->restore();
 }
 

@@ -6,7 +6,8 @@
 
 namespace vorli::ui {
 
-/// Draws the status item's menu as one sheet with round corners.
+/// Draws the status item's menu as one sheet with round corners. What stands in an action's data is shown as
+/// its shortcut.
 class StatusMenuStyle final : public QProxyStyle {
  public:
   static constexpr double cornerRadius = 12.0;

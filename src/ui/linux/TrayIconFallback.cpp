@@ -33,6 +33,7 @@ class PictureEngine final : public QIconEngine {
 }  // namespace
 
 TrayIconFallback::TrayIconFallback(ClickHandler handler) : clickHandler_(std::move(handler)) {
+  setPicture({});  // Qt warns of a tray icon without one
   icon_.show();
   adoptWindow();
 }

@@ -1,0 +1,155 @@
+#!/usr/bin/python3
+"""status_item_xembed.py PROGRAM PANEL: the status item in a panel that knows only the X11 tray."""
+
+import os
+import sys
+import unittest
+
+import tray_parts
+from tray_parts import ITEM, Process, Screen, click, photograph, pointer
+from waiting import until
+
+PROGRAM, PANEL = sys.argv.pop(1), sys.argv.pop(1)
+PANEL_HEIGHT = 28
+MENU_HEIGHT = 6 * 28 + 4 * 11 + 12
+
+
+def icon_place(colour=tray_parts.is_amber):
+    return until(lambda: Screen().place_of(colour, PANEL_HEIGHT), "the dial is in the tray")
+
+
+def icon_is_gone():
+    return Screen().place_of(tray_parts.is_amber, PANEL_HEIGHT) is None
+
+
+class XEmbedTest(unittest.TestCase):
+    def setUp(self):
+        pointer("mousemove", 600, 600)
+        self.program = Process(PROGRAM)
+        self.addCleanup(self.program.close)
+        self.program.expect("tray xembed")
+        self.program.tell("picture 0.6")
+        self.program.tell("sentence Your Mac is warming up. 60 percent under pressure.")
+        self.place = icon_place()
+
+    def assert_click(self, expected, **how):
+        since = self.program.mark()
+        click(self.place, **how)
+        line = self.program.expect("click .*", since)
+        self.assertRegex(line, f"click {expected} at {self.place[0]} {self.place[1]} icon .*")
+        x, y, width, height = map(int, line.split(" icon ")[1].split())
+        self.assertTrue(x <= self.place[0] < x + width and y <= self.place[1] < y + height, line)
+        self.assertLessEqual(height, PANEL_HEIGHT)
+
+    def own_menu(self):
+        return tray_parts.window_of(self.program.pid, width=224, height=MENU_HEIGHT)
+
+    def choose(self, below, action):
+        x, y = until(self.own_menu, "the menu is open")
+        since = self.program.mark()
+        click((x + 60, y + below))
+        self.program.expect(f"chose {action}", since)
+        until(lambda: not self.own_menu(), "the menu has closed")
+
+    def test_clicks_are_told_apart_when_the_button_is_released(self):
+        since = self.program.mark()
+        pointer("mousemove", *self.place, "mousedown", 1)
+        pointer("mousemove", 600, 600, "mouseup", 1)  # dragged off: no click
+        self.assert_click("left plain")
+        self.assertEqual(len([line for line in self.program.lines[since:] if line.startswith("click")]), 1)
+        self.assert_click("left plain", button=2)
+        self.assert_click("left control", control=True)
+        self.choose(20, "polish")
+        self.assert_click("right plain", button=3)
+        photograph(f"menu-{PANEL}")
+        self.choose(MENU_HEIGHT - 20, "quit")
+
+    def test_a_double_click_is_two_clicks(self):
+        since = self.program.mark()
+        pointer("mousemove", *self.place, "click", "--repeat", 2, "--delay", 40, 1)
+        until(
+            lambda: len([line for line in self.program.lines[since:] if line.startswith("click left")]) == 2,
+            "two clicks",
+        )
+
+    def test_the_menu_closes_by_escape_and_by_a_click_elsewhere(self):
+        for close in (lambda: pointer("key", "Escape"), lambda: click((600, 600))):
+            self.assert_click("right plain", button=3)
+            until(self.own_menu, "the menu is open")
+            close()
+            until(lambda: not self.own_menu(), "the menu has closed")
+
+    def test_the_picture_follows(self):
+        photograph(f"tray-{PANEL}", "200x30+1720+0")
+        self.program.tell("picture 0.95")
+        icon_place(tray_parts.is_red)
+
+    def test_a_tray_that_is_killed_and_starts_again_gets_the_icon_back(self):
+        since = self.program.mark()
+        command = tray_parts.end_panel(PANEL)
+        self.program.expect("tray none", since)
+        since = self.program.mark()
+        tray_parts.start_panel(command)
+        self.program.expect("tray xembed", since)
+        self.place = icon_place()
+        self.assert_click("left plain")
+
+    def test_the_item_moves_to_a_better_tray_and_back(self):
+        services = Process(os.path.join(tray_parts.HERE, "fake_tray_services.py"))
+        self.addCleanup(services.close)
+        services.tell("watcher on")
+        services.expect(f"registered {ITEM}-{self.program.pid}-1")
+        self.assertFalse(icon_is_gone(), "no panel shows what is registered")
+        since = self.program.mark()
+        services.tell("host on")
+        self.program.expect("tray notifier", since)
+        until(icon_is_gone, "the icon has left the X11 tray")
+        since = self.program.mark()
+        services.tell("host off")
+        self.program.expect("tray xembed", since)
+        icon_place()
+        services.tell("host on")
+        until(icon_is_gone, "the icon has left the X11 tray")
+        since = self.program.mark()
+        services.tell("watcher off")
+        self.program.expect("tray xembed", since)
+        self.place = icon_place()
+        self.assert_click("left plain")
+
+    def test_ten_thousand_pictures_leave_nothing_behind(self):
+        program = Process(PROGRAM, "--hurry", "500")
+        self.addCleanup(program.close)
+        program.expect("tray xembed")
+
+        def send(count):
+            since = program.mark()
+            program.tell(f"send {count}")
+            program.expect("sent", since, 120)
+            return program.resources()
+
+        dirty, descriptors, _ = send(1000)
+        later_dirty, later_descriptors, _ = send(int(os.environ.get("VORLI_SENT_PICTURES", "10000")))
+        print(f"{PANEL}: pictures sent: {later_dirty - dirty:+} kB", flush=True)
+        self.assertLessEqual(later_dirty - dirty, 128)
+        self.assertEqual(later_descriptors, descriptors)
+
+
+class SurroundingsTest(unittest.TestCase):
+    def test_without_a_session_bus_there_is_still_the_x11_tray(self):
+        program = Process(PROGRAM, environment={**os.environ, "DBUS_SESSION_BUS_ADDRESS": "unix:path=/nonexistent"})
+        self.addCleanup(program.close)
+        program.expect("tray xembed")
+        program.tell("picture 0.6")
+        place = icon_place()
+        since = program.mark()
+        click(place)
+        program.expect("click left plain .*", since)
+
+    def test_a_desktop_whose_panels_are_always_dark_gets_the_bright_dial(self):
+        program = Process(PROGRAM, environment={**os.environ, "XDG_CURRENT_DESKTOP": "ubuntu:GNOME"})
+        self.addCleanup(program.close)
+        self.assertEqual(program.expect("appearance .*"), "appearance dark")
+
+
+if __name__ == "__main__":
+    unittest.main(warnings="ignore")
