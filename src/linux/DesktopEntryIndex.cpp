@@ -80,6 +80,23 @@ void claim(std::unordered_map<std::string, const DesktopEntry*>& claims, std::st
   if (!isFirst && slot->second != entry) slot->second = nullptr;
 }
 
+// Where a snap or flatpak keeps its files: what its entry starts is a launcher outside of them.
+std::vector<std::string> sandboxFolders(const DesktopEntry& entry) {
+  constexpr std::string_view snapLaunchers = "/snap/bin/";
+  constexpr std::string_view flatpakExports = "/exports/share/applications/";
+  std::vector<std::string> folders;
+  if (const auto at = entry.program.find(snapLaunchers); at != std::string::npos) {
+    const auto package = entry.program.substr(at + snapLaunchers.size());
+    folders.push_back("/snap/" + package.substr(0, package.find('.')));
+    folders.push_back("/var/lib/snapd/snap/" + package.substr(0, package.find('.')));
+  }
+  const auto exports = entry.path.find(flatpakExports);
+  if (!entry.flatpakID.empty() && exports != std::string::npos) {
+    folders.push_back(entry.path.substr(0, exports) + "/app/" + entry.flatpakID);
+  }
+  return folders;
+}
+
 const DesktopEntry* find(const std::unordered_map<std::string, const DesktopEntry*>& claims,
                          const std::string& key) {
   const auto found = claims.find(key);
@@ -207,7 +224,7 @@ void DesktopEntryIndex::add(DesktopEntry entry) {
 }
 
 void DesktopEntryIndex::indexEntries() {
-  for (auto* claims : {&byLowerID_, &byLastPiece_, &byClass_, &byProgram_}) claims->clear();
+  for (auto* claims : {&byLowerID_, &byLastPiece_, &byClass_, &byProgram_, &byFolder_}) claims->clear();
   for (const auto& id : order_) {
     const DesktopEntry& entry = entries_.at(id);
     if (entry.hidden) continue;
@@ -220,6 +237,13 @@ void DesktopEntryIndex::indexEntries() {
       claim(byProgram_, program, &entry);
     } else if (!entry.arguments.empty()) {
       claim(byProgram_, resolvedProgram(entry.arguments.front(), places_.programPath), &entry);
+    }
+    for (auto& folder : sandboxFolders(entry)) claim(byFolder_, std::move(folder), &entry);
+  }
+  for (const auto& [program, entry] : byProgram_) {
+    for (auto slash = program.rfind('/'); slash != 0 && slash != std::string::npos;
+         slash = program.rfind('/', slash - 1)) {
+      claim(byFolder_, program.substr(0, slash), entry);
     }
   }
 }
@@ -243,14 +267,7 @@ const DesktopEntry* DesktopEntryIndex::byProgram(std::string_view realPath) cons
 }
 
 const DesktopEntry* DesktopEntryIndex::onlyOneInFolder(std::string_view realPath) const {
-  const std::string prefix = std::string(realPath) + "/";
-  const DesktopEntry* only = nullptr;
-  for (const auto& [program, entry] : byProgram_) {
-    if (!program.starts_with(prefix) || entry == only) continue;
-    if (only || !entry) return nullptr;
-    only = entry;
-  }
-  return only;
+  return find(byFolder_, std::string(realPath));
 }
 
 }  // namespace vorli::linuxhost

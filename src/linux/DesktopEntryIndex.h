@@ -48,8 +48,8 @@ class DesktopEntryIndex {
   /// when none or several do.
   const DesktopEntry* byProgram(std::string_view realPath) const;
 
-  /// The one visible entry whose program lies in the folder at `realPath`, at any depth. Null when none or
-  /// several do.
+  /// The one visible entry whose program lies in the folder at `realPath`, at any depth, or whose snap or
+  /// flatpak is kept there. Null when none or several do.
   const DesktopEntry* onlyOneInFolder(std::string_view realPath) const;
 
   std::size_t size() const { return entries_.size(); }
@@ -72,7 +72,7 @@ class DesktopEntryIndex {
   std::unordered_map<std::string, DesktopEntry> entries_;
   std::vector<std::string> order_;
   std::set<std::pair<std::uint64_t, std::uint64_t>> readFolders_;  // device and inode
-  Claims byLowerID_, byLastPiece_, byClass_, byProgram_;
+  Claims byLowerID_, byLastPiece_, byClass_, byProgram_, byFolder_;
   std::function<void()> changed_;
   int inotify_ = -1;
   std::unique_ptr<QSocketNotifier> notifier_;

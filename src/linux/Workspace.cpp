@@ -87,13 +87,34 @@ bool Workspace::terminate(std::int32_t processIdentifier) {
 
 std::optional<ports::InstalledApplication> Workspace::applicationAt(std::string_view path) {
   const DesktopEntry* entry = entries_.byProgram(path);
-  for (auto known = known_.begin(); !entry && known != known_.end(); ++known) {
-    if (known->second.application && known->second.executable == path)
-      entry = entries_.byID(known->second.entryID);
-  }
+  if (!entry) entry = entryRunning(path);
   if (!entry) entry = entries_.onlyOneInFolder(path);
+  if (!entry) entry = entryRunningIn(path);
   if (!entry) return std::nullopt;
   return ports::InstalledApplication{SharedText(entry->id), SharedText(entry->name)};
+}
+
+// What an interpreter runs says whose a process is, the interpreter itself does not.
+const DesktopEntry* Workspace::entryRunning(std::string_view program) const {
+  if (isInterpreter(program)) return nullptr;
+  for (const auto& [pid, known] : known_) {
+    if (known.application && known.executable == program) return entries_.byID(known.entryID);
+  }
+  return nullptr;
+}
+
+// The only one whose running programs lie in this folder: what an entry starts may be a script elsewhere.
+const DesktopEntry* Workspace::entryRunningIn(std::string_view folder) const {
+  const std::string prefix = std::string(folder) + "/";
+  const DesktopEntry* only = nullptr;
+  for (const auto& [pid, known] : known_) {
+    if (!known.application || !known.executable.starts_with(prefix) || isInterpreter(known.executable))
+      continue;
+    const auto* entry = entries_.byID(known.entryID);
+    if (only && entry != only) return nullptr;
+    only = entry;
+  }
+  return only;
 }
 
 Subscription Workspace::subscribe(ports::ApplicationEvent event, ApplicationHandler handler) {

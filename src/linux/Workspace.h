@@ -50,6 +50,8 @@ class Workspace final : public ports::Workspace {
   void activeWindowChanged();
   void meet(std::int32_t pid, Showing showing);
   std::int32_t applicationItHelps(std::int32_t pid, const std::string& executable) const;
+  const DesktopEntry* entryRunning(std::string_view program) const;
+  const DesktopEntry* entryRunningIn(std::string_view folder) const;
   ports::RunningApplication makeRecord(std::int32_t pid, const DesktopEntry& entry, Showing showing) const;
   void processEnded(std::int32_t pid);
   void entriesChanged();

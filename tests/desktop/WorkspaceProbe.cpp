@@ -1,5 +1,5 @@
 // Prints what the workspace sees, one JSON object a line, and takes commands on standard input:
-// "list", "front", "windows", "quit PID", "end".
+// "list", "front", "windows", "at PATH", "quit PID", "end".
 
 #include "linux/Workspace.h"
 #include "ui/QtScheduler.h"
@@ -46,6 +46,9 @@ void answer(linuxhost::Workspace& workspace, const QByteArray& command) {
     for (const auto pid : workspace.onScreenWindowOwnerPIDs().value_or(std::vector<std::int32_t>()))
       owners << pid;
     print({{"windows", owners}, {"visible", workspace.canSeeWindows()}});
+  } else if (command.startsWith("at ")) {
+    const auto application = workspace.applicationAt(command.mid(3).toStdString());
+    print({{"at", application ? QJsonValue(text(application->bundleIdentifier)) : QJsonValue()}});
   } else if (command.startsWith("quit ")) {
     print({{"asked", workspace.terminate(command.mid(5).toInt())}});
   } else if (command == "end") {

@@ -2,6 +2,7 @@
 
 import json
 import os
+import shutil
 import signal
 import subprocess
 import sys
@@ -153,6 +154,24 @@ class RunningApplications(unittest.TestCase):
         owners = self.probe.ask("windows", "windows")
         for application in self.probe.running().values():
             self.assertIn(application["pid"], owners)
+
+    def test_a_program_leads_to_its_application_and_an_interpreter_to_none(self):
+        at = lambda path: self.probe.ask(f"at {os.path.realpath(path)}", "at")
+        self.assertEqual(at("/usr/bin/galculator"), "galculator")
+        self.assertEqual(at(f"{DATA}/tools/window.py"), "org.example.Script")
+        write(f"{DATA}/applications/org.example.Launched.desktop",
+              "[Desktop Entry]\nType=Application\nName=Launched\nStartupWMClass=launched\nExec=launched-by-script\n")
+        os.makedirs(f"{DATA}/launched/bin", exist_ok=True)
+        program = f"{DATA}/launched/bin/shows-a-window"
+        shutil.copy("/usr/bin/xterm", program)
+        self.assertIsNone(at(program))
+        self.start(program, "-class", "launched", "-name", "launched", "-e", "cat")
+        self.start("/usr/bin/python3", f"{DATA}/tools/window.py", "Script")
+        self.probe.wait_for("org.example.Launched")
+        self.probe.wait_for("org.example.Script")
+        self.assertEqual(at(program), "org.example.Launched")
+        self.assertEqual(at(f"{DATA}/launched"), "org.example.Launched")
+        self.assertIsNone(at("/usr/bin/python3"))
 
     def test_ends_of_every_kind_are_followed(self):
         self.start("galculator")

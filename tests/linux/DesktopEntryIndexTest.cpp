@@ -82,6 +82,44 @@ TEST_F(DesktopEntryIndexTest, anInterpretersScriptIsTheProgram) {
   EXPECT_EQ(idOf(entries.byProgram((root / "bin/python3.11").string())), "none");
 }
 
+TEST_F(DesktopEntryIndexTest, aFolderBelongsToTheOnlyEntryThatStartsAProgramInIt) {
+  for (const char* folder : {"opt/maker/one/bin", "opt/maker/two", "opt/shared"})
+    fs::create_directories(root / folder);
+  for (const char* name : {"opt/maker/one/bin/one", "opt/maker/two/two", "opt/shared/tool"}) program(name);
+  entry("system/one.desktop", (root / "opt/maker/one/bin/one").string());
+  entry("system/two.desktop", (root / "opt/maker/two/two").string());
+  entry("system/a.desktop", (root / "opt/shared/tool").string() + " a");
+  entry("system/b.desktop", (root / "opt/shared/tool").string() + " b");
+  entry("system/quiet.desktop", (root / "bin/quiet").string(), "NoDisplay=true\n");
+  const auto entries = index();
+  const auto inFolder = [&](const char* folder) {
+    return idOf(entries.onlyOneInFolder((root / folder).string()));
+  };
+  EXPECT_EQ(inFolder("opt/maker/one/bin"), "one");
+  EXPECT_EQ(inFolder("opt/maker/one"), "one");
+  EXPECT_EQ(inFolder("opt/maker/two"), "two");
+  EXPECT_EQ(inFolder("opt/maker"), "none");
+  EXPECT_EQ(inFolder("opt/shared"), "none");
+  EXPECT_EQ(inFolder("opt/mak"), "none");
+  EXPECT_EQ(inFolder("bin"), "none");
+  EXPECT_EQ(idOf(entries.onlyOneInFolder("")), "none");
+}
+
+TEST_F(DesktopEntryIndexTest, aSnapOrFlatpakOwnsTheFolderItIsKeptIn) {
+  entry("system/viewer_viewer.desktop", "env BAMF_DESKTOP_FILE_HINT=x /snap/bin/viewer %U");
+  entry("system/office_writer.desktop", "/snap/bin/office.writer");
+  entry("system/office_calc.desktop", "/snap/bin/office.calc");
+  places.folders.push_back(root / "flatpak/exports/share/applications");
+  entry("flatpak/exports/share/applications/org.example.Foo.desktop", "flatpak run org.example.Foo",
+        "X-Flatpak=org.example.Foo\n");
+  const auto entries = index();
+  EXPECT_EQ(idOf(entries.onlyOneInFolder("/snap/viewer")), "viewer_viewer");
+  EXPECT_EQ(idOf(entries.onlyOneInFolder("/var/lib/snapd/snap/viewer")), "viewer_viewer");
+  EXPECT_EQ(idOf(entries.onlyOneInFolder("/snap/office")), "none");
+  EXPECT_EQ(idOf(entries.onlyOneInFolder((root / "flatpak/app/org.example.Foo").string())),
+            "org.example.Foo");
+}
+
 TEST_F(DesktopEntryIndexTest, looksUpClassesExactlyAndIDsInAnyCase) {
   entry("system/org.example.Viewer.desktop", "v", "StartupWMClass=Viewer-bin\n");
   const auto entries = index();
