@@ -1,0 +1,50 @@
+"""Calls of the daemon's methods, as any user and in any session, and the load tool's figures."""
+
+import subprocess
+from collections import namedtuple
+
+from .sandbox import NAME, OBJECT, TOOLS
+
+Reply = namedtuple("Reply", "answered code text seconds")
+
+
+def start_call(sandbox, method, *arguments, uid=0, session=None):
+    words = [f"{TOOLS}/vorli_helper_load", "call", method, *map(str, arguments)]
+    if uid or session:
+        words = [*sandbox.as_user(uid, session), *words]
+    return subprocess.Popen(words, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, errors="replace")
+
+
+def finish_call(process):
+    output, errors = process.communicate(timeout=60)
+    assert process.returncode == 0, f"the call could not be made: {errors}"
+    kind, code, seconds, text = output.rstrip("\n").split(" ", 3)
+    return Reply(kind == "answer", int(code), text, float(seconds))
+
+
+def call(sandbox, method, *arguments, uid=0, session=None):
+    return finish_call(start_call(sandbox, method, *arguments, uid=uid, session=session))
+
+
+def start_tool(*arguments, tool="vorli_helper_load"):
+    return subprocess.Popen([f"{TOOLS}/{tool}", *map(str, arguments)], stdout=subprocess.PIPE,
+                            stderr=subprocess.PIPE, text=True)
+
+
+def finish_tool(process, seconds=300):
+    output, errors = process.communicate(timeout=seconds)
+    assert process.returncode == 0, f"{process.args}: exit {process.returncode}\n{output}{errors}"
+    figures = {}
+    for line in output.splitlines():
+        name, value = line.split()
+        figures[name] = float(value)
+    return figures
+
+
+def tool(*arguments, seconds=300, name="vorli_helper_load"):
+    return finish_tool(start_tool(*arguments, tool=name), seconds)
+
+
+def introspection():
+    return subprocess.run(["/usr/bin/gdbus", "introspect", "--system", "-d", NAME, "-o", OBJECT, "--xml"],
+                          capture_output=True, text=True, check=True).stdout

@@ -1,0 +1,108 @@
+"""Coming, going and being killed."""
+
+import os
+import random
+import signal
+
+from harness.calls import call, finish_call, finish_tool, start_call, start_tool, tool
+from harness.rung import promise
+from harness.sandbox import FOLDERS, HELPER, command, write
+from harness.waiting import let_pass, wait_for
+
+
+@promise("P1", "No accepted call is lost when the helper goes idle or is told to stop")
+def no_call_is_lost(rung):
+    calls = 200000 if rung.options.long else 10000
+    rung.sandbox.restart(["--idle-milliseconds=3"], with_polkit=False)
+    figures = tool("hammer", calls, 6000, seconds=3600)
+    rung.equal(f"lost of {calls} calls around an idle exit", figures["lost"], 0)
+
+    rung.sandbox.restart(with_polkit=False)
+    hammer = start_tool("hammer", calls // 4, 1000)
+    dice = random.Random(1)
+    stopped = 0
+    while hammer.poll() is None:
+        for pid in rung.sandbox.helper_pids():
+            os.kill(pid, signal.SIGTERM)
+            stopped += 1
+        let_pass(dice.uniform(0.0, 0.03))
+    rung.equal(f"lost of {calls // 4} calls around {stopped} SIGTERMs", finish_tool(hammer)["lost"], 0)
+    rung.figure("daemons told to stop", stopped, 50, at_least=True)
+
+
+@promise("P4", "It starts quickly")
+def starts_quickly(rung):
+    rung.sandbox.restart(["--idle-milliseconds=1"], with_polkit=False)
+    figures = tool("cold", 200)
+    rung.figure("cold start with its first ping, p50", figures["p50"] * 1000, 60, " ms")
+    rung.figure("cold start with its first ping, p99", figures["p99"] * 1000, 60, " ms")
+
+
+@promise("P5", "A killed helper is noticed and comes back")
+def comes_back(rung):
+    rung.sandbox.restart(with_polkit=True)
+    with_harmless_levers(rung)
+    rounds = 500
+    figures = tool("killed", rounds, 4000)
+    rung.figure("calls cut off by the kill", figures["cut_off"], 50, at_least=True)
+    rung.figure("told after, p99", figures["told_p99"] * 1000, 20, " ms")
+    rung.figure("told after, at most", figures["told_max"] * 1000, 250, " ms")
+    rung.figure("next call answered, p99", figures["back_p99"] * 1000, 60, " ms")
+    rung.equal(f"unanswered of {rounds}", figures["unanswered"], 0)
+
+
+def with_harmless_levers(rung):
+    """Plain files for the memory levers, where the work under them is not what is tested."""
+    del rung
+    for lever in ("drop_caches", "compact_memory"):
+        path = f"/proc/sys/vm/{lever}"
+        if not os.path.ismount(path):
+            write(f"/run/vorli-test/{lever}", "", 0o600)
+            command("mount", "--bind", f"/run/vorli-test/{lever}", path)
+
+
+@promise("P6", "A caller is never left without a word: stopped, removed and unreachable helpers")
+def callers_get_a_word(rung):
+    box = rung.sandbox
+    box.restart(with_polkit=False)
+    call(box, "Ping")
+    pid = box.helper_pids()[0]
+    os.kill(pid, signal.SIGSTOP)
+    held = start_call(box, "Ping")
+    let_pass(0.2)
+    rung.holds("a stopped helper answers nothing", held.poll() is None)
+    os.kill(pid, signal.SIGCONT)
+    rung.holds("and answers when it goes on", finish_call(held).answered)
+
+    os.unlink(HELPER)
+    wait_for(lambda: not box.helper_pids(), 5, "a helper whose program is removed leaves")
+    rung.holds("a helper whose program is removed leaves by itself", True)
+    reply = call(box, "Ping")
+    rung.holds(f"a call then fails with a word ({reply.text})", not reply.answered)
+    rung.figure("after", reply.seconds, 2.0, " s")
+    box.install()
+    rung.holds("and is answered again when the program is back", call(box, "Ping").answered)
+
+    held = start_call(box, "PurgeMemory")
+    box.stop_bus()
+    rung.holds("a caller on a bus that goes is told", not finish_call(held).answered)
+    wait_for(lambda: not box.helper_pids(), 5, "the helper leaves with its bus")
+    rung.holds("and the helper leaves with its bus", True)
+
+
+@promise("P6b", "A replaced program takes over with the next call, and nothing is lost")
+def replaced_program(rung):
+    box = rung.sandbox
+    box.restart(with_polkit=False)
+    call(box, "Ping")
+    hammer = start_tool("hammer", 3000, 2000)
+    replaced = 0
+    pids = set()
+    while hammer.poll() is None:
+        box.use_daemon(f"{box.installed}{HELPER}")
+        replaced += 1
+        pids.update(box.helper_pids())
+        let_pass(0.05)
+    rung.equal(f"lost of 3000 calls around {replaced} replacements", finish_tool(hammer)["lost"], 0)
+    rung.figure("different daemons seen", len(pids), 10, at_least=True)
+    rung.holds("the startup folders are untouched", not any(os.listdir(folder) for folder in FOLDERS))
