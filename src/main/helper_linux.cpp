@@ -30,6 +30,7 @@
 #include <string>
 #include <string_view>
 #include <sys/signalfd.h>
+#include <utility>
 #include <vector>
 
 namespace vorli {
@@ -106,8 +107,9 @@ class DNSCaches {
 class Daemon {
  public:
   Daemon(sdbus::IConnection& connection, linuxhost::BusLoopScheduler& loop, linuxhost::DaemonLog& log,
-         const linuxhost::StartContext& context, double idleSeconds)
-      : caches_(connection, loop, workers_),
+         const linuxhost::StartContext& context, linuxhost::MemoryLevers levers, double idleSeconds)
+      : memory_(std::move(levers)),
+        caches_(connection, loop, workers_),
         flush_(loop, caches_.all()),
         callers_(connection),
         authority_(connection),
@@ -152,11 +154,11 @@ class Daemon {
 };
 
 void serve(const Options& options, const linuxhost::StartContext& context, linuxhost::DaemonLog& log,
-           linuxhost::FileDescriptor& signals) {
+           linuxhost::FileDescriptor& signals, linuxhost::MemoryLevers levers) {
   linuxhost::BinaryWatch binary;
   const auto connection = sdbus::createSystemBusConnection();
   linuxhost::BusLoopScheduler loop;
-  Daemon daemon(*connection, loop, log, context, options.idleSeconds);
+  Daemon daemon(*connection, loop, log, context, std::move(levers), options.idleSeconds);
 
   loop.watch(signals.get(), [&] {
     signalfd_siginfo information{};
@@ -194,12 +196,13 @@ int run(const std::vector<std::string_view>& arguments) {
   auto signals = takeSignals();
   const auto context = linuxhost::StartContext::take();
   linuxhost::DaemonLog log(context);
+  auto levers = linuxhost::MemoryLevers::take();
   if (const auto narrowed = linuxhost::narrowProcess(); !narrowed) {
     log.write(linuxhost::DaemonLog::Level::error, "cannot give up privileges: " + narrowed.error().text);
     return 1;
   }
   try {
-    serve(*options, context, log, signals);
+    serve(*options, context, log, signals, std::move(levers));
   } catch (const std::exception& error) {
     log.write(linuxhost::DaemonLog::Level::error, std::string("leaving: ") + error.what());
     return 1;

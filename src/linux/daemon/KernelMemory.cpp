@@ -1,6 +1,5 @@
 #include "linux/daemon/KernelMemory.h"
 
-#include "linux/daemon/FileDescriptor.h"
 #include "linux/daemon/LastError.h"
 
 #include <chrono>
@@ -12,14 +11,19 @@
 #include <string_view>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 namespace vorli::linuxhost {
 
 namespace {
 
-std::expected<void, daemon::SystemError> pull(const char* lever, std::string_view value) {
-  const FileDescriptor file(::open(lever, O_WRONLY | O_CLOEXEC));
-  if (!file || ::write(file.get(), value.data(), value.size()) < 0) return lastError();
+FileDescriptor lever(const char* path) {
+  return FileDescriptor(::open(path, O_WRONLY | O_CLOEXEC));
+}
+
+// Always at the start of the file: the kernel takes a write behind it for done and does nothing.
+std::expected<void, daemon::SystemError> pull(const FileDescriptor& lever, std::string_view value) {
+  if (::pwrite(lever.get(), value.data(), value.size(), 0) < 0) return lastError();
   return {};
 }
 
@@ -46,7 +50,12 @@ struct KernelMemory::Sync {
   bool running = false;
 };
 
-KernelMemory::KernelMemory() : sync_(std::make_shared<Sync>()) {}
+MemoryLevers MemoryLevers::take() {
+  return {lever("/proc/sys/vm/drop_caches"), lever("/proc/sys/vm/compact_memory")};
+}
+
+KernelMemory::KernelMemory(MemoryLevers levers)
+    : levers_(std::move(levers)), sync_(std::make_shared<Sync>()) {}
 
 std::optional<daemon::MemoryReading> KernelMemory::read() {
   const auto information = memoryInformation();
@@ -77,15 +86,15 @@ bool KernelMemory::syncWithin(double seconds) {
 
 // Never 4: that silences the kernel's own line about each of these writes for good.
 std::expected<void, daemon::SystemError> KernelMemory::dropPageCache() {
-  return pull(dropCachesPath, "1\n");
+  return pull(levers_.dropCaches, "1\n");
 }
 
 std::expected<void, daemon::SystemError> KernelMemory::dropSlab() {
-  return pull(dropCachesPath, "2\n");
+  return pull(levers_.dropCaches, "2\n");
 }
 
 std::expected<void, daemon::SystemError> KernelMemory::compact() {
-  return pull(compactPath, "1\n");
+  return pull(levers_.compact, "1\n");
 }
 
 }  // namespace vorli::linuxhost

@@ -2,7 +2,6 @@
 
 #include "helper/SystemStartupFolders.h"
 #include "linux/daemon/FileDescriptor.h"
-#include "linux/daemon/KernelMemory.h"
 #include "linux/daemon/LastError.h"
 
 #include <cstdint>
@@ -72,8 +71,6 @@ void confineWriting() {
     allowBeneath(
         rules.get(), std::string(folder.path),
         LANDLOCK_ACCESS_FS_WRITE_FILE | LANDLOCK_ACCESS_FS_REMOVE_FILE | LANDLOCK_ACCESS_FS_MAKE_REG);
-  allowBeneath(rules.get(), KernelMemory::dropCachesPath, LANDLOCK_ACCESS_FS_WRITE_FILE);
-  allowBeneath(rules.get(), KernelMemory::compactPath, LANDLOCK_ACCESS_FS_WRITE_FILE);
   ::syscall(SYS_landlock_restrict_self, rules.get(), 0);
 }
 
