@@ -12,7 +12,8 @@ import sys
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.realpath(__file__)), "session"))
 
 from vorli import (  # noqa: E402
-    Load, Missing, PanelMenu, TrayIcon, Vorli, free_memory_bytes, picture, until, window_picture, windows_of,
+    Load, Missing, PanelMenu, TrayIcon, Vorli, free_memory_bytes, is_painted, picture, screen_width, until,
+    window_picture, windows_of,
 )
 
 WARMING = 0.55
@@ -37,17 +38,11 @@ class Visit:
         x, _ = self.icon.centre()
         picture(self.path(name), max(0, x - 100), 0, 120, 30, zoom=5)
 
-    def next_tick(self, seconds=40):
-        seen = self.vorli.ticks
-        until(lambda: self.vorli.ticks > seen, "the next look at the machine", seconds)
-
     def rest(self):
         self.icon.appear()
         until(lambda: self.vorli.ticks >= 1, "the first look at the machine")
-        self.report["helperStatus"] = until(
-            lambda: self.vorli.helper_status if self.vorli.helper_status == "enabled" else None, "the enabled helper", 20
-        )
-        until(lambda: "reply" in self.vorli.log_text() or True, "")
+        until(lambda: self.vorli.helper_status == "enabled", "the enabled helper", 20)
+        self.report["helperStatus"] = self.vorli.helper_status
         self.picture_of_panel("rest.png")
         tell(f"at rest: ring {self.vorli.ring:.3f}, helper {self.report['helperStatus']}")
 
@@ -55,22 +50,35 @@ class Visit:
         tell("all processors busy until the dial warms")
         with Load():
             until(lambda: self.vorli.ring >= WARMING, "the warming dial", 180, pause=0.5)
-            self.next_picture_after_change()
+            self.settle()
+            self.picture_of_panel("load.png")
             tell(f"under load: ring {self.vorli.ring:.3f}")
+        tell("letting the machine rest again")
+        try:
+            until(lambda: self.vorli.ring < WARMING, "the cool dial", 90, pause=0.5)
+        except Missing:
+            tell("something else keeps the processors busy")
 
-    def next_picture_after_change(self):
-        # The picture goes to the panel at most four times a second, behind the value.
-        until(lambda: self.icon.items(), "the icon")
-        self.picture_of_panel("load.png")
+    def settle(self):
+        """Until the panel's picture stands still: it follows the value, at most four times a second."""
+        seen = []
+
+        def still():
+            self.picture_of_panel("settling.png")
+            with open(self.path("settling.png"), "rb") as file:
+                seen.append(file.read())
+            return len(seen) > 2 and seen[-1] == seen[-2] == seen[-3]
+
+        until(still, "a dial that stands still", pause=0.3)
+        os.unlink(self.path("settling.png"))
 
     def polish(self):
         self.report["ringBefore"] = self.vorli.ring
         menu = PanelMenu(self.icon)
         x, _ = self.icon.centre()
         left = max(0, min(menu.x, x) - 40)
-        picture(self.path("menu.png"), left, 0, 1920 - left, menu.y + menu.height + 30, zoom=2)
-        free = free_memory_bytes()
-        ticks = self.vorli.ticks
+        picture(self.path("menu.png"), left, 0, screen_width() - left, menu.y + menu.height + 30, zoom=2)
+        free, ticks = free_memory_bytes(), self.vorli.ticks
         menu.press_first()
         tell("pressed Polish Now")
         self.report["purge"] = until(lambda: self.vorli.reply("purgeMemory"), "the answer to purgeMemory", 25)
@@ -82,6 +90,7 @@ class Visit:
     def about(self):
         PanelMenu(self.icon).choose(ABOUT_ROW)
         window = until(lambda: windows_of(self.vorli.process.pid), "the about panel")[0]
+        until(lambda: is_painted(window), "the about panel's contents")
         window_picture(self.path("about.png"), window)
 
     def cost(self):

@@ -84,12 +84,12 @@ class SystemBusTest(unittest.TestCase):
         self.assertEqual(os.geteuid(), 0, "the private system bus needs root")
         self.prefix = tempfile.mkdtemp(prefix="vorli-prefix-")
         self.addCleanup(shutil.rmtree, self.prefix)
-        for suffix, text in (
-            ("service", "[D-BUS Service]\nName=com.kv.vorli.helper\nExec=/elsewhere/vorli-helper\nUser=root\n"),
-            ("conf", "<busconfig/>\n"),
-            ("policy", POLICY),
+        for path, text in (
+            ("share/dbus-1/system-services/com.kv.vorli.helper.service", "[D-BUS Service]\nName=com.kv.vorli.helper\nExec=/elsewhere/vorli-helper\nUser=root\n"),
+            ("share/dbus-1/system.d/com.kv.vorli.helper.conf", "<busconfig/>\n"),
+            ("share/polkit-1/actions/com.kv.vorli.helper.policy", POLICY),
         ):
-            self.write(f"libexec/vorli/com.kv.vorli.helper.{suffix}", text)
+            self.write(path, text)
 
     def write(self, path, text):
         full = os.path.join(self.prefix, path)

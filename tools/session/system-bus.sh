@@ -13,8 +13,8 @@ start_system_bus() {
   cp /usr/share/dbus-1/system.d/org.freedesktop.PolicyKit1.conf "$folder/policies/"
   cp /usr/share/polkit-1/actions/*.policy "$folder/actions/"
   take_helper_file service "$folder/services" "$prefix/share/dbus-1/system-services"
-  take_helper_file conf "$folder/policies" /etc/dbus-1/system.d /usr/share/dbus-1/system.d
-  take_helper_file policy "$folder/actions" /usr/share/polkit-1/actions
+  take_helper_file conf "$folder/policies" "$prefix/share/dbus-1/system.d" /etc/dbus-1/system.d
+  take_helper_file policy "$folder/actions" "$prefix/share/polkit-1/actions" /usr/share/polkit-1/actions
 
   export DBUS_SYSTEM_BUS_ADDRESS=unix:path=$folder/bus
   write_system_bus_config "$folder" >"$folder/bus.conf"
@@ -26,12 +26,12 @@ start_system_bus() {
   wait_until 10 bus_has_name system org.freedesktop.PolicyKit1 || fail "no polkitd on the private system bus" polkitd
 }
 
-# take_helper_file SUFFIX TO FOLDER...: the file lies beside the daemon, or, when the prefix is one that the system
-# itself looks into, in one of the folders.
+# take_helper_file SUFFIX TO FOLDER...: from the first of the folders that has the file. The system's own come last:
+# what is installed under /usr/local lies there.
 take_helper_file() {
   local name=com.kv.vorli.helper.$1 to=$2 folder
   shift 2
-  for folder in "$prefix/libexec/vorli" "$@"; do
+  for folder in "$@"; do
     if [ -f "$folder/$name" ]; then
       cp "$folder/$name" "$to/"
       return

@@ -114,18 +114,15 @@ class TrayIcon:
 
     @staticmethod
     def centre():
-        """The middle of the panel's tray, which holds this one icon. It lies in the panel's right-most window."""
-        tree = run("xwininfo", "-root", "-tree")
-        places = [
-            (int(match[3]), int(match[4]), int(match[1]), int(match[2]))
-            for match in re.finditer(
-                r'\("wrapper-2.0" "Wrapper-2.0"\)\s+(\d+)x(\d+)\+-?\d+\+-?\d+\s+\+(-?\d+)\+(-?\d+)', tree
-            )
-            if int(match[1]) > 16 and int(match[2]) > 16
-        ]
-        if not places:
-            raise Missing("the panel shows no tray")
-        x, y, width, height = max(places)
+        """The middle of the panel's tray, which holds this one icon: the right-most of the panel's plug-ins."""
+
+        def places():
+            tree = run("xwininfo", "-root", "-tree")
+            plugin = r'\("wrapper-2.0" "Wrapper-2.0"\)\s+(\d+)x(\d+)\+-?\d+\+-?\d+\s+\+(-?\d+)\+(-?\d+)'
+            found = [tuple(int(number) for number in match.groups()) for match in re.finditer(plugin, tree)]
+            return [(x, y, width, height) for width, height, x, y in found if width > 16 and height > 16]
+
+        x, y, width, height = max(until(places, "a tray in the panel"))
         return x + width // 2, y + height // 2
 
     def click(self, button):
@@ -178,7 +175,7 @@ def _menus():
 def windows_of(process):
     """Ids of the shown ordinary windows of a process."""
     found = subprocess.run(
-        ["xdotool", "search", "--onlyvisible", "--pid", str(process), "--name", ".*"],
+        ["xdotool", "search", "--all", "--onlyvisible", "--pid", str(process), "--name", "."],
         capture_output=True, text=True, check=False,
     )
     return found.stdout.split()
@@ -192,6 +189,15 @@ def picture(path, x, y, width, height, zoom=1):
 
 def window_picture(path, window):
     run("import", "-window", window, path)
+
+
+def is_painted(window):
+    """True when the window shows more than one colour."""
+    return int(run("import", "-window", window, "-format", "%k", "info:-")) > 1
+
+
+def screen_width():
+    return int(run("xdotool", "getdisplaygeometry").split()[0])
 
 
 def free_memory_bytes():
