@@ -31,6 +31,7 @@ AppDelegate::AppDelegate(const AppDelegateNeeds& needs)
       settings_(needs.settings),
       suspendedAppsManager_(needs.suspendedAppsManager),
       clearState_(needs.clearState),
+      quietPolish_(needs.quietPolish),
       tasks_(needs.scheduler) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
@@ -49,6 +50,7 @@ void AppDelegate::applicationDidFinishLaunching() {
       .detach();
 
   subscribeToMonitorAndTheme();
+  subscribeToMemory();
 }
 
 AppDelegate::TerminateReply AppDelegate::applicationShouldTerminate() {
@@ -82,6 +84,11 @@ void AppDelegate::subscribeToMonitorAndTheme() {
   cancellables_.push_back(
       clearState_.calmIntensity.subscribeOnMainLoop(scheduler_, [this](double) { updateStatusIcon(); }));
   statusItem_.setAppearanceHandler([this] { updateStatusIcon(); });
+}
+
+void AppDelegate::subscribeToMemory() {
+  cancellables_.push_back(systemMonitor_.memory.subscribeOnMainLoop(
+      scheduler_, [this](const MemorySnapshot& memory) { quietPolish_.checkPressure(memory); }));
 }
 
 void AppDelegate::updateStatusIcon() {
@@ -130,17 +137,8 @@ void AppDelegate::menuAbout() {
 }
 
 void AppDelegate::polishNow() {
-  if (helperManager_.status.get() == InstallStatus::Case::enabled) {
-    tasks_.spawn(polishWithoutCeremony());
-  } else {
-    showInfoAlert("Helper not installed. Open Vorli to finish setup.");
-  }
-}
-
-Task<> AppDelegate::polishWithoutCeremony() {
-  co_await helperManager_.flushDNS();
-  co_await helperManager_.purgeMemory();
-  systemMonitor_.refresh();
+  if (quietPolish_.polishNow() == QuietPolish::Start::started) return;
+  showInfoAlert("Helper not installed. Open Vorli to finish setup.");
 }
 
 void AppDelegate::showInfoAlert(const std::string& text) {

@@ -6,6 +6,7 @@
 #include "base/TaskScope.h"
 #include "helper/HelperManager.h"
 #include "insights/SuspendedAppsManager.h"
+#include "polish/QuietPolish.h"
 #include "ports/ApplicationBundle.h"
 #include "ports/ApplicationHost.h"
 #include "ports/DesktopShell.h"
@@ -36,6 +37,7 @@ struct AppDelegateNeeds {
   AppSettings& settings;
   SuspendedAppsManager& suspendedAppsManager;
   ClearState& clearState;
+  QuietPolish& quietPolish;
 };
 
 /// The root object of the process: runs the launch sequence, holds the subscriptions that turn samples into
@@ -64,10 +66,10 @@ class AppDelegate {
  private:
   void createStatusItem();
   void subscribeToMonitorAndTheme();
+  void subscribeToMemory();
   std::vector<ports::MenuRow> contextMenu();
   void menuAbout();
   void showInfoAlert(const std::string& text);
-  Task<> polishWithoutCeremony();
   Task<> resumeSuspendedAppsAndQuit();
 
   Scheduler& scheduler_;
@@ -82,6 +84,7 @@ class AppDelegate {
   AppSettings& settings_;
   SuspendedAppsManager& suspendedAppsManager_;
   ClearState& clearState_;
+  QuietPolish& quietPolish_;
   std::vector<Subscription> cancellables_;
   TaskScope tasks_;
 };

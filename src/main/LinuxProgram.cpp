@@ -7,6 +7,7 @@
 #include "insights/IdleAppTracker.h"
 #include "insights/SuspendedAppsManager.h"
 #include "linux/ApplicationBundle.h"
+#include "linux/AudioOutputTap.h"
 #include "linux/CPUCounters.h"
 #include "linux/DesktopShell.h"
 #include "linux/HelperNameWatch.h"
@@ -22,6 +23,7 @@
 #include "linux/TerminationSignals.h"
 #include "linux/ThermalSensors.h"
 #include "linux/Workspace.h"
+#include "polish/QuietPolish.h"
 #include "posix/CalendarClock.h"
 #include "sampling/SystemMonitor.h"
 #include "ui/ApplicationHost.h"
@@ -98,6 +100,7 @@ struct Program {
   linuxhost::ProcessTable processes{*backEnds.calendar};
   linuxhost::Workspace workspace{scheduler};
   linuxhost::DesktopShell desktop;
+  linuxhost::AudioOutputTap outputTap{scheduler};
   ui::ApplicationHost host;
   linuxhost::SystemBus systemBus;
   std::shared_ptr<linuxhost::HelperNameWatch> helperName = linuxhost::HelperNameWatch::on(systemBus);
@@ -121,8 +124,10 @@ struct Program {
                               idleTracker};
   SuspendedAppsManager suspendedAppsManager{scheduler, helperManager, workspace};
   ClearState clearState{scheduler};
+  AudioActivityProbe audio{outputTap};
+  QuietPolish quietPolish{scheduler, *backEnds.calendar, helperManager, systemMonitor, settings, audio};
   AppDelegate delegate{{scheduler, notifications, defaults, bundle, statusItem, host, desktop, helperManager,
-                        systemMonitor, settings, suspendedAppsManager, clearState}};
+                        systemMonitor, settings, suspendedAppsManager, clearState, quietPolish}};
 };
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include "app/AppDelegate.h"
 #include "tests/fakes/ApplicationBundle.h"
 #include "tests/fakes/ApplicationHost.h"
+#include "tests/fakes/AudioOutputTap.h"
 #include "tests/fakes/CPUCounters.h"
 #include "tests/fakes/CalendarClock.h"
 #include "tests/fakes/CapturedLog.h"
@@ -51,12 +52,15 @@ struct AppDelegateTest : testing::Test {
       idleTracker};
   SuspendedAppsManager suspendedAppsManager{scheduler, helperManager, workspace};
   ClearState clearState{scheduler};
+  fakes::AudioOutputTap tap;
+  AudioActivityProbe audio{tap};
+  QuietPolish quietPolish{scheduler, calendar, helperManager, systemMonitor, settings, audio};
   std::optional<AppDelegate> delegate;
 
   void launch() {
     delegate.emplace(AppDelegateNeeds{scheduler, notifications, defaults, bundle, statusItem, host, desktop,
                                       helperManager, systemMonitor, settings, suspendedAppsManager,
-                                      clearState});
+                                      clearState, quietPolish});
     delegate->applicationDidFinishLaunching();
   }
   void setPressure(std::int32_t level) { memory.pressure.kernelLevel = level; }
@@ -243,6 +247,27 @@ TEST_F(AppDelegateTest, polishNowWithoutAHelperSaysSo) {
   EXPECT_EQ(host.alerts[0].first, "Vorli");
   EXPECT_EQ(host.alerts[0].second, "Helper not installed. Open Vorli to finish setup.");
   EXPECT_EQ(transport.purgeMemory.requests, 0);
+}
+
+TEST_F(AppDelegateTest, memoryPressurePolishesByItselfWhenTheUserWantsIt) {
+  settings.setAutoClear(true);
+  launch();
+  scheduler.advance(10.0);
+  transport.requests.clear();
+  setPressure(2);
+  systemMonitor.refresh();
+  EXPECT_TRUE(transport.requests.empty());
+  scheduler.runReady();
+  EXPECT_EQ(transport.requests, (std::vector<std::string>{"flushDNS", "purgeMemory"}));
+  EXPECT_TRUE(settings.lastAutoRefresh());
+}
+
+TEST_F(AppDelegateTest, memoryPressureAtLaunchIsSeenByTheFirstSample) {
+  settings.setAutoRefreshOnPressure(true);
+  setPressure(4);
+  launch();
+  scheduler.runReady();
+  EXPECT_EQ(transport.purgeMemory.requests, 1);
 }
 
 TEST_F(AppDelegateTest, quittingWaitsUntilEveryStoppedApplicationGoesOn) {
