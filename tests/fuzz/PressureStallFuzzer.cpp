@@ -1,0 +1,8 @@
+#include "linux/PressureStall.h"
+#include "tests/fuzz/Fuzz.h"
+
+void fuzz(std::string_view bytes) {
+  const auto stall = vorli::linuxhost::parsePressureStall(bytes);
+  FUZZ_CHECK(stall.some.value_or(0.0) >= 0.0);
+  FUZZ_CHECK(stall.full.value_or(0.0) >= 0.0);
+}
