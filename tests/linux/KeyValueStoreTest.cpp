@@ -127,7 +127,7 @@ TEST_F(KeyValueStoreTest, aMalformedEntryOfADictionaryIsDroppedAlone) {
 }
 
 TEST_F(KeyValueStoreTest, aDamagedFileIsKeptAsideAndTheDefaultsApply) {
-  const std::string damage("[General]\nautoClear=true\n\0\x01\xff garbage", 40);
+  const std::string damage("[General]\nautoClear=true\n\0\x01\xff garbage", 36);
   write(damage);
   {
     auto store = open();
