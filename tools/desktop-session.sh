@@ -16,7 +16,8 @@
 #   --a11y                 an accessibility bus, and Qt told to use it
 #   --no-activation        the session bus starts no service by itself
 #   --system-bus PREFIX    a private system bus with the daemon installed under PREFIX and the real polkitd, which
-#                          takes the session's user for one who sits at the machine (root only)
+#                          takes the session's user for one who sits at the machine (root only); PREFIX/share is
+#                          among the session's data folders
 #   --user NAME            run the session as this user (root only; "nobody" with --system-bus)
 #   --home DIR             a home folder to use and keep, instead of a fresh one
 #   --keep-logs DIR        copy the logs of the session there at its end
@@ -78,7 +79,7 @@ parse_options() {
 }
 
 need_programs() {
-  local needed=(Xvfb xdpyinfo xprop xwininfo dbus-daemon dbus-send) program
+  local needed=(Xvfb xsetroot xdpyinfo xprop xwininfo dbus-daemon dbus-send) program
   [ "$wm" = none ] || needed+=("$wm")
   [ "$compositor" != picom ] || needed+=(picom)
   case $panel in xfce4) needed+=(xfce4-panel) ;; tint2 | trayer) needed+=("$panel") ;; esac
@@ -161,6 +162,6 @@ if [ -n "$system_prefix" ]; then
 fi
 [ -z "$user" ] || into_session+=(setpriv --reuid "$user" --regid "$(id -g "$user")" --init-groups)
 
-export size dpi wm compositor panel panel_place dark notify audio audio_idle accessible activation home limit
+export size dpi wm compositor panel panel_place dark notify audio audio_idle accessible activation home limit system_prefix
 ${into_session[@]+"${into_session[@]}"} "$VORLI_SESSION_DIR/tools/desktop.sh" "${command[@]}" <&0 &
 wait $!

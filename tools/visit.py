@@ -43,6 +43,7 @@ class Visit:
         until(lambda: self.vorli.ticks >= 1, "the first look at the machine")
         until(lambda: self.vorli.helper_status == "enabled", "the enabled helper", 20)
         self.report["helperStatus"] = self.vorli.helper_status
+        self.settle()
         self.picture_of_panel("rest.png")
         tell(f"at rest: ring {self.vorli.ring:.3f}, helper {self.report['helperStatus']}")
 

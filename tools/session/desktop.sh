@@ -17,7 +17,7 @@ private_environment() {
   LOGNAME=$USER
   export XDG_CONFIG_HOME=$HOME/.config XDG_DATA_HOME=$HOME/.local/share
   export XDG_CACHE_HOME=$HOME/.cache XDG_STATE_HOME=$HOME/.local/state
-  export XDG_RUNTIME_DIR=$dir/run XDG_CONFIG_DIRS=/etc/xdg XDG_DATA_DIRS=/usr/local/share:/usr/share
+  export XDG_RUNTIME_DIR=$dir/run XDG_CONFIG_DIRS=/etc/xdg XDG_DATA_DIRS=${system_prefix:+$system_prefix/share:}/usr/local/share:/usr/share
   export XDG_SESSION_TYPE=x11 XDG_CURRENT_DESKTOP=X-Vorli
   [ "$panel" != xfce4 ] || XDG_CURRENT_DESKTOP=XFCE
   export LC_ALL=C.UTF-8 LIBGL_ALWAYS_SOFTWARE=1 QT_QPA_PLATFORM=xcb GTK_A11Y=none NO_AT_BRIDGE=1
@@ -33,6 +33,7 @@ start_x_server() {
   read -r -t 15 number <>"$dir/run/display" || fail "no X server" x-server
   export DISPLAY=:$number
   wait_until 10 xdpyinfo || fail "the X server does not answer" x-server
+  xsetroot -solid '#56646b' # a colour on which light and dark both show
   [ "$dpi" = 96 ] || echo "Xft.dpi: $dpi" | xrdb -nocpp -merge
 }
 
