@@ -37,6 +37,7 @@ namespace vorli::linuxhost {
 /// The sound library, loaded when it is first asked for: a machine without it runs the program all the same,
 /// and one that never polishes does not pay for it. The members bear the names of its functions.
 struct PulseLibrary {
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a declared name takes none
 #define VORLI_PULSE_MEMBER(function) decltype(&::function) function = nullptr;
   VORLI_PULSE_FUNCTIONS(VORLI_PULSE_MEMBER)
 #undef VORLI_PULSE_MEMBER

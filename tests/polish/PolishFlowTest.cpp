@@ -243,6 +243,27 @@ TEST_F(PolishFlowTest, aPurgeStillOutAtTheEndOfTheBudgetCountsAsASuccess) {
       "freedFreeDelta=1638400000 usedDelta=1638400000. Leaving cleared hold."));
 }
 
+TEST_F(PolishFlowTest, theTimesAreTheSameHoweverLongTheHelperTakes) {
+  for (const double purge : {0.0, 2.64, 2.66, 19.9, 30.0}) {
+    transport.purgeMemory.delaySeconds = purge;
+    closes = 0;
+    press();
+    goBefore(2.65);
+    EXPECT_EQ(sentence(), std::nullopt) << purge;
+    goTo(2.65 + rounding);
+    EXPECT_EQ(sentence(), "Now, your Mac has room to breathe.") << purge;
+    goBefore(5.65);
+    EXPECT_EQ(closes, 0) << purge;
+    goTo(5.65 + rounding);
+    EXPECT_EQ(closes, 1) << purge;
+    goBefore(15.05);
+    EXPECT_TRUE(view->isReleasing) << purge;
+    goTo(15.05 + rounding);
+    EXPECT_FALSE(view->isReleasing) << purge;
+    goTo(40.0);
+  }
+}
+
 TEST_F(PolishFlowTest, theFigureNeedsTwoWholePercent) {
   press();
   setUsedPages(981'000);

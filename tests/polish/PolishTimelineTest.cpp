@@ -162,6 +162,7 @@ TEST_F(PolishTimelineTest, theRingBouncesOnceAndComesToRest) {
   press();
   goTo(2.65 + rounding);
   EXPECT_NEAR(scaleAt(2.65), 1.0, 1e-6);
+  EXPECT_NEAR(scaleAt(2.65 + 0.15), 1.049900, 1e-5);
   double largest = 0.0;
   for (double t = 2.65; t < 3.25; t += frame) largest = std::max(largest, scaleAt(t));
   EXPECT_NEAR(largest, 1.08 + 0.08 * std::exp(-0.55 * M_PI / std::sqrt(1 - 0.55 * 0.55)), 0.0005);
