@@ -32,6 +32,7 @@
 #include "ui/linux/ManagerSelections.h"
 #include "ui/linux/PanelAppearance.h"
 #include "ui/linux/StatusItem.h"
+#include "ui/linux/X11Surroundings.h"
 
 #include <QApplication>
 #include <QPixmapCache>
@@ -101,16 +102,17 @@ struct Program {
   linuxhost::Workspace workspace{scheduler};
   linuxhost::DesktopShell desktop;
   linuxhost::AudioOutputTap outputTap{scheduler};
-  ui::ApplicationHost host;
+  QDBusConnection trayBus =
+      QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("vorli-tray"));
+  ui::ManagerSelections selections;
+  ui::DesktopAppearance desktopAppearance{trayBus, selections};
+  ui::X11Surroundings surroundings{desktopAppearance, selections};
+  ui::ApplicationHost host{bundle, surroundings};
   linuxhost::SystemBus systemBus;
   std::shared_ptr<linuxhost::HelperNameWatch> helperName = linuxhost::HelperNameWatch::on(systemBus);
   linuxhost::HelperTransport helperTransport{scheduler, systemBus, helperName};
   linuxhost::HelperService helperService{scheduler, systemBus, helperName, folderOf(bundle.bundlePath()),
                                          [this] { host.openAboutPanel(); }};
-  QDBusConnection trayBus =
-      QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("vorli-tray"));
-  ui::ManagerSelections selections;
-  ui::DesktopAppearance desktopAppearance{trayBus, selections};
   ui::PanelAppearance panelAppearance{selections, desktopAppearance,
                                       qEnvironmentVariable("XDG_CURRENT_DESKTOP")};
   ui::StatusItem statusItem{scheduler, trayBus, selections, desktopAppearance, panelAppearance};

@@ -3,15 +3,14 @@
 #include "ambient/MenuBarTickDial.h"
 #include "base/Colour.h"
 #include "ui/QtColour.h"
+#include "ui/SoftShadow.h"
 
 #include <QPainter>
 #include <QPainterPath>
 #include <QPen>
 #include <QTransform>
-#include <algorithm>
 #include <cmath>
 #include <numbers>
-#include <vector>
 
 namespace vorli::ui {
 namespace {
@@ -60,52 +59,6 @@ QPainterPath star() {
   return path;
 }
 
-// One pass of a box blur over a line of `count` bytes that lie `step` apart.
-void blurLine(uchar* first, int count, qsizetype step, int radius, std::vector<uchar>& copy) {
-  for (int i = 0; i < count; ++i) copy[static_cast<std::size_t>(i)] = first[i * step];
-  const int width = 2 * radius + 1;
-  int sum = 0;
-  for (int i = 0; i < std::min(radius, count); ++i) sum += copy[static_cast<std::size_t>(i)];
-  for (int i = 0; i < count; ++i) {
-    if (i + radius < count) sum += copy[static_cast<std::size_t>(i + radius)];
-    first[i * step] = static_cast<uchar>(sum / width);
-    if (i - radius >= 0) sum -= copy[static_cast<std::size_t>(i - radius)];
-  }
-}
-
-// Three box blurs come within 3 % of the bell curve of that deviation.
-void blur(QImage& mask, double deviationPixels) {
-  constexpr int passes = 3;
-  const int radius =
-      static_cast<int>(std::lround((std::sqrt(4.0 * deviationPixels * deviationPixels + 1.0) - 1.0) / 2.0));
-  if (radius == 0) return;
-  std::vector<uchar> copy(static_cast<std::size_t>(std::max(mask.width(), mask.height())));
-  for (int pass = 0; pass < passes; ++pass) {
-    for (int y = 0; y < mask.height(); ++y) blurLine(mask.scanLine(y), mask.width(), 1, radius, copy);
-    for (int x = 0; x < mask.width(); ++x)
-      blurLine(mask.bits() + x, mask.height(), mask.bytesPerLine(), radius, copy);
-  }
-}
-
-QImage shadow(const QPainterPath& shape, const QSize& size, const QTransform& toPixels) {
-  QImage mask(size, QImage::Format_Alpha8);
-  mask.fill(Qt::transparent);
-  {
-    QPainter painter(&mask);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setTransform(toPixels);
-    painter.translate(0.0, shadowOffset);
-    painter.fillPath(shape, Qt::black);
-  }
-  blur(mask, shadowDeviation * toPixels.m11());
-  QImage image(size, QImage::Format_ARGB32_Premultiplied);
-  image.fill(shadowColour);
-  QPainter painter(&image);
-  painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
-  painter.drawImage(0, 0, mask);
-  return image;
-}
-
 void paintDial(QPainter& painter, const WindowPalette& palette) {
   MenuBarTickDial dial;
   dial.progress = 1.0;
@@ -135,7 +88,8 @@ QImage appMarkImage(int sidePixels, int marginPixels, const WindowPalette& palet
   QImage image(size, QImage::Format_ARGB32_Premultiplied);
   image.fill(Qt::transparent);
   QPainter painter(&image);
-  painter.drawImage(0, 0, shadow(square, size, toPixels));
+  painter.drawImage(
+      0, 0, softShadow(square.translated(0.0, shadowOffset), shadowDeviation, shadowColour, size, toPixels));
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setTransform(toPixels);
   painter.fillPath(square, palette.mark.over(square.boundingRect()));

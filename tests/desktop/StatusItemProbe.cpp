@@ -6,14 +6,19 @@
 //   updates                the menu gets its row for updates
 //   flood N                N different pictures, one in each turn of the main loop
 //   send N                 N different pictures, each after the one before was sent
+//   about                  the about panel
+//   alert TEXT             an alert
 //   quit
 //
 // --hurry FACTOR lets the item's delays pass that many times faster.
 
 #include "ambient/MenuBarTickDial.h"
 #include "app/StatusMenu.h"
+#include "tests/fakes/ApplicationBundle.h"
+#include "ui/ApplicationHost.h"
 #include "ui/QtScheduler.h"
 #include "ui/linux/StatusItem.h"
+#include "ui/linux/X11Surroundings.h"
 
 #include <QApplication>
 #include <QSocketNotifier>
@@ -108,6 +113,12 @@ class Probe {
       int count = 0;
       words >> count;
       send(count);
+    } else if (command == "about") {
+      host_.openAboutPanel();
+    } else if (command == "alert") {
+      std::string text;
+      std::getline(words >> std::ws, text);
+      host_.showInfoAlert("Vorli", text);
     } else if (command == "quit") {
       QCoreApplication::quit();
     }
@@ -166,6 +177,9 @@ class Probe {
   ui::ManagerSelections selections_;
   ui::DesktopAppearance desktop_{bus_, selections_};
   ui::PanelAppearance panel_{selections_, desktop_, qEnvironmentVariable("XDG_CURRENT_DESKTOP")};
+  ui::X11Surroundings surroundings_{desktop_, selections_};
+  fakes::ApplicationBundle bundle_;
+  ui::ApplicationHost host_{bundle_, surroundings_};
   ui::StatusItem item_{scheduler_, bus_, selections_, desktop_, panel_};
   MenuBarTickDial dial_;
   UpdatesState updates_ = UpdatesState::unconfigured;

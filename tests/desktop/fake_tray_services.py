@@ -7,6 +7,7 @@
   scheme N               the colour scheme it tells: 0 no preference, 1 dark, 2 light
 """
 
+import os
 import sys
 
 import dbus
@@ -86,13 +87,17 @@ def main():
     dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
     services, loop = Services(), GLib.MainLoop()
 
-    def readable(_source, _condition):
-        line = sys.stdin.readline()
-        if not line:
+    unfinished = b""
+
+    def readable(source, _condition):
+        nonlocal unfinished
+        read = os.read(source, 4096)
+        *lines, unfinished = (unfinished + read).split(b"\n")
+        for line in lines:
+            services.obey(*line.decode().split())
+        if not read:
             loop.quit()
-            return False
-        services.obey(*line.split())
-        return True
+        return bool(read)
 
     GLib.io_add_watch(sys.stdin.fileno(), GLib.IO_IN | GLib.IO_HUP, readable)
     loop.run()
