@@ -42,6 +42,7 @@ std::optional<CulpritFormatter::CulpritData> CulpritFormatter::culpritData(
 
   CulpritData data;
   std::vector<std::string> links;
+  links.reserve(names.size());
   for (const auto& name : names) links.push_back(link(name));
   data.verb = names.size() == 1 ? "is" : "are";
   data.markdown = joinedAsList(links) + " " + data.verb + std::string(culpritSentenceEnd);
@@ -67,6 +68,7 @@ std::vector<std::string> CulpritFormatter::rankedNames(const std::vector<Process
   }
   std::ranges::stable_sort(totals, std::ranges::greater(), &Total::bytes);
   std::vector<std::string> names;
+  names.reserve(totals.size());
   for (auto& total : totals) names.push_back(std::move(total.name));
   return names;
 }

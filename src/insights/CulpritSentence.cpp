@@ -15,6 +15,7 @@ CulpritSentence::CulpritSentence(const CulpritFormatter::CulpritData& data) {
     segments_ = {{app, names[0]}, {text, " and "}, {app, names[1]}, {text, end}};
   } else {
     std::vector<std::string> bold;
+    bold.reserve(names.size());
     for (const auto& name : names) bold.push_back("**" + name + "**");
     segments_ = {{text, joinedAsList(bold) + end}};
   }

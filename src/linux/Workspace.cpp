@@ -23,7 +23,7 @@ bool endsFamily(std::int32_t pid, const std::string& executable) {
 
 // A folder that belongs to one program, not to the whole system.
 std::string ownFolder(const std::string& executable) {
-  const auto folder = executable.substr(0, executable.rfind('/'));
+  auto folder = executable.substr(0, executable.rfind('/'));
   for (const std::string_view shared : {"/usr/bin", "/usr/sbin", "/bin", "/sbin", "/usr/local/bin",
                                         "/usr/games", "/usr/libexec", "/usr/lib", "/snap/bin"}) {
     if (folder == shared) return {};
