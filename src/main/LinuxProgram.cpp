@@ -38,6 +38,7 @@
 #include <QPixmapCache>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <xcb/xcb.h>
 
@@ -85,8 +86,12 @@ std::string caseName(InstallStatus status) {
   return "unknown";
 }
 
-std::string folderOf(const std::string& path) {
-  return path.substr(0, path.rfind('/'));
+// The daemon's program and what registers it: where both are installed, or beside this program in a build tree.
+std::string helperFolder(const std::string& programPath) {
+  const std::filesystem::path folder = std::filesystem::path(programPath).parent_path();
+  const std::filesystem::path installed = (folder / "../libexec/vorli").lexically_normal();
+  std::error_code failed;
+  return (std::filesystem::exists(installed / "vorli-helper", failed) ? installed : folder).string();
 }
 
 // Every service of the program, in the order in which they are built; they go in the reverse order.
@@ -111,7 +116,7 @@ struct Program {
   linuxhost::SystemBus systemBus;
   std::shared_ptr<linuxhost::HelperNameWatch> helperName = linuxhost::HelperNameWatch::on(systemBus);
   linuxhost::HelperTransport helperTransport{scheduler, systemBus, helperName};
-  linuxhost::HelperService helperService{scheduler, systemBus, helperName, folderOf(bundle.bundlePath()),
+  linuxhost::HelperService helperService{scheduler, systemBus, helperName, helperFolder(bundle.bundlePath()),
                                          [this] { host.openAboutPanel(); }};
   ui::PanelAppearance panelAppearance{selections, desktopAppearance,
                                       qEnvironmentVariable("XDG_CURRENT_DESKTOP")};
