@@ -49,7 +49,9 @@ struct TaskTest : testing::Test {
     }
   }
 
-  Task<std::unique_ptr<int>> moveOnly(int value) { co_return std::make_unique<int>(value); }
+  Task<std::unique_ptr<int>> moveOnly(int value) {
+    co_return std::make_unique<int>(value);
+  }
 
   Task<int> sumOfThree() {
     int sum = 0;

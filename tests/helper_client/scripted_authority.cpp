@@ -44,8 +44,9 @@ void servePolkit(sdbus::IConnection& connection, const std::string& folder) {
       });
   object->registerSignal("Changed").onInterface(polkitInterface);
   // For the test: rules have changed.
-  object->registerMethod("Touch").onInterface("com.kv.vorli.Test").implementedAs(
-      [&] { object->emitSignal("Changed").onInterface(polkitInterface); });
+  object->registerMethod("Touch").onInterface("com.kv.vorli.Test").implementedAs([&] {
+    object->emitSignal("Changed").onInterface(polkitInterface);
+  });
   object->finishRegistration();
   connection.requestName("org.freedesktop.PolicyKit1");
   connection.enterEventLoop();
