@@ -2,6 +2,7 @@
 """status_item_xembed.py PROGRAM PANEL: the status item in a panel that knows only the X11 tray."""
 
 import os
+import subprocess
 import sys
 import unittest
 
@@ -144,6 +145,26 @@ class SurroundingsTest(unittest.TestCase):
         since = program.mark()
         click(place)
         program.expect("click left plain .*", since)
+
+    def test_a_session_bus_that_dies_leaves_the_x11_tray(self):
+        bus = subprocess.Popen(
+            ["dbus-daemon", "--session", "--nofork", "--print-address=1"], stdout=subprocess.PIPE, text=True
+        )
+        self.addCleanup(bus.stdout.close)
+        self.addCleanup(bus.wait)
+        self.addCleanup(bus.kill)
+        environment = {**os.environ, "DBUS_SESSION_BUS_ADDRESS": bus.stdout.readline().strip()}
+        services = Process(os.path.join(tray_parts.HERE, "fake_tray_services.py"), environment=environment)
+        for line in ("host on", "watcher on"):
+            services.tell(line)
+            services.expect(line.replace(" ", " is "))
+        program = Process(PROGRAM, environment=environment)
+        self.addCleanup(program.close)
+        program.expect("tray notifier")
+        bus.kill()
+        program.expect("tray xembed")
+        program.tell("picture 0.6")
+        icon_place()
 
     def test_a_desktop_whose_panels_are_always_dark_gets_the_bright_dial(self):
         program = Process(PROGRAM, environment={**os.environ, "XDG_CURRENT_DESKTOP": "ubuntu:GNOME"})

@@ -22,7 +22,11 @@ StatusNotifierWatcher::StatusNotifierWatcher(QDBusConnection bus, std::function<
       hostRegistered_(bus_, watcherPath, watcherName, QStringLiteral("StatusNotifierHostRegistered"),
                       [this](const QDBusMessage&) { askForHost(); }),
       hostUnregistered_(bus_, watcherPath, watcherName, QStringLiteral("StatusNotifierHostUnregistered"),
-                        [this](const QDBusMessage&) { askForHost(); }) {
+                        [this](const QDBusMessage&) { askForHost(); }),
+      // What Qt itself sends when the connection breaks; the change of owner is not told then.
+      busLost_(bus_, QStringLiteral("/org/freedesktop/DBus/Local"),
+               QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),
+               [this](const QDBusMessage&) { ownerIs({}); }) {
   if (!bus_.isConnected()) {
     presence_ = Presence::absent;
     return;

@@ -42,6 +42,7 @@ class StatusNotifierWatcher {
   QDBusServiceWatcher names_;
   DBusSignalReceiver hostRegistered_;
   DBusSignalReceiver hostUnregistered_;
+  DBusSignalReceiver busLost_;
 };
 
 }  // namespace vorli::ui
