@@ -2,7 +2,6 @@
 
 #include "helper/HelperProtocol.h"
 
-#include <unistd.h>
 #include <utility>
 
 namespace vorli::linuxhost {
@@ -30,18 +29,18 @@ constexpr std::uint64_t limitMicroseconds = 2'000'000;
 
 std::shared_ptr<HelperRegistration> HelperRegistration::on(SystemBus& bus,
                                                            std::shared_ptr<HelperNameWatch> watch,
-                                                           std::string helperPath) {
+                                                           HelperFiles files) {
   const auto polkit = std::make_shared<PolkitAuthority>();
   bus.attach(polkit);
   std::shared_ptr<HelperRegistration> registration(
-      new HelperRegistration(std::move(watch), polkit, std::move(helperPath)));
+      new HelperRegistration(std::move(watch), polkit, std::move(files)));
   bus.attach(registration);
   return registration;
 }
 
 HelperRegistration::HelperRegistration(std::shared_ptr<HelperNameWatch> watch,
-                                       std::shared_ptr<PolkitAuthority> polkit, std::string helperPath)
-    : watch_(std::move(watch)), polkit_(std::move(polkit)), helperPath_(std::move(helperPath)) {}
+                                       std::shared_ptr<PolkitAuthority> polkit, HelperFiles files)
+    : watch_(std::move(watch)), polkit_(std::move(polkit)), files_(std::move(files)) {}
 
 void HelperRegistration::connected(sdbus::IConnection& connection) {
   connection_ = &connection;
@@ -76,7 +75,7 @@ void HelperRegistration::judgePresence() {
     case HelperNameWatch::Presence::noBus:
       return finish(noSystemBus);
     case HelperNameWatch::Presence::absent:
-      return finish(access(helperPath_.c_str(), X_OK) == 0 ? notRegistered : notFound);
+      return finish(files_.hasDaemon() ? notRegistered : notFound);
     case HelperNameWatch::Presence::activatable:
       return askForServiceManager();
     case HelperNameWatch::Presence::owned:

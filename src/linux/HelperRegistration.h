@@ -1,5 +1,6 @@
 #pragma once
 
+#include "linux/HelperFiles.h"
 #include "linux/HelperNameWatch.h"
 #include "linux/PolkitAuthority.h"
 #include "linux/SystemBus.h"
@@ -25,9 +26,8 @@ class HelperRegistration final : public SystemBus::Client,
 
   enum class Approval { granted, declined, notToBeHadHere };
 
-  /// `helperPath`: where the daemon's program lies when it came with the application and is not installed.
   static std::shared_ptr<HelperRegistration> on(SystemBus& bus, std::shared_ptr<HelperNameWatch> watch,
-                                                std::string helperPath);
+                                                HelperFiles files);
 
   /// Answers with a number of the port's `status()`. A question during a reading gets the answer of the next.
   void readStatus(std::function<void(int)> done);
@@ -48,7 +48,7 @@ class HelperRegistration final : public SystemBus::Client,
 
  private:
   HelperRegistration(std::shared_ptr<HelperNameWatch> watch, std::shared_ptr<PolkitAuthority> polkit,
-                     std::string helperPath);
+                     HelperFiles files);
 
   // The steps of one reading; each ends it or goes on to the next.
   void judgePresence();
@@ -63,7 +63,7 @@ class HelperRegistration final : public SystemBus::Client,
 
   std::shared_ptr<HelperNameWatch> watch_;
   std::shared_ptr<PolkitAuthority> polkit_;
-  const std::string helperPath_;
+  const HelperFiles files_;
   sdbus::IConnection* connection_ = nullptr;
   std::unique_ptr<sdbus::IProxy> bus_;
   std::unique_ptr<sdbus::IProxy> manager_;

@@ -4,7 +4,6 @@
 
 #include <QProcess>
 #include <QStringList>
-#include <unistd.h>
 #include <utility>
 
 namespace vorli::linuxhost {
@@ -20,8 +19,8 @@ HelperService::HelperService(Scheduler& scheduler, SystemBus& bus, std::shared_p
     : scheduler_(scheduler),
       bus_(bus),
       watch_(std::move(watch)),
-      registration_(HelperRegistration::on(bus, watch_, programFolder + "/vorli-helper")),
-      installerPath_(programFolder + "/vorli-helper-install"),
+      files_(programFolder),
+      registration_(HelperRegistration::on(bus, watch_, files_)),
       showOwnPage_(std::move(showOwnPage)) {
   const auto readAgain = onMainThread<bool>([this](bool) { read(); });
   bus_.run([registration = registration_, readAgain] {
@@ -90,8 +89,8 @@ void HelperService::tellWhenChanged() {
 
 std::expected<void, std::string> HelperService::registerDaemon(ports::AskedBy asker) {
   if (watch_->mayLeadToDaemon() || isInstalling()) return {};
-  if (access(installerPath_.c_str(), X_OK) != 0)
-    return std::unexpected("The background helper is not part of this installation.");
+  const auto script = files_.installer();
+  if (!script) return std::unexpected("The background helper is not part of this installation.");
   if (asker == ports::AskedBy::program) return std::unexpected("The background helper is not installed yet.");
 
   installer_ = std::make_unique<QProcess>();
@@ -99,7 +98,7 @@ std::expected<void, std::string> HelperService::registerDaemon(ports::AskedBy as
   QObject::connect(installer_.get(), &QProcess::finished, ended);
   QObject::connect(installer_.get(), &QProcess::errorOccurred, ended);
   installer_->setProcessChannelMode(QProcess::ForwardedChannels);
-  installer_->start(QStringLiteral("pkexec"), {QString::fromStdString(installerPath_)});
+  installer_->start(QStringLiteral("pkexec"), {QString::fromStdString(*script)});
   return {};
 }
 

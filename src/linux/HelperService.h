@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Scheduler.h"
+#include "linux/HelperFiles.h"
 #include "linux/HelperNameWatch.h"
 #include "linux/SystemBus.h"
 #include "ports/HelperService.h"
@@ -20,8 +21,8 @@ class HelperRegistration;
 /// polkit. The main thread sees the last known state; a change is told.
 class HelperService final : public ports::HelperService {
  public:
-  /// `programFolder` is where the executable lies; an unpackaged one has `vorli-helper` and
-  /// `vorli-helper-install` beside it. `showOwnPage` brings up the program's own page about the daemon.
+  /// `programFolder` is where the application's executable lies. `showOwnPage` brings up the program's own
+  /// page about the daemon.
   HelperService(Scheduler& scheduler, SystemBus& bus, std::shared_ptr<HelperNameWatch> watch,
                 const std::string& programFolder, std::function<void()> showOwnPage);
   ~HelperService() override;
@@ -59,8 +60,8 @@ class HelperService final : public ports::HelperService {
   Scheduler& scheduler_;
   SystemBus& bus_;
   std::shared_ptr<HelperNameWatch> watch_;
+  const HelperFiles files_;
   std::shared_ptr<HelperRegistration> registration_;
-  const std::string installerPath_;
   const std::function<void()> showOwnPage_;
   std::function<void()> changed_;
   std::unique_ptr<QProcess> installer_;

@@ -2,6 +2,7 @@
 
 #include "tests/helper_client/Waiting.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <sys/socket.h>
@@ -110,8 +111,13 @@ void PrivateBus::startAuthority(const std::string& which) {
   });
 }
 
-void PrivateBus::endAuthority(const std::string& which) {
-  std::erase_if(authorities_, [&](const auto& authority) { return authority.which == which; });
+const ChildProcess& PrivateBus::authority(const std::string& which) const {
+  return std::ranges::find(authorities_, which, &Authority::which)->process;
+}
+
+void PrivateBus::tellOfChangedRules() const {
+  run("dbus-send --system --print-reply --dest=org.freedesktop.PolicyKit1 "
+      "/org/freedesktop/PolicyKit1/Authority com.kv.vorli.Test.Touch >/dev/null");
 }
 
 void PrivateBus::clearLogs() const {

@@ -32,7 +32,8 @@ class PrivateBus {
 
   /// Starts a scripted authority, "polkit" or "systemd", and returns when its name is owned.
   void startAuthority(const std::string& which);
-  void endAuthority(const std::string& which);
+  const ChildProcess& authority(const std::string& which) const;
+  void tellOfChangedRules() const;
 
   /// Sets how the scripted programs behave.
   void setHelper(const std::string& lines) const { write("helper", lines); }

@@ -1,0 +1,414 @@
+#include "tests/helper_client/ClientFixture.h"
+
+#include <fstream>
+#include <vector>
+
+namespace vorli {
+namespace {
+
+using namespace std::chrono_literals;
+using ports::AskedBy;
+using ports::Consent;
+
+struct HelperServiceTest : ClientFixture {
+  void startInstalled() {
+    bus.installScriptedHelper();
+    bus.start();
+  }
+
+  linuxhost::HelperService& service() { return client->service; }
+
+  int readStatus() {
+    std::optional<int> answer;
+    service().readStatus(OnceReply<int>([&](int status) { answer = status; }));
+    waitUntil([&] { return answer.has_value(); });
+    return answer.value_or(-1);
+  }
+
+  Consent readConsent() {
+    std::optional<Consent> answer;
+    service().startupItemConsent(OnceReply<Consent>([&](Consent consent) { answer = consent; }));
+    waitUntil([&] { return answer.has_value(); });
+    return answer.value_or(Consent::missing);
+  }
+
+  int prompts() const {
+    return static_cast<int>(std::ranges::count_if(
+        bus.authorityLog(), [](const auto& line) { return line.ends_with(" prompt"); }));
+  }
+  int lines(std::string_view line) const {
+    return static_cast<int>(std::ranges::count(bus.authorityLog(), line));
+  }
+
+  void expectNothingDisturbed() {
+    EXPECT_EQ(prompts(), 0);
+    EXPECT_EQ(bus.helperPid(), -1);
+  }
+
+  /// An executable script of the test's.
+  void writeProgram(const std::filesystem::path& path, const std::string& text) {
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream(path) << "#!/bin/sh\n" << text;
+    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+  }
+};
+
+TEST_F(HelperServiceTest, withoutABusTheStatusIsUnknown) {
+  startClient();
+  EXPECT_EQ(readStatus(), 100);
+  EXPECT_EQ(service().status(), 100);
+}
+
+TEST_F(HelperServiceTest, aNameThatNobodyKnowsIsNotFound) {
+  bus.start();
+  startClient();
+  EXPECT_EQ(readStatus(), 3);
+}
+
+TEST_F(HelperServiceTest, aDaemonBesideTheProgramIsNotRegistered) {
+  writeProgram(bus.folder() / "program/vorli-helper", "");
+  bus.start();
+  startClient();
+  EXPECT_EQ(readStatus(), 0);
+}
+
+TEST_F(HelperServiceTest, aDaemonInTheProgramsPrefixIsNotRegistered) {
+  std::filesystem::create_directories(bus.folder() / "program");
+  writeProgram(bus.folder() / "libexec/vorli/vorli-helper", "");
+  bus.start();
+  startClient();
+  EXPECT_EQ(readStatus(), 0);
+}
+
+TEST_F(HelperServiceTest, polkitDecidesWhetherARegisteredDaemonIsEnabled) {
+  startInstalled();
+  startClient();
+  EXPECT_EQ(readStatus(), 101);
+
+  bus.startAuthority("polkit");
+  const std::pair<const char*, int> rows[] = {{"purge-memory yes\n", 1},
+                                              {"purge-memory challenge\n", 2},
+                                              {"purge-memory no\n", 2},
+                                              {"purge-memory unregistered\n", 0}};
+  for (const auto& [conduct, status] : rows) {
+    bus.setAuthority(conduct);
+    EXPECT_EQ(readStatus(), status) << conduct;
+  }
+  EXPECT_GE(lines("system-bus-name purge-memory"), 4);
+  expectNothingDisturbed();
+}
+
+TEST_F(HelperServiceTest, theServiceManagerKnowsOfMaskedAndMissingUnits) {
+  startInstalled();
+  startClient();
+  bus.startAuthority("polkit");
+  bus.startAuthority("systemd");
+  const std::pair<const char*, int> rows[] = {
+      {"load_state loaded\n", 1},
+      {"load_state masked\n", 2},
+      {"load_state not-found\n", 102},
+      {"load_unit_error org.freedesktop.systemd1.NoSuchUnit\n", 102},
+      {"load_unit_error org.freedesktop.systemd1.UnitMasked\n", 2},
+      {"load_unit_error org.freedesktop.DBus.Error.AccessDenied\n", 1}};
+  for (const auto& [conduct, status] : rows) {
+    bus.setAuthority(conduct);
+    EXPECT_EQ(readStatus(), status) << conduct;
+  }
+  EXPECT_GE(lines("LoadUnit vorli-helper.service"), 6);
+  expectNothingDisturbed();
+}
+
+TEST_F(HelperServiceTest, aRunningDaemonNeedsNoUnit) {
+  startInstalled();
+  startClient();
+  bus.startAuthority("polkit");
+  bus.startAuthority("systemd");
+  bus.setAuthority("load_state not-found\n");
+  ASSERT_TRUE(resultOf(manager().pingWithTimeout(2.0)));
+  EXPECT_EQ(readStatus(), 1);
+}
+
+TEST_F(HelperServiceTest, askingCostsTheMainThreadNothing) {
+  startInstalled();
+  startClient();
+  bus.startAuthority("polkit");
+  std::vector<double> costs, times;
+  for (int i = 0; i < 101; ++i) {
+    const double begun = client->scheduler.now();
+    service().status();
+    costs.push_back(client->scheduler.now() - begun);
+    readStatus();
+    times.push_back(client->scheduler.now() - begun);
+  }
+  std::ranges::nth_element(costs, costs.begin() + 50);
+  std::ranges::nth_element(times, times.begin() + 50);
+  RecordProperty("median_cost_microseconds", std::to_string(costs[50] * 1e6));
+  RecordProperty("median_read_milliseconds", std::to_string(times[50] * 1e3));
+  EXPECT_LT(costs[50], 0.001);
+  EXPECT_LT(times[50], 0.050);
+}
+
+TEST_F(HelperServiceTest, aStoppedBusLeavesTheLastKnownStatusAndAnswersLater) {
+  startInstalled();
+  startClient();
+  bus.startAuthority("polkit");
+  ASSERT_EQ(readStatus(), 1);
+  bus.daemon().stop();
+  std::optional<int> answer;
+  service().readStatus(OnceReply<int>([&](int status) { answer = status; }));
+  const double begun = client->scheduler.now();
+  waitUntil([&] { return client->scheduler.now() > begun + 0.2; });
+  EXPECT_EQ(answer, std::nullopt);
+  EXPECT_EQ(service().status(), 1);
+  bus.daemon().carryOn();
+  waitUntil([&] { return answer == 1; });
+}
+
+TEST_F(HelperServiceTest, aNewlyInstalledDaemonIsToldWithoutBeingAsked) {
+  bus.start();
+  startClient();
+  bus.startAuthority("polkit");
+  waitUntil([&] { return manager().status.get() == InstallStatus::Case::notFound; });
+  bus.installScriptedHelper();
+  bus.reload();
+  waitUntil([&] { return manager().status.get() == InstallStatus::Case::enabled; });
+  bus.uninstall();
+  bus.reload();
+  waitUntil([&] { return manager().status.get() == InstallStatus::Case::notFound; });
+}
+
+TEST_F(HelperServiceTest, changedRulesAreToldWithoutBeingAsked) {
+  startInstalled();
+  startClient();
+  bus.startAuthority("polkit");
+  manager().refreshStatus();
+  waitUntil([&] { return manager().status.get() == InstallStatus::Case::enabled; });
+  bus.setAuthority("purge-memory challenge\n");
+  bus.tellOfChangedRules();
+  waitUntil([&] { return manager().status.get() == InstallStatus::Case::requiresApproval; });
+}
+
+TEST_F(HelperServiceTest, aLostBusIsToldWithoutBeingAsked) {
+  startInstalled();
+  startClient();
+  bus.startAuthority("polkit");
+  manager().refreshStatus();
+  waitUntil([&] { return manager().status.get() == InstallStatus::Case::enabled; });
+  bus.kill();
+  waitUntil([&] { return manager().status.get() == InstallStatus::unknown(100); });
+}
+
+TEST_F(HelperServiceTest, theUserIsAskedForWhatTheDaemonNeeds) {
+  startInstalled();
+  startClient();
+  bus.startAuthority("polkit");
+  bus.setAuthority("purge-memory challenge\npurge-memory_prompt yes\n");
+  ASSERT_EQ(readStatus(), 2);
+  service().openSystemSettingsLoginItems(AskedBy::user);
+  waitUntil([&] { return lines("system-bus-name purge-memory prompt") == 1; });
+  bus.setAuthority("");
+  waitForStatus(1);
+  EXPECT_EQ(prompts(), 1);
+  EXPECT_EQ(ownPageShown, 0);
+}
+
+TEST_F(HelperServiceTest, theUserIsAskedForWhatStartupItemsNeed) {
+  startInstalled();
+  startClient();
+  bus.startAuthority("polkit");
+  bus.setAuthority("move-startup-item challenge\nmove-startup-item_prompt yes\n");
+  service().openSystemSettingsLoginItems(AskedBy::user);
+  waitUntil([&] { return lines("system-bus-name move-startup-item prompt") == 1; });
+  EXPECT_EQ(prompts(), 1);
+  EXPECT_EQ(ownPageShown, 0);
+}
+
+TEST_F(HelperServiceTest, aProgramThatAsksNeverPrompts) {
+  startInstalled();
+  startClient();
+  bus.startAuthority("polkit");
+  bus.setAuthority("purge-memory challenge\nmove-startup-item challenge\n");
+  ASSERT_EQ(readStatus(), 2);
+  service().openSystemSettingsLoginItems(AskedBy::program);
+  EXPECT_EQ(ownPageShown, 1);
+  ASSERT_EQ(readStatus(), 2);
+  expectNothingDisturbed();
+}
+
+TEST_F(HelperServiceTest, whereNoPasswordWouldHelpTheOwnPageComesUp) {
+  startInstalled();
+  startClient();
+  bus.startAuthority("polkit");
+  // Nothing is missing; refused whatever one types; nobody there to ask.
+  for (const char* conduct :
+       {"", "purge-memory no\n", "purge-memory challenge\npurge-memory_prompt challenge\n"}) {
+    bus.setAuthority(conduct);
+    ownPageShown = 0;
+    service().openSystemSettingsLoginItems(AskedBy::user);
+    waitUntil([&] { return ownPageShown == 1; });
+  }
+}
+
+TEST_F(HelperServiceTest, withoutADaemonTheOwnPageComesUp) {
+  bus.start();
+  startClient();
+  bus.startAuthority("polkit");
+  ASSERT_EQ(readStatus(), 3);
+  service().openSystemSettingsLoginItems(AskedBy::user);
+  waitUntil([&] { return ownPageShown == 1; });
+  EXPECT_EQ(prompts(), 0);
+}
+
+TEST_F(HelperServiceTest, aDismissedPromptIsTheEndOfIt) {
+  startInstalled();
+  startClient();
+  bus.startAuthority("polkit");
+  bus.setAuthority("purge-memory challenge\npurge-memory_prompt dismissed\n");
+  for (int click = 1; click <= 2; ++click) {
+    service().openSystemSettingsLoginItems(AskedBy::user);
+    waitUntil([&] { return prompts() == click; });
+    ASSERT_EQ(readStatus(), 2);  // behind the answer on the same road
+  }
+  EXPECT_EQ(ownPageShown, 0);
+}
+
+TEST_F(HelperServiceTest, anImpatientUserIsAskedOnce) {
+  startInstalled();
+  startClient();
+  bus.startAuthority("polkit");
+  bus.setAuthority("purge-memory challenge\npurge-memory_prompt dismissed\n");
+  bus.authority("polkit").stop();
+  for (int click = 0; click < 3; ++click) service().openSystemSettingsLoginItems(AskedBy::user);
+  bus.authority("polkit").carryOn();
+  waitUntil([&] { return prompts() == 1; });
+  ASSERT_EQ(readStatus(), 2);
+  EXPECT_EQ(prompts(), 1);
+}
+
+TEST_F(HelperServiceTest, consentForStartupItemsIsPolkitsAndDoubtLeavesItToTheDaemon) {
+  startInstalled();
+  startClient();
+  EXPECT_EQ(readConsent(), Consent::granted);
+  bus.startAuthority("polkit");
+  const std::pair<const char*, Consent> rows[] = {{"move-startup-item yes\n", Consent::granted},
+                                                  {"move-startup-item challenge\n", Consent::missing},
+                                                  {"move-startup-item no\n", Consent::missing},
+                                                  {"move-startup-item unregistered\n", Consent::granted}};
+  for (const auto& [conduct, consent] : rows) {
+    bus.setAuthority(conduct);
+    EXPECT_EQ(readConsent(), consent) << conduct;
+  }
+  expectNothingDisturbed();
+}
+
+TEST_F(HelperServiceTest, anActionWithoutConsentPromptsAndNeedsApproval) {
+  startInstalled();
+  startClient();
+  bus.startAuthority("polkit");
+  bus.setAuthority("move-startup-item challenge\nmove-startup-item_prompt yes\n");
+  EXPECT_EQ(resultOf(manager().ensureHelperAlive()), HelperReachability::needsApproval);
+  waitUntil([&] { return lines("system-bus-name move-startup-item prompt") == 1; });
+  bus.setAuthority("move-startup-item yes\n");
+  EXPECT_EQ(resultOf(manager().ensureHelperAlive()), HelperReachability::reachable);
+}
+
+TEST_F(HelperServiceTest, aForcedRepairOfAHealthyDaemonNeitherPromptsNorOpensAnything) {
+  startInstalled();
+  startClient();
+  bus.startAuthority("polkit");
+  ASSERT_EQ(readStatus(), 1);
+  const auto handle = client->tasks.spawn(manager().reinstallIfStale(Reinstall::forced));
+  waitUntil([&] { return !handle.isRunning(); });
+  EXPECT_TRUE(isLogged("service.register() succeeded"));
+  EXPECT_EQ(prompts(), 0);
+  EXPECT_EQ(ownPageShown, 0);
+}
+
+struct HelperInstallTest : HelperServiceTest {
+  // In the place of pkexec: notes what it is asked to run, and ends when the test lets it.
+  void SetUp() override {
+    mkfifo((bus.folder() / "gate").c_str(), 0600);
+    writeProgram(bus.folder() / "bin/pkexec", "echo \"$@\" >> " + (bus.folder() / "authority.log").string() +
+                                                  "\nread line < " + (bus.folder() / "gate").string() + "\n");
+    path_ = std::getenv("PATH");
+    setenv("PATH", ((bus.folder() / "bin").string() + ":" + path_).c_str(), 1);
+    bus.start();
+    bus.startAuthority("polkit");
+  }
+  void TearDown() override { setenv("PATH", path_.c_str(), 1); }
+
+  void addInstaller() { writeProgram(installer(), ""); }
+  std::filesystem::path installer() const { return bus.folder() / "program/vorli-helper-install"; }
+  void letInstallerEnd() const { std::ofstream(bus.folder() / "gate") << "\n"; }
+
+  std::string path_;
+};
+
+TEST_F(HelperInstallTest, aPackagedDaemonIsRegisteredAlready) {
+  bus.installScriptedHelper();
+  bus.reload();
+  addInstaller();
+  startClient();
+  ASSERT_EQ(readStatus(), 1);
+  EXPECT_TRUE(service().registerDaemon(AskedBy::user).has_value());
+  EXPECT_EQ(readStatus(), 1);
+  EXPECT_EQ(lines(installer().string()), 0);
+}
+
+TEST_F(HelperInstallTest, withoutAnInstallerThereIsNothingToRegister) {
+  startClient();
+  ASSERT_EQ(readStatus(), 3);
+  EXPECT_EQ(service().registerDaemon(AskedBy::user).error(),
+            "The background helper is not part of this installation.");
+}
+
+TEST_F(HelperInstallTest, aProgramThatAsksDoesNotInstall) {
+  addInstaller();
+  startClient();
+  ASSERT_EQ(readStatus(), 3);
+  EXPECT_EQ(service().registerDaemon(AskedBy::program).error(),
+            "The background helper is not installed yet.");
+  EXPECT_EQ(service().status(), 3);
+}
+
+TEST_F(HelperInstallTest, whileTheInstallerAsksApprovalIsRequiredAndThenTheTruthShows) {
+  addInstaller();
+  startClient();
+  ASSERT_EQ(readStatus(), 3);
+  EXPECT_TRUE(service().registerDaemon(AskedBy::user).has_value());
+  EXPECT_EQ(service().status(), 2);
+  waitUntil([&] { return lines(installer().string()) == 1; });
+  // Neither a second press nor a repair starts another one.
+  EXPECT_TRUE(service().registerDaemon(AskedBy::user).has_value());
+  const auto repair = client->tasks.spawn(manager().reinstallIfStale(Reinstall::forced));
+  waitUntil([&] { return !repair.isRunning(); });
+  EXPECT_TRUE(
+      isLogged("performReinstall: daemon awaiting approval; guiding to Settings, NOT re-registering"));
+
+  bus.installScriptedHelper();
+  bus.reload();
+  letInstallerEnd();
+  waitUntil([&] { return manager().status.get() == InstallStatus::Case::enabled; });
+  EXPECT_EQ(lines(installer().string()), 1);
+}
+
+TEST_F(HelperInstallTest, aDismissedInstallerLeavesTheDaemonUnregistered) {
+  addInstaller();
+  startClient();
+  ASSERT_EQ(readStatus(), 3);
+  manager().registerDaemon();
+  EXPECT_EQ(manager().status.get(), InstallStatus::Case::requiresApproval);
+  letInstallerEnd();
+  waitUntil([&] { return manager().status.get() == InstallStatus::Case::notFound; });
+}
+
+TEST_F(HelperInstallTest, unregisteringDoesNothingAndSucceeds) {
+  startClient();
+  bool succeeded = false;
+  service().unregisterDaemon(OnceReply<std::expected<void, std::string>>(
+      [&](const auto& result) { succeeded = result.has_value(); }));
+  EXPECT_TRUE(succeeded);
+}
+
+}  // namespace
+}  // namespace vorli
