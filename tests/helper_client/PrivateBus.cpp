@@ -74,7 +74,9 @@ PrivateBus::~PrivateBus() {
 
 void PrivateBus::start() {
   std::filesystem::remove(folder_ / "socket");
-  daemon_ = ChildProcess({"dbus-daemon", "--config-file=" + (folder_ / "bus.conf").string(), "--nofork"},
+  // It dies with a test that dies, and what it has started goes with it.
+  daemon_ = ChildProcess({"setpriv", "--pdeathsig", "KILL", "dbus-daemon",
+                          "--config-file=" + (folder_ / "bus.conf").string(), "--nofork"},
                          folder_ / "bus.log");
   waitUntil([&] { return listens(folder_ / "socket"); });
 }
@@ -113,6 +115,18 @@ void PrivateBus::startAuthority(const std::string& which) {
 
 const ChildProcess& PrivateBus::authority(const std::string& which) const {
   return std::ranges::find(authorities_, which, &Authority::which)->process;
+}
+
+std::optional<pid_t> PrivateBus::ownerProcess(const std::string& name) const {
+  const auto answer = folder_ / "owner";
+  run("dbus-send --system --print-reply=literal --dest=org.freedesktop.DBus / "
+      "org.freedesktop.DBus.GetConnectionUnixProcessID string:" +
+      name + " >" + answer.string() + " 2>/dev/null");
+  std::ifstream file(answer);
+  std::string type;
+  pid_t pid = -1;
+  if (file >> type >> pid) return pid;
+  return std::nullopt;
 }
 
 void PrivateBus::tellOfChangedRules() const {

@@ -3,6 +3,7 @@
 #include "tests/helper_client/ChildProcess.h"
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,9 @@ class PrivateBus {
   void startAuthority(const std::string& which);
   const ChildProcess& authority(const std::string& which) const;
   void tellOfChangedRules() const;
+
+  /// The process that owns the name; empty when nobody does.
+  std::optional<pid_t> ownerProcess(const std::string& name) const;
 
   /// Sets how the scripted programs behave.
   void setHelper(const std::string& lines) const { write("helper", lines); }
