@@ -86,7 +86,8 @@ std::string caseName(InstallStatus status) {
   return "unknown";
 }
 
-// The daemon's program and what registers it: where both are installed, or beside this program in a build tree.
+// The daemon's program and what registers it: where both are installed, or beside this program in a build
+// tree.
 std::string helperFolder(const std::string& programPath) {
   const std::filesystem::path folder = std::filesystem::path(programPath).parent_path();
   const std::filesystem::path installed = (folder / "../libexec/vorli").lexically_normal();

@@ -44,7 +44,8 @@ void AboutPanel::paintEvent(QPaintEvent* event) {
   }
   const QRect area = sheet();
   QPainter(this).drawImage(
-      QPointF(area.x() + (area.width() - markSide) / 2 - markMargin, area.y() + markTop - markMargin), mark_);
+      QPointF(area.x() + (area.width() - markSide) / 2.0 - markMargin, area.y() + markTop - markMargin),
+      mark_);
 }
 
 }  // namespace vorli::ui

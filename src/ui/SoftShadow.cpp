@@ -9,15 +9,17 @@ namespace vorli::ui {
 namespace {
 
 // One pass of a box blur over a line of `count` bytes that lie `step` apart.
-void blurLine(uchar* first, int count, qsizetype step, int radius, std::vector<uchar>& copy) {
-  for (int i = 0; i < count; ++i) copy[static_cast<std::size_t>(i)] = first[i * step];
-  const int width = 2 * radius + 1;
-  int sum = 0;
-  for (int i = 0; i < std::min(radius, count); ++i) sum += copy[static_cast<std::size_t>(i)];
-  for (int i = 0; i < count; ++i) {
-    if (i + radius < count) sum += copy[static_cast<std::size_t>(i + radius)];
+void blurLine(uchar* first, qsizetype count, qsizetype step, qsizetype radius, std::vector<uchar>& copy) {
+  for (qsizetype i = 0; i < count; ++i) copy[static_cast<std::size_t>(i)] = first[i * step];
+  const qsizetype width = 2 * radius + 1;
+  qsizetype sum = 0;
+  for (qsizetype i = 0; i < std::min(radius, count); ++i) sum += copy[static_cast<std::size_t>(i)];
+  for (qsizetype i = 0; i < count; ++i) {
+    const qsizetype entering = i + radius;
+    const qsizetype leaving = i - radius;
+    if (entering < count) sum += copy[static_cast<std::size_t>(entering)];
     first[i * step] = static_cast<uchar>(sum / width);
-    if (i - radius >= 0) sum -= copy[static_cast<std::size_t>(i - radius)];
+    if (leaving >= 0) sum -= copy[static_cast<std::size_t>(leaving)];
   }
 }
 

@@ -38,13 +38,25 @@ counts_of() {
     /^FAILED \(/ && ran { gsub(/[^0-9]+/, " "); bad = $1 + $2; print ran - bad, bad }'
 }
 
+# bounded COMMAND...: none may hold up the rest for longer than this. Functions of the shell bring limits of their own.
+bounded() {
+  if [ "$(type -t "$1")" = function ]; then
+    "$@"
+  else
+    timeout --kill-after=10 "${VORLI_STEP_SECONDS:-1200}" "$@"
+    local status=$?
+    [ $status != 124 ] && [ $status != 137 ] || echo "This took too long and was ended."
+    return $status
+  fi
+}
+
 # step NAME COMMAND...: a test in itself, or as many as it counts.
 step() {
   local name=$1 log start=$SECONDS status counts
   shift
   log=$(log_of "$name")
   begin "$name"
-  "$@" >"$log" 2>&1 </dev/null
+  bounded "$@" >"$log" 2>&1 </dev/null
   status=$?
   counts=$(counts_of "$log")
   [ -n "$counts" ] || counts=$([ $status = 0 ] && echo "1 0" || echo "0 1")
@@ -65,7 +77,7 @@ must() {
   shift
   log=$(log_of "$name")
   begin "$name"
-  if "$@" >"$log" 2>&1 </dev/null; then
+  if bounded "$@" >"$log" 2>&1 </dev/null; then
     printf '  done  %-52s             %4d s\n' "$name" $((SECONDS - start))
   else
     tell "$name" 0 1 $((SECONDS - start)) "$log"
