@@ -11,5 +11,17 @@ inline constexpr Colour yellow{0.949, 0.769, 0.165};
 inline constexpr Colour orange{0.945, 0.525, 0.125};
 inline constexpr Colour red{0.902, 0.235, 0.157};
 inline constexpr Colour deepRed{0.78, 0.247, 0.196};  // the high end
+inline constexpr Colour calmForLight{0.239, 0.463, 0.447};
+inline constexpr Colour paleGreenWhite{0.749, 0.878, 0.8};
+inline constexpr Colour ink{0.102, 0.102, 0.11};
+inline constexpr Colour secondaryInk{0.29, 0.29, 0.306};
+inline constexpr Colour tertiaryInk{0.471, 0.463, 0.463};
+inline constexpr Colour mutedInkForDark{0.627, 0.62, 0.604};
+inline constexpr Colour amberForLight{0.894, 0.643, 0.345};
+inline constexpr Colour redForLight{0.894, 0.392, 0.329};
+inline constexpr Colour goldForLight{0.71, 0.494, 0.212};
+inline constexpr Colour whiteWash{1.0, 1.0, 1.0, 0.32};
+inline constexpr Colour strongWhiteWash{1.0, 1.0, 1.0, 0.45};
+inline constexpr Colour brownWash{0.549, 0.431, 0.275, 0.14};
 
 }  // namespace vorli::palette

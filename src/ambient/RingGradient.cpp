@@ -19,6 +19,13 @@ constexpr std::array stops{
     Stop{1.0, palette::deepRed},
 };
 
+Colour tintedByHour(const Colour& colour, int hour) {
+  if (hour >= 6 && hour <= 9) return blend(colour, palette::teal, 0.06);
+  if (hour >= 10 && hour <= 15) return colour;
+  if (hour >= 16 && hour <= 20) return blend(colour, palette::orange, 0.06);
+  return blend(colour, palette::calmForLight, 0.05);
+}
+
 }  // namespace
 
 Colour ringGradientColour(double progress) {
@@ -31,6 +38,12 @@ Colour ringGradientColour(double progress) {
     from = &to;
   }
   return from->colour;
+}
+
+Colour ringDisplayColour(double progress, int localHour, double calmIntensity) {
+  constexpr double leastVisibleCalm = 0.001;
+  const Colour tinted = tintedByHour(ringGradientColour(progress), localHour);
+  return calmIntensity < leastVisibleCalm ? tinted : blend(tinted, palette::calm, calmIntensity);
 }
 
 }  // namespace vorli

@@ -8,4 +8,7 @@ namespace vorli {
 /// outside take the nearest end.
 Colour ringGradientColour(double progress);
 
+/// The colour as it is shown: tinted by the hour of the user's day, 0 to 23, and drawn to the calm one.
+Colour ringDisplayColour(double progress, int localHour, double calmIntensity);
+
 }  // namespace vorli

@@ -8,6 +8,7 @@ namespace vorli::posix {
 class CalendarClock final : public ports::CalendarClock {
  public:
   Date now() const override;
+  int localHour() const override;
 };
 
 }  // namespace vorli::posix

@@ -12,7 +12,7 @@ struct PopoverViewTest : PolishFixture {
 };
 
 TEST_F(PopoverViewTest, startsCalmAndIdle) {
-  const PopoverView fresh(services());
+  const PopoverView fresh(popoverServices());
   EXPECT_FALSE(fresh.isReleasing);
   EXPECT_EQ(fresh.animatedProgress, 0.0);
   EXPECT_EQ(fresh.animatedState.get(), RingState::healthy);

@@ -20,6 +20,10 @@ class CalendarClock final : public ports::CalendarClock {
     return scheduler_ ? at_ + (scheduler_->now() - origin_) : at_;
   }
 
+  int localHour() const override { return hour; }
+
+  int hour = 12;  // of the day, whatever the date says
+
   /// Jumps, backwards too; a calendar tied to a scheduler runs on from there.
   void set(Date date) {
     at_ = date;

@@ -6,6 +6,7 @@
 #include "app/AppSettings.h"
 #include "app/Notifications.h"
 #include "base/NotificationCenter.h"
+#include "insights/CulpritFormatter.h"
 #include "polish/AudioActivityProbe.h"
 #include "polish/PolishTimings.h"
 #include "sampling/SystemMonitor.h"
@@ -16,6 +17,7 @@
 #include "tests/fakes/Haptics.h"
 #include "tests/fakes/KeyValueStore.h"
 #include "tests/fakes/MemoryCounters.h"
+#include "tests/fakes/MotionPreference.h"
 #include "tests/fakes/PowerSources.h"
 #include "tests/fakes/ProcessTable.h"
 #include "tests/fakes/ThermalSensors.h"
@@ -36,14 +38,20 @@ struct PolishFixture : HelperFixture {
     setHeat(3);
     manager->refreshStatus();
     monitor.refresh();
-    view.emplace(services());
+    view.emplace(popoverServices());
     scheduler.runReady();
     view->animatedProgress = 1.0;
     view->animatedState = RingState::critical;
     log.clear();
   }
 
-  PolishServices services() { return services(scheduler); }
+  PopoverServices popoverServices() { return popoverServices(scheduler); }
+  PopoverServices popoverServices(Scheduler& ofTheFlow) {
+    return {.polish = services(ofTheFlow),
+            .defaults = store,
+            .culpritFormatter = culpritFormatter,
+            .motion = motion};
+  }
   PolishServices services(Scheduler& ofTheFlow) {
     return {.scheduler = ofTheFlow,
             .notifications = notifications,
@@ -114,6 +122,8 @@ struct PolishFixture : HelperFixture {
   ClearState clearState{scheduler};
   CelebrationGlowController glow{scheduler, overlay};
   AudioActivityProbe audio{tap};
+  CulpritFormatter culpritFormatter{workspace, ApplicationPaths("/home/anna")};
+  fakes::MotionPreference motion;
   std::optional<PopoverView> view;
 
   int closes = 0;

@@ -378,7 +378,7 @@ TEST_F(PolishFlowTest, theViewMayGoAtAnyMoment) {
   for (const double at : {0.0, 1.0, 3.0, 7.0, 12.0, 14.0}) {
     press();
     goTo(at + rounding);
-    view.emplace(services());
+    view.emplace(popoverServices());
     view->animatedState = RingState::critical;
     scheduler.advance(20.0);
     EXPECT_FALSE(view->isReleasing);

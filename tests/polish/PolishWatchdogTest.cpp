@@ -38,7 +38,7 @@ class StallingScheduler final : public Scheduler {
 
 struct PolishWatchdogTest : PolishFixture {
   PolishWatchdogTest() {
-    view.emplace(services(stalling));
+    view.emplace(popoverServices(stalling));
     view->animatedProgress = 1.0;
     view->animatedState = RingState::critical;
     scheduler.runReady();

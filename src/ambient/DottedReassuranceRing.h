@@ -1,0 +1,47 @@
+#pragma once
+
+#include "ambient/Movement.h"
+#include "base/Animated.h"
+#include "base/Scheduler.h"
+
+#include <array>
+#include <cstddef>
+#include <vector>
+
+namespace vorli {
+
+/// The ring of small dots that answers a pointer resting on a calm ring. They come up one after the other and
+/// go together. Lengths in points, y downwards. Main thread.
+class DottedReassuranceRing {
+ public:
+  static constexpr std::size_t count = 12;
+  static constexpr double radius = 15.0;
+  static constexpr double dotSize = 2.2;  // diameter at scale 1
+  static constexpr double perDotDelay = 0.024;
+
+  /// One dot at one moment: its centre relative to the ring's, before the scale of the whole.
+  struct Dot {
+    double x = 0.0, y = 0.0;
+    double opacity = 0.0;
+    double scale = 1.0;
+  };
+
+  explicit DottedReassuranceRing(const Scheduler& clock);
+
+  bool isVisible() const { return visible_; }
+  /// Starts the motion towards it; nothing when it is so already.
+  void setVisible(bool visible);
+
+  std::array<Dot, count> dots(double time, Movement movement = Movement::kept) const;
+  /// Of all dots together, about their common centre.
+  double scale(double time, Movement movement = Movement::kept) const;
+
+  double restsAt() const;
+
+ private:
+  bool visible_ = false;
+  std::vector<Animated<double>> shares_;  // of each dot: 0 hidden, 1 visible
+  Animated<double> scale_;
+};
+
+}  // namespace vorli
