@@ -32,6 +32,7 @@ struct TappedCalendar final : ports::CalendarClock {
     if (std::exchange(isMemorySample, false)) tick.memoryAt = date;
     return date;
   }
+  int localHour() const override { return real->localHour(); }
   std::unique_ptr<ports::CalendarClock> real;
   static inline bool isMemorySample = false;
 };
