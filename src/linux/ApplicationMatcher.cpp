@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <climits>
 #include <cstdint>
+#include <cstdlib>
 
 namespace vorli::linuxhost {
 
@@ -19,14 +21,25 @@ std::string_view unifiedPath(std::string_view cgroup) {
   return cgroup.substr(0, cgroup.find('\n'));
 }
 
-// "/usr/lib/viewer/viewer (deleted)" is a program that an upgrade replaced under the running process.
-std::string withoutDeletedMark(std::string path) {
+// What an interpreter was told to run, as an absolute path without links; empty when it is no file.
+std::string scriptOf(const std::string& process) {
+  const auto words = commandLineWords(readSmallFile(process + "/cmdline").value_or(""));
+  const auto script = std::find_if(words.begin() + (words.empty() ? 0 : 1), words.end(),
+                                   [](const auto& word) { return !word.starts_with('-'); });
+  if (script == words.end() || script->empty()) return {};
+  const auto path = script->starts_with('/') ? *script : readLink(process + "/cwd") + "/" + *script;
+  char resolved[PATH_MAX];
+  return realpath(path.c_str(), resolved) ? resolved : std::string();
+}
+
+}  // namespace
+
+std::string programFileOf(std::int32_t pid, const std::string& root) {
+  auto path = readLink(root + "/proc/" + std::to_string(pid) + "/exe");
   constexpr std::string_view mark = " (deleted)";
   if (path.ends_with(mark)) path.resize(path.size() - mark.size());
   return path;
 }
-
-}  // namespace
 
 ApplicationMatcher::ApplicationMatcher(const DesktopEntryIndex& entries, std::string root)
     : entries_(entries), root_(std::move(root)) {}
@@ -40,7 +53,7 @@ const DesktopEntry* ApplicationMatcher::match(std::int32_t pid,
   for (const auto& window : windows) {
     if (const auto* entry = byWindow(window)) return entry;
   }
-  return byExecutable(process);
+  return byExecutable(pid, process);
 }
 
 const DesktopEntry* ApplicationMatcher::byFlatpak(const std::string& process) const {
@@ -57,7 +70,7 @@ const DesktopEntry* ApplicationMatcher::byControlGroup(std::int32_t pid, const s
     if (!entry) continue;
     // A shell in a terminal, and everything started in it, inherits the terminal's unit.
     const bool isUnit = evidence.kind == CgroupEvidence::Kind::systemdUnit;
-    if (!isUnit || byExecutable(process) == entry || leadsItsControlGroup(pid, *cgroup)) return entry;
+    if (!isUnit || byExecutable(pid, process) == entry || leadsItsControlGroup(pid, *cgroup)) return entry;
     return nullptr;
   }
   return nullptr;
@@ -84,8 +97,8 @@ bool ApplicationMatcher::leadsItsControlGroup(std::int32_t pid, const std::strin
     rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
   }
   if (oldest == pid) return true;
-  const auto own = readLink(root_ + "/proc/" + std::to_string(pid) + "/exe");
-  return !own.empty() && own == readLink(root_ + "/proc/" + std::to_string(oldest) + "/exe");
+  const auto own = programFileOf(pid, root_);
+  return !own.empty() && own == programFileOf(oldest, root_);
 }
 
 const DesktopEntry* ApplicationMatcher::byLaunchRecord(std::int32_t pid, const std::string& process) const {
@@ -116,14 +129,9 @@ const DesktopEntry* ApplicationMatcher::byWindow(const DesktopWindow& window) co
   return nullptr;
 }
 
-const DesktopEntry* ApplicationMatcher::byExecutable(const std::string& process) const {
-  const auto program = withoutDeletedMark(readLink(process + "/exe"));
-  if (program.empty()) return nullptr;
-  if (!isInterpreter(program)) return entries_.byProgram(program);
-  const auto words = commandLineWords(readSmallFile(process + "/cmdline").value_or(""));
-  const auto script = std::find_if(words.begin() + (words.empty() ? 0 : 1), words.end(),
-                                   [](const auto& word) { return !word.starts_with('-'); });
-  return script == words.end() ? nullptr : entries_.byProgram(*script);
+const DesktopEntry* ApplicationMatcher::byExecutable(std::int32_t pid, const std::string& process) const {
+  const auto program = programFileOf(pid, root_);
+  return entries_.byProgram(isInterpreter(program) ? scriptOf(process) : program);
 }
 
 }  // namespace vorli::linuxhost

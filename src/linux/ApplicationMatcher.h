@@ -25,11 +25,15 @@ class ApplicationMatcher {
   const DesktopEntry* byControlGroup(std::int32_t pid, const std::string& process) const;
   const DesktopEntry* byLaunchRecord(std::int32_t pid, const std::string& process) const;
   const DesktopEntry* byWindow(const DesktopWindow& window) const;
-  const DesktopEntry* byExecutable(const std::string& process) const;
+  const DesktopEntry* byExecutable(std::int32_t pid, const std::string& process) const;
   bool leadsItsControlGroup(std::int32_t pid, const std::string& cgroup) const;
 
   const DesktopEntryIndex& entries_;
   const std::string root_;
 };
+
+/// The file of the program that a process runs, without links; where an upgrade replaced it, the name that it
+/// had. Empty when the process is gone or may not be read. `root` stands before the path.
+std::string programFileOf(std::int32_t pid, const std::string& root = "");
 
 }  // namespace vorli::linuxhost

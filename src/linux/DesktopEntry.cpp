@@ -161,9 +161,10 @@ std::expected<DesktopEntry, std::string> parseDesktopEntry(std::string_view text
   };
   const auto flag = [&](std::string_view key) { return value(key) == "true"; };
 
-  if (value("Type") != "Application") return std::unexpected("not of type Application");
   DesktopEntry entry;
   entry.hidden = flag("Hidden");
+  if (entry.hidden) return entry;  // often nothing else stands in it
+  if (value("Type") != "Application") return std::unexpected("not of type Application");
   entry.noDisplay = flag("NoDisplay");
   entry.terminal = flag("Terminal");
   entry.name = value("Name");

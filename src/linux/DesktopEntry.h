@@ -32,7 +32,8 @@ struct DesktopEntry {
 /// "de".
 std::vector<std::string> localeKeys(std::string_view locale);
 
-/// Reads an entry's text. Error: why it is none. `id` and `path` stay empty.
+/// Reads an entry's text. Error: why it is none. `id` and `path` stay empty, and of a hidden entry everything
+/// else too.
 std::expected<DesktopEntry, std::string> parseDesktopEntry(std::string_view text,
                                                            const std::vector<std::string>& locales);
 

@@ -15,6 +15,7 @@ namespace vorli::linuxhost {
 
 namespace {
 
+constexpr std::string_view entrySuffix = ".desktop";
 // A burst of changes is over when the folders have been quiet for this long.
 constexpr double quietSeconds = 0.5;
 // Entries of real programs, all translations included, stay under 200 kB.
@@ -54,6 +55,15 @@ std::string resolvedProgram(const std::string& program, const std::vector<std::s
     if (access(candidate.c_str(), X_OK) == 0) return realPathOf(candidate);
   }
   return {};
+}
+
+// What the entry's process will be: of an interpreter what it is given to run.
+std::string startedProgram(const DesktopEntry& entry, const std::vector<std::string>& programPath) {
+  auto program = resolvedProgram(entry.program, programPath);
+  if (!isInterpreter(program)) return program;
+  const auto script =
+      std::ranges::find_if(entry.arguments, [](const auto& word) { return !word.starts_with('-'); });
+  return script == entry.arguments.end() ? std::string() : resolvedProgram(*script, programPath);
 }
 
 // Empty for anything but a plain file of a sensible size. Never waits: a FIFO is opened without blocking, and
@@ -158,8 +168,15 @@ DesktopEntryIndex::~DesktopEntryIndex() {
 
 void DesktopEntryIndex::changeSeen() {
   alignas(inotify_event) char events[4096];
-  while (::read(inotify_, events, sizeof events) > 0) {
+  bool matters = false;
+  for (ssize_t got; (got = ::read(inotify_, events, sizeof events)) > 0;) {
+    for (const char* at = events; at < events + got;) {
+      const auto* event = reinterpret_cast<const inotify_event*>(at);
+      matters |= isChangeOfEntries(event->wd, event->mask, event->len > 0 ? event->name : "");
+      at += sizeof(inotify_event) + event->len;
+    }
   }
+  if (!matters) return;
   scheduler_.cancel(rereadTimer_);
   rereadTimer_ = scheduler_.after(quietSeconds, [this] {
     read();
@@ -167,20 +184,40 @@ void DesktopEntryIndex::changeSeen() {
   });
 }
 
+// Lists of file types and files of other programs come and go in these folders all the time.
+bool DesktopEntryIndex::isChangeOfEntries(int watch, std::uint32_t mask, std::string_view name) const {
+  if ((mask & IN_Q_OVERFLOW) != 0) return true;
+  if (const auto awaited = awaited_.find(watch); awaited != awaited_.end() && awaited->second.contains(name))
+    return true;
+  return folders_.contains(watch) && (name.empty() || (mask & IN_ISDIR) != 0 || name.ends_with(entrySuffix));
+}
+
+// A folder that does not exist yet is noticed when its nearest ancestor gets the first missing piece.
 void DesktopEntryIndex::watch(const std::string& folder) {
   if (inotify_ < 0) return;
   constexpr auto changes =
       IN_CLOSE_WRITE | IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE_SELF | IN_MOVE_SELF;
-  if (inotify_add_watch(inotify_, folder.c_str(), changes | IN_ONLYDIR) >= 0) return;
-  // A folder that does not exist yet is noticed when its parent gets it.
-  const auto parent = folder.substr(0, folder.rfind('/'));
-  if (!parent.empty()) inotify_add_watch(inotify_, parent.c_str(), IN_CREATE | IN_MOVED_TO | IN_ONLYDIR);
+  const int whole = inotify_add_watch(inotify_, folder.c_str(), changes | IN_ONLYDIR | IN_MASK_ADD);
+  if (whole >= 0) {
+    folders_.insert(whole);
+    return;
+  }
+  for (auto slash = folder.rfind('/'); slash != 0 && slash != std::string::npos;
+       slash = folder.rfind('/', slash - 1)) {
+    const int ancestor = inotify_add_watch(inotify_, folder.substr(0, slash).c_str(),
+                                           IN_CREATE | IN_MOVED_TO | IN_ONLYDIR | IN_MASK_ADD);
+    if (ancestor < 0) continue;
+    awaited_[ancestor].insert(folder.substr(slash + 1, folder.find('/', slash + 1) - slash - 1));
+    return;
+  }
 }
 
 void DesktopEntryIndex::read() {
   entries_.clear();
   order_.clear();
   readFolders_.clear();
+  folders_.clear();
+  awaited_.clear();
   for (const auto& folder : places_.folders) readFolder(folder, "", 0);
   indexEntries();
 }
@@ -197,14 +234,14 @@ void DesktopEntryIndex::readFolder(const std::string& folder, const std::string&
   while (const dirent* item = readdir(listing)) {
     const std::string name = item->d_name;
     if (name.starts_with('.')) continue;
-    if (!name.ends_with(".desktop")) {
+    if (!name.ends_with(entrySuffix)) {
       struct stat info {};
       const bool isFolder = fstatat(dirfd(listing), name.c_str(), &info, 0) == 0 && S_ISDIR(info.st_mode);
       if (isFolder && depth < deepestFolder)
         readFolder(folder + "/" + name, idPrefix + name + "-", depth + 1);
       continue;
     }
-    const std::string id = idPrefix + name.substr(0, name.size() - 8);
+    const std::string id = idPrefix + name.substr(0, name.size() - entrySuffix.size());
     if (entries_.contains(id)) continue;
     const auto text = readPlainFile(dirfd(listing), name.c_str());
     if (!text) continue;
@@ -232,12 +269,7 @@ void DesktopEntryIndex::indexEntries() {
     claim(byLastPiece_, lowered(id.substr(id.rfind('.') + 1)), &entry);
     claim(byClass_, entry.startupWMClass, &entry);
     if (!entry.isVisible()) continue;
-    const auto program = resolvedProgram(entry.program, places_.programPath);
-    if (!isInterpreter(program)) {
-      claim(byProgram_, program, &entry);
-    } else if (!entry.arguments.empty()) {
-      claim(byProgram_, resolvedProgram(entry.arguments.front(), places_.programPath), &entry);
-    }
+    claim(byProgram_, startedProgram(entry, places_.programPath), &entry);
     for (auto& folder : sandboxFolders(entry)) claim(byFolder_, std::move(folder), &entry);
   }
   for (const auto& [program, entry] : byProgram_) {

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -66,6 +67,7 @@ class DesktopEntryIndex {
   void indexEntries();
   void watch(const std::string& folder);
   void changeSeen();
+  bool isChangeOfEntries(int watch, std::uint32_t mask, std::string_view name) const;
 
   Scheduler& scheduler_;
   const Places places_;
@@ -75,6 +77,9 @@ class DesktopEntryIndex {
   Claims byLowerID_, byLastPiece_, byClass_, byProgram_, byFolder_;
   std::function<void()> changed_;
   int inotify_ = -1;
+  std::set<int> folders_;  // watches of folders that exist
+  std::map<int, std::set<std::string, std::less<>>>
+      awaited_;  // watches of ancestors, and what is missing there
   std::unique_ptr<QSocketNotifier> notifier_;
   Scheduler::TimerId rereadTimer_ = 0;
 };

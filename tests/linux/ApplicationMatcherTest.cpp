@@ -147,6 +147,24 @@ TEST_F(ApplicationMatcherTest, theExecutableIsTheLastWitness) {
   EXPECT_EQ(match(12), "none");
 }
 
+TEST_F(ApplicationMatcherTest, aScriptIsFoundThroughLinksAndFromItsProcesssFolder) {
+  entry("viewer", "viewer");
+  entry("tool", "python3 -u " + (root / "opt/tool.py").string());
+  program("bin/python3");
+  program("share/viewer/viewer.py");
+  program("opt/tool.py");
+  fs::create_symlink("../share/viewer/viewer.py", root / "bin/viewer");
+  process(10, "bin/python3");
+  write("proc/10/cmdline", std::string("python3\0", 8) + (root / "bin/viewer").string() + '\0');
+  EXPECT_EQ(match(10), "viewer");
+
+  process(11, "bin/python3");
+  write("proc/11/cmdline", std::string("python3\0-B\0tool.py\0", 19));
+  EXPECT_EQ(match(11), "none");
+  fs::create_directory_symlink(root / "opt", root / "proc/11/cwd");
+  EXPECT_EQ(match(11), "tool");
+}
+
 TEST_F(ApplicationMatcherTest, aProgramReplacedByAnUpgradeKeepsItsEntry) {
   entry("viewer", "viewer");
   program("bin/viewer");

@@ -1,8 +1,10 @@
 #include "linux/DesktopEntryIndex.h"
 #include "tests/fakes/ManualScheduler.h"
 
+#include <QCoreApplication>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -48,6 +50,12 @@ TEST_F(DesktopEntryIndexTest, theUsersOwnEntryHidesTheSystemsOfTheSameID) {
   EXPECT_EQ(entries.byID("a")->icon, "own");
   EXPECT_EQ(entries.byID("b"), nullptr);
   EXPECT_EQ(entries.byIDIgnoringCase("b"), nullptr);
+}
+
+TEST_F(DesktopEntryIndexTest, aHiddenEntryNeedsNothingElse) {
+  std::ofstream(root / "own/a.desktop") << "[Desktop Entry]\nHidden=true\n";
+  entry("system/a.desktop", "a");
+  EXPECT_EQ(index().byID("a"), nullptr);
 }
 
 TEST_F(DesktopEntryIndexTest, foldersJoinTheIDWithDashes) {
@@ -129,22 +137,193 @@ TEST_F(DesktopEntryIndexTest, looksUpClassesExactlyAndIDsInAnyCase) {
   EXPECT_EQ(idOf(entries.byLastPiece("Viewer")), "org.example.Viewer");
 }
 
+// Texts that are no application's entry, each for another reason.
+std::vector<std::string> malformedEntries() {
+  const std::string head = "[Desktop Entry]\n", type = "Type=Application\n", name = "Name=Bad\n";
+  const std::string good = head + type + name;
+  std::vector<std::string> texts{
+      "",
+      "\n\n\n",
+      std::string(1, '\0'),
+      std::string(4096, '\0'),
+      "\xff\xfe[\0D\0e\0s\0k\0t\0o\0p\0",
+      "\xef\xbb\xbf" + good + "Exec=bad\n",
+      "[Desktop Entry",
+      "[Desktop Entry ]\n" + type + name + "Exec=bad\n",
+      "[desktop entry]\n" + type + name + "Exec=bad\n",
+      "[Other]\n" + type + name + "Exec=bad\n",
+      type + name + "Exec=bad\n",
+      type + name + "Exec=bad\n" + head,
+      head,
+      head + "\0",
+      head + type,
+      head + type + "Exec=bad\n",
+      head + type + "Name=\nExec=bad\n",
+      head + type + "Name=   \t \nExec=bad\n",
+      head + type + "Name[de]=Schlecht\nExec=bad\n",
+      head + name + "Exec=bad\n",
+      head + "Type=\n" + name + "Exec=bad\n",
+      head + "Type=Link\n" + name + "URL=http://127.0.0.1/\n",
+      head + "Type=Directory\n" + name,
+      head + "Type=application\n" + name + "Exec=bad\n",
+      head + "Type=Application;\n" + name + "Exec=bad\n",
+      head + "TypeApplication\n" + name + "Exec=bad\n",
+      head + "[Desktop Action]\n" + type + name + "Exec=bad\n",
+      head + "# " + type + name + "Exec=bad\n",
+      good,
+      good + "Exec=\n",
+      good + "Exec=   \n",
+      good + "Exec\n",
+      good + "=bad\n",
+      good + "exec=bad\n",
+      good + "Exec[C]=bad\n",
+      good + "Exec=%U\n",
+      good + "Exec=%f %u %i %c %k\n",
+      good + "Exec=\"bad\n",
+      good + "Exec=bad \"%U\n",
+      good + "Exec=\"\n",
+      good + "Exec=env\n",
+      good + "Exec=env A=B\n",
+      good + "Exec=env -u\n",
+      good + "Exec=env -u DISPLAY\n",
+      good + "Exec=env env env A=B C=D\n",
+      good + "Exec=nohup setsid exec\n",
+      good + "Exec=\n[Desktop Action new]\nExec=bad\n",
+      good + "DBusActivatable=false\n",
+      good + "DBusActivatable=True\n",
+      good + "TryExec=\n",
+      good + "Exec=\"bad\\\"\n",
+      std::string(500'000, '['),
+      std::string(500'000, '\n') + "[Desktop",
+      std::string(500'000, '='),
+      std::string(500'000, '\xc3') + "\n" + good,
+      head + type + "Name=" + std::string(500'000, '\\'),
+      good + "Exec=\"" + std::string(500'000, ' '),
+      good + "Exec=" + std::string(500'000, '\t'),
+  };
+  texts[13] = head + std::string(3, '\0') + type;  // NUL bytes inside
+  std::string manyGroups = "[A]\n";
+  for (int i = 0; i < 20'000; ++i) manyGroups += "[" + std::to_string(i) + "]\n";
+  texts.push_back(manyGroups);
+  std::string manyKeys = head + type;
+  for (int i = 0; i < 20'000; ++i) manyKeys += "Name[" + std::to_string(i) + "]=Bad\n";
+  texts.push_back(manyKeys);
+  return texts;
+}
+
+TEST_F(DesktopEntryIndexTest, sixtyMalformedEntriesNeitherBlockNorBreakTheIndex) {
+  const auto texts = malformedEntries();
+  ASSERT_GE(texts.size(), 60u);
+  program("bin/good");
+  entry("system/a-good.desktop", "good");
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    std::ofstream(root / ("system/bad" + std::to_string(i) + ".desktop"), std::ios::binary) << texts[i];
+  }
+  const auto entries = index();
+  EXPECT_EQ(idOf(entries.byProgram((root / "bin/good").string())), "a-good");
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    EXPECT_EQ(entries.byID("bad" + std::to_string(i)), nullptr) << texts[i].substr(0, 100);
+  }
+  EXPECT_EQ(entries.size(), 1u);
+}
+
+TEST_F(DesktopEntryIndexTest, unreadableTextIsRepairedAndStillAnEntry) {
+  program("bin/good");
+  entry("system/good.desktop", "good", "Icon=\xff\xfe\nGarbage\xc3\n[\xff]\n");
+  const auto entries = index();
+  ASSERT_NE(entries.byID("good"), nullptr);
+  EXPECT_EQ(entries.byID("good")->icon, "\uFFFD\uFFFD");
+}
+
 TEST_F(DesktopEntryIndexTest, hostileFoldersNeitherBlockNorBreakTheIndex) {
   mkfifo((root / "system/fifo.desktop").c_str(), 0644);
+  mknod((root / "system/socket.desktop").c_str(), S_IFSOCK | 0644, 0);
   fs::create_directory_symlink(root / "system", root / "system/loop");
+  fs::create_directory_symlink("loop2", root / "system/loop1");
+  fs::create_directory_symlink("loop1", root / "system/loop2");
   fs::create_symlink("self.desktop", root / "system/self.desktop");
+  fs::create_symlink("nowhere.desktop", root / "system/dangling.desktop");
   fs::create_symlink("/dev/zero", root / "system/zero.desktop");
+  fs::create_symlink("/proc/kmsg", root / "system/waits.desktop");
   fs::create_directory(root / "system/folder.desktop");
-  std::ofstream(root / "system/huge.desktop") << std::string(5 * 1024 * 1024, 'x');
-  std::ofstream(root / "system/binary.desktop") << std::string("\0\xff\xfe[Desktop Entry]", 18);
-  for (int i = 0; i < 60; ++i)
-    entry("system/broken" + std::to_string(i) + ".desktop", "\"open" + std::string(i, '\\'));
+  const std::string good = "[Desktop Entry]\nType=Application\nName=Huge\nExec=good\n";
+  std::ofstream(root / "system/huge.desktop") << good << std::string(5 * 1024 * 1024, 'x');
+  std::string deep = "system";
+  for (int i = 0; i < 40; ++i) deep += "/d";
+  fs::create_directories(root / deep);
   program("bin/good");
   entry("system/good.desktop", "good");
   const auto entries = index();
   EXPECT_EQ(idOf(entries.byProgram((root / "bin/good").string())), "good");
-  EXPECT_EQ(entries.byID("huge"), nullptr);
-  EXPECT_EQ(entries.byID("broken0"), nullptr);
+  EXPECT_EQ(entries.size(), 1u);
+}
+
+struct ChangingEntriesTest : DesktopEntryIndexTest {
+  /// Hands the index what the kernel told by now, and lets a burst be over.
+  void settle() {
+    QCoreApplication::processEvents();
+    scheduler.advance(1.0);
+  }
+  /// How often the index is read when this happens.
+  int readings(DesktopEntryIndex& entries, const std::function<void()>& change) {
+    int count = 0;
+    entries.setChangeHandler([&count] { ++count; });
+    change();
+    settle();
+    return count;
+  }
+};
+
+TEST_F(ChangingEntriesTest, aBurstOfChangesIsOneReading) {
+  DesktopEntryIndex entries(scheduler, places);
+  EXPECT_EQ(readings(entries,
+                     [&] {
+                       for (int i = 0; i < 50; ++i) entry("own/e" + std::to_string(i) + ".desktop", "e");
+                       fs::remove(root / "own/e1.desktop");
+                       fs::rename(root / "own/e2.desktop", root / "own/f.desktop");
+                     }),
+            1);
+  EXPECT_EQ(entries.size(), 49u);
+  EXPECT_NE(entries.byID("f"), nullptr);
+  EXPECT_EQ(readings(entries, [&] { entry("own/f.desktop", "changed"); }), 1);
+  EXPECT_EQ(entries.byID("f")->program, "changed");
+}
+
+TEST_F(ChangingEntriesTest, otherFilesOfTheFolderAreNoChange) {
+  DesktopEntryIndex entries(scheduler, places);
+  EXPECT_EQ(readings(entries,
+                     [&] {
+                       std::ofstream(root / "own/mimeinfo.cache") << "x";
+                       fs::rename(root / "own/mimeinfo.cache", root / "own/mimeapps.list");
+                     }),
+            0);
+}
+
+TEST_F(ChangingEntriesTest, aFolderInsideIsFollowedToo) {
+  DesktopEntryIndex entries(scheduler, places);
+  EXPECT_EQ(readings(entries, [&] { fs::create_directory(root / "own/kde"); }), 1);
+  EXPECT_EQ(readings(entries, [&] { entry("own/kde/viewer.desktop", "v"); }), 1);
+  EXPECT_NE(entries.byID("kde-viewer"), nullptr);
+}
+
+TEST_F(ChangingEntriesTest, aFolderThatComesLaterIsNoticedHoweverMuchOfItsPathIsMissing) {
+  places.folders.push_back(root / "flatpak/exports/share/applications");
+  DesktopEntryIndex entries(scheduler, places);
+  EXPECT_EQ(readings(entries, [&] { std::ofstream(root / "something else") << "x"; }), 0);
+  entry("flatpak/exports/share/applications/org.example.Foo.desktop", "foo");
+  settle();
+  EXPECT_NE(entries.byID("org.example.Foo"), nullptr);
+
+  fs::remove_all(root / "flatpak");
+  settle();
+  EXPECT_EQ(entries.byID("org.example.Foo"), nullptr);
+  for (const char* folder : {"flatpak", "flatpak/exports", "flatpak/exports/share"}) {
+    fs::create_directory(root / folder);
+    settle();
+  }
+  entry("flatpak/exports/share/applications/org.example.Bar.desktop", "bar");
+  settle();
+  EXPECT_NE(entries.byID("org.example.Bar"), nullptr);
 }
 
 }  // namespace
