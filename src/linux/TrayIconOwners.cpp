@@ -13,9 +13,10 @@ namespace {
 const QString watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString watcherPath = QStringLiteral("/StatusNotifierWatcher");
 
-// An item is told as "NAME" or "NAME/object/path"; a bare path belongs to the sender.
+// An item is told as "NAME", "NAME/object/path" or, by some shells, "NAME@/object/path"; of a bare path the
+// owner stays unknown.
 QString busNameOf(const QString& item) {
-  return item.section(QLatin1Char('/'), 0, 0);
+  return item.section(QLatin1Char('/'), 0, 0).section(QLatin1Char('@'), 0, 0);
 }
 
 }  // namespace

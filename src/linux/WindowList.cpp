@@ -59,6 +59,13 @@ std::int32_t pidFromServer(xcb_res_query_client_ids_reply_t* reply) {
   return 0;
 }
 
+// A window that is forwarded from another machine has a local client too, the one that forwards it. Where the
+// machine's name does not fit, for it can change under a running program, both sources must agree.
+std::int32_t processBehind(std::int32_t fromServer, std::int32_t claimed, bool isOwnMachine) {
+  if (!isOwnMachine) return fromServer == claimed ? fromServer : 0;
+  return fromServer > 0 ? fromServer : claimed;
+}
+
 }  // namespace
 
 struct WindowList::Atoms {
@@ -139,7 +146,7 @@ WindowList::~WindowList() {
 }
 
 bool WindowList::canSeeWindows() const {
-  return connection_ && hasClientList_;
+  return connection_ && !xcb_connection_has_error(connection_) && hasClientList_;
 }
 
 std::optional<DesktopWindow> WindowList::activeWindow() const {
@@ -231,12 +238,11 @@ std::vector<DesktopWindow> WindowList::describe(const std::vector<std::uint32_t>
 
     DesktopWindow window;
     window.id = ids[i];
-    window.pid = pidFromServer(client.get());
     const auto machine = text(answers[1]);
-    const bool isRemote =
-        !machine.empty() && !thisMachine.empty() && machine != thisMachine && machine != "localhost";
-    if (window.pid == 0 && !isRemote)
-      window.pid = static_cast<std::int32_t>(firstWord(answers[0]).value_or(0));
+    const bool isOwnMachine =
+        machine.empty() || thisMachine.empty() || machine == thisMachine || machine == "localhost";
+    const auto claimed = static_cast<std::int32_t>(firstWord(answers[0]).value_or(0));
+    window.pid = processBehind(pidFromServer(client.get()), claimed, isOwnMachine);
     const auto classes = text(answers[2]);
     window.wmInstance = classes.substr(0, classes.find('\0'));
     if (classes.size() > window.wmInstance.size() + 1) {

@@ -1,18 +1,13 @@
 #include "linux/Workspace.h"
 
 #include "base/UTF8.h"
-#include "linux/ProcessStart.h"
-#include "linux/SmallFile.h"
 
 #include <algorithm>
-#include <filesystem>
+#include <unistd.h>
+#include <utility>
 
 namespace vorli::linuxhost {
 namespace {
-
-std::string executableOf(std::int32_t pid) {
-  return readLink("/proc/" + std::to_string(pid) + "/exe");
-}
 
 // Processes that stand between an application and what was started from it by hand.
 bool endsFamily(std::int32_t pid, const std::string& executable) {
@@ -37,12 +32,11 @@ Workspace::Workspace(Scheduler& scheduler, DesktopEntryIndex::Places places)
     : scheduler_(scheduler),
       entries_(scheduler, std::move(places)),
       matcher_(entries_),
-      politeQuit_(windows_) {
+      politeQuit_(windows_),
+      ownStart_(readProcessStart(getpid()).value_or(ProcessStart{}).ticks) {
   entries_.setChangeHandler([this] { entriesChanged(); });
-  for (const auto& window : windows_.windows()) {
-    if (window.isNormal && window.pid > 0) meet(window.pid, Showing::window);
-  }
-  activeWindowChanged();
+  meetWindowOwners();
+  frontmostPID_ = ownerOfActiveWindow();
   windows_.setHandlers({.windowsChanged = [this] { windowsChanged(); },
                         .activeWindowChanged = [this] { activeWindowChanged(); },
                         .workspaceChanged = [this] { spaceChanges_.deliver(); }});
@@ -126,17 +120,26 @@ Subscription Workspace::subscribeToSpaceChanges(std::function<void()> handler) {
 }
 
 void Workspace::windowsChanged() {
+  meetWindowOwners();
+  activeWindowChanged();  // it may be one of the new windows, told before they were
+}
+
+void Workspace::meetWindowOwners() {
   for (const auto& window : windows_.windows()) {
     if (window.isNormal && window.pid > 0) meet(window.pid, Showing::window);
   }
 }
 
 void Workspace::activeWindowChanged() {
-  const auto active = windows_.activeWindow();
-  const Known* owner = active ? knownOwner(*active) : nullptr;
-  const auto pid = owner ? owner->applicationPID : 0;
+  const auto pid = ownerOfActiveWindow();
   if (pid == std::exchange(frontmostPID_, pid) || pid == 0) return;
   if (const auto application = frontmostApplication()) tell(ports::ApplicationEvent::activated, *application);
+}
+
+std::int32_t Workspace::ownerOfActiveWindow() const {
+  const auto active = windows_.activeWindow();
+  const Known* owner = active ? knownOwner(*active) : nullptr;
+  return owner ? owner->applicationPID : 0;
 }
 
 const Workspace::Known* Workspace::knownOwner(const DesktopWindow& window) const {
@@ -153,29 +156,45 @@ std::vector<DesktopWindow> Workspace::windowsOf(std::int32_t applicationPID) con
   return own;
 }
 
-// Matched once for the process's life, save that one with an icon only may show its first window later.
+// Matched once for the process's life. What has no match is looked at again when it shows another window: a
+// splash screen or an icon may say less than the window behind it.
 void Workspace::meet(std::int32_t pid, Showing showing) {
   const auto [slot, isNew] = known_.try_emplace(pid);
   Known& known = slot->second;
-  if (!isNew) {
-    const bool showsFirstWindow = showing == Showing::window && known.application &&
-                                  known.application->activationPolicy == ports::ActivationPolicy::accessory;
-    const auto* entry = showsFirstWindow ? entries_.byID(known.entryID) : nullptr;
-    if (!entry || !entry->isVisible()) return;
-    known.application->activationPolicy = ports::ActivationPolicy::regular;
-    changeSeen();
+  if (isNew) {
+    known.exit = std::make_unique<ProcessExit>(pid, [this, pid] { processEnded(pid); });
+    if (!known.exit->isHeld()) {
+      known_.erase(slot);
+      return;
+    }
+    known.executable = programFileOf(pid);
+  } else if (known.application) {
+    if (showing == Showing::window) showsWindow(known);
+    return;
+  } else if (known.applicationPID != 0) {
     return;
   }
-  known.exit = std::make_unique<ProcessExit>(pid, [this, pid] { processEnded(pid); });
-  if (!known.exit->isHeld()) {
-    known_.erase(slot);
-    return;
-  }
-  known.executable = executableOf(pid);
+
   std::vector<DesktopWindow> own;
   std::ranges::copy_if(windows_.windows(), std::back_inserter(own),
                        [pid](const DesktopWindow& window) { return window.pid == pid; });
-  const DesktopEntry* entry = matcher_.match(pid, own);
+  const auto newest = own.empty() ? 0 : own.back().id;
+  if (isNew || newest != known.judgedByWindow) identify(pid, known, own, showing);
+  known.judgedByWindow = newest;
+}
+
+// One that had an icon only becomes a full application with its first window.
+void Workspace::showsWindow(Known& known) {
+  if (known.application->activationPolicy != ports::ActivationPolicy::accessory) return;
+  const auto* entry = entries_.byID(known.entryID);
+  if (!entry || !entry->isVisible()) return;
+  known.application->activationPolicy = ports::ActivationPolicy::regular;
+  changeSeen();
+}
+
+void Workspace::identify(std::int32_t pid, Known& known, const std::vector<DesktopWindow>& windows,
+                         Showing showing) {
+  const DesktopEntry* entry = matcher_.match(pid, windows);
   const auto helped = applicationItHelps(pid, known.executable);
   const auto helpedEntry = helped > 0 ? known_.at(helped).entryID : std::string();
   if (helped > 0 && (!entry || entry->id == helpedEntry)) {
@@ -183,11 +202,13 @@ void Workspace::meet(std::int32_t pid, Showing showing) {
     return;
   }
   if (!entry) return;
+  const auto start = readProcessStart(pid);
   known.applicationPID = pid;
   known.entryID = entry->id;
-  known.application = makeRecord(pid, *entry, showing);
+  known.application = makeRecord(pid, *entry, start, showing);
   changeSeen();
-  tell(ports::ApplicationEvent::launched, *known.application);
+  // One that ran before this program did is met now, not launched.
+  if (start && start->ticks >= ownStart_) tell(ports::ApplicationEvent::launched, *known.application);
 }
 
 // The nearest ancestor that is an application and runs the same program, or one of the same folder of its
@@ -196,7 +217,7 @@ std::int32_t Workspace::applicationItHelps(std::int32_t pid, const std::string& 
   constexpr int deepestFamily = 32;
   auto ancestor = readProcessStart(pid).value_or(ProcessStart{}).parentPID;
   for (int depth = 0; depth < deepestFamily && ancestor > 1; ++depth) {
-    const auto program = executableOf(ancestor);
+    const auto program = programFileOf(ancestor);
     if (endsFamily(ancestor, program)) return 0;
     const auto found = known_.find(ancestor);
     const bool isFamily = program == executable ||
@@ -209,8 +230,8 @@ std::int32_t Workspace::applicationItHelps(std::int32_t pid, const std::string& 
 }
 
 ports::RunningApplication Workspace::makeRecord(std::int32_t pid, const DesktopEntry& entry,
+                                                const std::optional<ProcessStart>& start,
                                                 Showing showing) const {
-  const auto start = readProcessStart(pid);
   const bool isRegular = showing == Showing::window && entry.isVisible();
   return {
       .processIdentifier = pid,
@@ -228,7 +249,7 @@ void Workspace::processEnded(std::int32_t pid) {
   const Known ended = std::move(found->second);
   known_.erase(found);
   for (auto& [other, known] : known_) {
-    if (known.applicationPID == pid) known.applicationPID = 0;
+    if (known.applicationPID == pid) known.applicationPID = known.judgedByWindow = 0;
   }
   if (frontmostPID_ == pid) frontmostPID_ = 0;
   if (!ended.application) return;

@@ -6,12 +6,15 @@
 #include "linux/DesktopEntryIndex.h"
 #include "linux/PoliteQuit.h"
 #include "linux/ProcessExit.h"
+#include "linux/ProcessStart.h"
 #include "linux/TrayIconOwners.h"
 #include "linux/WindowList.h"
 #include "ports/Workspace.h"
 
+#include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -43,16 +46,22 @@ class Workspace final : public ports::Workspace {
     std::int32_t applicationPID = 0;  // itself, the application that it helps, or 0 for neither
     std::string entryID;
     std::optional<ports::RunningApplication> application;
+    std::uint32_t judgedByWindow = 0;  // the newest of its windows when it was matched
   };
   enum class Showing { window, trayIcon };
 
   void windowsChanged();
+  void meetWindowOwners();
   void activeWindowChanged();
+  std::int32_t ownerOfActiveWindow() const;
   void meet(std::int32_t pid, Showing showing);
+  void showsWindow(Known& known);
+  void identify(std::int32_t pid, Known& known, const std::vector<DesktopWindow>& windows, Showing showing);
   std::int32_t applicationItHelps(std::int32_t pid, const std::string& executable) const;
   const DesktopEntry* entryRunning(std::string_view program) const;
   const DesktopEntry* entryRunningIn(std::string_view folder) const;
-  ports::RunningApplication makeRecord(std::int32_t pid, const DesktopEntry& entry, Showing showing) const;
+  ports::RunningApplication makeRecord(std::int32_t pid, const DesktopEntry& entry,
+                                       const std::optional<ProcessStart>& start, Showing showing) const;
   void processEnded(std::int32_t pid);
   void entriesChanged();
   void changeSeen() { listIsStale_ = true; }
@@ -65,6 +74,7 @@ class Workspace final : public ports::Workspace {
   WindowList windows_;
   ApplicationMatcher matcher_;  // after `entries_`, which it reads
   PoliteQuit politeQuit_;
+  const std::uint64_t ownStart_;  // of this program, in the ticks of ProcessStart
   std::map<std::int32_t, Known> known_;
   std::vector<ports::RunningApplication> list_;
   bool listIsStale_ = true;

@@ -2,6 +2,7 @@
 
 import json
 import os
+import re
 import shutil
 import signal
 import subprocess
@@ -21,6 +22,24 @@ from gi.repository import Gtk
 window = Gtk.Window(title=sys.argv[1])
 window.connect("destroy", Gtk.main_quit)
 window.show_all()
+Gtk.main()
+"""
+
+# Shows a window that says nothing of its application, and on a line of input the one that does.
+SPLASH_SCRIPT = """
+import gi, sys
+gi.require_version("Gtk", "3.0")
+from gi.repository import GLib, Gtk
+def show(title, name):
+    window = Gtk.Window(title=title)
+    window.set_wmclass(name, name)
+    window.show_all()
+def show_main(*_):
+    sys.stdin.readline()
+    show("Main", "late-main")
+    return False
+show("Splash", "starting")
+GLib.io_add_watch(sys.stdin, GLib.PRIORITY_DEFAULT, GLib.IO_IN, show_main)
 Gtk.main()
 """
 
@@ -44,6 +63,9 @@ def write(path, text, mode=0o644):
 def add_entries():
     write(f"{DATA}/tools/window.py", WINDOW_SCRIPT)
     write(f"{DATA}/tools/service.py", SERVICE_SCRIPT)
+    write(f"{DATA}/tools/splash.py", SPLASH_SCRIPT)
+    write(f"{DATA}/applications/org.example.Splash.desktop",
+          "[Desktop Entry]\nType=Application\nName=Splash\nStartupWMClass=late-main\nExec=splash-launcher\n")
     write(f"{DATA}/applications/org.example.Script.desktop",
           f"[Desktop Entry]\nType=Application\nName=Script Window\nExec=/usr/bin/python3 {DATA}/tools/window.py Script\n")
     write(f"{DATA}/applications/org.example.Activated.desktop",
@@ -98,6 +120,11 @@ def window_of(title):
     return found.stdout.split()[0] if found.stdout.split() else None
 
 
+def client_list():
+    told = subprocess.run(["xprop", "-root", "_NET_CLIENT_LIST"], capture_output=True, text=True, check=True).stdout
+    return re.findall(r"0x[0-9a-f]+", told)
+
+
 def activate(title):
     window = until(lambda: window_of(title), f"a window {title}")
     subprocess.run(["xdotool", "windowactivate", window], check=False)
@@ -117,9 +144,11 @@ class RunningApplications(unittest.TestCase):
         for process in self.started:
             process.kill()
             process.wait()
+            if process.stdin:
+                process.stdin.close()
 
-    def start(self, *command):
-        process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    def start(self, *command, stdin=None):
+        process = subprocess.Popen(command, stdin=stdin, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         self.started.append(process)
         return process
 
@@ -216,6 +245,52 @@ class RunningApplications(unittest.TestCase):
         subprocess.run(["xdotool", "windowminimize", until(lambda: window_of("galculator"), "its window")], check=True)
         until(lambda: pid not in self.probe.ask("windows", "windows"), "its window is gone from the screen")
         self.assertIn("galculator", self.probe.running())
+
+    def test_what_runs_already_is_met_and_not_launched(self):
+        self.start("galculator")
+        self.probe.wait_for("galculator")
+        activate("galculator")
+        until(lambda: self.probe.front() == "galculator", "it is frontmost")
+        late = Probe()
+        self.addCleanup(late.close)
+        self.assertEqual((late.wait_for("galculator")["name"], late.front()), ("Galculator", "galculator"))
+        self.start("/usr/bin/python3", f"{DATA}/tools/window.py", "Script")
+        until(lambda: "org.example.Script" in late.events("activated"), "the script was told")
+        self.assertEqual(late.events("launched"), ["org.example.Script"])
+        self.assertEqual(late.events("activated"), ["org.example.Script"])
+
+    def test_a_later_window_may_say_what_the_first_one_did_not(self):
+        program = self.start("/usr/bin/python3", f"{DATA}/tools/splash.py", stdin=subprocess.PIPE)
+        until(lambda: window_of("^Splash$"), "the first window")
+        self.assertNotIn("org.example.Splash", self.probe.running())
+        program.stdin.write(b"\n")
+        program.stdin.flush()
+        self.assertEqual(self.probe.wait_for("org.example.Splash")["pid"], program.pid)
+
+    def test_a_window_of_another_machine_is_not_its_local_forwarders(self):
+        self.start("galculator")
+        pid = self.probe.wait_for("galculator")["pid"]
+        window = until(lambda: window_of("galculator"), "its window")
+        owns = lambda: pid in self.probe.ask("windows", "windows")
+        until(owns, "its window is on the screen")
+
+        def show_again(**properties):
+            subprocess.run(["xdotool", "windowunmap", "--sync", window], check=True)
+            until(lambda: not owns(), "the window is away")
+            for name, (kind, value) in properties.items():
+                subprocess.run(["xprop", "-id", window, "-f", name, kind, "-set", name, value], check=True)
+            subprocess.run(["xdotool", "windowmap", "--sync", window], check=True)
+            listed = lambda: int(window) in [int(each, 16) for each in client_list()]
+            until(listed, "the window is back")
+
+        show_again()
+        until(owns, "a window that comes back is known")
+        show_again(WM_CLIENT_MACHINE=("8s", "elsewhere"))
+        until(owns, "a machine that was given another name keeps its windows")
+        show_again(_NET_WM_PID=("32c", "2"))
+        activate("galculator")
+        until(lambda: client_list() and not owns(), "the window belongs to the other machine's process")
+        self.assertIsNone(self.probe.front())
 
     def test_an_entry_that_comes_later_names_what_runs_already(self):
         self.start("/usr/bin/python3", f"{DATA}/tools/window.py", "Late")
