@@ -149,7 +149,7 @@ TEST_F(CulpritFormatterTest, theOtherSystemHasItsOwnProcesses) {
     EXPECT_EQ(onLinux.applicationName(row), std::nullopt) << name;
   }
   for (const char* name :
-       {"firefox", "evolution", "gnome-terminal-", "xfce4-terminal", "trackerless", "system"}) {
+       {"firefox", "evolution", "gnome-terminal-", "xfce4-terminal", "trackerless", "system", "gjs"}) {
     EXPECT_FALSE(SystemProcessNames::linuxDesktop.contains(name)) << name;
   }
 }
