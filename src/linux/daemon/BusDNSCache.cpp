@@ -17,6 +17,9 @@ std::chrono::microseconds microseconds(double seconds) {
 }
 
 daemon::DNSCache::Outcome failure(const sdbus::Error& error) {
+  if (error.getName() == "org.freedesktop.DBus.Error.NoReply" ||
+      error.getName() == "org.freedesktop.DBus.Error.Timeout")
+    return {State::failed, {ETIMEDOUT, "no answer"}};
   return {State::failed, {EIO, error.getName()}};
 }
 
