@@ -196,7 +196,7 @@ int run(const std::vector<std::string_view>& arguments) {
   auto signals = takeSignals();
   const auto context = linuxhost::StartContext::take();
   linuxhost::DaemonLog log(context);
-  auto levers = linuxhost::MemoryLevers::take();
+  linuxhost::MemoryLevers levers;
   if (const auto narrowed = linuxhost::narrowProcess(); !narrowed) {
     log.write(linuxhost::DaemonLog::Level::error, "cannot give up privileges: " + narrowed.error().text);
     return 1;

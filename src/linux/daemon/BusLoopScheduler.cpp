@@ -10,7 +10,6 @@
 #include <poll.h>
 #include <sdbus-c++/sdbus-c++.h>
 #include <sys/eventfd.h>
-#include <sys/timerfd.h>
 
 namespace vorli::linuxhost {
 
@@ -23,25 +22,22 @@ void drain(int fileDescriptor) {
   [[maybe_unused]] const auto size = ::read(fileDescriptor, &count, sizeof count);
 }
 
-std::optional<timespec> waitingTime(const sdbus::IConnection::PollData& data) {
+std::optional<double> waitingTime(const sdbus::IConnection::PollData& data) {
   const auto left = data.getRelativeTimeout();
   if (!left) return std::nullopt;
-  const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(*left);
-  const auto rest = std::chrono::duration_cast<std::chrono::nanoseconds>(*left - seconds);
-  return timespec{seconds.count(), static_cast<long>(rest.count())};
+  return std::max(std::chrono::duration<double>(*left).count(), 0.0);
+}
+
+timespec timespecOf(double seconds) {
+  const double whole = std::floor(seconds);
+  return {static_cast<time_t>(whole), static_cast<long>((seconds - whole) * 1e9)};
 }
 
 }  // namespace
 
-BusLoopScheduler::BusLoopScheduler()
-    : wakeUp_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
-      timer_(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK)) {
-  VORLI_ASSERT(wakeUp_ && timer_);
+BusLoopScheduler::BusLoopScheduler() : wakeUp_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+  VORLI_ASSERT(wakeUp_);
   watch(wakeUp_.get(), [this] { drain(wakeUp_.get()); });
-  watch(timer_.get(), [this] {
-    drain(timer_.get());
-    armedFor_ = 0.0;
-  });
 }
 
 double BusLoopScheduler::now() const {
@@ -99,32 +95,22 @@ void BusLoopScheduler::runDueTimers() {
   }
 }
 
-// Only for an earlier moment than the armed one: a timer that comes too early costs one empty turn, which is
-// cheaper than a call to the kernel for every request.
-void BusLoopScheduler::armTimer() {
-  if (timers_.empty()) return;
-  const double due = timers_.begin()->first.first;
-  if (armedFor_ != 0.0 && armedFor_ <= due) return;
-  const double whole = std::floor(due);
-  itimerspec moment{};
-  moment.it_value.tv_sec = static_cast<time_t>(whole);
-  moment.it_value.tv_nsec = static_cast<long>((due - whole) * 1e9);
-  ::timerfd_settime(timer_.get(), TFD_TIMER_ABSTIME, &moment, nullptr);
-  armedFor_ = due;
-}
-
 void BusLoopScheduler::waitForEvents(sdbus::IConnection& connection) {
-  armTimer();
   const auto data = connection.getEventLoopPollData();
   std::vector<pollfd> files{{data.fd, data.events, 0}};
   for (const auto& [fileDescriptor, handler] : watched_) files.push_back({fileDescriptor, POLLIN, 0});
 
   auto limit = waitingTime(data);
+  if (!timers_.empty()) {
+    const double left = std::max(timers_.begin()->first.first - now(), 0.0);
+    limit = std::min(limit.value_or(left), left);
+  }
   {
     const std::lock_guard guard(lock_);
-    if (!posted_.empty()) limit = timespec{};
+    if (!posted_.empty()) limit = 0.0;
   }
-  if (::ppoll(files.data(), files.size(), limit ? &*limit : nullptr, nullptr) <= 0) return;
+  const auto wait = timespecOf(limit.value_or(0.0));
+  if (::ppoll(files.data(), files.size(), limit ? &wait : nullptr, nullptr) <= 0) return;
   for (std::size_t i = 0; i < watched_.size(); ++i)
     if (files[i + 1].revents != 0) watched_[i].second();
 }

@@ -40,19 +40,16 @@ class BusLoopScheduler final : public Scheduler {
  private:
   void runPosted();
   void runDueTimers();
-  void armTimer();
   void waitForEvents(sdbus::IConnection& connection);
   void sendRest(sdbus::IConnection& connection);
 
   const std::thread::id thread_ = std::this_thread::get_id();
   FileDescriptor wakeUp_;
-  FileDescriptor timer_;
   std::vector<std::pair<int, UniqueFunction<void()>>> watched_;
   bool stopping_ = false;
 
   TimerId lastId_ = 0;
   std::map<std::pair<double, TimerId>, Work> timers_;
-  double armedFor_ = 0.0;
 
   std::mutex lock_;
   std::deque<Work> posted_;

@@ -2,6 +2,7 @@
 
 #include "linux/daemon/LastError.h"
 
+#include <cerrno>
 #include <chrono>
 #include <condition_variable>
 #include <cstdlib>
@@ -16,16 +17,6 @@
 namespace vorli::linuxhost {
 
 namespace {
-
-FileDescriptor lever(const char* path) {
-  return FileDescriptor(::open(path, O_WRONLY | O_CLOEXEC));
-}
-
-// Always at the start of the file: the kernel takes a write behind it for done and does nothing.
-std::expected<void, daemon::SystemError> pull(const FileDescriptor& lever, std::string_view value) {
-  if (::pwrite(lever.get(), value.data(), value.size(), 0) < 0) return lastError();
-  return {};
-}
 
 std::string memoryInformation() {
   const FileDescriptor file(::open("/proc/meminfo", O_RDONLY | O_CLOEXEC));
@@ -50,8 +41,14 @@ struct KernelMemory::Sync {
   bool running = false;
 };
 
-MemoryLevers MemoryLevers::take() {
-  return {lever("/proc/sys/vm/drop_caches"), lever("/proc/sys/vm/compact_memory")};
+MemoryLever::MemoryLever(const char* path)
+    : file_(::open(path, O_WRONLY | O_CLOEXEC)), error_(file_ ? 0 : errno) {}
+
+// Always at the start of the file: the kernel takes a write behind it for done and does nothing.
+std::expected<void, daemon::SystemError> MemoryLever::pull(std::string_view value) const {
+  if (!file_) return std::unexpected(systemError(error_));
+  if (::pwrite(file_.get(), value.data(), value.size(), 0) < 0) return lastError();
+  return {};
 }
 
 KernelMemory::KernelMemory(MemoryLevers levers)
@@ -86,15 +83,15 @@ bool KernelMemory::syncWithin(double seconds) {
 
 // Never 4: that silences the kernel's own line about each of these writes for good.
 std::expected<void, daemon::SystemError> KernelMemory::dropPageCache() {
-  return pull(levers_.dropCaches, "1\n");
+  return levers_.dropCaches.pull("1\n");
 }
 
 std::expected<void, daemon::SystemError> KernelMemory::dropSlab() {
-  return pull(levers_.dropCaches, "2\n");
+  return levers_.dropCaches.pull("2\n");
 }
 
 std::expected<void, daemon::SystemError> KernelMemory::compact() {
-  return pull(levers_.compact, "1\n");
+  return levers_.compact.pull("1\n");
 }
 
 }  // namespace vorli::linuxhost

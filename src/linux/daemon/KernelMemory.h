@@ -4,17 +4,27 @@
 #include "linux/daemon/FileDescriptor.h"
 
 #include <memory>
+#include <string_view>
 
 namespace vorli::linuxhost {
+
+/// A file to write a number into; one that cannot be opened tells so when it is pulled.
+class MemoryLever {
+ public:
+  explicit MemoryLever(const char* path);
+
+  std::expected<void, daemon::SystemError> pull(std::string_view value) const;
+
+ private:
+  FileDescriptor file_;
+  int error_ = 0;
+};
 
 /// The two levers in /proc, opened before the process is confined and kept open: dropping the kernel's caches
 /// also drops its record of these files, and the confinement does not know the new one.
 struct MemoryLevers {
-  FileDescriptor dropCaches;
-  FileDescriptor compact;
-
-  /// A lever that cannot be opened is told when it is pulled.
-  static MemoryLevers take();
+  MemoryLever dropCaches{"/proc/sys/vm/drop_caches"};
+  MemoryLever compact{"/proc/sys/vm/compact_memory"};
 };
 
 /// The kernel's memory as /proc shows and moves it.

@@ -18,7 +18,26 @@ constexpr std::uint32_t neverAskTheUser = 0;
 constexpr std::chrono::seconds answerLimit(3);
 
 using Details = std::map<std::string, std::string>;
-using Subject = sdbus::Struct<std::string, std::map<std::string, sdbus::Variant>>;
+/// A caller by its name on the bus. Written by hand, as the library's variant holds a connection of its own.
+struct BusNameSubject {
+  std::string name;
+};
+
+sdbus::Message& operator<<(sdbus::Message& message, const BusNameSubject& subject) {
+  message.openStruct("sa{sv}");
+  message << "system-bus-name";
+  message.openContainer("{sv}");
+  message.openDictEntry("sv");
+  message << "name";
+  message.openVariant("s");
+  message << subject.name;
+  message.closeVariant();
+  message.closeDictEntry();
+  message.closeContainer();
+  message.closeStruct();
+  return message;
+}
+
 using Answer = sdbus::Struct<bool, bool, Details>;
 
 daemon::Verdict verdictOf(const Answer& answer) {
@@ -36,13 +55,12 @@ PolkitAuthority::~PolkitAuthority() = default;
 void PolkitAuthority::check(const std::string& caller, std::string_view action, const std::string& subject,
                             OnceReply<daemon::Verdict> reply) {
   const SharedReply answer(std::move(reply));
-  const Subject who{"system-bus-name", {{"name", sdbus::Variant(caller)}}};
   const Details details = subject.empty() ? Details() : Details{{"item", subject}};
   try {
     polkit_->callMethodAsync("CheckAuthorization")
         .onInterface(interface)
         .withTimeout(answerLimit)
-        .withArguments(who, std::string(action), details, neverAskTheUser, std::string())
+        .withArguments(BusNameSubject{caller}, std::string(action), details, neverAskTheUser, std::string())
         .uponReplyInvoke([answer](const sdbus::Error* error, const Answer& result) {
           answer(error ? daemon::Verdict::error : verdictOf(result));
         });
