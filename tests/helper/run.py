@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""The part of `run` inside the namespaces: run.py INSTALLED TOOL... -- [--long] [PROMISE...]"""
+"""The part of `run` inside the namespaces."""
 
 import argparse
 import sys
@@ -9,6 +9,12 @@ sys.dont_write_bytecode = True
 import promises  # noqa: E402, F401
 from harness import rung  # noqa: E402
 from harness.sandbox import Sandbox  # noqa: E402
+from promises.soak import soak  # noqa: E402
+
+# Of the checked builds, in less than a minute: what parses, what runs on several threads, what ends in the middle.
+CHECKED = ["P3", "P8", "P9", "P10", "P13", "P14", "P14b", "P16", "P18", "P21"]
+# The rest of what they can show. Their size and speed are no promise, nor do they run within the unit's walls.
+CHECKED_LONG = ["P1", "P2", "P5", "P6", "P6b", "P7", "P11", "P12", "P20", *CHECKED]
 
 
 def main():
@@ -16,14 +22,17 @@ def main():
     parser.add_argument("--installed", required=True)
     parser.add_argument("--tool", action="append", default=[])
     parser.add_argument("--source", required=True)
-    parser.add_argument("--asan")
-    parser.add_argument("--tsan")
+    parser.add_argument("--build", required=True)
+    parser.add_argument("--program")
     parser.add_argument("--long", action="store_true")
+    parser.add_argument("--soak", type=float)
     parser.add_argument("promises", nargs="*")
     options = parser.parse_args()
-    sandbox = Sandbox(options.installed, options.tool)
+    if options.build != "shipped" and not options.promises:
+        options.promises = CHECKED_LONG if options.long else CHECKED
+    sandbox = Sandbox(options.installed, options.tool, options.build, options.program)
     try:
-        return rung.run(sandbox, options)
+        return soak(sandbox, options) if options.soak else rung.run(sandbox, options)
     finally:
         sandbox.stop()
 

@@ -1,9 +1,17 @@
 """Promises, their figures and the result of a run."""
 
+import sys
 import time
 import traceback
 
 PROMISES = []
+# What the run-time of a checked build, or of the language, says of a fault.
+COMPLAINTS = ("AddressSanitizer", "LeakSanitizer", "runtime error", "ThreadSanitizer", "terminate called",
+              "broken invariant")
+
+
+def complaints(text):
+    return [line for line in text.splitlines() if any(word in line for word in COMPLAINTS)][:20]
 
 
 def promise(name, text):
@@ -24,14 +32,19 @@ class Rung:
         self.options = options
         self.broken = []
 
-    def figure(self, what, value, target, unit="", at_least=False):
-        kept = value >= target if at_least else value <= target
+    def figure(self, what, value, target, unit="", at_least=False, busy=None):
+        """`busy`: what is accepted when others use the machine as well, or the build is a checked one."""
+        limit = target if busy is None else busy
+        kept = value >= limit if at_least else value <= limit
         relation = ">=" if at_least else "<="
-        shown = f"{value:.6g}" if isinstance(value, float) else str(value)
-        self._tell(kept, f"{what}: {shown}{unit} (target {relation} {target}{unit})")
+        shown = f"{value:.4g}" if isinstance(value, float) else str(value)
+        accepted = "" if busy is None else f", on a busy machine {busy:g}{unit}"
+        self._tell(kept, f"{what}: {shown}{unit} (target {relation} {target:g}{unit}{accepted})")
 
     def equal(self, what, value, target):
-        self._tell(value == target, f"{what}: {value} (target {target})")
+        kept = value == target
+        shown = value if not kept or len(str(value)) < 60 else "as it should be"
+        self._tell(kept, f"{what}: {shown}" + ("" if shown is not value else f" (target {target})"))
 
     def holds(self, what, condition):
         self._tell(bool(condition), what)
@@ -42,12 +55,17 @@ class Rung:
         print(f"      {'kept  ' if kept else 'BROKEN'} {line}", flush=True)
 
 
+def chosen(options):
+    known = [name for name, _, _ in PROMISES]
+    unknown = [name for name in options.promises if name not in known]
+    assert not unknown, f"there are no promises {unknown}, but {known}"
+    return [entry for entry in PROMISES if not options.promises or entry[0] in options.promises]
+
+
 def run(sandbox, options):
     """0 when every promise that was asked for was kept."""
-    chosen = [entry for entry in PROMISES if not options.promises or entry[0] in options.promises]
-    assert chosen, "no such promise"
     passed = failed = 0
-    for name, text, function in chosen:
+    for name, text, function in chosen(options):
         print(f"{name}  {text}", flush=True)
         start = time.monotonic()
         rung = Rung(sandbox, options)
@@ -56,16 +74,18 @@ def run(sandbox, options):
             function(rung)
         except Exception:  # the run goes on with the next promise
             rung.broken.append("an exception")
-            traceback.print_exc()
+            traceback.print_exc(file=sys.stdout)
         try:
             sandbox.stop()
         except Exception:
             rung.broken.append("the sandbox could not be cleared")
-            traceback.print_exc()
+            traceback.print_exc(file=sys.stdout)
+        log = sandbox.log()[mark:]
+        rung.equal("complaints of the daemon's run-time", complaints(log), [])
         seconds = time.monotonic() - start
         if rung.broken:
             failed += 1
-            print("      the daemon's log:", *sandbox.log()[mark:].splitlines()[-40:], sep="\n      | ", flush=True)
+            print("      the daemon's log:", *log.splitlines()[-40:], sep="\n      | ", flush=True)
         else:
             passed += 1
         print(f"      {'FAILED' if rung.broken else 'ok'} in {seconds:.1f} s", flush=True)

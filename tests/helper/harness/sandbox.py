@@ -17,8 +17,10 @@ SOCKET = "/run/dbus/system_bus_socket"
 HELPER = "/usr/local/libexec/vorli/vorli-helper"
 SERVICE_FILE = f"/usr/local/share/dbus-1/system-services/{NAME}.service"
 FOLDERS = ("/etc/xdg/autostart", "/etc/systemd/system", "/etc/systemd/user")
+LEVERS = ("/proc/sys/vm/drop_caches", "/proc/sys/vm/compact_memory")
 WORK = "/run/vorli-test"
 TOOLS = f"{WORK}/tools"
+SYNC_BEGINS = "sync begins\n"
 USERS = (*range(4001, 4021), *range(5001, 5301), 4000000000)
 CGROUP = "/sys/fs/cgroup"
 POLICY = "/usr/share/dbus-1/system.d/org.freedesktop.PolicyKit1.conf"
@@ -74,12 +76,20 @@ def command(*words, **options):
     return done.stdout
 
 
+def stuck_sync(milliseconds=None):
+    """The environment of a daemon whose writing back takes that long, or never ends. The log then has SYNC_BEGINS."""
+    words = [f"LD_PRELOAD={TOOLS}/libvorli_stuck_sync.so", "ASAN_OPTIONS=verify_asan_link_order=0"]
+    return words if milliseconds is None else [*words, f"VORLI_TEST_SYNC_MILLISECONDS={milliseconds}"]
+
+
 class Sandbox:
     """Made once per run; `restart` gives each promise a fresh bus, polkitd and daemon."""
 
-    def __init__(self, installed, tools):
+    def __init__(self, installed, tools, build="shipped", program=None):
         self.installed = installed  # the result of an installation with DESTDIR
         self.tools = tools
+        self.build = build
+        self.program = program  # of another build than the shipped one
         self.bus = None
         self.polkitd = None
         self.helper_log = f"{WORK}/helper.log"
@@ -100,6 +110,8 @@ class Sandbox:
             command("mount", "-t", "tmpfs", "-o", "mode=755", "tmpfs", folder)
         for name, text in kept.items():
             write(f"{actions}/{name}", text)
+        if os.path.exists("/dev/log"):  # so that the daemon's log is the bus's
+            command("mount", "--bind", "/dev/null", "/dev/log")
         os.makedirs("/run/dbus")
         os.makedirs(TOOLS)
         for tool in self.tools:
@@ -115,17 +127,21 @@ class Sandbox:
 
     def install(self):
         command("cp", "-a", f"{self.installed}/.", "/")
+        if self.program:
+            self.use_daemon(self.program)
 
     def set_service(self, arguments=(), environment=()):
-        """How the bus starts the daemon: the shipped command, with arguments behind or an environment before."""
+        """How the bus starts the daemon: the shipped command, with arguments behind and variables before it."""
         words = ["/usr/bin/env", *environment] if environment else []
+        if self.build == "tsan":  # which needs to find its memory where it expects it
+            words += ["/usr/bin/setarch", "-R"]
         shipped = open(f"{self.installed}{SERVICE_FILE}", encoding="utf-8").read()
         line = "Exec=" + " ".join([*words, HELPER, *arguments])
         lines = [line if old.startswith("Exec=") else old for old in shipped.splitlines()]
         write(SERVICE_FILE, "\n".join(lines) + "\n")
 
     def use_daemon(self, program):
-        """Another build of the daemon in the place of the shipped one, until the next `restart`."""
+        """Replaces the daemon's program as a package manager does."""
         shutil.copy(program, HELPER + ".new")
         os.rename(HELPER + ".new", HELPER)
 
@@ -199,11 +215,20 @@ class Sandbox:
             os.kill(pid, signal.SIGKILL)
         wait_for(lambda: not self.helper_pids(), 5, "the daemon has gone")
 
+    def terminate_helper(self):
+        """As a service manager would; its last words are in the log then."""
+        for pid in self.helper_pids():
+            os.kill(pid, signal.SIGTERM)
+        wait_for(lambda: not self.helper_pids(), 30, "the daemon has left", 0.02)
+
     def restart(self, arguments=(), environment=(), with_polkit=True, allow_everything=False):
         self.stop()
         self.install()
         self.set_service(arguments, environment)
         self.clear_folders()
+        for lever in LEVERS:
+            while os.path.ismount(lever):
+                command("umount", lever)
         if os.path.exists("/etc/polkit-1/rules.d/50-test.rules"):
             os.unlink("/etc/polkit-1/rules.d/50-test.rules")
         if allow_everything:
@@ -258,3 +283,11 @@ def write(path, text, mode=0o644):
     with open(path, "w", encoding="utf-8") as file:
         file.write(text)
     os.chmod(path, mode)
+
+
+def with_harmless_levers():
+    """Plain files for the memory levers until the next restart, where the work under them is not what is tested."""
+    for lever in LEVERS:
+        plain = f"{WORK}/{os.path.basename(lever)}"
+        write(plain, "", 0o600)
+        command("mount", "--bind", plain, lever)

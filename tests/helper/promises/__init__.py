@@ -1,3 +1,3 @@
 """What the daemon promises, one function each."""
 
-from . import authority, life, load, moves, rights  # noqa: F401
+from . import authority, confinement, contract, hostile, life, load, moves, rights, work  # noqa: F401

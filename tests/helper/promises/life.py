@@ -6,19 +6,22 @@ import signal
 
 from harness.calls import call, finish_call, finish_tool, start_call, start_tool, tool
 from harness.rung import promise
-from harness.sandbox import FOLDERS, HELPER, command, write
+from harness.sandbox import FOLDERS, HELPER, SYNC_BEGINS, stuck_sync, with_harmless_levers
 from harness.waiting import let_pass, wait_for
 
 
 @promise("P1", "No accepted call is lost when the helper goes idle or is told to stop")
 def no_call_is_lost(rung):
-    calls = 200000 if rung.options.long else 10000
-    rung.sandbox.restart(["--idle-milliseconds=3"], with_polkit=False)
-    figures = tool("hammer", calls, 6000, seconds=3600)
+    calls = 200000 if rung.options.long else 6000
+    rung.sandbox.restart(["--idle-milliseconds=2"], with_polkit=False)
+    mark = len(rung.sandbox.log())
+    figures = tool("hammer", calls, 4000, seconds=3600)
+    rung.figure("of which met a daemon that had to be started",
+                rung.sandbox.log()[mark:].count("Activating service name"), calls // 20, at_least=True)
     rung.equal(f"lost of {calls} calls around an idle exit", figures["lost"], 0)
 
     rung.sandbox.restart(with_polkit=False)
-    hammer = start_tool("hammer", calls // 4, 1000)
+    hammer = start_tool("hammer", calls // 3, 1000)
     dice = random.Random(1)
     stopped = 0
     while hammer.poll() is None:
@@ -26,39 +29,29 @@ def no_call_is_lost(rung):
             os.kill(pid, signal.SIGTERM)
             stopped += 1
         let_pass(dice.uniform(0.0, 0.03))
-    rung.equal(f"lost of {calls // 4} calls around {stopped} SIGTERMs", finish_tool(hammer)["lost"], 0)
-    rung.figure("daemons told to stop", stopped, 50, at_least=True)
+    rung.equal(f"lost of {calls // 3} calls around {stopped} SIGTERMs", finish_tool(hammer)["lost"], 0)
+    rung.figure("daemons told to stop", stopped, 15, at_least=True)
 
 
 @promise("P4", "It starts quickly")
 def starts_quickly(rung):
     rung.sandbox.restart(["--idle-milliseconds=1"], with_polkit=False)
     figures = tool("cold", 200)
-    rung.figure("cold start with its first ping, p50", figures["p50"] * 1000, 60, " ms")
-    rung.figure("cold start with its first ping, p99", figures["p99"] * 1000, 60, " ms")
+    rung.figure("cold start with its first ping, p50", figures["p50"] * 1000, 60, " ms", busy=600)
+    rung.figure("cold start with its first ping, p99", figures["p99"] * 1000, 60, " ms", busy=600)
 
 
 @promise("P5", "A killed helper is noticed and comes back")
 def comes_back(rung):
     rung.sandbox.restart(with_polkit=True)
-    with_harmless_levers(rung)
+    with_harmless_levers()
     rounds = 500
     figures = tool("killed", rounds, 4000)
     rung.figure("calls cut off by the kill", figures["cut_off"], 50, at_least=True)
-    rung.figure("told after, p99", figures["told_p99"] * 1000, 20, " ms")
-    rung.figure("told after, at most", figures["told_max"] * 1000, 250, " ms")
-    rung.figure("next call answered, p99", figures["back_p99"] * 1000, 60, " ms")
+    rung.figure("told after, p99", figures["told_p99"] * 1000, 20, " ms", busy=200)
+    rung.figure("told after, at most", figures["told_max"] * 1000, 250, " ms", busy=1000)
+    rung.figure("next call answered, p99", figures["back_p99"] * 1000, 60, " ms", busy=600)
     rung.equal(f"unanswered of {rounds}", figures["unanswered"], 0)
-
-
-def with_harmless_levers(rung):
-    """Plain files for the memory levers, where the work under them is not what is tested."""
-    del rung
-    for lever in ("drop_caches", "compact_memory"):
-        path = f"/proc/sys/vm/{lever}"
-        if not os.path.ismount(path):
-            write(f"/run/vorli-test/{lever}", "", 0o600)
-            command("mount", "--bind", f"/run/vorli-test/{lever}", path)
 
 
 @promise("P6", "A caller is never left without a word: stopped, removed and unreachable helpers")
@@ -83,7 +76,11 @@ def callers_get_a_word(rung):
     box.install()
     rung.holds("and is answered again when the program is back", call(box, "Ping").answered)
 
+    box.restart(with_polkit=False, environment=stuck_sync())
+    box.start_polkit()
+    mark = len(box.log())
     held = start_call(box, "PurgeMemory")
+    wait_for(lambda: SYNC_BEGINS in box.log()[mark:], 10, "the purge has begun")
     box.stop_bus()
     rung.holds("a caller on a bus that goes is told", not finish_call(held).answered)
     wait_for(lambda: not box.helper_pids(), 5, "the helper leaves with its bus")

@@ -48,7 +48,7 @@ def nothing_halfway(rung):
     items = make_items(4)
     kills = moved = 0
     dice = random.Random(7)
-    wanted = 50000 if rung.options.long else 5000
+    wanted = 50000 if rung.options.long else 1500
     while moved < wanted:
         load = start_tool("toggle", 40, 100, *items)
         while load.poll() is None:

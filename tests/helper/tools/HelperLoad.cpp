@@ -201,6 +201,7 @@ void cold(const Arguments& arguments) {
   for (int i = number(arguments, 0); i > 0; --i) {
     const auto deadline = Clock::now() + std::chrono::seconds(10);
     while (helperPid(bus) != 0 && Clock::now() < deadline) pauseFor(500);
+    if (helperPid(bus) != 0) giveUp("it does not leave");
     pauseFor(20'000);  // a service manager needs a moment to notice
     const auto start = Clock::now();
     requireAnswer(call(bus, "Ping"));

@@ -1,0 +1,147 @@
+"""Walls around the daemon."""
+
+import os
+import re
+import shutil
+import subprocess
+
+from harness.calls import call
+from harness.machine import Machine
+from harness.rung import promise
+from harness.sandbox import HELPER, WORK, command, write
+from harness.waiting import wait_for
+from promises.authority import STANDINS
+from promises.rights import Sleeper
+
+CAP_KILL = "0000000000000020"
+NEEDED = ("write-drop_caches", "write-compact_memory", "move-in-/etc/xdg/autostart", "move-in-/etc/systemd/system",
+          "move-in-/etc/systemd/user", "continue-another-users", "read-another-users-status", "unix-socket", "sync")
+FORBIDDEN = ("write-swappiness", "write-core_pattern", "write-passwd", "make-cron", "make-in-usr", "make-in-root",
+             "list-home", "inet-socket", "netlink-socket", "mount", "new-namespace", "change-user")
+
+
+def status(path):
+    with open(path, encoding="utf-8") as file:
+        return dict(line.rstrip("\n").split(":\t", 1) for line in file if ":\t" in line)
+
+
+def check_status(rung, found):
+    for field in ("CapPrm", "CapEff", "CapBnd"):
+        rung.equal(f"{field} of the daemon (capability to signal alone)", found[field].strip(), CAP_KILL)
+    for field in ("CapInh", "CapAmb"):
+        rung.equal(f"{field} of the daemon", found[field].strip(), "0" * 16)
+    rung.equal("no new privileges", found["NoNewPrivs"].strip(), "1")
+    rung.equal("umask", found["Umask"].strip(), "0077")
+
+
+@promise("P19", "Under the service manager, the walls are the shipped ones, and it lives within them")
+def walls_of_the_unit(rung):
+    box = rung.sandbox
+    machine = Machine(box)
+    try:
+        reply = machine.run(f"{WORK}/tools/vorli_helper_load", "call", "PurgeMemory")
+        rung.holds(f"a purge for real: {reply.split(' ', 3)[3].strip()}", reply.startswith("answer 0 "))
+        item = "/etc/systemd/user/item.service"
+        write(item, "x")
+        reply = machine.run(f"{WORK}/tools/vorli_helper_load", "call", "MoveLaunchAgentPlist", item,
+                            item + ".vorli-disabled")
+        rung.holds(f"a move for real: {reply.strip()}", reply.startswith("answer 0 ") and os.path.exists(item + ".vorli-disabled"))
+        entry = "/etc/xdg/autostart/item.desktop"
+        write(entry, "[Desktop Entry]\nExec=x\n")
+        reply = machine.run(f"{WORK}/tools/vorli_helper_load", "call", "MoveLaunchAgentPlist", entry,
+                            entry + ".vorli-disabled")
+        rung.holds(f"a desktop entry rewritten for real: {reply.strip()}", reply.startswith("answer 0 "))
+
+        pid = machine.helper_pid()
+        found = status(f"/proc/{machine.first}/root/proc/{pid}/status")
+        check_status(rung, found)
+        rung.equal("system calls filtered", found["Seccomp"].strip(), "2")
+        report = machine.run("systemd-analyze", "security", "--no-pager", "vorli-helper.service")
+        exposure = float(re.search(r"Overall exposure level for vorli-helper.service: ([0-9.]+)", report)[1])
+        rung.figure("exposure by the service manager's own scale", exposure, 1.5)
+        rung.holds("each request has its line in the journal", "method=PurgeMemory" in machine.journal())
+
+        probe_the_unit(rung, machine)
+        starts_and_ends(rung, machine)
+        foreign_environment(rung, machine)
+    finally:
+        machine.end()
+
+
+def probe_the_unit(rung, machine):
+    """The shipped unit with another program."""
+    other = subprocess.Popen(machine.enter("/usr/bin/setpriv", "--reuid=4002", "--regid=4002", "--clear-groups",
+                                           "/bin/sleep", "1000"))
+    inside = int(wait_for(lambda: machine.run("pgrep", "-u", "4002", "sleep", check=False).strip(), 5, "it sleeps"))
+    unit = machine.run("cat", "/usr/local/lib/systemd/system/vorli-helper.service")
+    unit = re.sub(r"(?m)^Type=dbus$", "Type=oneshot", unit)
+    unit = re.sub(r"(?m)^(BusName|NotifyAccess)=.*\n", "", unit)
+    shutil.copy(f"{STANDINS}/probe.py", WORK)
+    unit = re.sub(r"(?m)^ExecStart=.*$", f"ExecStart=/usr/bin/python3 -B {WORK}/probe.py {inside}", unit)
+    write(f"/proc/{machine.first}/root/run/systemd/system/probe.service", unit)
+    machine.run("systemctl", "daemon-reload")
+    machine.run("systemctl", "start", "probe.service", check=False)
+    lines = machine.run("journalctl", "-b", "-o", "cat", "-u", "probe.service").splitlines()
+    other.kill()
+    other.wait()
+    results = dict(line.rsplit(" ", 1) for line in lines if line.endswith((" possible", " refused")))
+    for name in NEEDED:
+        rung.equal(name, results.get(name), "possible")
+    for name in FORBIDDEN:
+        rung.equal(name, results.get(name), "refused")
+
+
+def starts_and_ends(rung, machine):
+    machine.set_arguments("--idle-milliseconds=1")
+    figures = machine.figures("cold", 30)
+    rung.figure("cold start with its first ping, p99", figures["p99"] * 1000, 250, " ms", busy=2500)
+    machine.set_arguments("--idle-milliseconds=20")
+    figures = machine.figures("hammer", 400, 40000)
+    rung.equal("lost of 400 calls around an idle exit", figures["lost"], 0)
+    machine.set_arguments()
+    figures = machine.figures("killed", 20, 3000)
+    rung.figure("killed: the next call answered, p99", figures["back_p99"] * 1000, 250, " ms", busy=2500)
+    rung.equal("unanswered of 20", figures["unanswered"], 0)
+
+
+def foreign_environment(rung, machine):
+    """Nothing that stands in the environment changes what the daemon does."""
+    folder = f"/proc/{machine.first}/root/run/systemd/system/vorli-helper.service.d"
+    names = ("DBUS_SYSTEM_BUS_ADDRESS", "DBUS_SESSION_BUS_ADDRESS", "DBUS_STARTER_ADDRESS", "DBUS_STARTER_BUS_TYPE",
+             "SYSTEMD_BUS_TIMEOUT", *found_names(HELPER))
+    write(f"{folder}/environment.conf",
+          "[Service]\n" + "".join(f"Environment={name}=system\n" for name in names))
+    machine.run("systemctl", "daemon-reload")
+    machine.run("systemctl", "stop", "vorli-helper.service")
+    reply = machine.run(f"{WORK}/tools/vorli_helper_load", "call", "Ping")
+    rung.holds(f"with {len(names)} variables set it serves the same bus", reply.startswith("answer"))
+    refused = machine.run("/usr/bin/setpriv", "--reuid=4001", "--regid=4001", "--clear-groups",
+                          f"{WORK}/tools/vorli_helper_load", "call", "MoveLaunchAgentPlist",
+                          "/etc/systemd/user/item.service.vorli-disabled", "/etc/systemd/user/item.service")
+    rung.holds("and refuses the same", refused.startswith("answer 200 "))
+
+
+def found_names(program):
+    """Whatever in the program looks like a variable of ours or the bus library's."""
+    text = command("/usr/bin/strings", program)
+    return sorted(set(re.findall(r"(?m)^(?:VORLI|DBUS|SDBUS|SD_BUS)_[A-Z_]+$", text)))
+
+
+@promise("P20", "Narrow without a service manager as well")
+def narrow_by_itself(rung):
+    box = rung.sandbox
+    box.restart(with_polkit=False)
+    call(box, "Ping")
+    pid = box.helper_pids()[0]
+    check_status(rung, status(f"/proc/{pid}/status"))
+    limits = open(f"/proc/{pid}/limits", encoding="utf-8").read()
+    rung.equal("core files", re.search(r"Max core file size\s+(\S+)\s+(\S+)", limits).groups(), ("0", "0"))
+    rung.equal("files", re.search(r"Max open files\s+(\S+)\s+(\S+)", limits).groups(), ("64", "64"))
+    # Its environment as it started is the bus's; what it can read of it is what it kept.
+    sleeper = Sleeper(box, 4002)
+    rung.holds("it still continues nobody else's processes",
+               call(box, "KillPID", sleeper.pid, 19, uid=4001).code == 1 and sleeper.is_stopped)
+    sleeper.end()
+    write("/etc/vorli-outside.desktop", "x")
+    reply = call(box, "MoveLaunchAgentPlist", "/etc/vorli-outside.desktop", "/etc/vorli-outside.desktop.vorli-disabled")
+    rung.equal("nothing outside is moved", reply.code, 1)
