@@ -40,10 +40,12 @@ rung_desktop() {
 
 rung_asan() {
   build asan && ctest_step "unit tests under AddressSanitizer" asan --label-exclude desktop
+  step "root daemon under AddressSanitizer" tests/helper/run --build asan
 }
 
 rung_tsan() {
   build tsan && ctest_step "unit tests under ThreadSanitizer" tsan --label-exclude desktop
+  step "root daemon under ThreadSanitizer" tests/helper/run --build tsan
 }
 
 rung_fuzz() {
