@@ -1,0 +1,132 @@
+#include "app/PopoverHost.h"
+
+#include "base/Animation.h"
+#include "base/Sleep.h"
+
+#include <utility>
+
+namespace vorli {
+namespace {
+
+// Until the content reports what it wants.
+constexpr ports::PopoverSize firstSize{270.0, 280.0};
+
+struct Timings {
+  static constexpr double unfurl = 0.34;
+  static constexpr double resize = 0.32;
+  static constexpr double rollUp = 0.22;
+  static constexpr double untilClosed = 0.24;  // from the start of the roll-up
+};
+
+constexpr CubicBezier unfurlCurve{0.22, 0.9, 0.28, 1.06};  // overshoots a little and settles
+constexpr CubicBezier rollUpCurve{0.55, 0.0, 0.78, 0.12};
+
+}  // namespace
+
+PopoverHost::PopoverHost(const PopoverHostNeeds& needs)
+    : scheduler_(needs.scheduler),
+      notifications_(needs.notifications),
+      popover_(needs.popover),
+      host_(needs.host),
+      helperManager_(needs.helperManager),
+      systemMonitor_(needs.systemMonitor),
+      tasks_(needs.scheduler) {}
+
+void PopoverHost::createPopover() {
+  popover_.setContentSize(firstSize);
+  popover_.setShouldCloseHandler([this] { return popoverShouldClose(); });
+  popover_.setDidShowHandler([this] { popoverDidShow(); });
+}
+
+void PopoverHost::observeContent() {
+  closeSubscription_ =
+      notifications_.observe<VorliClosePopover>([this](const auto&) { tasks_.spawn(close()); });
+  sizeSubscription_ = notifications_.observe<VorliPopoverSize>(
+      [this](const VorliPopoverSize& size) { tasks_.spawn(resize(size)); });
+}
+
+void PopoverHost::togglePopover() {
+  if (popover_.isShown()) {
+    popover_.performClose();
+    return;
+  }
+  setCadence(MonitorCadence::active);
+  systemMonitor_.refresh();
+  popover_.setContentSize({popover_.contentSize().width, popoverCollapsedHeight});
+  isUnfurlingNow_ = true;
+  if (!popover_.show()) {
+    isUnfurlingNow_ = false;
+    setCadence(MonitorCadence::idle);
+    return;
+  }
+  ++openings_;
+  notifications_.post(VorliAnimateAppear{});
+  eventMonitor_ = popover_.monitorPressesOutside([this] { closeIfShown(); });
+  helperManager_.refreshStatus();
+}
+
+bool PopoverHost::popoverShouldClose() {
+  if (std::exchange(allowImmediateClose_, false)) return true;
+  tasks_.spawn(rollUp());
+  return false;
+}
+
+// A popover of a program that is not the active one would get no keyboard.
+void PopoverHost::popoverDidShow() {
+  tasks_.spawn(takeFocus());
+}
+
+Task<> PopoverHost::takeFocus() {
+  host_.activateIgnoringOtherApps();
+  popover_.makeKey();
+  co_return;
+}
+
+Task<> PopoverHost::close() {
+  closeIfShown();
+  co_return;
+}
+
+void PopoverHost::closeIfShown() {
+  if (!popover_.isShown()) return;
+  popover_.performClose();
+  removeEventMonitor();
+  setCadence(MonitorCadence::idle);
+}
+
+Task<> PopoverHost::rollUp() {
+  const auto opening = openings_;
+  notifications_.post(VorliAnimateDismiss{});
+  isRollingUpNow_ = true;
+  const ports::PopoverSize strip{popover_.contentSize().width, popoverCollapsedHeight};
+  popover_.animateContentSize(strip, Animation::timingCurve(rollUpCurve, Timings::rollUp));
+  co_await sleepFor(scheduler_, Timings::untilClosed);
+  // Of two roll-ups the first closes; the second must not leave a pass behind, nor close what was opened
+  // since.
+  if (opening != openings_ || !popover_.isShown()) co_return;
+  allowImmediateClose_ = true;
+  popover_.performClose();
+  isRollingUpNow_ = false;
+  removeEventMonitor();
+  setCadence(MonitorCadence::idle);
+}
+
+Task<> PopoverHost::resize(VorliPopoverSize size) {
+  if (isRollingUpNow_) co_return;
+  const Animation animation = std::exchange(isUnfurlingNow_, false)
+                                  ? Animation::timingCurve(unfurlCurve, Timings::unfurl)
+                                  : Animation::standard(Timings::resize);
+  popover_.animateContentSize({size.width, size.height}, animation);
+}
+
+void PopoverHost::removeEventMonitor() {
+  eventMonitor_.reset();
+}
+
+void PopoverHost::setCadence(MonitorCadence cadence) {
+  if (systemMonitor_.cadence == cadence) return;
+  systemMonitor_.cadence = cadence;
+  systemMonitor_.restartTimer();
+}
+
+}  // namespace vorli

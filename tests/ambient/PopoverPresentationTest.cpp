@@ -1,0 +1,398 @@
+#include "ambient/PopoverView.h"
+#include "tests/polish/PolishFixture.h"
+
+namespace vorli {
+namespace {
+
+using Phase = PopoverView::PresentationPhase;
+using Segment = CulpritSentence::Segment;
+
+constexpr const char* breathingRoom = "Now, your Mac has room to breathe.";
+
+struct PopoverPresentationTest : PolishFixture {
+  PopoverPresentationTest() {
+    store.setObject("hasShownLaunchCeremony", true);
+    workspace.installed["/opt/notes"] = {.bundleIdentifier = "notes", .displayName = "Notes"};
+    showRing(0.1);
+  }
+
+  void appear() { notifications.post(VorliAnimateAppear{}); }
+  void dismiss() { notifications.post(VorliAnimateDismiss{}); }
+  void open() {
+    appear();
+    scheduler.advance(10.0);
+    heights.clear();
+  }
+  void showRing(double progress) {
+    monitor.ringProgress = progress;
+    scheduler.runReady();
+    view->animatedProgress = progress;
+    view->animatedState = ringState(progress);
+  }
+  void hog(const std::string& name, std::uint64_t bytes = 1) {
+    ProcessSnapshot row;
+    row.name = row.displayName = name;
+    row.residentBytes = bytes;
+    row.activationPolicy = ports::ActivationPolicy::regular;
+    auto rows = monitor.topMemoryHogs.get();
+    rows.push_back(row);
+    monitor.topMemoryHogs = rows;
+  }
+  void hogInFolder() {
+    ProcessSnapshot row;
+    row.name = "notes";
+    row.executablePath = "/opt/notes";
+    monitor.topMemoryHogs = std::vector{row};
+  }
+  double now() const { return scheduler.now(); }
+
+  std::vector<double> heights;
+  Subscription sizes = notifications.observe<VorliPopoverSize>([this](const VorliPopoverSize& size) {
+    EXPECT_EQ(size.width, 270.0);
+    heights.push_back(size.height);
+  });
+};
+
+TEST_F(PopoverPresentationTest, theContentUnfoldsOverATurnOfTheLoop) {
+  EXPECT_EQ(view->presentationPhase(), Phase::folded);
+  EXPECT_EQ(view->presentationOpacity(now()), 0.0);
+  appear();
+  EXPECT_EQ(view->presentationPhase(), Phase::folded);
+  EXPECT_EQ(heights, std::vector{240.0});
+  scheduler.runReady();
+  EXPECT_EQ(view->presentationPhase(), Phase::visible);
+  EXPECT_EQ(view->presentationOpacity(now()), 0.0);
+  EXPECT_NEAR(view->presentationOpacity(now() + 0.07), 0.684643, 1e-5);
+  EXPECT_EQ(view->presentationOpacity(now() + 0.14), 1.0);
+}
+
+TEST_F(PopoverPresentationTest, theContentIsGoneBeforeTheRollUpEnds) {
+  open();
+  dismiss();
+  EXPECT_EQ(view->presentationPhase(), Phase::folded);
+  EXPECT_NEAR(view->presentationOpacity(now() + 0.06), 1.0 - 0.315357, 1e-5);
+  EXPECT_EQ(view->presentationOpacity(now() + 0.12), 0.0);
+}
+
+TEST_F(PopoverPresentationTest, dismissingAFoldedViewChangesNothing) {
+  int changes = 0;
+  const auto watching = view->subscribeToContent([&] { ++changes; });
+  dismiss();
+  scheduler.runReady();
+  EXPECT_EQ(view->presentationPhase(), Phase::folded);
+  EXPECT_EQ(changes, 0);
+  EXPECT_EQ(view->motion(now()), PopoverMotion::none);
+}
+
+TEST_F(PopoverPresentationTest, everyOpeningFoldsFirstAndReportsTheSize) {
+  open();
+  appear();
+  EXPECT_EQ(view->presentationOpacity(now()), 0.0);
+  EXPECT_EQ(heights, std::vector{240.0});
+}
+
+TEST_F(PopoverPresentationTest, aDismissalInTheTurnOfTheOpeningWins) {
+  appear();
+  dismiss();
+  scheduler.runReady();
+  EXPECT_EQ(view->presentationPhase(), Phase::folded);
+}
+
+TEST_F(PopoverPresentationTest, theFirstOpeningOfAnInstallationFillsTheRing) {
+  store.values.erase("hasShownLaunchCeremony");
+  monitor.ringProgress = 0.6;
+  appear();
+  EXPECT_EQ(store.values["hasShownLaunchCeremony"], ports::StoredValue(true));
+  const double start = now();
+  EXPECT_EQ(view->animatedState.get(), RingState::warming);
+  EXPECT_EQ(view->ringProgress(start), 0.0);
+  scheduler.runReady();
+  EXPECT_NEAR(view->ringProgress(start + 0.8), 0.6 * 0.684643, 1e-5);
+  EXPECT_EQ(view->ringProgress(start + 1.6), 0.6);
+}
+
+TEST_F(PopoverPresentationTest, anOlderInstallationShowsTheValueAtOnce) {
+  monitor.ringProgress = 0.6;
+  appear();
+  EXPECT_EQ(view->ringProgress(now()), 0.6);
+  EXPECT_EQ(view->animatedState.get(), RingState::warming);
+}
+
+TEST_F(PopoverPresentationTest, theSecondOpeningHasNoCeremony) {
+  store.values.erase("hasShownLaunchCeremony");
+  open();
+  dismiss();
+  scheduler.advance(1.0);
+  monitor.ringProgress = 0.7;
+  scheduler.advance(1.0);
+  appear();
+  EXPECT_EQ(view->ringProgress(now()), 0.7);
+}
+
+TEST_F(PopoverPresentationTest, theRingIsAsTheLastClosingLeftItUntilTheFreshSampleMovesIt) {
+  open();
+  dismiss();
+  scheduler.advance(1.0);
+  monitor.ringProgress = 0.7;  // the sample of the opening
+  appear();
+  EXPECT_EQ(view->ringProgress(now()), 0.1);
+  scheduler.runReady();
+  EXPECT_NEAR(view->ringProgress(now() + 0.3), 0.4, 1e-6);
+}
+
+TEST_F(PopoverPresentationTest, theHaloBreathesFromTheFirstOpeningOn) {
+  EXPECT_EQ(view->haloBreath(now() + 3.0), 0.0);
+  appear();
+  const double start = now();
+  EXPECT_NEAR(view->haloBreath(start + 2.75), 0.5, 1e-6);
+  EXPECT_NEAR(view->haloBreath(start + 5.5), 1.0, 1e-6);
+  EXPECT_NEAR(view->haloBreath(start + 8.25), 0.5, 1e-6);
+  EXPECT_NEAR(view->haloBreath(start + 11.0), 0.0, 1e-6);
+  scheduler.advance(20.0);
+  appear();
+  EXPECT_NEAR(view->haloBreath(start + 27.5), 1.0, 1e-6);  // the same breath, five passes on
+}
+
+TEST_F(PopoverPresentationTest, theHeightLeavesRoomForWhatIsShown) {
+  EXPECT_EQ(view->desiredSize().height, 240.0);
+  view->postClearPercentage = 12;
+  EXPECT_EQ(view->desiredSize().height, 264.0);
+  view->postClearSentence = breathingRoom;
+  EXPECT_EQ(view->desiredSize().height, 304.0);
+  view->postClearPercentage = std::nullopt;
+  EXPECT_EQ(view->desiredSize().height, 304.0);
+  view->postClearSentence = std::nullopt;
+  hog("notes");
+  EXPECT_EQ(view->desiredSize().height, 240.0);
+  showRing(0.6);
+  EXPECT_EQ(view->desiredSize().height, 304.0);
+}
+
+TEST_F(PopoverPresentationTest, aSentenceAboutTheHelperHasTheLinkAndItsHeight) {
+  view->postClearSentence = "A gentle tidy. Couldn't reach the helper for a full polish.";
+  EXPECT_TRUE(view->showsOpenSettingsLink());
+  EXPECT_EQ(view->desiredSize().height, 304.0);
+}
+
+TEST_F(PopoverPresentationTest, aChangeOfTheHeightIsReportedOnce) {
+  open();
+  view->postClearSentence = breathingRoom;
+  EXPECT_TRUE(heights.empty());
+  scheduler.runReady();
+  EXPECT_EQ(heights, std::vector{304.0});
+  view->postClearSentence = "A gentle tidy.";
+  scheduler.runReady();
+  EXPECT_EQ(heights.size(), 1u);
+}
+
+TEST_F(PopoverPresentationTest, aPressThatTradesTheCulpritsForASentenceKeepsTheHeight) {
+  hog("notes");
+  showRing(0.9);
+  open();
+  setHelperStatus(2);
+  press();
+  EXPECT_EQ(view->postClearSentence.get(), "A gentle tidy. Approve Vorli in Login Items for a full polish.");
+  EXPECT_TRUE(heights.empty());
+}
+
+TEST_F(PopoverPresentationTest, aShutPopoverWorksOutNothing) {
+  open();
+  dismiss();
+  scheduler.advance(1.0);
+  int changes = 0;
+  const auto watching = view->subscribeToContent([&] { ++changes; });
+  const auto looks = workspace.looksAtPaths.size();
+  showRing(0.9);
+  for (int i = 0; i < 10; ++i) {
+    hogInFolder();
+    scheduler.advance(15.0);
+  }
+  EXPECT_EQ(workspace.looksAtPaths.size(), looks);
+  EXPECT_TRUE(heights.empty());
+  EXPECT_EQ(changes, 0);
+}
+
+TEST_F(PopoverPresentationTest, culpritsAreNamedWhenTheMacIsNotHealthy) {
+  hog("notes", 3);
+  hog("browser", 5);
+  EXPECT_TRUE(view->culpritSegments().empty());
+  showRing(0.6);
+  EXPECT_EQ(view->culpritSegments(),
+            (std::vector<Segment>{{Segment::Kind::app, "Browser"},
+                                  {Segment::Kind::text, " and "},
+                                  {Segment::Kind::app, "Notes"},
+                                  {Segment::Kind::text, " are using the most right now."}}));
+  view->isReleasing = true;
+  EXPECT_TRUE(view->culpritSegments().empty());
+  view->isReleasing = false;
+  EXPECT_FALSE(view->culpritSegments().empty());
+  view->postClearSentence = breathingRoom;
+  EXPECT_TRUE(view->culpritSegments().empty());
+}
+
+TEST_F(PopoverPresentationTest, culpritsAreWorkedOutOncePerChange) {
+  hogInFolder();
+  showRing(0.6);
+  const auto looks = workspace.looksAtPaths.size();
+  for (int i = 0; i < 5; ++i) static_cast<void>(view->culpritSegments());
+  const auto once = workspace.looksAtPaths.size();
+  view->hovered = true;
+  static_cast<void>(view->desiredSize());
+  EXPECT_EQ(workspace.looksAtPaths.size(), once);
+  EXPECT_GT(once, looks);
+}
+
+struct QuitConfirmationTest : PopoverPresentationTest {
+  QuitConfirmationTest() {
+    hog("notes");
+    workspace.add(41, SharedText("Notes"), SharedText("org.notes"));
+    showRing(0.9);
+    open();
+  }
+};
+
+TEST_F(QuitConfirmationTest, pressingANameAsks) {
+  EXPECT_EQ(view->quitQuestion(), std::nullopt);
+  view->culpritNamePressed("Notes");
+  EXPECT_EQ(view->confirmingQuitName().get(), "Notes");
+  EXPECT_EQ(view->quitQuestion(), "Quit Notes?");
+  EXPECT_EQ(view->quitConfirmation(now()), 0.0);
+  EXPECT_NEAR(view->quitConfirmation(now() + 0.1), 0.684643, 1e-5);
+  EXPECT_EQ(view->quitConfirmation(now() + 0.2), 1.0);
+  EXPECT_TRUE(workspace.terminated.empty());
+  scheduler.runReady();
+  EXPECT_TRUE(heights.empty());
+}
+
+TEST_F(QuitConfirmationTest, confirmingAsksTheApplicationAndTakesAFreshSample) {
+  const int samples = memory.statisticsReads;
+  view->culpritNamePressed("Notes");
+  view->quitConfirmed();
+  EXPECT_EQ(workspace.terminated, std::vector<std::int32_t>{41});
+  EXPECT_EQ(memory.statisticsReads, samples + 1);
+  EXPECT_EQ(view->quitQuestion(), std::nullopt);
+}
+
+TEST_F(QuitConfirmationTest, cancellingQuitsNothing) {
+  const int samples = memory.statisticsReads;
+  view->culpritNamePressed("Notes");
+  view->quitCancelled();
+  view->quitConfirmed();
+  EXPECT_EQ(view->quitQuestion(), std::nullopt);
+  EXPECT_TRUE(workspace.terminated.empty());
+  EXPECT_EQ(memory.statisticsReads, samples);
+}
+
+TEST_F(QuitConfirmationTest, theQuestionGoesWithItsCulprits) {
+  view->culpritNamePressed("Notes");
+  view->isReleasing = true;
+  scheduler.runReady();
+  EXPECT_EQ(view->quitQuestion(), std::nullopt);
+  view->isReleasing = false;
+  scheduler.runReady();
+  EXPECT_EQ(view->quitQuestion(), std::nullopt);
+}
+
+TEST_F(PopoverPresentationTest, theLinkOpensTheLoginItemsAndTheGearTheSettings) {
+  view->openSettingsLinkPressed();
+  EXPECT_EQ(service.calls.back(), "open login items");
+  view->gearPressed();
+  int opened = 0;
+  view->setGearHandler([&] { ++opened; });
+  view->gearPressed();
+  EXPECT_EQ(opened, 1);
+}
+
+TEST_F(PopoverPresentationTest, theDotsAnswerThePointerOnACalmRing) {
+  open();
+  view->hovered = true;
+  EXPECT_FALSE(view->reassuranceDots().isVisible());
+  scheduler.runReady();
+  EXPECT_TRUE(view->reassuranceDots().isVisible());
+  view->hovered = false;
+  scheduler.runReady();
+  EXPECT_FALSE(view->reassuranceDots().isVisible());
+}
+
+TEST_F(PopoverPresentationTest, theStatesColourFollowsProgressHourAndCalm) {
+  calendar.hour = 18;
+  showRing(0.3);
+  const Colour evening = view->stateColor(now());
+  EXPECT_NEAR(evening.red, 0.43176, 1e-6);
+  EXPECT_NEAR(evening.green, 0.708196, 1e-6);
+  EXPECT_NEAR(evening.blue, 0.565964, 1e-6);
+  clearState.calmIntensity = 1.0;
+  EXPECT_EQ(view->stateColor(now()), (Colour{0.423, 0.659, 0.643}));
+}
+
+TEST_F(PopoverPresentationTest, allChangesOfATurnAreToldOnce) {
+  open();
+  int changes = 0;
+  const auto watching = view->subscribeToContent([&] { ++changes; });
+  view->hovered = true;
+  view->postClearPercentage = 12;
+  view->postClearSentence = breathingRoom;
+  EXPECT_EQ(changes, 0);
+  scheduler.runReady();
+  EXPECT_EQ(changes, 1);
+}
+
+TEST_F(PopoverPresentationTest, itTellsWhenThereIsNothingToDraw) {
+  EXPECT_EQ(view->motion(now()), PopoverMotion::none);
+  appear();
+  scheduler.runReady();
+  EXPECT_EQ(view->motion(now()), PopoverMotion::full);
+  scheduler.advance(0.15);
+  EXPECT_EQ(view->motion(now()), PopoverMotion::breath);
+  dismiss();
+  EXPECT_EQ(view->motion(now()), PopoverMotion::full);
+  EXPECT_EQ(view->motion(now() + 0.12), PopoverMotion::none);
+  EXPECT_EQ(view->motion(now() + 1000.0), PopoverMotion::none);
+}
+
+TEST_F(PopoverPresentationTest, aPolishDrawsUntilItsLastMotionAndRestsWhileShut) {
+  showRing(0.9);
+  open();
+  press();
+  goTo(3.3);
+  EXPECT_EQ(view->motion(now()), PopoverMotion::full);
+  goTo(4.1);  // the ring's bounce is over
+  EXPECT_EQ(view->motion(now()), PopoverMotion::breath);
+  dismiss();
+  goTo(11.0);  // the ring rises, but nobody sees it
+  EXPECT_TRUE(view->animatedProgress.isMoving(now()));
+  EXPECT_EQ(view->motion(now()), PopoverMotion::none);
+}
+
+TEST_F(PopoverPresentationTest, reducedMotionKeepsTheStatesAndDropsTheMovement) {
+  motion.setReduced(true);
+  appear();
+  scheduler.advance(3.0);
+  EXPECT_EQ(view->haloBreath(now()), 0.0);
+  EXPECT_EQ(view->movement(), Movement::dropped);
+  EXPECT_EQ(view->motion(now()), PopoverMotion::none);
+  view->celebrationScale = 1.08;
+  EXPECT_EQ(view->ringScale(now()), 1.0);
+  showRing(0.9);
+  press();
+  EXPECT_FALSE(view->aurora(now() + 1.0).sparks);
+  EXPECT_EQ(view->aurora(now() + 1.0).warmCloud.scale, 1.0);
+  EXPECT_LT(view->aurora(now() + 1.0).warmCloud.opacity, 0.5);
+  EXPECT_EQ(view->ringProgress(now() + 1.85), 0.0);
+}
+
+TEST_F(PopoverPresentationTest, aWishForLessMovementIsHeardWhileOpen) {
+  open();
+  int changes = 0;
+  const auto watching = view->subscribeToContent([&] { ++changes; });
+  motion.setReduced(true);
+  scheduler.runReady();
+  EXPECT_EQ(changes, 1);
+  EXPECT_EQ(view->motion(now()), PopoverMotion::none);
+  // The calm still leaves, and its colour with it.
+  clearState.calmIntensity = 0.5;
+  EXPECT_EQ(view->motion(now()), PopoverMotion::breath);
+}
+
+}  // namespace
+}  // namespace vorli
