@@ -1,7 +1,27 @@
-// Prints what the workspace sees, one JSON object a line, and takes commands on standard input:
-// "list", "front", "windows", "at PATH", "quit PID", "end".
+// Prints what the workspace sees and what is concluded from it, one JSON object a line, and takes commands on
+// standard input:
+//   list, front, windows, at PATH      the workspace's answers
+//   look                               one tick of the monitor over the session's own processes
+//   quit PID, quit-name NAME, sweep    polite requests
+//   end
 
+#include "app/AppSettings.h"
+#include "base/Logger.h"
+#include "insights/CulpritFormatter.h"
+#include "insights/CulpritSentence.h"
+#include "insights/IdleAppTracker.h"
+#include "linux/ApplicationBundle.h"
+#include "linux/CPUCounters.h"
+#include "linux/KeyValueStore.h"
+#include "linux/MemoryCounters.h"
+#include "linux/PowerSources.h"
+#include "linux/ProcessTable.h"
+#include "linux/ThermalSensors.h"
 #include "linux/Workspace.h"
+#include "polish/AppQuitter.h"
+#include "posix/CalendarClock.h"
+#include "sampling/SystemMonitor.h"
+#include "tests/desktop/SessionProcesses.h"
 #include "ui/QtScheduler.h"
 
 #include <QCoreApplication>
@@ -15,15 +35,19 @@
 namespace vorli {
 namespace {
 
-QString text(const std::optional<SharedText>& value) {
-  return value ? QString::fromStdString(std::string(value->view())) : QString();
+QString text(std::string_view value) {
+  return QString::fromUtf8(value.data(), static_cast<qsizetype>(value.size()));
+}
+
+QJsonValue optionalText(const std::optional<SharedText>& value) {
+  return value ? QJsonValue(text(value->view())) : QJsonValue();
 }
 
 QJsonObject describe(const ports::RunningApplication& application) {
   static constexpr const char* policies[] = {"regular", "accessory", "prohibited"};
   return {{"pid", application.processIdentifier},
-          {"id", text(application.bundleIdentifier)},
-          {"name", text(application.localizedName)},
+          {"id", optionalText(application.bundleIdentifier)},
+          {"name", optionalText(application.localizedName)},
           {"policy", policies[static_cast<int>(application.activationPolicy)]},
           {"launched", application.launchDate ? application.launchDate->secondsSince1970 : 0.0}};
 }
@@ -33,47 +57,106 @@ void print(const QJsonObject& line) {
   std::fflush(stdout);
 }
 
-void answer(linuxhost::Workspace& workspace, const QByteArray& command) {
-  if (command == "list") {
-    QJsonArray list;
-    for (const auto& application : workspace.runningApplications()) list << describe(application);
-    print({{"list", list}});
-  } else if (command == "front") {
-    const auto front = workspace.frontmostApplication();
-    print({{"front", front ? QJsonValue(describe(*front)) : QJsonValue()}});
-  } else if (command == "windows") {
-    QJsonArray owners;
-    for (const auto pid : workspace.onScreenWindowOwnerPIDs().value_or(std::vector<std::int32_t>()))
-      owners << pid;
-    print({{"windows", owners}, {"visible", workspace.canSeeWindows()}});
-  } else if (command.startsWith("at ")) {
-    const auto application = workspace.applicationAt(command.mid(3).toStdString());
-    print({{"at", application ? QJsonValue(text(application->bundleIdentifier)) : QJsonValue()}});
-  } else if (command.startsWith("quit ")) {
-    print({{"asked", workspace.terminate(command.mid(5).toInt())}});
-  } else if (command == "end") {
-    QCoreApplication::quit();
+class Probe {
+ public:
+  Probe() {
+    Logger::setSink([](const LogRecord& record) { print({{"log", text(record.message)}}); });
+    for (const auto& [event, name] : {std::pair(ports::ApplicationEvent::activated, "activated"),
+                                      std::pair(ports::ApplicationEvent::launched, "launched"),
+                                      std::pair(ports::ApplicationEvent::terminated, "terminated")}) {
+      subscriptions_.push_back(workspace_.subscribe(event, [name](const auto& running) {
+        print({{"event", name}, {"application", describe(running)}});
+      }));
+    }
+    subscriptions_.push_back(workspace_.subscribeToSpaceChanges([] { print({{"event", "space"}}); }));
   }
-}
+  ~Probe() { Logger::setSink(nullptr); }
+
+  void answer(const QByteArray& command) {
+    const auto gap = command.indexOf(' ');
+    const auto word = gap < 0 ? command : command.left(gap);
+    const auto argument = gap < 0 ? QByteArray() : command.mid(gap + 1);
+    if (word == "list") {
+      QJsonArray list;
+      for (const auto& application : workspace_.runningApplications()) list << describe(application);
+      print({{"list", list}});
+    } else if (word == "front") {
+      const auto front = workspace_.frontmostApplication();
+      print({{"front", front ? QJsonValue(describe(*front)) : QJsonValue()}});
+    } else if (word == "windows") {
+      QJsonArray owners;
+      for (const auto pid : workspace_.onScreenWindowOwnerPIDs().value_or(std::vector<std::int32_t>()))
+        owners << pid;
+      print({{"windows", owners}, {"visible", workspace_.canSeeWindows()}});
+    } else if (word == "at") {
+      const auto application = workspace_.applicationAt(argument.toStdString());
+      print({{"at", application ? optionalText(application->bundleIdentifier) : QJsonValue()}});
+    } else if (word == "look") {
+      look();
+    } else if (word == "quit") {
+      print({{"asked", workspace_.terminate(argument.toInt())}});
+    } else if (word == "quit-name") {
+      print({{"asked", quitByName(workspace_, bundle_, argument.toStdString())}});
+    } else if (word == "sweep") {
+      quitHiddenApps(workspace_, bundle_);
+      print({{"swept", true}});
+    } else if (word == "end") {
+      QCoreApplication::quit();
+    }
+  }
+
+ private:
+  void look() {
+    monitor_.refresh();
+    QJsonArray orphans, idle;
+    for (const auto& orphan : monitor_.orphanHelpers.get()) {
+      orphans << QJsonObject{{"pid", orphan.pid},
+                             {"name", text(orphan.name)},
+                             {"parent", text(orphan.parentAppName.view())},
+                             {"id", optionalText(orphan.parentBundleID)}};
+    }
+    for (const auto& app : monitor_.idleApps.get()) {
+      idle << QJsonObject{{"id", text(app.bundleIdentifier.view())}, {"idleFor", app.idleFor}};
+    }
+    print({{"look", true}, {"culprits", culprits()}, {"orphans", orphans}, {"idle", idle}});
+  }
+
+  QJsonValue culprits() {
+    const auto data = formatter_.culpritData(monitor_.topMemoryHogs, RingState::warming);
+    if (!data) return {};
+    const CulpritSentence sentence(*data);
+    QString whole;
+    for (const auto& segment : sentence.segments()) whole += text(segment.text);
+    return whole;
+  }
+
+  ui::QtScheduler scheduler_;
+  posix::CalendarClock calendar_;
+  linuxhost::ApplicationBundle bundle_;
+  linuxhost::KeyValueStore defaults_{scheduler_, linuxhost::KeyValueStore::defaultFile()};
+  linuxhost::MemoryCounters memory_;
+  linuxhost::CPUCounters cpu_;
+  linuxhost::ThermalSensors thermal_;
+  linuxhost::PowerSources power_;
+  linuxhost::ProcessTable allProcesses_{calendar_};
+  desktop_tests::SessionProcesses processes_{allProcesses_};
+  linuxhost::Workspace workspace_{scheduler_};
+  AppSettings settings_{defaults_};
+  IdleAppTracker idleTracker_{scheduler_, calendar_, defaults_, workspace_};
+  SystemMonitor monitor_{
+      {scheduler_, calendar_, memory_, cpu_, thermal_, power_, processes_, workspace_, bundle_},
+      settings_,
+      idleTracker_};
+  CulpritFormatter formatter_{workspace_, ApplicationPaths(bundle_.homeDirectory())};
+  std::vector<Subscription> subscriptions_;
+};
 
 }  // namespace
 }  // namespace vorli
 
 int main(int argc, char** argv) {
-  using namespace vorli;
   const QCoreApplication application(argc, argv);
-  ui::QtScheduler scheduler;
-  linuxhost::Workspace workspace(scheduler);
-
-  std::vector<Subscription> subscriptions;
-  for (const auto& [event, name] : {std::pair(ports::ApplicationEvent::activated, "activated"),
-                                    std::pair(ports::ApplicationEvent::launched, "launched"),
-                                    std::pair(ports::ApplicationEvent::terminated, "terminated")}) {
-    subscriptions.push_back(workspace.subscribe(event, [name](const auto& running) {
-      print({{"event", name}, {"application", describe(running)}});
-    }));
-  }
-  subscriptions.push_back(workspace.subscribeToSpaceChanges([] { print({{"event", "space"}}); }));
+  vorli::Probe probe;
 
   QByteArray pending;
   QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);
@@ -83,10 +166,10 @@ int main(int argc, char** argv) {
     if (got <= 0) return QCoreApplication::quit();
     pending.append(piece, static_cast<int>(got));
     for (auto end = pending.indexOf('\n'); end >= 0; end = pending.indexOf('\n')) {
-      answer(workspace, pending.left(end));
+      probe.answer(pending.left(end));
       pending.remove(0, end + 1);
     }
   });
-  print({{"ready", true}});
+  vorli::print({{"ready", true}});
   return QCoreApplication::exec();
 }

@@ -1,16 +1,14 @@
 """running_apps.py PROGRAM: real applications of different make, and what the workspace sees of them."""
 
-import json
 import os
-import re
 import shutil
 import signal
 import subprocess
 import sys
-import threading
 import unittest
 
 from waiting import until
+from workspace_probe import Probe, activate, client_list, window_of, write
 
 PROGRAM = sys.argv[1]
 DATA = os.environ["XDG_DATA_HOME"]
@@ -53,13 +51,6 @@ application.run(sys.argv)
 """
 
 
-def write(path, text, mode=0o644):
-    os.makedirs(os.path.dirname(path), exist_ok=True)
-    with open(path, "w", encoding="utf-8") as file:
-        file.write(text)
-    os.chmod(path, mode)
-
-
 def add_entries():
     write(f"{DATA}/tools/window.py", WINDOW_SCRIPT)
     write(f"{DATA}/tools/service.py", SERVICE_SCRIPT)
@@ -75,66 +66,11 @@ def add_entries():
           f"[D-BUS Service]\nName=org.example.Activated\nExec=/usr/bin/python3 {DATA}/tools/service.py\n")
 
 
-class Probe:
-    """The test program; collects its lines on a thread of its own."""
-
-    def __init__(self):
-        self.process = subprocess.Popen([PROGRAM], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
-        self.lines = []
-        self.reader = threading.Thread(target=self.read, daemon=True)
-        self.reader.start()
-        until(lambda: any("ready" in line for line in self.lines), "the probe is ready")
-
-    def read(self):
-        for line in self.process.stdout:
-            self.lines.append(json.loads(line))
-
-    def ask(self, command, key):
-        seen = len(self.lines)
-        self.process.stdin.write(command + "\n")
-        self.process.stdin.flush()
-        return until(lambda: next((line for line in self.lines[seen:] if key in line), None), command)[key]
-
-    def running(self):
-        return {application["id"]: application for application in self.ask("list", "list")}
-
-    def wait_for(self, identifier):
-        return until(lambda: self.running().get(identifier), f"{identifier} is running")
-
-    def events(self, kind):
-        return [line["application"]["id"] for line in self.lines if line.get("event") == kind and "application" in line]
-
-    def front(self):
-        front = self.ask("front", "front")
-        return front["id"] if front else None
-
-    def close(self):
-        self.process.stdin.close()
-        self.process.wait(timeout=10)
-        self.reader.join(timeout=10)
-        self.process.stdout.close()
-
-
-def window_of(title):
-    found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title], capture_output=True, text=True)
-    return found.stdout.split()[0] if found.stdout.split() else None
-
-
-def client_list():
-    told = subprocess.run(["xprop", "-root", "_NET_CLIENT_LIST"], capture_output=True, text=True, check=True).stdout
-    return re.findall(r"0x[0-9a-f]+", told)
-
-
-def activate(title):
-    window = until(lambda: window_of(title), f"a window {title}")
-    subprocess.run(["xdotool", "windowactivate", window], check=False)
-
-
 class RunningApplications(unittest.TestCase):
     def setUp(self):
         add_entries()
         self.started = []
-        self.probe = Probe()
+        self.probe = Probe(PROGRAM)
 
     def tearDown(self):
         for application in self.probe.running().values():
@@ -251,7 +187,7 @@ class RunningApplications(unittest.TestCase):
         self.probe.wait_for("galculator")
         activate("galculator")
         until(lambda: self.probe.front() == "galculator", "it is frontmost")
-        late = Probe()
+        late = Probe(PROGRAM)
         self.addCleanup(late.close)
         self.assertEqual((late.wait_for("galculator")["name"], late.front()), ("Galculator", "galculator"))
         self.start("/usr/bin/python3", f"{DATA}/tools/window.py", "Script")

@@ -1,0 +1,80 @@
+"""What the tests of the workspace share: its probe, and the windows on the screen as other programs see them."""
+
+import json
+import os
+import re
+import subprocess
+import threading
+
+from waiting import until
+
+
+def write(path, text, mode=0o644):
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(text)
+    os.chmod(path, mode)
+
+
+class Probe:
+    """The probe of the workspace; collects its lines on a thread of its own."""
+
+    def __init__(self, program):
+        self.process = subprocess.Popen([program], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+        self.lines = []
+        self.reader = threading.Thread(target=self.read, daemon=True)
+        self.reader.start()
+        until(lambda: any("ready" in line for line in self.lines), "the probe is ready")
+
+    def read(self):
+        for line in self.process.stdout:
+            self.lines.append(json.loads(line))
+
+    def ask(self, command, key):
+        seen = len(self.lines)
+        self.process.stdin.write(command + "\n")
+        self.process.stdin.flush()
+        return until(lambda: next((line for line in self.lines[seen:] if key in line), None), command)[key]
+
+    def running(self):
+        return {application["id"]: application for application in self.ask("list", "list")}
+
+    def wait_for(self, identifier):
+        return until(lambda: self.running().get(identifier), f"{identifier} is running")
+
+    def events(self, kind):
+        return [line["application"]["id"] for line in self.lines if line.get("event") == kind and "application" in line]
+
+    def front(self):
+        front = self.ask("front", "front")
+        return front["id"] if front else None
+
+    def logged(self):
+        return [line["log"] for line in self.lines if "log" in line]
+
+    def look(self):
+        """One tick of the monitor: what was concluded from the session's processes."""
+        seen = len(self.lines)
+        self.ask("look", "look")
+        return next(line for line in self.lines[seen:] if "look" in line)
+
+    def close(self):
+        self.process.stdin.close()
+        self.process.wait(timeout=10)
+        self.reader.join(timeout=10)
+        self.process.stdout.close()
+
+
+def window_of(title):
+    found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title], capture_output=True, text=True)
+    return found.stdout.split()[0] if found.stdout.split() else None
+
+
+def client_list():
+    told = subprocess.run(["xprop", "-root", "_NET_CLIENT_LIST"], capture_output=True, text=True, check=True).stdout
+    return re.findall(r"0x[0-9a-f]+", told)
+
+
+def activate(title):
+    window = until(lambda: window_of(title), f"a window {title}")
+    subprocess.run(["xdotool", "windowactivate", window], check=False)
