@@ -147,7 +147,7 @@ SamplingBackEnds SamplingBackEnds::ofThisMachine() {
 }
 
 int runLinuxProgram(int argc, char** argv, SamplingBackEnds backEnds,
-                    std::function<void(SystemMonitor&)> watch) {
+                    std::function<void(const WatchedServices&)> watch) {
   linuxhost::SystemLog systemLog;
   Logger::setSink([&systemLog](const LogRecord& record) { systemLog.write(record); });
 
@@ -187,7 +187,7 @@ int runLinuxProgram(int argc, char** argv, SamplingBackEnds backEnds,
                        program.notifications.post(ApplicationDidBecomeActive{});
                    });
 
-  if (watch) watch(program.systemMonitor);
+  if (watch) watch({program.systemMonitor, program.suspendedAppsManager});
   program.delegate.applicationDidFinishLaunching();
   const int status = QApplication::exec();
   program.delegate.applicationWillTerminate();

@@ -11,6 +11,7 @@
 
 namespace vorli {
 
+class SuspendedAppsManager;
 class SystemMonitor;
 
 /// The back ends that the ring is computed from.
@@ -24,9 +25,15 @@ struct SamplingBackEnds {
   static SamplingBackEnds ofThisMachine();
 };
 
-/// Builds the Linux program on `backEnds` and runs it to its end. Returns the exit status. `watch` gets the
-/// monitor once everything is built and before the first sample.
+/// The services of the running program that a test looks at or changes.
+struct WatchedServices {
+  SystemMonitor& systemMonitor;
+  SuspendedAppsManager& suspendedAppsManager;
+};
+
+/// Builds the Linux program on `backEnds` and runs it to its end. Returns the exit status. `watch` is called
+/// once everything is built and before the first sample.
 int runLinuxProgram(int argc, char** argv, SamplingBackEnds backEnds,
-                    std::function<void(SystemMonitor&)> watch = nullptr);
+                    std::function<void(const WatchedServices&)> watch = nullptr);
 
 }  // namespace vorli

@@ -125,9 +125,11 @@ int main(int argc, char** argv) {
                           std::make_unique<TappedCPU>(std::move(real.cpu)),
                           std::make_unique<TappedThermal>(std::move(real.thermal)), std::move(real.power)};
   Subscription ring;
-  const int status = runLinuxProgram(argc, argv, std::move(tapped), [&ring, file](SystemMonitor& monitor) {
-    ring = monitor.ringProgress.subscribeToChanges([file](double progress) { writeTick(file, progress); });
-  });
+  const int status =
+      runLinuxProgram(argc, argv, std::move(tapped), [&ring, file](const WatchedServices& services) {
+        ring = services.systemMonitor.ringProgress.subscribeToChanges(
+            [file](double progress) { writeTick(file, progress); });
+      });
   std::fclose(file);
   return status;
 }
