@@ -32,11 +32,20 @@ AppDelegate::AppDelegate(const AppDelegateNeeds& needs)
       suspendedAppsManager_(needs.suspendedAppsManager),
       clearState_(needs.clearState),
       quietPolish_(needs.quietPolish),
-      tasks_(needs.scheduler) {}
+      edgeGlow_(needs.edgeGlow),
+      popoverServices_(needs.popoverServices),
+      popover_(needs.popover),
+      installContent_(needs.installContent),
+      tasks_(needs.scheduler) {
+  if (popover_)
+    popoverHost_.emplace(
+        PopoverHostNeeds{scheduler_, notifications_, *popover_, host_, helperManager_, systemMonitor_});
+}
 
 void AppDelegate::applicationDidFinishLaunching() {
   createStatusItem();
   updateStatusIcon();
+  if (popoverHost_) popoverHost_->createPopover();
 
   systemMonitor_.refresh();
   systemMonitor_.restartTimer();
@@ -51,6 +60,9 @@ void AppDelegate::applicationDidFinishLaunching() {
 
   subscribeToMonitorAndTheme();
   subscribeToMemory();
+  subscribeToSettings();
+  applyEdgeGlow();
+  mountPopoverContent();
 }
 
 AppDelegate::TerminateReply AppDelegate::applicationShouldTerminate() {
@@ -84,11 +96,31 @@ void AppDelegate::subscribeToMonitorAndTheme() {
   cancellables_.push_back(
       clearState_.calmIntensity.subscribeOnMainLoop(scheduler_, [this](double) { updateStatusIcon(); }));
   statusItem_.setAppearanceHandler([this] { updateStatusIcon(); });
+  if (popoverHost_) popoverHost_->observeContent();
 }
 
 void AppDelegate::subscribeToMemory() {
   cancellables_.push_back(systemMonitor_.memory.subscribeOnMainLoop(
       scheduler_, [this](const MemorySnapshot& memory) { quietPolish_.checkPressure(memory); }));
+}
+
+void AppDelegate::subscribeToSettings() {
+  cancellables_.push_back(
+      settings_.edgeGlow().subscribeOnMainLoop(scheduler_, [this](bool) { applyEdgeGlow(); }));
+}
+
+void AppDelegate::applyEdgeGlow() {
+  if (settings_.edgeGlow())
+    edgeGlow_.enable();
+  else
+    edgeGlow_.disable();
+}
+
+void AppDelegate::mountPopoverContent() {
+  if (!popover_) return;
+  popover_->setContentSize(PopoverHost::mountedSize);
+  popoverView_.emplace(popoverServices_);
+  if (installContent_) installContent_(*popoverView_);
 }
 
 void AppDelegate::updateStatusIcon() {
@@ -114,8 +146,7 @@ void AppDelegate::handleStatusClick(const ports::StatusClick& click) {
 }
 
 void AppDelegate::togglePopover() {
-  systemMonitor_.refresh();
-  helperManager_.refreshStatus();
+  if (popoverHost_ && statusItem_.hasButton()) popoverHost_->togglePopover();
 }
 
 std::vector<ports::MenuRow> AppDelegate::contextMenu() {

@@ -1,7 +1,10 @@
 #pragma once
 
 #include "ambient/ClearState.h"
+#include "ambient/EdgeGlowController.h"
+#include "ambient/PopoverView.h"
 #include "app/AppSettings.h"
+#include "app/PopoverHost.h"
 #include "base/NotificationCenter.h"
 #include "base/TaskScope.h"
 #include "helper/HelperManager.h"
@@ -11,11 +14,13 @@
 #include "ports/ApplicationHost.h"
 #include "ports/DesktopShell.h"
 #include "ports/KeyValueStore.h"
+#include "ports/PopoverWindow.h"
 #include "ports/StatusItem.h"
 #include "sampling/SystemMonitor.h"
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace vorli {
@@ -38,6 +43,11 @@ struct AppDelegateNeeds {
   SuspendedAppsManager& suspendedAppsManager;
   ClearState& clearState;
   QuietPolish& quietPolish;
+  EdgeGlowController& edgeGlow;
+  const PopoverServices& popoverServices;
+  ports::PopoverWindow* popover = nullptr;  // none: clicks only take a sample
+  /// Puts the view into the panel.
+  std::function<void(PopoverView&)> installContent = {};
 };
 
 /// The root object of the process: runs the launch sequence, holds the subscriptions that turn samples into
@@ -63,10 +73,16 @@ class AppDelegate {
 
   void updateStatusIcon();
 
+  /// The popover's content, from the end of the launch on.
+  PopoverView* popoverView() { return popoverView_ ? &*popoverView_ : nullptr; }
+
  private:
   void createStatusItem();
   void subscribeToMonitorAndTheme();
   void subscribeToMemory();
+  void subscribeToSettings();
+  void applyEdgeGlow();
+  void mountPopoverContent();
   std::vector<ports::MenuRow> contextMenu();
   void menuAbout();
   void showInfoAlert(const std::string& text);
@@ -85,6 +101,12 @@ class AppDelegate {
   SuspendedAppsManager& suspendedAppsManager_;
   ClearState& clearState_;
   QuietPolish& quietPolish_;
+  EdgeGlowController& edgeGlow_;
+  PopoverServices popoverServices_;
+  ports::PopoverWindow* popover_;
+  std::function<void(PopoverView&)> installContent_;
+  std::optional<PopoverHost> popoverHost_;
+  std::optional<PopoverView> popoverView_;
   std::vector<Subscription> cancellables_;
   TaskScope tasks_;
 };

@@ -8,9 +8,6 @@
 namespace vorli {
 namespace {
 
-// Until the content reports what it wants.
-constexpr ports::PopoverSize firstSize{270.0, 280.0};
-
 struct Timings {
   static constexpr double unfurl = 0.34;
   static constexpr double resize = 0.32;
@@ -33,7 +30,7 @@ PopoverHost::PopoverHost(const PopoverHostNeeds& needs)
       tasks_(needs.scheduler) {}
 
 void PopoverHost::createPopover() {
-  popover_.setContentSize(firstSize);
+  popover_.setContentSize(mountedSize);
   popover_.setShouldCloseHandler([this] { return popoverShouldClose(); });
   popover_.setDidShowHandler([this] { popoverDidShow(); });
 }

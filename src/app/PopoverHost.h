@@ -30,6 +30,8 @@ struct PopoverHostNeeds {
 class PopoverHost {
  public:
   static constexpr double popoverCollapsedHeight = 24.0;
+  /// Until the content reports what it wants.
+  static constexpr ports::PopoverSize mountedSize{270.0, 280.0};
 
   explicit PopoverHost(const PopoverHostNeeds& needs);
 

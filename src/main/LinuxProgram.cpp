@@ -1,15 +1,20 @@
 #include "main/LinuxProgram.h"
 
+#include "ambient/CelebrationGlowController.h"
 #include "ambient/ClearState.h"
+#include "ambient/EdgeGlowController.h"
+#include "ambient/PopoverView.h"
 #include "app/AppDelegate.h"
 #include "app/AppSettings.h"
 #include "helper/HelperManager.h"
+#include "insights/CulpritFormatter.h"
 #include "insights/IdleAppTracker.h"
 #include "insights/SuspendedAppsManager.h"
 #include "linux/ApplicationBundle.h"
 #include "linux/AudioOutputTap.h"
 #include "linux/CPUCounters.h"
 #include "linux/DesktopShell.h"
+#include "linux/Haptics.h"
 #include "linux/HelperNameWatch.h"
 #include "linux/HelperService.h"
 #include "linux/HelperTransport.h"
@@ -29,7 +34,9 @@
 #include "ui/ApplicationHost.h"
 #include "ui/QtScheduler.h"
 #include "ui/linux/DesktopAppearance.h"
+#include "ui/linux/GlowOverlay.h"
 #include "ui/linux/ManagerSelections.h"
+#include "ui/linux/MotionPreference.h"
 #include "ui/linux/PanelAppearance.h"
 #include "ui/linux/StatusItem.h"
 #include "ui/linux/X11Surroundings.h"
@@ -123,6 +130,11 @@ struct Program {
                                       qEnvironmentVariable("XDG_CURRENT_DESKTOP")};
   ui::StatusItem statusItem{scheduler, trayBus, selections, desktopAppearance, panelAppearance};
 
+  ui::MotionPreference motion{selections};
+  ui::GlowOverlay celebrationOverlay{scheduler, selections, nullptr};
+  ui::GlowOverlay edgeOverlay{scheduler, selections, nullptr};
+  linuxhost::Haptics haptics;
+
   HelperManager helperManager{scheduler, helperService, helperTransport, bundle};
   AppSettings settings{defaults};
   IdleAppTracker idleTracker{scheduler, *backEnds.calendar, defaults, workspace};
@@ -134,8 +146,30 @@ struct Program {
   ClearState clearState{scheduler};
   AudioActivityProbe audio{outputTap};
   QuietPolish quietPolish{scheduler, *backEnds.calendar, helperManager, systemMonitor, settings, audio};
-  AppDelegate delegate{{scheduler, notifications, defaults, bundle, statusItem, host, desktop, helperManager,
-                        systemMonitor, settings, suspendedAppsManager, clearState, quietPolish}};
+  CelebrationGlowController celebrationGlow{scheduler, celebrationOverlay};
+  EdgeGlowController edgeGlow{{scheduler, edgeOverlay, workspace, motion, systemMonitor, clearState}};
+  CulpritFormatter culpritFormatter{workspace, ApplicationPaths(bundle.homeDirectory())};
+  PopoverServices popoverServices{
+      .polish = {scheduler, notifications, systemMonitor, helperManager, settings, clearState,
+                 celebrationGlow, audio, haptics, workspace, bundle, *backEnds.memory, *backEnds.calendar},
+      .defaults = defaults,
+      .culpritFormatter = culpritFormatter,
+      .motion = motion};
+  AppDelegate delegate{{.scheduler = scheduler,
+                        .notifications = notifications,
+                        .defaults = defaults,
+                        .bundle = bundle,
+                        .statusItem = statusItem,
+                        .host = host,
+                        .desktop = desktop,
+                        .helperManager = helperManager,
+                        .systemMonitor = systemMonitor,
+                        .settings = settings,
+                        .suspendedAppsManager = suspendedAppsManager,
+                        .clearState = clearState,
+                        .quietPolish = quietPolish,
+                        .edgeGlow = edgeGlow,
+                        .popoverServices = popoverServices}};
 };
 
 }  // namespace

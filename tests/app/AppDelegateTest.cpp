@@ -7,11 +7,15 @@
 #include "tests/fakes/CalendarClock.h"
 #include "tests/fakes/CapturedLog.h"
 #include "tests/fakes/DesktopShell.h"
+#include "tests/fakes/GlowOverlay.h"
+#include "tests/fakes/Haptics.h"
 #include "tests/fakes/HelperService.h"
 #include "tests/fakes/HelperTransport.h"
 #include "tests/fakes/KeyValueStore.h"
 #include "tests/fakes/ManualScheduler.h"
 #include "tests/fakes/MemoryCounters.h"
+#include "tests/fakes/MotionPreference.h"
+#include "tests/fakes/PopoverWindow.h"
 #include "tests/fakes/PowerSources.h"
 #include "tests/fakes/ProcessTable.h"
 #include "tests/fakes/StatusItem.h"
@@ -55,12 +59,40 @@ struct AppDelegateTest : testing::Test {
   fakes::AudioOutputTap tap;
   AudioActivityProbe audio{tap};
   QuietPolish quietPolish{scheduler, calendar, helperManager, systemMonitor, settings, audio};
+  fakes::MotionPreference motion;
+  fakes::GlowOverlay celebrationOverlay, edgeOverlay;
+  fakes::Haptics haptics;
+  fakes::PopoverWindow popover;
+  CelebrationGlowController celebrationGlow{scheduler, celebrationOverlay};
+  EdgeGlowController edgeGlow{{scheduler, edgeOverlay, workspace, motion, systemMonitor, clearState}};
+  CulpritFormatter culpritFormatter{workspace, ApplicationPaths("/home/anna")};
+  PopoverServices popoverServices{
+      .polish = {scheduler, notifications, systemMonitor, helperManager, settings, clearState,
+                 celebrationGlow, audio, haptics, workspace, bundle, memory, calendar},
+      .defaults = defaults,
+      .culpritFormatter = culpritFormatter,
+      .motion = motion};
+  PopoverView* installed = nullptr;
   std::optional<AppDelegate> delegate;
 
   void launch() {
-    delegate.emplace(AppDelegateNeeds{scheduler, notifications, defaults, bundle, statusItem, host, desktop,
-                                      helperManager, systemMonitor, settings, suspendedAppsManager,
-                                      clearState, quietPolish});
+    delegate.emplace(AppDelegateNeeds{.scheduler = scheduler,
+                                      .notifications = notifications,
+                                      .defaults = defaults,
+                                      .bundle = bundle,
+                                      .statusItem = statusItem,
+                                      .host = host,
+                                      .desktop = desktop,
+                                      .helperManager = helperManager,
+                                      .systemMonitor = systemMonitor,
+                                      .settings = settings,
+                                      .suspendedAppsManager = suspendedAppsManager,
+                                      .clearState = clearState,
+                                      .quietPolish = quietPolish,
+                                      .edgeGlow = edgeGlow,
+                                      .popoverServices = popoverServices,
+                                      .popover = &popover,
+                                      .installContent = [this](PopoverView& view) { installed = &view; }});
     delegate->applicationDidFinishLaunching();
   }
   void setPressure(std::int32_t level) { memory.pressure.kernelLevel = level; }
@@ -309,6 +341,65 @@ TEST_F(AppDelegateTest, endingStopsTheTimerAndTheReactions) {
   clearState.calmIntensity = 0.5;
   scheduler.advance(60.0);
   EXPECT_EQ(statusItem.pictures.size(), pictures);
+}
+
+TEST_F(AppDelegateTest, theLaunchMakesThePopoverAndPutsItsContentIn) {
+  launch();
+  EXPECT_FALSE(popover.shown);
+  EXPECT_EQ(popover.size, (ports::PopoverSize{270.0, 280.0}));
+  ASSERT_NE(installed, nullptr);
+  EXPECT_EQ(installed, delegate->popoverView());
+  EXPECT_FALSE(defaults.values.contains("hasShownLaunchCeremony"));
+}
+
+TEST_F(AppDelegateTest, aPlainClickOpensThePopoverAndTheNextOneClosesIt) {
+  launch();
+  statusItem.click();
+  EXPECT_TRUE(popover.shown);
+  scheduler.advance(1.0);
+  EXPECT_EQ(popover.size, (ports::PopoverSize{270.0, 240.0}));
+  EXPECT_TRUE(defaults.values.contains("hasShownLaunchCeremony"));
+  statusItem.click();
+  scheduler.advance(0.25);
+  EXPECT_FALSE(popover.shown);
+  EXPECT_EQ(installed, delegate->popoverView());
+}
+
+TEST_F(AppDelegateTest, menuClicksLeaveThePopoverShut) {
+  launch();
+  statusItem.click(Button::right);
+  statusItem.click(Button::left, Control::held);
+  EXPECT_FALSE(popover.shown);
+}
+
+TEST_F(AppDelegateTest, withoutAButtonThereIsNothingToHangThePopoverOn) {
+  statusItem.buttonAvailable = false;
+  launch();
+  delegate->togglePopover();
+  EXPECT_FALSE(popover.shown);
+  EXPECT_TRUE(systemMonitor.cadence == MonitorCadence::idle);
+}
+
+TEST_F(AppDelegateTest, theEdgeGlowFollowsItsSetting) {
+  launch();
+  EXPECT_FALSE(edgeGlow.enabled());
+  settings.setEdgeGlow(true);
+  scheduler.runReady();
+  EXPECT_TRUE(edgeGlow.enabled());
+  settings.setEdgeGlow(true);
+  scheduler.runReady();
+  EXPECT_EQ(edgeOverlay.builds, std::vector{100.0});
+  settings.setEdgeGlow(false);
+  scheduler.runReady();
+  EXPECT_FALSE(edgeGlow.enabled());
+}
+
+TEST_F(AppDelegateTest, anEdgeGlowThatIsSetIsThereFromTheLaunchOn) {
+  settings.setEdgeGlow(true);
+  launch();
+  EXPECT_TRUE(edgeGlow.enabled());
+  scheduler.runReady();
+  EXPECT_EQ(edgeOverlay.builds.size(), 1u);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <QtEndian>
 #include <cstdint>
+#include <variant>
 
 namespace vorli::ui {
 namespace {
@@ -48,9 +49,10 @@ class Reader {
   bool broken_ = false;
 };
 
-}  // namespace
+using Value = std::variant<std::int32_t, std::string_view>;
 
-std::optional<std::string> xSettingsText(const QByteArray& bytes, std::string_view name) {
+// The value of that name; a colour is none.
+std::optional<Value> find(const QByteArray& bytes, std::string_view name) {
   Reader reader(bytes);
   reader.take(3);
   reader.number<std::uint32_t>();  // serial
@@ -61,24 +63,37 @@ std::optional<std::string> xSettingsText(const QByteArray& bytes, std::string_vi
     const auto nameLength = reader.number<std::uint16_t>();
     const auto settingName = reader.padded(nameLength);
     reader.number<std::uint32_t>();  // serial of the last change
+    Value value = 0;
     switch (type) {
       case integer:
-        reader.take(4);
+        value = reader.number<std::int32_t>();
         break;
       case colour:
         reader.take(8);
+        continue;
+      case text:
+        value = reader.padded(reader.number<std::uint32_t>());
         break;
-      case text: {
-        const auto length = reader.number<std::uint32_t>();
-        const auto value = reader.padded(length);
-        if (settingName == name && !reader.broken()) return std::string(value);
-        break;
-      }
       default:
         return std::nullopt;
     }
+    if (settingName == name && !reader.broken()) return value;
   }
   return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<std::string> xSettingsText(const QByteArray& bytes, std::string_view name) {
+  const auto value = find(bytes, name);
+  const auto* text = value ? std::get_if<std::string_view>(&*value) : nullptr;
+  return text ? std::optional<std::string>(*text) : std::nullopt;
+}
+
+std::optional<std::int32_t> xSettingsNumber(const QByteArray& bytes, std::string_view name) {
+  const auto value = find(bytes, name);
+  const auto* number = value ? std::get_if<std::int32_t>(&*value) : nullptr;
+  return number ? std::optional<std::int32_t>(*number) : std::nullopt;
 }
 
 }  // namespace vorli::ui

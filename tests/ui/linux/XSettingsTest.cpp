@@ -110,5 +110,23 @@ TEST(XSettingsTest, damagedBytesAreNeverReadPastTheirEnd) {
   }
 }
 
+TEST(XSettingsTest, findsANumberInBothOrders) {
+  for (const auto order : {Order::little, Order::big}) {
+    const auto bytes = Settings(order)
+                           .colour("Gtk/Background")
+                           .integer("Gtk/EnableAnimations", 0)
+                           .text("Net/ThemeName", "Dusk")
+                           .integer("Xft/DPI", 98304)
+                           .bytes();
+    EXPECT_EQ(xSettingsNumber(bytes, "Gtk/EnableAnimations"), 0);
+    EXPECT_EQ(xSettingsNumber(bytes, "Xft/DPI"), 98304);
+    EXPECT_EQ(xSettingsNumber(bytes, "Net/ThemeName"), std::nullopt);
+    EXPECT_EQ(xSettingsText(bytes, "Xft/DPI"), std::nullopt);
+    EXPECT_EQ(xSettingsNumber(bytes, "Gtk/Background"), std::nullopt);
+    EXPECT_EQ(xSettingsNumber(bytes, "Xft/Antialias"), std::nullopt);
+    EXPECT_EQ(xSettingsNumber(bytes.left(bytes.size() - 1), "Xft/DPI"), std::nullopt);
+  }
+}
+
 }  // namespace
 }  // namespace vorli::ui
