@@ -13,7 +13,7 @@ pictures=$PWD/build/pictures
 # prepare_installed PRESET: installs that build where any user can read it, together with the tests.
 prepare_installed() {
   stage=$(mktemp -d /tmp/vorli-test.XXXXXX) && trap 'rm -rf "$stage"' EXIT || return
-  mkdir "$stage"/{prefix,tools,tests,pictures} && rm -rf "$pictures" && mkdir -p "$pictures" || return
+  mkdir "$stage"/{prefix,tools,tests,pictures} || return
   cp -r tools/session tools/*.py "$stage/tools/" && cp -r tests/desktop "$stage/tests/" || return
   chmod 755 "$stage" && chmod 1777 "$stage/pictures" && cmake --install "build/$1" --prefix "$stage/prefix"
 }
@@ -46,10 +46,11 @@ run_installed() {
   return $status
 }
 
-# One sheet with every picture that the rung left, so that a look at one file shows all states.
+# One sheet with every picture that the rung left, so that a look at one file shows all states; of those in a folder
+# "states" there are sheets already.
 contact_sheet() {
   local files
-  mapfile -t files < <(find "$pictures" -name '*.png' ! -name contact-sheet.png | sort)
+  mapfile -t files < <(find "$pictures" -name '*.png' ! -name contact-sheet.png ! -path '*/states/*' | sort)
   [ ${#files[@]} -gt 0 ] || return 1
   (cd "$pictures" && montage -label '%d/%t' "${files[@]#"$pictures/"}" -tile 4x -geometry '420x300>+10+10' \
     -background '#f4f2ee' contact-sheet.png)

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# shellcheck disable=SC2154  # stage comes from installed.sh
+# shellcheck disable=SC2154  # stage and pictures come from installed.sh
 # What each rung of the test command does. Sourced by ./test.
 
 rung_static() {
@@ -29,6 +29,7 @@ rung_helper() {
 # The tests that bring their own programs and sessions are known to ctest; the others drive the installed program.
 rung_desktop() {
   local name file options
+  rm -rf "$pictures" && mkdir -p "$pictures"
   build dev && ctest_step "parts in a desktop" dev --label-regex desktop --parallel 1
   build package && must "install for the tests" prepare_installed package || return
   step "packaging" tools/testing/check_packaging.sh "$stage/prefix"

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "ambient/AuroraField.h"
+#include "base/Colour.h"
+
+#include <array>
+
+namespace vorli::ui {
+
+/// A colour with its components multiplied by the opacity.
+struct Premultiplied {
+  float red = 0.0F, green = 0.0F, blue = 0.0F, alpha = 0.0F;
+
+  static Premultiplied of(const Colour& colour, double opacity);
+  Premultiplied operator*(float share) const {
+    return {red * share, green * share, blue * share, alpha * share};
+  }
+  Premultiplied operator+(const Premultiplied& other) const {
+    return {red + other.red, green + other.green, blue + other.blue, alpha + other.alpha};
+  }
+  /// This one laid over `below`.
+  Premultiplied over(const Premultiplied& below) const { return *this + below * (1.0F - alpha); }
+};
+
+/// A round light as its colour along the radius, in 25 equal stops up to `end` points from the centre.
+class RadialProfile {
+ public:
+  static constexpr int intervals = 24;
+
+  /// A radial gradient, blurred by a bell curve of that deviation: what comes out is round
+  /// again, so that no picture is ever blurred. g(r) is the integral of
+  /// f(s) s / d^2 exp(-(r^2 + s^2) / (2 d^2)) I0(r s / d^2) over s.
+  static RadialProfile blurred(const AuroraGradient& gradient, double deviation);
+
+  double end() const { return end_; }
+  const Premultiplied& stop(int index) const { return stops_[static_cast<std::size_t>(index)]; }
+  /// Nothing beyond the end.
+  Premultiplied at(double radius) const;
+
+ private:
+  double end_ = 0.0;
+  std::array<Premultiplied, intervals + 1> stops_{};
+};
+
+}  // namespace vorli::ui

@@ -1,0 +1,112 @@
+#pragma once
+
+#include "ambient/AuroraField.h"
+#include "base/Colour.h"
+#include "ui/WindowPalette.h"
+
+#include <QList>
+#include <QString>
+#include <array>
+#include <optional>
+#include <vector>
+
+namespace vorli::ui {
+
+/// How far a control has gone towards a state, 0 to 1 each. A press may overshoot, as its spring does.
+struct ControlPicture {
+  double hover = 0.0;
+  double press = 0.0;
+  bool focused = false;
+
+  bool operator==(const ControlPicture&) const = default;
+};
+
+/// The ring and what stands in it, without the light behind.
+struct RingPicture {
+  double progress = 0.0;
+  Colour stateColour;
+  double scale = 1.0;
+  double lens = 0.45;  // presence of the glass: 1 where a press would polish
+  bool canPolish = false;
+  ControlPicture button;
+  double labelOpacity = 1.0;
+  struct Dot {
+    double opacity = 0.0, scale = 1.0;
+    bool operator==(const Dot&) const = default;
+  };
+  std::array<Dot, 12> dots{};
+  double dotsScale = 1.0;
+
+  bool operator==(const RingPicture&) const = default;
+};
+
+/// A piece of the culprit sentence: plain text, or a name that can be pressed.
+struct CulpritPiece {
+  enum class Kind { text, name };
+  Kind kind;
+  QString text;
+
+  bool operator==(const CulpritPiece&) const = default;
+};
+
+struct SentencePicture {
+  QString text;
+  double opacity = 1.0;
+  bool operator==(const SentencePicture&) const = default;
+};
+
+struct CulpritPicture {
+  QList<CulpritPiece> pieces;
+  std::vector<ControlPicture> names;  // of each name, in order
+  double opacity = 1.0;
+  bool operator==(const CulpritPicture&) const = default;
+};
+
+struct QuitPicture {
+  QString name;
+  ControlPicture cancel, quit;
+  double opacity = 1.0;
+  bool operator==(const QuitPicture&) const = default;
+};
+
+struct BannerPicture {
+  QString text;
+  double opacity = 1.0;
+  bool operator==(const BannerPicture&) const = default;
+};
+
+struct LinkPicture {
+  ControlPicture control;
+  double opacity = 1.0;
+  bool operator==(const LinkPicture&) const = default;
+};
+
+/// Everything with words, and the gear.
+struct WordsPicture {
+  double headlineTop = 175.0;
+  SentencePicture sentence;
+  std::optional<CulpritPicture> culprits;
+  std::optional<QuitPicture> quit;
+  std::optional<BannerPicture> banner;
+  std::optional<LinkPicture> link;
+  ControlPicture gear;
+
+  bool operator==(const WordsPicture&) const = default;
+};
+
+/// All that the popover shows at one moment. Lengths in points; the origin is the upper left corner of the
+/// content, which is the card's while no unfurl runs.
+struct PopoverPicture {
+  Appearance appearance = Appearance::light;
+  double cardTop = 0.0;
+  double cardHeight = 240.0;
+  double ringCentreY = 96.0;
+  double calmIntensity = 0.0;
+  double haloBreath = 0.5;
+  AuroraPicture aurora;  // its opacities with the calm, as the model gives them
+  RingPicture ring;
+  WordsPicture words;
+  double contentOpacity = 1.0;  // of all but the card and the aurora
+};
+
+}  // namespace vorli::ui

@@ -1,0 +1,96 @@
+#include "ui/popover/RingLight.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace vorli::ui {
+namespace {
+
+struct HaloStop {
+  double position, opacity;
+};
+constexpr double haloRadius = 96.0;
+constexpr std::array haloStops{HaloStop{0.0, 0.0},   HaloStop{0.34, 0.0},  HaloStop{0.44, 0.35},
+                               HaloStop{0.52, 0.85}, HaloStop{0.57, 1.0},  HaloStop{0.63, 0.72},
+                               HaloStop{0.72, 0.34}, HaloStop{0.84, 0.10}, HaloStop{1.0, 0.0}};
+
+double haloAt(double position) {
+  for (std::size_t i = 1; i < haloStops.size(); ++i) {
+    const auto &from = haloStops[i - 1], &to = haloStops[i];
+    if (position < to.position) {
+      return from.opacity +
+             (to.opacity - from.opacity) * (position - from.position) / (to.position - from.position);
+    }
+  }
+  return 0.0;
+}
+
+constexpr double invisible = 0.002;  // half a step of 255 at the most
+
+// Steps of half a point of blur are finer than those of one frame.
+const RadialProfile& profileOf(std::map<int, RadialProfile>& known, const AuroraLayer& layer) {
+  const int key = static_cast<int>(std::lround(layer.blur * 2.0));
+  auto found = known.find(key);
+  // The deviation of the bell curve is half the radius of the blur.
+  if (found == known.end()) {
+    found = known.emplace(key, RadialProfile::blurred(layer.gradient, key / 4.0)).first;
+  }
+  return found->second;
+}
+
+}  // namespace
+
+const std::vector<Premultiplied>& RingLight::sample(const PopoverPicture& picture) {
+  const auto& palette = PopoverPalette::of(picture.appearance);
+  samples_.clear();
+  addCloud(picture.aurora.warmCloud, palette.cloudShare);
+  add(blooms_, picture.aurora.bloom, palette.bloomShare);
+  add(leaks_, picture.aurora.leak, 1.0);
+  addHalo(picture, palette);
+  return samples_;
+}
+
+// The cloud's colour changes with the ring, its form does not: what is kept is white.
+void RingLight::addCloud(const AuroraLayer& layer, double share) {
+  const Colour colour = layer.gradient.stops.front().colour;
+  AuroraLayer white = layer;
+  for (auto& stop : white.gradient.stops) stop.colour = Colour{1.0, 1.0, 1.0, stop.colour.alpha};
+  const double opacity = layer.opacity * share;
+  if (opacity > invisible) lay(profileOf(clouds_, white), layer.scale, opacity, &colour);
+}
+
+void RingLight::add(Profiles& known, const AuroraLayer& layer, double share) {
+  const double opacity = layer.opacity * share;
+  if (opacity > invisible) lay(profileOf(known, layer), layer.scale, opacity, nullptr);
+}
+
+void RingLight::lay(const RadialProfile& profile, double scale, double opacity, const Colour* tint) {
+  const double reach = profile.end() * scale;
+  const auto count = static_cast<std::size_t>(std::ceil(reach * samplesPerPoint));
+  if (samples_.size() < count) samples_.resize(count);
+  const auto share = static_cast<float>(opacity);
+  for (std::size_t i = 0; i < count; ++i) {
+    Premultiplied light = profile.at((static_cast<double>(i) + 0.5) / samplesPerPoint / scale) * share;
+    if (tint) light = Premultiplied::of(*tint, light.alpha);
+    samples_[i] = light.over(samples_[i]);
+  }
+}
+
+void RingLight::addHalo(const PopoverPicture& picture, const PopoverPalette& palette) {
+  constexpr double growth = 0.035, steady = 0.72, breathing = 0.28, underPointer = 0.08, heldByCalm = 0.35;
+  const double breath = picture.haloBreath;
+  const double hover = picture.ring.canPolish ? underPointer * picture.ring.button.hover : 0.0;
+  const double strength = (palette.haloStrength * (steady + breathing * breath) + hover) *
+                          (1.0 - heldByCalm * picture.calmIntensity) * picture.contentOpacity;
+  if (strength <= invisible) return;
+  const double reach = haloRadius * (1.0 + growth * breath) * picture.ring.scale;
+  const auto count = static_cast<std::size_t>(std::ceil(reach * samplesPerPoint));
+  if (samples_.size() < count) samples_.resize(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    const double opacity = haloAt((static_cast<double>(i) + 0.5) / samplesPerPoint / reach) * strength;
+    samples_[i] = Premultiplied::of(picture.ring.stateColour, opacity).over(samples_[i]);
+  }
+}
+
+}  // namespace vorli::ui

@@ -1,0 +1,165 @@
+#include "ui/popover/RingPainter.h"
+
+#include "base/Animated.h"
+#include "ui/QtColour.h"
+#include "ui/popover/PopoverLayout.h"
+#include "ui/popover/RingArc.h"
+#include "ui/popover/TextStyle.h"
+
+#include <QLinearGradient>
+#include <QPainter>
+#include <cmath>
+#include <numbers>
+
+namespace vorli::ui {
+namespace {
+
+using Metrics = PopoverMetrics;
+
+constexpr double lensShrink = 0.025;    // of the lens and its word, when held down
+constexpr double labelBaseline = 4.75;  // below the centre: half the height of a capital
+constexpr double beadRadius = 1.5, beadFrom = 0.03;
+constexpr double tailPaleness = 0.42;
+constexpr double focusRadius = 45.5, focusWidth = 2.0;
+constexpr double dotsRadius = 15.0, dotDiameter = 2.2;
+
+// Mixes colour and opacity apart, which keeps the brown of a white-to-brown rim.
+QBrush vertical(double halfHeight, const Colour& top, const Colour& bottom) {
+  constexpr int parts = 8;
+  QLinearGradient gradient(0.0, -halfHeight, 0.0, halfHeight);
+  for (int i = 0; i <= parts; ++i) {
+    const double share = static_cast<double>(i) / parts;
+    gradient.setColorAt(share, qtColour(mix(top, bottom, share)));
+  }
+  return gradient;
+}
+
+QPointF onCircle(double radius, double turns) {
+  const double angle = 2.0 * std::numbers::pi * turns;
+  return {radius * std::sin(angle), -radius * std::cos(angle)};
+}
+
+/// Draws round the origin, in points.
+class RingDrawing {
+ public:
+  RingDrawing(QPainter& painter, const RingPicture& ring, Appearance appearance)
+      : painter_(painter),
+        ring_(ring),
+        palette_(PopoverPalette::of(appearance)),
+        ink_(themeOf(appearance).ringInk(ring.stateColour)),
+        press_(ring.canPolish ? ring.button.press : 0.0) {}
+
+  double lensScale() const { return 1.0 - lensShrink * press_; }
+
+  void lens() const {
+    constexpr Colour white{1.0, 1.0, 1.0};
+    const auto& glass = palette_.lens;
+    const double on = ring_.lens;
+    const double hovered = ring_.canPolish ? mix(glass.rest, glass.hover, ring_.button.hover) : glass.rest;
+    const double opacity = mix(hovered, glass.pressed, press_) * on;
+    painter_.setPen(Qt::NoPen);
+    painter_.setBrush(vertical(Metrics::lensRadius, white.withAlpha(opacity + glass.topExtra * on),
+                               white.withAlpha(opacity * glass.bottomShare)));
+    painter_.drawEllipse(QPointF(), Metrics::lensRadius, Metrics::lensRadius);
+
+    const double rim = Metrics::lensRadius - 0.5;
+    painter_.setBrush(Qt::NoBrush);
+    painter_.setPen(QPen(vertical(Metrics::lensRadius, glass.rimTop.withAlpha(glass.rimTop.alpha * on),
+                                  glass.rimBottom.withAlpha(glass.rimBottom.alpha * on)),
+                         1.0));
+    painter_.drawEllipse(QPointF(), rim, rim);
+  }
+
+  void beadAndFocus() const {
+    if (ring_.progress > beadFrom) {
+      painter_.setPen(Qt::NoPen);
+      painter_.setBrush(qtColour(palette_.bead));
+      painter_.drawEllipse(onCircle(Metrics::ringRadius, ring_.progress), beadRadius, beadRadius);
+    }
+    if (!ring_.button.focused) return;
+    painter_.setBrush(Qt::NoBrush);
+    painter_.setPen(QPen(qtColour(palette_.focus), focusWidth));
+    painter_.drawEllipse(QPointF(), focusRadius, focusRadius);
+  }
+
+  void label() const {
+    constexpr double invisible = 0.01;
+    if (ring_.labelOpacity <= invisible) return;
+    const auto& styles = PopoverTextStyles::shared();
+    const TextStyle& style = ring_.canPolish ? styles.label : styles.labelResting;
+    const QString text = QStringLiteral("Polish");
+    const Colour colour = ring_.canPolish ? palette_.label : palette_.labelResting;
+    style.draw(painter_, text, {-style.width(text) / 2.0, labelBaseline},
+               colour.withAlpha(ring_.labelOpacity));
+  }
+
+  void dots() const {
+    painter_.setPen(Qt::NoPen);
+    for (std::size_t i = 0; i < ring_.dots.size(); ++i) {
+      const auto& dot = ring_.dots[i];
+      if (dot.opacity <= 0.0) continue;
+      painter_.setBrush(qtColour(ink_.withAlpha(dot.opacity)));
+      const double turns = static_cast<double>(i) / static_cast<double>(ring_.dots.size());
+      const double radius = dotDiameter / 2.0 * dot.scale;
+      painter_.drawEllipse(onCircle(dotsRadius, turns) * ring_.dotsScale, radius, radius);
+    }
+  }
+
+ private:
+  QPainter& painter_;
+  const RingPicture& ring_;
+  const PopoverPalette& palette_;
+  const Colour ink_;
+  const double press_;
+};
+
+void preparePainter(QPainter& painter, double scale) {
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.translate(painter.device()->width() / 2.0, painter.device()->height() / 2.0);
+  painter.scale(scale, scale);
+}
+
+}  // namespace
+
+const QImage& RingPainter::draw(const RingPicture& ring, Appearance appearance, double pixelRatio) {
+  const int side = 2 * static_cast<int>(std::ceil(reach * pixelRatio));
+  if (image_.width() == side && drawn_ == ring && appearance_ == appearance) return image_;
+  if (image_.width() != side) image_ = QImage(side, side, QImage::Format_ARGB32_Premultiplied);
+  image_.fill(Qt::transparent);
+  drawn_ = ring;
+  appearance_ = appearance;
+
+  const double scale = pixelRatio * ring.scale;
+  {
+    QPainter painter(&image_);
+    preparePainter(painter, scale);
+    const RingDrawing drawing(painter, ring, appearance);
+    painter.scale(drawing.lensScale(), drawing.lensScale());
+    drawing.lens();
+  }
+  const auto& palette = PopoverPalette::of(appearance);
+  const Colour ink = themeOf(appearance).ringInk(ring.stateColour);
+  RingArc{.centre = {side / 2.0, side / 2.0},
+          .radius = Metrics::ringRadius * scale,
+          .width = Metrics::ringWidth * scale,
+          .progress = ring.progress,
+          .track = palette.track,
+          .head = ink,
+          .tail = blend(ink, palette.arcTailGround, tailPaleness)}
+      .paint(image_);
+  QPainter painter(&image_);
+  preparePainter(painter, scale);
+  const RingDrawing drawing(painter, ring, appearance);
+  drawing.beadAndFocus();
+  painter.scale(drawing.lensScale(), drawing.lensScale());
+  drawing.label();
+  drawing.dots();
+  return image_;
+}
+
+void RingPainter::forget() {
+  image_ = {};
+  drawn_.reset();
+}
+
+}  // namespace vorli::ui

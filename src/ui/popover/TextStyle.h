@@ -1,0 +1,35 @@
+#pragma once
+
+#include "base/Colour.h"
+
+#include <QFont>
+#include <QPointF>
+#include <QString>
+
+class QPainter;
+
+namespace vorli::ui {
+
+/// A face at a size, with what is added after every glyph but the last.
+struct TextStyle {
+  QFont font;
+  double tracking = 0.0;
+
+  /// In points, as it is drawn.
+  double width(const QString& text) const;
+  /// `origin` is the left end of the base line.
+  void draw(QPainter& painter, const QString& text, const QPointF& origin, const Colour& colour) const;
+};
+
+/// The styles of the popover's texts, by use.
+struct PopoverTextStyles {
+  TextStyle headline, aside, label, labelResting, culprit, name, question, button, banner, link;
+
+  /// Made on the first use; needs the application object.
+  static const PopoverTextStyles& shared();
+};
+
+/// The text, or as much of its beginning as fits `width` together with an ellipsis.
+QString cutToWidth(const TextStyle& style, const QString& text, double width);
+
+}  // namespace vorli::ui

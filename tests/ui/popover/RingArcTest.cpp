@@ -1,0 +1,77 @@
+#include "ui/popover/RingArc.h"
+
+#include <gtest/gtest.h>
+
+namespace vorli::ui {
+namespace {
+
+constexpr Colour red{1.0, 0.0, 0.0}, blue{0.0, 0.0, 1.0}, half{0.0, 1.0, 0.0, 0.5};
+
+QImage ring(double progress) {
+  QImage image(128, 128, QImage::Format_ARGB32_Premultiplied);
+  image.fill(Qt::transparent);
+  RingArc{.centre = {64.0, 64.0}, .progress = progress, .track = half, .head = red, .tail = blue}.paint(
+      image);
+  return image;
+}
+
+// At a share of the turn from the top, in the middle of the band.
+QColor at(const QImage& image, double share, double radius = 52.0) {
+  const double angle = share * 2.0 * M_PI;
+  return image.pixelColor(static_cast<int>(64.0 + radius * std::sin(angle)),
+                          static_cast<int>(64.0 - radius * std::cos(angle)));
+}
+
+TEST(RingArc, emptyRingShowsItsTrackAlone) {
+  const QImage image = ring(0.0);
+  for (const double share : {0.0, 0.25, 0.5, 0.75}) {
+    EXPECT_EQ(at(image, share).alpha(), 128);
+    EXPECT_EQ(at(image, share).green(), 255);
+  }
+  EXPECT_EQ(at(image, 0.3, 46.0).alpha(), 0);
+  EXPECT_EQ(at(image, 0.3, 58.0).alpha(), 0);
+}
+
+TEST(RingArc, nothingIsShownOfAProgressThatIsHardlyThere) {
+  EXPECT_EQ(ring(0.004), ring(0.0));
+  EXPECT_NE(ring(0.005), ring(0.0));
+}
+
+TEST(RingArc, arcRunsClockwiseFromTheTop) {
+  const QImage image = ring(0.5);
+  EXPECT_EQ(at(image, 0.25).alpha(), 255);
+  EXPECT_EQ(at(image, 0.75).alpha(), 128);
+}
+
+TEST(RingArc, palesFromItsHeadToItsTail) {
+  const QImage image = ring(0.5);
+  EXPECT_GT(at(image, 0.02).blue(), 235);
+  EXPECT_NEAR(at(image, 0.25).red(), 128, 6);
+  EXPECT_GT(at(image, 0.48).red(), 235);
+}
+
+TEST(RingArc, bothEndsAreRoundAndKeepTheirColour) {
+  const QImage image = ring(0.5);
+  // Two points past either end, in the middle of the band.
+  const double past = 2.0 / (2.0 * M_PI * 52.0);
+  EXPECT_GT(at(image, 0.5 + past).red(), 250);
+  EXPECT_GT(at(image, 1.0 - past).blue(), 250);
+  EXPECT_EQ(at(image, 0.5 + 2.5 * past).alpha(), 128);
+}
+
+TEST(RingArc, fullRingHasNoGap) {
+  const QImage image = ring(1.0);
+  for (int i = 0; i < 100; ++i) EXPECT_EQ(at(image, i / 100.0).alpha(), 255) << i;
+}
+
+TEST(RingArc, liesOverWhatIsThere) {
+  QImage image(128, 128, QImage::Format_ARGB32_Premultiplied);
+  image.fill(Qt::white);
+  RingArc{.centre = {64.0, 64.0}, .progress = 0.0, .track = half, .head = red, .tail = blue}.paint(image);
+  EXPECT_EQ(at(image, 0.3).alpha(), 255);
+  EXPECT_NEAR(at(image, 0.3).red(), 127, 1);
+  EXPECT_EQ(at(image, 0.3).green(), 255);
+}
+
+}  // namespace
+}  // namespace vorli::ui
