@@ -16,14 +16,10 @@ rung_unit() {
 }
 
 rung_helper() {
-  build dev || return
-  local suite found=no
-  for suite in tests/helper/run tests/helper/run_client; do
-    [ -x "$suite" ] || continue
-    found=yes
-    step "$suite" "$suite"
-  done
-  [ $found = yes ] || step "tests of the helper" false
+  build dev && build package || return
+  step "promises of the root daemon" tests/helper/run --no-build
+  step "its client" tests/helper/run_client
+  step "Debian package" tests/packaging/run --no-build
 }
 
 # The tests that bring their own programs and sessions are known to ctest; the others drive the installed program.
