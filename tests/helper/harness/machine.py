@@ -4,9 +4,15 @@ import os
 import shutil
 import subprocess
 
-from .sandbox import WORK, command, write
+from .sandbox import CGROUP, WORK, command, write
 from .waiting import wait_for
 
+# A control group for the machine alone: one that has processes beside it cannot share out anything.
+ENTER = """set -e
+mkdir -p {cgroup}/machine
+echo 0 > {cgroup}/machine/cgroup.procs
+exec /usr/bin/unshare --cgroup /bin/sh {work}/boot.sh
+"""
 BOOT = """set -e
 mount --make-rprivate /
 mount -t proc proc /proc
@@ -48,10 +54,11 @@ class Machine:
         for name in MASKED:
             os.symlink("/dev/null", f"{units}/{name}.service")
         write(f"{WORK}/boot.sh", BOOT.format(work=WORK, systemd="/lib/systemd/systemd"))
+        write(f"{WORK}/enter.sh", ENTER.format(work=WORK, cgroup=CGROUP))
         self.log = open(f"{WORK}/machine.log", "ab")
         self.outer = subprocess.Popen(
-            ["/usr/bin/unshare", "--mount", "--pid", "--fork", "--kill-child", "--cgroup", "--ipc", "--uts",
-             "/bin/sh", f"{WORK}/boot.sh"], stdin=subprocess.DEVNULL, stdout=self.log, stderr=self.log)
+            ["/usr/bin/unshare", "--mount", "--pid", "--fork", "--kill-child", "--ipc", "--uts",
+             "/bin/sh", f"{WORK}/enter.sh"], stdin=subprocess.DEVNULL, stdout=self.log, stderr=self.log)
         self.first = wait_for(self._first, 10, "systemd is the first process", 0.05)
         wait_for(lambda: self.run("systemctl", "is-active", "dbus.service", check=False).strip() == "active", 20,
                  "the machine's bus is there", 0.1)

@@ -37,7 +37,7 @@ class Rung:
         limit = target if busy is None else busy
         kept = value >= limit if at_least else value <= limit
         relation = ">=" if at_least else "<="
-        shown = f"{value:.4g}" if isinstance(value, float) else str(value)
+        shown = f"{value:.4g}" if value != int(value) else str(int(value))
         accepted = "" if busy is None else f", on a busy machine {busy:g}{unit}"
         self._tell(kept, f"{what}: {shown}{unit} (target {relation} {target:g}{unit}{accepted})")
 

@@ -110,8 +110,10 @@ void churn(const Arguments& arguments) {
   tell("errors", errors);
 }
 
+volatile std::sig_atomic_t isToldToEnd = 0;
+
 // hammer N GAP: calls with random pauses of up to GAP microseconds, so that they meet the daemon in every
-// state of leaving.
+// state of leaving. Told to end, it ends with the figures so far.
 void hammer(const Arguments& arguments) {
   const int calls = number(arguments, 0);
   std::mt19937 random(20);
@@ -119,7 +121,8 @@ void hammer(const Arguments& arguments) {
   const auto bus = connect();
   std::map<std::string, int> lost;
   std::vector<double> times;
-  for (int i = 0; i < calls; ++i) {
+  std::signal(SIGTERM, [](int) { isToldToEnd = 1; });
+  for (int i = 0; i < calls && !isToldToEnd; ++i) {
     pauseFor(gap(random));
     const auto start = Clock::now();
     const auto reply = i % 2 == 0 ? call(bus, "Ping", 10'000'000) : call(bus, "DumpBTM", 10'000'000);
@@ -213,7 +216,7 @@ void cold(const Arguments& arguments) {
 // purges USERS EACH: all at once, EACH of every one of that many users, from 5001 on.
 void purges(const Arguments& arguments) {
   const int users = number(arguments, 0), each = number(arguments, 1);
-  std::atomic<int> done{0}, busy{0}, other{0};
+  std::atomic<int> done{0}, busy{0}, refused{0}, other{0};
   std::vector<double> refusal(static_cast<std::size_t>(users * each));
   std::vector<std::thread> threads;
   for (int i = 0; i < users * each; ++i)
@@ -222,11 +225,17 @@ void purges(const Arguments& arguments) {
       const auto start = Clock::now();
       const auto reply = call(bus, "PurgeMemory");
       if (reply.isAnswer && reply.exitCode == 202) refusal[static_cast<std::size_t>(i)] = secondsSince(start);
-      ++(!reply.isAnswer ? other : reply.exitCode == 0 ? done : reply.exitCode == 202 ? busy : other);
+      // Polkit may be too busy with so many to answer in time.
+      ++(!reply.isAnswer         ? other
+         : reply.exitCode == 0   ? done
+         : reply.exitCode == 202 ? busy
+         : reply.exitCode == 200 ? refused
+                                 : other);
     });
   for (auto& thread : threads) thread.join();
   tell("done", done);
   tell("busy", busy);
+  tell("refused", refused);
   tell("other", other);
   tell("refusal_max", quantile(refusal, 1.0));
 }
