@@ -53,7 +53,7 @@ TEST_F(RealHelperTest, bothSidesSpeakTheSameContract) {
       ->dumpBTM(OnceReply<HelperReply>(
           [&](HelperReply reply) { client->scheduler.post([&dump, reply] { dump = reply; }); }));
   waitUntil([&] { return dump.has_value(); });
-  EXPECT_EQ(dump->exitCode, 5);
+  EXPECT_EQ(dump->exitCode, 203);
   EXPECT_EQ(failure, "");
 }
 
