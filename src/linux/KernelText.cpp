@@ -7,8 +7,11 @@ namespace vorli::linuxhost {
 
 namespace {
 
-constexpr std::string_view blanks = " \t\n";
 constexpr std::size_t mostDigits = 15;  // a double holds so many exactly
+
+bool isBlank(char c) {
+  return c == ' ' || c == '\n' || c == '\t';
+}
 
 bool isDigit(char c) {
   return c >= '0' && c <= '9';
@@ -32,15 +35,16 @@ std::string_view takeLine(std::string_view& text) {
 }
 
 std::string_view takeWord(std::string_view& text) {
-  text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-  const auto word = text.substr(0, text.find_first_of(blanks));
-  text.remove_prefix(word.size());
-  return word;
+  const auto first = std::ranges::find_if_not(text, isBlank);
+  const auto last = std::find_if(first, text.end(), isBlank);
+  text = {last, text.end()};
+  return {first, last};
 }
 
 std::string_view trimmed(std::string_view text) {
-  text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-  return text.substr(0, text.find_last_not_of(blanks) + 1);
+  while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+  return text;
 }
 
 std::optional<std::uint64_t> parseWhole(std::string_view digits) {

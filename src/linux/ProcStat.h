@@ -12,8 +12,8 @@ struct ProcStat {
   std::int32_t parentPID = 0;
   std::uint64_t userTicks = 0;
   std::uint64_t systemTicks = 0;
-  std::uint64_t startTicks = 0;    // since boot
-  std::uint64_t virtualBytes = 0;  // 0 for a kernel thread, and for a process that has ended
+  std::uint64_t startTicks = 0;  // since boot
+  bool hasMemory = false;        // a kernel thread has none of its own, nor has a process that has ended
   std::uint64_t residentPages = 0;
 
   bool operator==(const ProcStat&) const = default;

@@ -6,11 +6,11 @@
 #include "linux/ProcessorTimes.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <limits>
 #include <unistd.h>
 
 namespace vorli::linuxhost {
@@ -25,11 +25,14 @@ constexpr KernelRelease firstEstimating{6, 2};
 
 // 0 when the name is none of a process.
 std::int32_t pidOf(const char* name) {
-  if (*name < '1' || *name > '9') return 0;
-  std::int32_t pid = 0;
-  const char* const end = name + std::strlen(name);
-  const auto parsed = std::from_chars(name, end, pid);
-  return parsed.ec == std::errc() && parsed.ptr == end ? pid : 0;
+  if (*name == '0') return 0;
+  std::int64_t pid = 0;
+  for (; *name != '\0'; ++name) {
+    if (*name < '0' || *name > '9') return 0;
+    pid = pid * 10 + (*name - '0');
+    if (pid > std::numeric_limits<std::int32_t>::max()) return 0;
+  }
+  return static_cast<std::int32_t>(pid);
 }
 
 }  // namespace
@@ -121,7 +124,7 @@ bool ProcessTable::readBSDInfo(std::int32_t pid, ports::ProcessBSDInfo& info) {
 std::optional<SharedText> ProcessTable::executablePath(std::int32_t pid) {
   if (!hasStat(pid)) return std::nullopt;
   // Kernel threads have no program, and there are many of them. Their names change with their work.
-  if (stat_.virtualBytes == 0) return std::nullopt;
+  if (!stat_.hasMemory) return std::nullopt;
   return programPaths_.find({pid, stat_.startTicks, stat_.name}, folder_.get());
 }
 

@@ -12,7 +12,7 @@ namespace vorli::linuxhost {
 
 ProgramIdentity::ProgramIdentity(std::int32_t pid, std::uint64_t startTicks, std::string_view name)
     : pid(pid), startTicks(startTicks) {
-  std::memcpy(this->name.data(), name.data(), std::min(name.size(), this->name.size()));
+  std::memcpy(this->name.data(), name.data(), std::min(name.size(), sizeof this->name));
 }
 
 void ProgramPaths::keepOnly(std::span<const std::int32_t> pids) {

@@ -17,7 +17,7 @@ namespace vorli::linuxhost {
 struct ProgramIdentity {
   std::int32_t pid = 0;
   std::uint64_t startTicks = 0;
-  std::array<char, 16> name{};  // cut short, or filled up with NUL
+  std::array<std::uint64_t, 2> name{};  // its first bytes, filled up with NUL
 
   ProgramIdentity(std::int32_t pid, std::uint64_t startTicks, std::string_view name);
   bool operator==(const ProgramIdentity&) const = default;

@@ -1,45 +1,29 @@
 #include "linux/TerminationSignals.h"
 
 #include <QSocketNotifier>
-#include <array>
-#include <cerrno>
 #include <csignal>
 #include <cstdint>
 #include <sys/eventfd.h>
 #include <unistd.h>
-#include <utility>
 
 namespace vorli::linuxhost {
 
 namespace {
 
-constexpr std::array handledSignals{SIGTERM, SIGINT, SIGHUP};
+constexpr int handledSignals[] = {SIGTERM, SIGINT, SIGHUP};
 
 int wakeDescriptor = -1;
-std::array<struct sigaction, handledSignals.size()> actionsBefore;
 
 void wake(int) {
-  const int interrupted = errno;
   const std::uint64_t one = 1;
   [[maybe_unused]] const auto written = write(wakeDescriptor, &one, sizeof one);
-  errno = interrupted;
 }
 
-// What was ignored when we were started stays ignored: nohup means a program to outlive its terminal.
-void handleAll() {
+void handleWith(void (*handler)(int)) {
   struct sigaction action {};
-  action.sa_handler = wake;
+  action.sa_handler = handler;
   action.sa_flags = SA_RESTART;
-  for (std::size_t i = 0; i < handledSignals.size(); ++i) {
-    sigaction(handledSignals[i], nullptr, &actionsBefore[i]);
-    if (actionsBefore[i].sa_handler != SIG_IGN) sigaction(handledSignals[i], &action, nullptr);
-  }
-}
-
-void restoreAll() {
-  for (std::size_t i = 0; i < handledSignals.size(); ++i) {
-    sigaction(handledSignals[i], &actionsBefore[i], nullptr);
-  }
+  for (const int signal : handledSignals) sigaction(signal, &action, nullptr);
 }
 
 }  // namespace
@@ -52,14 +36,14 @@ TerminationSignals::TerminationSignals(std::function<void()> terminate) {
     std::uint64_t count = 0;
     if (read(wakeDescriptor, &count, sizeof count) == sizeof count) terminate();
   });
-  handleAll();
+  handleWith(wake);
 }
 
 TerminationSignals::~TerminationSignals() {
-  if (wakeDescriptor < 0) return;
-  restoreAll();
+  handleWith(SIG_DFL);
   notifier_.reset();
-  close(std::exchange(wakeDescriptor, -1));
+  if (wakeDescriptor >= 0) close(wakeDescriptor);
+  wakeDescriptor = -1;
 }
 
 }  // namespace vorli::linuxhost

@@ -24,7 +24,7 @@ TEST(ProcStatTest, readsTheFieldsThatAreUsed) {
                                            .userTicks = 61022,
                                            .systemTicks = 9034,
                                            .startTicks = 501233,
-                                           .virtualBytes = 3145728000,
+                                           .hasMemory = true,
                                            .residentPages = 180224}));
 }
 
@@ -65,6 +65,11 @@ TEST(ProcStatTest, numbersThatMakeNoSenseAreRefused) {
   EXPECT_FALSE(with(" 9034 ", " -9034 "));
   EXPECT_FALSE(with(" 501233 ", " 50x233 "));
   EXPECT_FALSE(with(" 501233 ", "  501233 "));
+  EXPECT_FALSE(with(" 501233 ", " 5012:3 "));
+  EXPECT_FALSE(with(" 501233 ", " 5012/3 "));
+  EXPECT_FALSE(with(" 501233 ",
+                    " 50\xb0"
+                    "3 "));
   EXPECT_FALSE(with(" 180224 ", " 9223372036854775807 "));
 }
 
@@ -77,6 +82,31 @@ TEST(ProcStatTest, whatIsNoStatLineIsEmpty) {
   EXPECT_FALSE(parseProcStat(std::string(4096, ')')));
   EXPECT_FALSE(parseProcStat("7 (a) S " + std::string(4096, ' ')));
   EXPECT_FALSE(parseProcStat("7 (a) S " + std::string(4096, '1')));
+}
+
+TEST(ProcStatTest, numbersOfEveryLengthAreRead) {
+  std::uint64_t number = 1;
+  for (int length = 1; length <= 18;
+       ++length, number = number * 10 + static_cast<std::uint64_t>(length % 10)) {
+    auto process = busy;
+    process.userTicks = number;
+    process.startTicks = number * 9 / 10;
+    const auto text = line("sleep", process);
+    const auto stat = parseProcStat(text);
+    ASSERT_TRUE(stat) << number;
+    EXPECT_EQ(stat->userTicks, number);
+    EXPECT_EQ(stat->systemTicks, 9034U);
+    EXPECT_EQ(stat->startTicks, number * 9 / 10);
+  }
+}
+
+TEST(ProcStatTest, aKernelThreadHasNoMemoryOfItsOwn) {
+  auto process = busy;
+  process.virtualBytes = 0;
+  const auto text = line("kthreadd", process);
+  const auto stat = parseProcStat(text);
+  ASSERT_TRUE(stat);
+  EXPECT_FALSE(stat->hasMemory);
 }
 
 TEST(ProcStatTest, twoLargestTimesStillAddUp) {
