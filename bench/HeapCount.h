@@ -1,0 +1,10 @@
+#pragma once
+
+#include <cstdint>
+
+namespace vorli::bench {
+
+/// Allocations from the heap so far, by this program and every library in it.
+std::uint64_t heapAllocations();
+
+}  // namespace vorli::bench
