@@ -9,7 +9,7 @@ import unittest
 
 from vorli import Vorli
 from waiting import until
-from workspace_probe import activate, window_of, write
+from workspace_probe import bring_to_front, window_of, write
 
 HOME, DATA = os.environ["HOME"], os.environ["XDG_DATA_HOME"]
 SETTINGS = f"{os.environ['XDG_CONFIG_HOME']}/Vorli/Vorli.ini"
@@ -41,12 +41,6 @@ def stored():
     return {name: float(value.removeprefix("@@Date ")) for name, value in pairs if value.startswith("@@Date ")}
 
 
-def bring_to_front(title):
-    activate(f"^{title}$")
-    front = lambda: subprocess.run(["xdotool", "getactivewindow"], capture_output=True, text=True, check=False).stdout
-    until(lambda: front().strip() == window_of(f"^{title}$"), f"{title} is in front")
-
-
 class IdleMap(unittest.TestCase):
     def setUp(self):
         for identifier, title in APPLICATIONS.items():
@@ -71,7 +65,7 @@ class IdleMap(unittest.TestCase):
                         + ", ".join(f"{name}, {value}" for name, value in known.items()) + "\n")
         before = stored()
         self.assertEqual(len(before), 231)
-        bring_to_front("First")
+        bring_to_front("^First$")
         vorli = self.start()
 
         states = [before]
@@ -84,7 +78,7 @@ class IdleMap(unittest.TestCase):
 
         for title in ("Second", "First", "Second", "First"):
             began = time.monotonic()
-            bring_to_front(title)
+            bring_to_front(f"^{title}$")
             self.assertFalse(written())
         until(written, "the map on the disk", QUIET_SECONDS + 30)
         waited = time.monotonic() - began
@@ -98,7 +92,7 @@ class IdleMap(unittest.TestCase):
         for identifier in ("org.example.First", "org.example.Second"):
             self.assertAlmostEqual(after[identifier], time.time(), delta=waited + 30)
 
-        bring_to_front("Second")  # too late to be remembered
+        bring_to_front("^Second$")  # too late to be remembered
         self.assertEqual(vorli.end(), 0)
         self.assertEqual(stored(), after)
         again = self.start()

@@ -10,7 +10,7 @@ import time
 import unittest
 
 from waiting import until
-from workspace_probe import Probe, activate, window_of, write
+from workspace_probe import Probe, bring_to_front, window_of, write
 
 PROBE, FAT = sys.argv[1], sys.argv[2]
 HOME, DATA = os.environ["HOME"], os.environ["XDG_DATA_HOME"]
@@ -178,7 +178,7 @@ class Insights(unittest.TestCase):
         self.start("/usr/bin/python3", f"{DATA}/tools/two_windows.py")
         for identifier in ("galculator", "org.xfce.mousepad", "org.example.Two"):
             self.probe.wait_for(identifier)
-        activate("Mousepad")
+        bring_to_front("Mousepad")
         until(lambda: self.probe.front() == "org.xfce.mousepad", "the editor has the focus")
         subprocess.run(["xdotool", "type", "--delay", "20", "unsaved"], check=True)
         until(lambda: window_of(r"^\*"), "the text is in the editor")
@@ -203,17 +203,17 @@ class Insights(unittest.TestCase):
         self.start("/usr/bin/python3", f"{DATA}/tools/two_windows.py")
         self.start("galculator")
         until(lambda: window_of("Left window") and window_of("galculator"), "their windows")
-        activate("Left window")
+        bring_to_front("Left window")
         self.watch()
         until(lambda: self.probe.front() == "org.example.Two", "the frontmost")
         idle = self.probe.look()["idle"]
         self.assertEqual([app["id"] for app in idle], ["galculator"])
         self.assertAlmostEqual(idle[0]["idleFor"], 3 * hour, delta=120)
 
-        activate("galculator")
+        bring_to_front("galculator")
         until(lambda: self.probe.front() == "galculator", "it is in front")
         self.assertEqual([app["id"] for app in self.probe.look()["idle"]], ["org.example.Two"])
-        activate("Left window")
+        bring_to_front("Left window")
         until(lambda: self.probe.front() == "org.example.Two", "the other is in front again")
         self.assertEqual(self.probe.look()["idle"], [])
 

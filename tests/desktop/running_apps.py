@@ -8,7 +8,7 @@ import sys
 import unittest
 
 from waiting import until
-from workspace_probe import Probe, activate, client_list, window_of, write
+from workspace_probe import Probe, bring_to_front, client_list, window_of, write
 
 PROGRAM = sys.argv[1]
 DATA = os.environ["XDG_DATA_HOME"]
@@ -113,7 +113,7 @@ class RunningApplications(unittest.TestCase):
 
         for title, identifier in (("Script", "org.example.Script"), ("galculator", "galculator"),
                                   ("Activated", "org.example.Activated")):
-            activate(title)
+            bring_to_front(title)
             until(lambda i=identifier: self.probe.front() == i, f"{identifier} is frontmost")
             self.assertIn(identifier, self.probe.events("activated"))
         owners = self.probe.ask("windows", "windows")
@@ -158,7 +158,7 @@ class RunningApplications(unittest.TestCase):
     def test_a_polite_quit_asks_before_unsaved_text_is_lost(self):
         editor = self.start("mousepad")
         pid = self.probe.wait_for("org.xfce.mousepad")["pid"]
-        activate("Mousepad")
+        bring_to_front("Mousepad")
         until(lambda: self.probe.front() == "org.xfce.mousepad", "the editor has the focus")
         subprocess.run(["xdotool", "type", "--delay", "20", "unsaved"], check=True)
         until(lambda: window_of(r"^\*"), "the text is in the editor")
@@ -185,7 +185,7 @@ class RunningApplications(unittest.TestCase):
     def test_what_runs_already_is_met_and_not_launched(self):
         self.start("galculator")
         self.probe.wait_for("galculator")
-        activate("galculator")
+        bring_to_front("galculator")
         until(lambda: self.probe.front() == "galculator", "it is frontmost")
         late = Probe(PROGRAM)
         self.addCleanup(late.close)
@@ -224,7 +224,7 @@ class RunningApplications(unittest.TestCase):
         show_again(WM_CLIENT_MACHINE=("8s", "elsewhere"))
         until(owns, "a machine that was given another name keeps its windows")
         show_again(_NET_WM_PID=("32c", "2"))
-        activate("galculator")
+        bring_to_front("galculator")
         until(lambda: client_list() and not owns(), "the window belongs to the other machine's process")
         self.assertIsNone(self.probe.front())
 

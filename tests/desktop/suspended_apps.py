@@ -8,7 +8,7 @@ import sys
 import unittest
 
 from waiting import until
-from workspace_probe import activate, window_of
+from workspace_probe import bring_to_front, window_of
 
 FIRST_PROCESS = 1  # somebody else's, which the daemon resumes for nobody
 
@@ -16,16 +16,6 @@ FIRST_PROCESS = 1  # somebody else's, which the daemon resumes for nobody
 def state(process):
     with open(f"/proc/{process.pid}/stat", encoding="utf-8") as file:
         return re.search(r"\) (\w) ", file.read())[1]
-
-
-def in_front():
-    return subprocess.run(["xdotool", "getactivewindow"], capture_output=True, text=True, check=False).stdout.strip()
-
-
-def bring_to_front(title):
-    window = until(lambda: window_of(title), f"a window {title}")
-    activate(title)
-    until(lambda: in_front() == window, f"{title} is in front")
 
 
 class SuspendedApps(unittest.TestCase):

@@ -75,6 +75,14 @@ def client_list():
     return re.findall(r"0x[0-9a-f]+", told)
 
 
-def activate(title):
+def bring_to_front(title):
     window = until(lambda: window_of(title), f"a window {title}")
-    subprocess.run(["xdotool", "windowactivate", window], check=False)
+
+    def is_in_front():
+        told = subprocess.run(["xdotool", "getactivewindow"], capture_output=True, text=True, check=False).stdout
+        if told.strip() == window:
+            return True
+        subprocess.run(["xdotool", "windowactivate", window], check=False)  # a busy window manager drops requests
+        return False
+
+    until(is_in_front, f"{title} is in front", pause=0.1)

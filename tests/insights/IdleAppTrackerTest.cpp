@@ -292,6 +292,14 @@ TEST_F(IdleAppTrackerTest, theLongestIdleComesFirstAndEqualsKeepTheirOrder) {
   add(4, "b");
   startTracker();
   EXPECT_EQ(idlePIDs(60), (PIDs{4, 2, 3, 1}));
+
+  workspace.applications.clear();
+  PIDs expected;
+  for (std::int32_t pid = 100; pid > 0; --pid) {
+    add(pid, "a");
+    expected.push_back(pid);
+  }
+  EXPECT_EQ(idlePIDs(60), expected);
 }
 
 TEST_F(IdleAppTrackerTest, whereWindowsCannotBeSeenNothingIsIdle) {

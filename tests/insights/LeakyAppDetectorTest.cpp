@@ -102,6 +102,15 @@ TEST_F(LeakyAppDetectorTest, theLargestComesFirstAndEqualsKeepTheirOrder) {
   EXPECT_EQ(leakyPIDs(), (PIDs{2, 4, 1, 3}));
 }
 
+TEST_F(LeakyAppDetectorTest, manyEqualsKeepTheirOrderToo) {
+  PIDs expected;
+  for (std::int32_t pid = 100; pid > 0; --pid) {
+    add(pid);
+    expected.push_back(pid);
+  }
+  EXPECT_EQ(leakyPIDs(), expected);
+}
+
 TEST_F(LeakyAppDetectorTest, eachCallIsIndependentOfTheLast) {
   add(1);
   EXPECT_EQ(leakyPIDs(), PIDs{1});

@@ -100,6 +100,14 @@ TEST_F(OrphanHelperDetectorTest, theLargestComesFirstAndEqualsKeepTheirOrder) {
     add(pid, agent).residentBytes = resident;
   }
   EXPECT_EQ(orphanPIDs(onMacOS), (PIDs{3, 1, 4, 2}));
+
+  rows.clear();
+  PIDs expected;
+  for (std::int32_t pid = 100; pid > 0; --pid) {
+    add(pid, agent);
+    expected.push_back(pid);
+  }
+  EXPECT_EQ(orphanPIDs(onMacOS), expected);
 }
 
 TEST_F(OrphanHelperDetectorTest, theUsersServiceManagerTakesOverOrphansToo) {
