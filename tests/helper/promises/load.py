@@ -24,8 +24,10 @@ def ping_never_waits(rung):
     item = "/etc/systemd/user/a.service"
     write(item, "x")
     mark = len(box.log())
-    purges = [start_call(box, "PurgeMemory") for _ in range(4)]
+    purges = [start_call(box, "PurgeMemory")]
     wait_for(lambda: SYNC_BEGINS in box.log()[mark:], 5, "it works")
+    purges += [start_call(box, "PurgeMemory") for _ in range(3)]
+    call(box, "FlushDNS")  # gives the others the time of one judgement; one that is late meets the hung polkit
     box.polkitd.send_signal(19)  # SIGSTOP: its answers hang
     hung = [start_call(box, "FlushDNS", uid=4001), start_call(box, "FlushDNS", uid=4002)]
     hung += [start_call(box, "MoveLaunchAgentPlist", item, item + ".vorli-disabled", uid=4003 + n) for n in range(4)]
@@ -39,8 +41,9 @@ def ping_never_waits(rung):
     rung.figure(f"the slowest of {pings}", figures["max"] * 1000, 50, " ms", busy=1000)
     rung.equal("answers to those whom a hung polkit could not judge", {reply.code for reply in refused}, {200})
     rung.figure("which came after, at most", max(reply.seconds for reply in refused), 3.3, " s", busy=4.0)
-    rung.equal("answers to the purges", {reply.code for reply in done}, {0})
-    rung.figure("each after its 3 s, at least", min(reply.seconds for reply in done), 2.9, " s", at_least=True)
+    rung.equal("answer to the purge that runs", done[0].code, 0)
+    rung.figure("after its 3 s, at least", done[0].seconds, 2.9, " s", at_least=True)
+    rung.equal("answers to those behind it, but 0 and 200", {reply.code for reply in done[1:]} - {0, 200}, set())
     rung.holds("the item stands where it stood", os.path.exists(item))
 
 
