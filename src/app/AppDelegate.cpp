@@ -146,7 +146,13 @@ void AppDelegate::handleStatusClick(const ports::StatusClick& click) {
 }
 
 void AppDelegate::togglePopover() {
-  if (popoverHost_ && statusItem_.hasButton()) popoverHost_->togglePopover();
+  if (!statusItem_.hasButton()) return;
+  if (popoverHost_) {
+    popoverHost_->togglePopover();
+    return;
+  }
+  systemMonitor_.refresh();
+  helperManager_.refreshStatus();
 }
 
 std::vector<ports::MenuRow> AppDelegate::contextMenu() {

@@ -18,6 +18,8 @@ constexpr double frameSeconds = 1.0 / 30.0;
 constexpr double slowFrameSeconds = 1.0 / 10.0;
 constexpr int creepingLevels = 1;
 constexpr double fullLevel = 255.0;
+// The window manager tells of a window before it has put it where it belongs.
+constexpr double settlingSeconds = 0.25;
 
 QRect rectangle(const ports::ScreenFrame& frame) {
   return QRectF(frame.x, frame.y, frame.width, frame.height).toRect();
@@ -90,6 +92,7 @@ void GlowOverlay::animate(Frames frames, double restsAt) {
 
 void GlowOverlay::remove() {
   scheduler_.cancel(timer_);
+  scheduler_.cancel(settling_);
   timer_ = 0;
   frames_ = nullptr;
   shownLevel_ = 0;
@@ -131,6 +134,7 @@ void GlowOverlay::compositingChanged() {
 }
 
 void GlowOverlay::raise() {
+  if (!bands_) return;
   bands_->raise(windowAbove_ ? topLevelAncestor(windowAbove_()) : 0);
 }
 
@@ -140,7 +144,10 @@ bool GlowOverlay::nativeEventFilter(const QByteArray& type, void* message, qintp
   const auto* event = static_cast<const xcb_generic_event_t*>(message);
   if ((event->response_type & 0x7f) != XCB_PROPERTY_NOTIFY) return false;
   if (stackingList_ == 0) stackingList_ = atomNamed("_NET_CLIENT_LIST_STACKING");
-  if (reinterpret_cast<const xcb_property_notify_event_t*>(event)->atom == stackingList_) raise();
+  if (reinterpret_cast<const xcb_property_notify_event_t*>(event)->atom != stackingList_) return false;
+  raise();
+  scheduler_.cancel(settling_);
+  settling_ = scheduler_.after(settlingSeconds, [this] { raise(); });
   return false;
 }
 
