@@ -13,8 +13,6 @@ namespace {
 
 constexpr double statusIconSide = 18.0;
 constexpr double statusIconPadding = 1.0;
-// At full calm the dial shows this much, however loaded the machine is.
-constexpr double calmProgress = 0.2;
 
 }  // namespace
 
@@ -55,8 +53,8 @@ void AppDelegate::applicationDidFinishLaunching() {
   const Reinstall force = buildChanged(bundle_, defaults_) ? Reinstall::forced : Reinstall::ifStale;
   tasks_.spawn(helperLaunchTask(scheduler_, helperManager_, force, [] {}));
 
-  notifications_.observe<ApplicationDidBecomeActive>([this](const auto&) { helperManager_.refreshStatus(); })
-      .detach();
+  activation_ = notifications_.observe<ApplicationDidBecomeActive>(
+      [this](const auto&) { helperManager_.refreshStatus(); });
 
   subscribeToMonitorAndTheme();
   subscribeToMemory();
@@ -129,7 +127,7 @@ void AppDelegate::updateStatusIcon() {
   const double calm = clearState_.calmIntensity;
 
   MenuBarTickDial dial;
-  dial.progress = calm * calmProgress + ring * (1.0 - calm);
+  dial.progress = MenuBarTickDial::calmedProgress(ring, calm);
   dial.isDark = statusItem_.hasDarkAppearance();
   dial.calmOverlay = calm;
   statusItem_.setPicture(dial.picture(statusIconSide, statusIconPadding));

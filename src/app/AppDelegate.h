@@ -108,6 +108,7 @@ class AppDelegate {
   std::optional<PopoverHost> popoverHost_;
   std::optional<PopoverView> popoverView_;
   std::vector<Subscription> cancellables_;
+  Subscription activation_;  // not among `cancellables_`: only the delegate's own end ends it
   TaskScope tasks_;
 };
 

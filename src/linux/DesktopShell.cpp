@@ -42,11 +42,13 @@ constexpr std::array fileManagers{
 std::set<std::string> ownProcessNames() {
   std::set<std::string> names;
   std::error_code failed;
-  for (const auto& entry : std::filesystem::directory_iterator("/proc", failed)) {
+  // Not a range: stepping on in one throws.
+  for (std::filesystem::directory_iterator entry("/proc", failed), end; !failed && entry != end;
+       entry.increment(failed)) {
     struct stat info {};
-    if (stat(entry.path().c_str(), &info) != 0 || info.st_uid != getuid()) continue;
+    if (stat(entry->path().c_str(), &info) != 0 || info.st_uid != getuid()) continue;
     std::string name;
-    if (std::ifstream comm(entry.path() / "comm"); std::getline(comm, name)) names.insert(name);
+    if (std::ifstream comm(entry->path() / "comm"); std::getline(comm, name)) names.insert(name);
   }
   return names;
 }

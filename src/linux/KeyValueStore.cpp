@@ -8,6 +8,9 @@
 #include <QFileInfo>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QTemporaryDir>
+#include <cstdio>
+#include <string_view>
 
 namespace vorli::linuxhost {
 
@@ -20,8 +23,10 @@ constexpr qint64 largestFileBytes = 4 * 1024 * 1024;
 
 // QSettings takes almost anything for an ini file, so that garbage would be overwritten without a word.
 bool looksLikeIni(const QString& path) {
+  constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
   QFile file(path);
   if (!file.open(QIODevice::ReadOnly) || file.size() > largestFileBytes) return false;
+  if (file.peek(byteOrderMark.size()) == QByteArrayView(byteOrderMark)) file.skip(byteOrderMark.size());
   while (!file.atEnd()) {
     const QByteArray line = file.readLine().trimmed();
     if (line.contains('\0')) return false;
@@ -32,12 +37,23 @@ bool looksLikeIni(const QString& path) {
   return true;
 }
 
+// On a disk that fills up, QSettings takes the half that was written for a success.
+bool isWhole(const QString& path, const QStringList& keys) {
+  QFile file(path);
+  if (!file.open(QIODevice::ReadOnly)) return false;
+  const bool endsInLine = file.size() == 0 || (file.seek(file.size() - 1) && file.peek(1) == "\n");
+  return endsInLine && QSettings(path, QSettings::IniFormat).allKeys() == keys;
+}
+
+bool moveOver(const QString& from, const QString& to) {
+  return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+}
+
 }  // namespace
 
 KeyValueStore::KeyValueStore(Scheduler& scheduler, std::string file)
-    : scheduler_(scheduler), file_(std::move(file)) {
-  setAsideIfDamaged();
-  settings_ = std::make_unique<QSettings>(QString::fromStdString(file_), QSettings::IniFormat);
+    : scheduler_(scheduler), file_(std::move(file)), isUsable_(prepareFile()) {
+  load();
 }
 
 KeyValueStore::~KeyValueStore() {
@@ -46,47 +62,59 @@ KeyValueStore::~KeyValueStore() {
 }
 
 std::string KeyValueStore::defaultFile() {
-  return (QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-          QStringLiteral("/Vorli/Vorli.ini"))
-      .toStdString();
+  auto folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+  // Such a variable counts for nothing, but Qt takes it.
+  if (QDir::isRelativePath(folder)) folder = QDir::homePath() + QStringLiteral("/.config");
+  return (folder + QStringLiteral("/Vorli/Vorli.ini")).toStdString();
 }
 
-void KeyValueStore::setAsideIfDamaged() {
+bool KeyValueStore::prepareFile() {
   const auto path = QString::fromStdString(file_);
   const QFileInfo info(path);
-  if (!info.exists()) return;
-  if (!info.isFile()) {
+  if (!info.exists()) return true;
+  if (info.isDir()) {
     logger.error("settings: %{public}s is no file; settings are not kept", file_);
-    return;
+    return false;
   }
+  if (!info.isFile()) return setAside();  // unopened: reading a FIFO would wait for its writer
   if (!info.isReadable()) {
     logger.error("settings: %{public}s cannot be read; starting with the defaults", file_);
-    return;
+    return false;
   }
-  if (looksLikeIni(path) && QSettings(path, QSettings::IniFormat).status() == QSettings::NoError) return;
+  if (looksLikeIni(path) && QSettings(path, QSettings::IniFormat).status() == QSettings::NoError) return true;
+  return setAside();
+}
 
-  const QString aside = path + QStringLiteral(".damaged");
-  QFile::remove(aside);
-  if (QFile::rename(path, aside)) {
-    logger.error("settings: %{public}s is damaged; kept as %{public}s, starting with the defaults", file_,
-                 aside.toStdString());
-  } else {
-    logger.error("settings: %{public}s is damaged and cannot be set aside", file_);
+bool KeyValueStore::setAside() const {
+  const std::string aside = file_ + ".damaged";
+  if (std::rename(file_.c_str(), aside.c_str()) != 0) {
+    logger.error("settings: %{public}s is damaged and cannot be set aside; settings are not kept", file_);
+    return false;
   }
+  logger.error("settings: %{public}s is damaged; kept as %{public}s, starting with the defaults", file_,
+               aside);
+  return true;
+}
+
+void KeyValueStore::load() {
+  if (!isUsable_) return;
+  const QSettings settings(QString::fromStdString(file_), QSettings::IniFormat);
+  for (const auto& key : settings.allKeys()) values_.insert(key, settings.value(key));
 }
 
 std::optional<ports::StoredValue> KeyValueStore::object(const std::string& key) const {
-  const auto stored = settings_->value(QString::fromStdString(key));
+  const auto stored = values_.value(QString::fromStdString(key));
   return stored.isValid() ? fromIni(stored) : std::nullopt;
 }
 
 void KeyValueStore::setObject(const std::string& key, std::optional<ports::StoredValue> value) {
   const auto name = QString::fromStdString(key);
   if (value) {
-    settings_->setValue(name, toIni(*value));
+    values_.insert(name, toIni(*value));
   } else {
-    settings_->remove(name);
+    values_.remove(name);
   }
+  unwritten_.insert(name);
   if (std::exchange(*writeIsQueued_, true)) return;
   scheduler_.post([this, queued = writeIsQueued_] {
     if (*queued) synchronize();
@@ -95,12 +123,50 @@ void KeyValueStore::setObject(const std::string& key, std::optional<ports::Store
 
 void KeyValueStore::synchronize() {
   *writeIsQueued_ = false;
-  settings_->sync();
-  const bool failed = settings_->status() != QSettings::NoError;
+  if (unwritten_.isEmpty()) return;
+  const bool failed = !write();
   if (failed && !lastWriteFailed_) {
     logger.error("settings: %{public}s could not be written; changes last until the program ends", file_);
   }
   lastWriteFailed_ = failed;
+  if (!failed) unwritten_.clear();
+}
+
+// Whole or not at all: the new file takes the old one's place when it is known to be complete.
+bool KeyValueStore::write() const {
+  if (!isUsable_) return false;
+  const QFileInfo present(QString::fromStdString(file_));
+  if (present.exists() && !present.isWritable()) return false;
+  // Where a link leads: the link itself is to stay.
+  const QString target = present.exists() ? present.canonicalFilePath() : present.filePath();
+  if (!QDir().mkpath(QFileInfo(target).path())) return false;
+  // QSettings remembers the files that it wrote by their names, so one of its own is read back under another.
+  const QTemporaryDir folder(target + QStringLiteral(".XXXXXX"));
+  const QString written = folder.filePath(QStringLiteral("written"));
+  const QString complete = folder.filePath(QStringLiteral("complete"));
+  const auto keys = folder.isValid() ? writeMerged(written) : std::nullopt;
+  if (!keys || !moveOver(written, complete) || !isWhole(complete, *keys)) return false;
+  if (present.exists()) QFile::setPermissions(complete, present.permissions());
+  return moveOver(complete, target);
+}
+
+std::optional<QStringList> KeyValueStore::writeMerged(const QString& path) const {
+  const QSettings present(QString::fromStdString(file_), QSettings::IniFormat);
+  QSettings merged(path, QSettings::IniFormat);
+  for (const auto& key : present.allKeys()) merged.setValue(key, present.value(key));
+  for (const auto& key : unwritten_) {
+    if (values_.contains(key)) {
+      merged.setValue(key, values_.value(key));
+    } else {
+      merged.remove(key);
+    }
+  }
+  merged.sync();
+  if (merged.status() != QSettings::NoError) return std::nullopt;
+  auto keys = merged.allKeys();
+  // Without a key QSettings makes no file.
+  if (keys.isEmpty() && !QFile(path).open(QIODevice::WriteOnly)) return std::nullopt;
+  return keys;
 }
 
 }  // namespace vorli::linuxhost

@@ -21,8 +21,10 @@ ProcessExit::ProcessExit(std::int32_t pid, std::function<void()> ended)
 }
 
 ProcessExit::~ProcessExit() {
-  // The notifier may be the one whose signal is being delivered.
-  if (notifier_) notifier_.release()->deleteLater();
+  if (notifier_) {
+    notifier_->setEnabled(false);  // the descriptor's number may be another's before the notifier is gone
+    notifier_.release()->deleteLater();  // it may be the one whose signal is being delivered
+  }
   if (isHeld()) close(descriptor_);
 }
 

@@ -1,29 +1,45 @@
 #include "linux/TerminationSignals.h"
 
 #include <QSocketNotifier>
+#include <array>
+#include <cerrno>
 #include <csignal>
 #include <cstdint>
 #include <sys/eventfd.h>
 #include <unistd.h>
+#include <utility>
 
 namespace vorli::linuxhost {
 
 namespace {
 
-constexpr int handledSignals[] = {SIGTERM, SIGINT, SIGHUP};
+constexpr std::array handledSignals{SIGTERM, SIGINT, SIGHUP};
 
 int wakeDescriptor = -1;
+std::array<struct sigaction, handledSignals.size()> actionsBefore;
 
 void wake(int) {
+  const int interrupted = errno;
   const std::uint64_t one = 1;
   [[maybe_unused]] const auto written = write(wakeDescriptor, &one, sizeof one);
+  errno = interrupted;
 }
 
-void handleWith(void (*handler)(int)) {
+// What was ignored when we were started stays ignored: nohup means a program to outlive its terminal.
+void handleAll() {
   struct sigaction action {};
-  action.sa_handler = handler;
+  action.sa_handler = wake;
   action.sa_flags = SA_RESTART;
-  for (const int signal : handledSignals) sigaction(signal, &action, nullptr);
+  for (std::size_t i = 0; i < handledSignals.size(); ++i) {
+    sigaction(handledSignals[i], nullptr, &actionsBefore[i]);
+    if (actionsBefore[i].sa_handler != SIG_IGN) sigaction(handledSignals[i], &action, nullptr);
+  }
+}
+
+void restoreAll() {
+  for (std::size_t i = 0; i < handledSignals.size(); ++i) {
+    sigaction(handledSignals[i], &actionsBefore[i], nullptr);
+  }
 }
 
 }  // namespace
@@ -36,14 +52,14 @@ TerminationSignals::TerminationSignals(std::function<void()> terminate) {
     std::uint64_t count = 0;
     if (read(wakeDescriptor, &count, sizeof count) == sizeof count) terminate();
   });
-  handleWith(wake);
+  handleAll();
 }
 
 TerminationSignals::~TerminationSignals() {
-  handleWith(SIG_DFL);
+  if (wakeDescriptor < 0) return;
+  restoreAll();
   notifier_.reset();
-  if (wakeDescriptor >= 0) close(wakeDescriptor);
-  wakeDescriptor = -1;
+  close(std::exchange(wakeDescriptor, -1));
 }
 
 }  // namespace vorli::linuxhost

@@ -175,12 +175,25 @@ void Workspace::meet(std::int32_t pid, Showing showing) {
     return;
   }
 
+  if (showing == Showing::window) known.showing = showing;
+  if (isNew || newestWindowOf(pid) != known.judgedByWindow) judge(pid, known);
+}
+
+void Workspace::judge(std::int32_t pid, Known& known) {
+  known.judgedByWindow = newestWindowOf(pid);
   std::vector<DesktopWindow> own;
   std::ranges::copy_if(windows_.windows(), std::back_inserter(own),
                        [pid](const DesktopWindow& window) { return window.pid == pid; });
-  const auto newest = own.empty() ? 0 : own.back().id;
-  if (isNew || newest != known.judgedByWindow) identify(pid, known, own, showing);
-  known.judgedByWindow = newest;
+  identify(pid, known, own);
+}
+
+// The list is in the order in which the windows came.
+std::uint32_t Workspace::newestWindowOf(std::int32_t pid) const {
+  std::uint32_t newest = 0;
+  for (const auto& window : windows_.windows()) {
+    if (window.pid == pid) newest = window.id;
+  }
+  return newest;
 }
 
 // One that had an icon only becomes a full application with its first window.
@@ -192,8 +205,7 @@ void Workspace::showsWindow(Known& known) {
   changeSeen();
 }
 
-void Workspace::identify(std::int32_t pid, Known& known, const std::vector<DesktopWindow>& windows,
-                         Showing showing) {
+void Workspace::identify(std::int32_t pid, Known& known, const std::vector<DesktopWindow>& windows) {
   const DesktopEntry* entry = matcher_.match(pid, windows);
   const auto helped = applicationItHelps(pid, known.executable);
   const auto helpedEntry = helped > 0 ? known_.at(helped).entryID : std::string();
@@ -205,7 +217,7 @@ void Workspace::identify(std::int32_t pid, Known& known, const std::vector<Deskt
   const auto start = readProcessStart(pid);
   known.applicationPID = pid;
   known.entryID = entry->id;
-  known.application = makeRecord(pid, *entry, start, showing);
+  known.application = makeRecord(pid, *entry, start, known.showing);
   changeSeen();
   // One that ran before this program did is met now, not launched.
   if (start && start->ticks >= ownStart_) tell(ports::ApplicationEvent::launched, *known.application);
@@ -257,7 +269,7 @@ void Workspace::processEnded(std::int32_t pid) {
   tell(ports::ApplicationEvent::terminated, *ended.application);
 }
 
-// A name or icon may have changed, and a program may have got its entry: those that have none are met anew.
+// A name or icon may have changed, and a program may have got its entry.
 void Workspace::entriesChanged() {
   for (auto& [pid, known] : known_) {
     const auto* entry = known.application ? entries_.byID(known.entryID) : nullptr;
@@ -265,9 +277,11 @@ void Workspace::entriesChanged() {
     known.application->localizedName = SharedText(entry->name);
     known.application->icon = {SharedText(entry->icon)};
   }
-  std::erase_if(known_, [](const auto& each) { return each.second.applicationPID == 0; });
+  for (auto& [pid, known] : known_) {
+    if (known.applicationPID == 0) judge(pid, known);
+  }
   changeSeen();
-  windowsChanged();
+  activeWindowChanged();
 }
 
 // The list stands until the main loop goes on, and nobody is called inside a call of this port.

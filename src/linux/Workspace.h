@@ -39,8 +39,11 @@ class Workspace final : public ports::Workspace {
   Subscription subscribeToSpaceChanges(std::function<void()> handler) override;
 
  private:
+  enum class Showing { trayIcon, window };
+
   // What is known of a process that showed a window or an icon.
   struct Known {
+    Showing showing = Showing::trayIcon;
     std::unique_ptr<ProcessExit> exit;
     std::string executable;
     std::int32_t applicationPID = 0;  // itself, the application that it helps, or 0 for neither
@@ -48,15 +51,15 @@ class Workspace final : public ports::Workspace {
     std::optional<ports::RunningApplication> application;
     std::uint32_t judgedByWindow = 0;  // the newest of its windows when it was matched
   };
-  enum class Showing { window, trayIcon };
-
   void windowsChanged();
   void meetWindowOwners();
   void activeWindowChanged();
   std::int32_t ownerOfActiveWindow() const;
   void meet(std::int32_t pid, Showing showing);
   void showsWindow(Known& known);
-  void identify(std::int32_t pid, Known& known, const std::vector<DesktopWindow>& windows, Showing showing);
+  void judge(std::int32_t pid, Known& known);
+  std::uint32_t newestWindowOf(std::int32_t pid) const;
+  void identify(std::int32_t pid, Known& known, const std::vector<DesktopWindow>& windows);
   std::int32_t applicationItHelps(std::int32_t pid, const std::string& executable) const;
   const DesktopEntry* entryRunning(std::string_view program) const;
   const DesktopEntry* entryRunningIn(std::string_view folder) const;

@@ -42,7 +42,10 @@
 #include "ui/linux/X11Surroundings.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QLibraryInfo>
 #include <QPixmapCache>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -71,10 +74,27 @@ void preferX11() {
   if (std::getenv("DISPLAY") && !std::getenv("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "xcb");
 }
 
+// Qt's Wayland back end is a package of its own.
+bool hasWaylandBackEnd() {
+  const QDir backEnds(QLibraryInfo::path(QLibraryInfo::PluginsPath) + QStringLiteral("/platforms"));
+  return !backEnds.entryList({QStringLiteral("libqwayland*.so")}, QDir::Files).isEmpty();
+}
+
 bool hasDisplay() {
   const auto platform = qgetenv("QT_QPA_PLATFORM");
-  const bool isX11 = platform.isEmpty() ? !std::getenv("WAYLAND_DISPLAY") : platform.startsWith("xcb");
-  return !isX11 || canReachDisplay();
+  if (platform.startsWith("xcb")) return canReachDisplay();
+  if (platform.startsWith("wayland")) return hasWaylandBackEnd();
+  if (!platform.isEmpty()) return true;
+  return (std::getenv("WAYLAND_DISPLAY") && hasWaylandBackEnd()) || canReachDisplay();
+}
+
+// Standard error may be a pipe that nobody reads any more, and a line of the log must not end the program.
+// Handled and not ignored: what is ignored stays ignored in every program that we start.
+void outliveReadersOfPipes() {
+  struct sigaction action {};
+  action.sa_handler = [](int) {};
+  action.sa_flags = SA_RESTART;
+  sigaction(SIGPIPE, &action, nullptr);
 }
 
 std::string caseName(InstallStatus status) {
@@ -124,8 +144,9 @@ struct Program {
   linuxhost::SystemBus systemBus;
   std::shared_ptr<linuxhost::HelperNameWatch> helperName = linuxhost::HelperNameWatch::on(systemBus);
   linuxhost::HelperTransport helperTransport{scheduler, systemBus, helperName};
+  // There is no page about the daemon to show, and a program that starts shows nothing unasked.
   linuxhost::HelperService helperService{scheduler, systemBus, helperName, helperFolder(bundle.bundlePath()),
-                                         [this] { host.openAboutPanel(); }};
+                                         [] {}};
   ui::PanelAppearance panelAppearance{selections, desktopAppearance,
                                       qEnvironmentVariable("XDG_CURRENT_DESKTOP")};
   ui::StatusItem statusItem{scheduler, trayBus, selections, desktopAppearance, panelAppearance};
@@ -182,8 +203,10 @@ SamplingBackEnds SamplingBackEnds::ofThisMachine() {
 
 int runLinuxProgram(int argc, char** argv, SamplingBackEnds backEnds,
                     std::function<void(const WatchedServices&)> watch) {
-  linuxhost::SystemLog systemLog;
-  Logger::setSink([&systemLog](const LogRecord& record) { systemLog.write(record); });
+  outliveReadersOfPipes();
+  // Owned by the sink, which a thread may be using when the program ends.
+  Logger::setSink(
+      [log = std::make_shared<linuxhost::SystemLog>()](const LogRecord& record) { log->write(record); });
 
   preferX11();
   if (!hasDisplay()) {
@@ -215,7 +238,8 @@ int runLinuxProgram(int argc, char** argv, SamplingBackEnds backEnds,
     return program.delegate.applicationShouldTerminate() == AppDelegate::TerminateReply::now;
   });
   linuxhost::TerminationSignals terminationSignals([&program] { program.host.terminate(); });
-  QObject::connect(&application, &QGuiApplication::applicationStateChanged,
+  const QObject whileTheProgramStands;
+  QObject::connect(&application, &QGuiApplication::applicationStateChanged, &whileTheProgramStands,
                    [&program](Qt::ApplicationState state) {
                      if (state == Qt::ApplicationActive)
                        program.notifications.post(ApplicationDidBecomeActive{});
@@ -226,7 +250,6 @@ int runLinuxProgram(int argc, char** argv, SamplingBackEnds backEnds,
   const int status = QApplication::exec();
   program.delegate.applicationWillTerminate();
   program.defaults.synchronize();
-  Logger::setSink(nullptr);
   return status;
 }
 

@@ -178,6 +178,44 @@ TEST_F(AppDelegateTest, becomingActiveReadsTheHelpersStatus) {
   EXPECT_TRUE(helperManager.status.get() == InstallStatus::Case::requiresApproval);
 }
 
+TEST_F(AppDelegateTest, theHelpersStatusIsReadOnActivationUntilTheDelegateIsGone) {
+  launch();
+  scheduler.advance(10.0);
+  delegate->applicationWillTerminate();
+  service.rawStatus = 2;
+  notifications.post(ApplicationDidBecomeActive{});
+  EXPECT_TRUE(helperManager.status.get() == InstallStatus::Case::requiresApproval);
+  delegate.reset();
+  service.rawStatus = 0;
+  notifications.post(ApplicationDidBecomeActive{});
+  EXPECT_TRUE(helperManager.status.get() == InstallStatus::Case::requiresApproval);
+}
+
+TEST_F(AppDelegateTest, theLaunchTakesItsStepsInTheirOrder) {
+  helperManager.lastError = "of an earlier time";
+  std::vector<std::string> order;
+  const auto isBuildStored = [this] { return defaults.values.contains("vorli.lastLaunchedBuild"); };
+  const auto sampling = systemMonitor.memory.subscribeToChanges([&](const MemorySnapshot&) {
+    order.emplace_back("sample");
+    EXPECT_EQ(statusItem.pictures.size(), 1u);
+    EXPECT_FALSE(systemMonitor.hasTimer());
+    EXPECT_TRUE(helperManager.lastError.get().has_value());
+  });
+  const auto reading = helperManager.status.subscribeToChanges([&](const InstallStatus&) {
+    order.emplace_back("status");
+    if (order.size() > 2) return;
+    EXPECT_TRUE(systemMonitor.hasTimer());
+    EXPECT_FALSE(helperManager.lastError.get().has_value());
+    EXPECT_FALSE(isBuildStored());
+  });
+  launch();
+  EXPECT_EQ(order, (std::vector<std::string>{"sample", "status"}));
+  EXPECT_TRUE(isBuildStored());
+  EXPECT_EQ(transport.version.requests, 0);  // the helper's task waits for the loop
+  scheduler.runReady();
+  EXPECT_GT(transport.version.requests, 0);
+}
+
 TEST_F(AppDelegateTest, aTickRedrawsTheIconAfterItIsWhole) {
   launch();
   scheduler.runReady();

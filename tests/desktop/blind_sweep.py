@@ -35,8 +35,6 @@ def list_windows(*windows):
 class BlindSweep(unittest.TestCase):
     def setUp(self):
         write(f"{DATA}/tools/tray.py", TRAY_SCRIPT)
-        write(f"{DATA}/applications/org.example.Tray.desktop",
-              f"[Desktop Entry]\nType=Application\nName=Tray Tool\nExec=/usr/bin/python3 {DATA}/tools/tray.py\n")
         self.tray = self.start("/usr/bin/python3", f"{DATA}/tools/tray.py")
         self.calculator = self.start("galculator")
         self.probe = Probe(sys.argv[1])
@@ -48,6 +46,10 @@ class BlindSweep(unittest.TestCase):
         self.addCleanup(process.kill)
         return process
 
+    def tell_of_the_tool(self):
+        write(f"{DATA}/applications/org.example.Tray.desktop",
+              f"[Desktop Entry]\nType=Application\nName=Tray Tool\nExec=/usr/bin/python3 {DATA}/tools/tray.py\n")
+
     def sweep(self):
         self.assertTrue(self.probe.ask("sweep", "swept"))
         self.assertIn("hidden quit: windows cannot be seen here, nobody is asked", self.probe.logged())
@@ -55,6 +57,7 @@ class BlindSweep(unittest.TestCase):
         self.assertEqual((self.tray.poll(), self.calculator.poll()), (None, None))
 
     def test_without_a_list_of_windows_nobody_is_asked_and_nobody_is_idle(self):
+        self.tell_of_the_tool()
         self.assertEqual(self.probe.wait_for("org.example.Tray")["policy"], "accessory")
         until(lambda: window_of("galculator"), "its window")
         self.assertFalse(self.probe.ask("windows", "visible"))

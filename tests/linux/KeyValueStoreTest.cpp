@@ -4,10 +4,12 @@
 #include "tests/fakes/CapturedLog.h"
 #include "tests/fakes/ManualScheduler.h"
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -155,6 +157,151 @@ TEST_F(KeyValueStoreTest, aFolderInTheFilesPlaceLosesNothingAndIsTold) {
   EXPECT_TRUE(boolForKey(store, "autoClear"));
   EXPECT_TRUE(std::filesystem::is_directory(file));
   EXPECT_GE(log.lines().size(), 1u);
+}
+
+TEST_F(KeyValueStoreTest, aFileThatBeginsWithAByteOrderMarkIsWhole) {
+  write("\xEF\xBB\xBF[General]\nautoClear=true\n");
+  auto store = open();
+  EXPECT_TRUE(boolForKey(store, "autoClear"));
+  EXPECT_TRUE(log.lines().empty());
+}
+
+// A FIFO stands for everything that is neither file nor folder. Opening it would wait for ever.
+TEST_F(KeyValueStoreTest, whatIsNoFileIsSetAsideUnread) {
+  std::filesystem::create_directories(file.parent_path());
+  ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
+  auto store = open();
+  store.setObject("autoClear", StoredValue(true));
+  scheduler.runReady();
+  EXPECT_TRUE(std::filesystem::is_fifo(file.string() + ".damaged"));
+  EXPECT_NE(read(file).find("autoClear=true"), std::string::npos);
+  EXPECT_EQ(log.lines().size(), 1u);
+}
+
+TEST_F(KeyValueStoreTest, whatALinkLeadsToIsNotReplaced) {
+  std::filesystem::create_directories(file.parent_path());
+  const auto target = folder / "target";
+  ASSERT_EQ(mkfifo(target.c_str(), 0600), 0);
+  std::filesystem::create_symlink(target, file);
+  auto store = open();
+  store.setObject("autoClear", StoredValue(true));
+  scheduler.runReady();
+  EXPECT_TRUE(std::filesystem::is_fifo(target));
+  EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status(file)));
+}
+
+TEST_F(KeyValueStoreTest, whatIsNoFileAndCannotBeSetAsideStaysAndSettingsLastInMemory) {
+  std::filesystem::create_directories(file.string() + ".damaged/in/the/way");
+  ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
+  auto store = open();
+  store.setObject("autoClear", StoredValue(true));
+  scheduler.runReady();
+  EXPECT_TRUE(boolForKey(store, "autoClear"));
+  EXPECT_TRUE(std::filesystem::is_fifo(file));
+  EXPECT_EQ(log.lines().size(), 2u);  // not set aside, not written
+}
+
+// A limit on the size of files ends a write in the middle, as a full disk does.
+struct FileSizeLimit {
+  explicit FileSizeLimit(rlim_t bytes) : handlerBefore(std::signal(SIGXFSZ, SIG_IGN)) {
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit limit{bytes, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~FileSizeLimit() {
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handlerBefore);
+  }
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+  rlimit before{};
+  void (*handlerBefore)(int);
+};
+
+TEST_F(KeyValueStoreTest, aWriteThatFillsTheDiskLeavesTheFileWholeAndTheNextOneCatchesUp) {
+  auto store = open();
+  store.setObject("autoClear", StoredValue(true));
+  scheduler.runReady();
+  const auto before = read(file);
+  {
+    const FileSizeLimit full(4096);
+    store.setObject("text", StoredValue(std::string(100'000, 'x')));
+    scheduler.runReady();
+  }
+  EXPECT_EQ(read(file), before);
+  EXPECT_EQ(log.lines().size(), 1u);
+  store.setObject("edgeGlow", StoredValue(true));
+  scheduler.runReady();
+  auto again = open();
+  EXPECT_TRUE(boolForKey(again, "autoClear"));
+  EXPECT_TRUE(boolForKey(again, "edgeGlow"));
+  EXPECT_EQ(stringForKey(again, "text"), std::string(100'000, 'x'));
+}
+
+TEST_F(KeyValueStoreTest, aWriteLeavesNothingElseInTheFolder) {
+  auto store = open();
+  store.setObject("autoClear", StoredValue(true));
+  scheduler.runReady();
+  const FileSizeLimit full(4096);
+  store.setObject("text", StoredValue(std::string(100'000, 'x')));
+  scheduler.runReady();
+  const std::filesystem::directory_iterator entries(file.parent_path());
+  EXPECT_EQ(std::distance(begin(entries), end(entries)), 1);
+}
+
+TEST_F(KeyValueStoreTest, whatAPersonAddsWhileTheProgramRunsStays) {
+  auto store = open();
+  store.setObject("autoClear", StoredValue(true));
+  store.setObject("edgeGlow", StoredValue(true));
+  scheduler.runReady();
+  write("[General]\nautoClear=false\nmine=5\n\n[Section]\nkey=\"a, b\"\n");
+  store.setObject("edgeGlow", StoredValue(false));
+  scheduler.runReady();
+  EXPECT_TRUE(boolForKey(store, "autoClear"));  // not noticed before the next start
+  auto again = open();
+  EXPECT_FALSE(boolForKey(again, "autoClear"));
+  EXPECT_EQ(integerForKey(again, "mine"), 5);
+  EXPECT_EQ(stringForKey(again, "Section/key"), "a, b");
+  EXPECT_TRUE(again.object("edgeGlow") == StoredValue(false));
+}
+
+TEST_F(KeyValueStoreTest, theLastKeyThatGoesLeavesAnEmptyFile) {
+  auto store = open();
+  store.setObject("autoClear", StoredValue(true));
+  scheduler.runReady();
+  store.setObject("autoClear", std::nullopt);
+  scheduler.runReady();
+  EXPECT_TRUE(std::filesystem::exists(file));
+  EXPECT_FALSE(open().object("autoClear"));
+  EXPECT_TRUE(log.lines().empty());
+}
+
+TEST_F(KeyValueStoreTest, aLinkedFileStaysWhereItIsAndWhatItIs) {
+  std::filesystem::create_directories(file.parent_path());
+  const auto target = folder / "elsewhere.ini";
+  std::ofstream(target) << "[General]\nedgeGlow=true\n";
+  std::filesystem::permissions(target,
+                               std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+  std::filesystem::create_symlink(target, file);
+  auto store = open();
+  store.setObject("autoClear", StoredValue(true));
+  scheduler.runReady();
+  EXPECT_TRUE(std::filesystem::is_symlink(file));
+  EXPECT_NE(read(target).find("autoClear=true"), std::string::npos);
+  EXPECT_EQ(std::filesystem::status(target).permissions(),
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+}
+
+TEST_F(KeyValueStoreTest, aVariableThatNamesNoAbsoluteFolderCountsForNothing) {
+  const auto before = qgetenv("XDG_CONFIG_HOME");
+  qputenv("XDG_CONFIG_HOME", "somewhere");
+  const auto relative = KeyValueStore::defaultFile();
+  qputenv("XDG_CONFIG_HOME", "/somewhere");
+  const auto absolute = KeyValueStore::defaultFile();
+  before.isNull() ? qunsetenv("XDG_CONFIG_HOME") : qputenv("XDG_CONFIG_HOME", before);
+  EXPECT_TRUE(relative.ends_with("/.config/Vorli/Vorli.ini")) << relative;
+  EXPECT_EQ(absolute, "/somewhere/Vorli/Vorli.ini");
 }
 
 TEST_F(KeyValueStoreTest, aFailedWriteKeepsTheValueAndIsToldOnce) {

@@ -1,7 +1,6 @@
 #include "ui/linux/ClickAnchor.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace vorli::ui {
 namespace {
@@ -25,10 +24,12 @@ int panelThickness(QPoint point, const ScreenPlace& screen) {
 std::optional<QPoint> logicalPoint(QPoint native, const QList<ScreenPlace>& screens) {
   for (const auto& screen : screens) {
     const QPoint origin = screen.geometry.topLeft();
-    const QPointF offset = QPointF(native - origin) / screen.pixelRatio;
-    const QPoint logical =
-        origin + QPoint(static_cast<int>(std::floor(offset.x())), static_cast<int>(std::floor(offset.y())));
-    if (screen.geometry.contains(logical)) return logical;
+    // In fractions until it is known to lie on the screen: a panel may report any two integers.
+    const QPointF offset = (QPointF(native) - QPointF(origin)) / screen.pixelRatio;
+    const bool isHere = offset.x() >= 0.0 && offset.y() >= 0.0 && offset.x() < screen.geometry.width() &&
+                        offset.y() < screen.geometry.height();
+    if (!isHere) continue;
+    return origin + QPoint(static_cast<int>(offset.x()), static_cast<int>(offset.y()));
   }
   return std::nullopt;
 }

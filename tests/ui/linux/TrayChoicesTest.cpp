@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <gtest/gtest.h>
+#include <limits>
 
 namespace vorli::ui {
 namespace {
@@ -51,6 +52,21 @@ TEST(TrayColoursTest, bytesOfAnotherLengthTellNothing) {
 const ScreenPlace single{{0, 0, 1920, 1080}, {0, 29, 1920, 1051}, 1.0};
 const ScreenPlace doubled{{0, 0, 960, 540}, {0, 0, 960, 520}, 2.0};
 const ScreenPlace beside{{1920, 0, 960, 540}, {1920, 0, 960, 540}, 2.0};
+
+TEST(ClickAnchorTest, noTwoIntegersAreTooFarAway) {
+  constexpr int least = std::numeric_limits<int>::min(), most = std::numeric_limits<int>::max();
+  for (const QPoint far : {QPoint(least, least), QPoint(most, most), QPoint(least, 10), QPoint(10, most)}) {
+    EXPECT_EQ(logicalPoint(far, {beside, single}), std::nullopt);
+  }
+}
+
+TEST(ClickAnchorTest, aPointBeforeTheOriginIsNotOnTheScreen) {
+  EXPECT_EQ(logicalPoint({1919, 13}, {beside}), std::nullopt);
+  EXPECT_EQ(logicalPoint({1920, -1}, {beside}), std::nullopt);
+  EXPECT_EQ(logicalPoint({1920, 0}, {beside}), QPoint(1920, 0));
+  EXPECT_EQ(logicalPoint({3839, 1079}, {beside}), QPoint(2879, 539));
+  EXPECT_EQ(logicalPoint({3840, 0}, {beside}), std::nullopt);
+}
 
 TEST(ClickAnchorTest, aPointIsDividedByTheRatioOfItsScreen) {
   EXPECT_EQ(logicalPoint({1910, 13}, {single}), QPoint(1910, 13));
