@@ -15,7 +15,8 @@ WhiteSparkShower::Spark sparkAt(std::size_t index, double elapsed) {
 TEST(WhiteSparkShowerTest, showsNothingUntilItIsLit) {
   EXPECT_FALSE(WhiteSparkShower{}.sparks(lit));
   EXPECT_LT(WhiteSparkShower{}.restsAt(), 0.0);
-  for (const auto& spark : *WhiteSparkShower{.startDate = lit}.sparks(lit - 0.4)) {
+  const auto before = WhiteSparkShower{.startDate = lit}.sparks(lit - 0.4);
+  for (const auto& spark : *before) {
     EXPECT_EQ(spark.opacity, 0.0);
     EXPECT_EQ(spark.x, 0.0);
     EXPECT_EQ(spark.y, 0.0);
