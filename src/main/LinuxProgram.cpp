@@ -22,6 +22,7 @@
 #include "linux/MemoryCounters.h"
 #include "linux/PowerSources.h"
 #include "linux/ProcessTable.h"
+#include "linux/SessionBusGreeting.h"
 #include "linux/SessionBusService.h"
 #include "linux/SystemBus.h"
 #include "linux/SystemLog.h"
@@ -55,6 +56,8 @@
 namespace vorli {
 
 namespace {
+
+constexpr Logger logger{logSubsystem, "program"};
 
 constexpr int exitNoDisplay = 1;
 
@@ -95,6 +98,16 @@ void outliveReadersOfPipes() {
   action.sa_handler = [](int) {};
   action.sa_flags = SA_RESTART;
   sigaction(SIGPIPE, &action, nullptr);
+}
+
+// A whole desktop that starts is slow to answer; one that takes so long does not answer at all.
+constexpr double sessionBusLimitSeconds = 10.0;
+
+// Qt waits without end for a session bus that hangs. The program then lives as it does without one.
+void leaveAHangingSessionBus() {
+  if (linuxhost::greetsBack(linuxhost::sessionBusAddress(), sessionBusLimitSeconds)) return;
+  logger.error("the session bus does not answer; going on without it");
+  qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
 }
 
 std::string caseName(InstallStatus status) {
@@ -213,6 +226,7 @@ int runLinuxProgram(int argc, char** argv, SamplingBackEnds backEnds,
     std::fputs("vorli: there is no display to show the dial on\n", stderr);
     return exitNoDisplay;
   }
+  leaveAHangingSessionBus();
   QApplication application(argc, argv);
   application.setQuitOnLastWindowClosed(false);
   application.setApplicationName(QStringLiteral("Vorli"));

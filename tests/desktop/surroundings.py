@@ -128,26 +128,33 @@ class Surroundings(unittest.TestCase):
         self.lives(process)
         self.end(process)
 
-    def test_a_system_bus_that_hangs_holds_nothing_up(self):
+    def hanging_bus(self, kind):
+        """The address of a bus that takes connections and never says a word."""
         folder = tempfile.mkdtemp(prefix="vorli-bus-")
+        self.addCleanup(shutil.rmtree, folder)
         config = os.path.join(folder, "bus.conf")
         with open(config, "w", encoding="utf-8") as file:
-            file.write(f"<busconfig><type>system</type><listen>unix:path={folder}/bus</listen>"
+            file.write(f"<busconfig><type>{kind}</type><listen>unix:path={folder}/bus</listen>"
                        "<policy context='default'><allow send_destination='*'/><allow own='*'/></policy></busconfig>")
         bus = subprocess.Popen(["dbus-daemon", f"--config-file={config}", "--nofork"], stderr=subprocess.DEVNULL)
-        try:
-            until(lambda: os.path.exists(f"{folder}/bus"), "the bus is up")
-            bus.send_signal(signal.SIGSTOP)
-            process = self.lives(self.start(DBUS_SYSTEM_BUS_ADDRESS=f"unix:path={folder}/bus"))
-            ticks = int(status("Ticks"))
-            subprocess.run([PROGRAM], env=self.environment, capture_output=True, timeout=10)
-            until(lambda: int(status("Ticks")) > ticks, "the main loop answers while the system bus hangs", 3.0)
-            self.end(process)
-        finally:
-            bus.send_signal(signal.SIGCONT)
-            bus.kill()
-            bus.wait()
-            shutil.rmtree(folder)
+        self.addCleanup(bus.wait)
+        self.addCleanup(bus.kill)
+        until(lambda: os.path.exists(f"{folder}/bus"), "the bus is up")
+        bus.send_signal(signal.SIGSTOP)
+        return f"unix:path={folder}/bus"
+
+    def test_a_session_bus_that_hangs_is_given_up(self):
+        process = self.start(DBUS_SESSION_BUS_ADDRESS=self.hanging_bus("session"))
+        until(lambda: handles(process.pid, signal.SIGTERM), "it goes on without the bus", 30.0)
+        self.end(process)
+        self.assertIn("the session bus does not answer; going on without it", process.stderr.read())
+
+    def test_a_system_bus_that_hangs_holds_nothing_up(self):
+        process = self.lives(self.start(DBUS_SYSTEM_BUS_ADDRESS=self.hanging_bus("system")))
+        ticks = int(status("Ticks"))
+        subprocess.run([PROGRAM], env=self.environment, capture_output=True, timeout=10)
+        until(lambda: int(status("Ticks")) > ticks, "the main loop answers while the system bus hangs", 3.0)
+        self.end(process)
 
     def test_damaged_settings_are_kept_aside(self):
         os.makedirs(f"{self.home}/Vorli")
