@@ -46,9 +46,10 @@ void Lifecycle::requestEnded() {
 void Lifecycle::leave() {
   if (std::exchange(leaving_, true)) return;
   scheduler_.cancel(idleTimer_);
-  link_.announceStopping();
+  // From here on the bus starts a new process for new calls. The service manager is told nothing besides: it
+  // sees the name go. When it hears of the end before it has seen the start, it takes the next call's start
+  // for done.
   link_.releaseName();
-  // From here on the bus starts a new process for new calls.
   const auto received = [this, alive = std::weak_ptr(alive_)] {
     if (alive.expired()) return;
     everythingReceived_ = true;

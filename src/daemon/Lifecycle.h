@@ -18,7 +18,6 @@ class Lifecycle {
   class Link {
    public:
     virtual ~Link() = default;
-    virtual void announceStopping() = 0;
     virtual void releaseName() = 0;
     /// Answered when everything that the bus sent before this call has been handled.
     virtual void barrier(OnceReply<bool> reply) = 0;

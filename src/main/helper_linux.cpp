@@ -107,7 +107,7 @@ class DNSCaches {
 class Daemon {
  public:
   Daemon(sdbus::IConnection& connection, linuxhost::BusLoopScheduler& loop, linuxhost::DaemonLog& log,
-         const linuxhost::StartContext& context, linuxhost::MemoryLevers levers, double idleSeconds)
+         linuxhost::MemoryLevers levers, double idleSeconds)
       : memory_(std::move(levers)),
         caches_(connection, loop, workers_),
         flush_(loop, caches_.all()),
@@ -121,7 +121,7 @@ class Daemon {
                     isWarning ? linuxhost::DaemonLog::Level::warning : linuxhost::DaemonLog::Level::notice,
                     line);
               }),
-        link_(connection, loop, context.notifySocket),
+        link_(connection, loop),
         lifecycle_(
             loop, link_, [this] { return desk_.inFlight(); }, idleSeconds),
         object_(connection, desk_, [this] { lifecycle_.touch(); }) {
@@ -153,12 +153,12 @@ class Daemon {
   linuxhost::HelperObject object_;
 };
 
-void serve(const Options& options, const linuxhost::StartContext& context, linuxhost::DaemonLog& log,
-           linuxhost::FileDescriptor& signals, linuxhost::MemoryLevers levers) {
+void serve(const Options& options, linuxhost::DaemonLog& log, linuxhost::FileDescriptor& signals,
+           linuxhost::MemoryLevers levers) {
   linuxhost::BinaryWatch binary;
   const auto connection = sdbus::createSystemBusConnection();
   linuxhost::BusLoopScheduler loop;
-  Daemon daemon(*connection, loop, log, context, std::move(levers), options.idleSeconds);
+  Daemon daemon(*connection, loop, log, std::move(levers), options.idleSeconds);
 
   loop.watch(signals.get(), [&] {
     signalfd_siginfo information{};
@@ -202,7 +202,7 @@ int run(const std::vector<std::string_view>& arguments) {
     return 1;
   }
   try {
-    serve(*options, context, log, signals, std::move(levers));
+    serve(*options, log, signals, std::move(levers));
   } catch (const std::exception& error) {
     log.write(linuxhost::DaemonLog::Level::error, std::string("leaving: ") + error.what());
     return 1;

@@ -11,7 +11,6 @@ struct FakeLink final : Lifecycle::Link {
   std::vector<std::string> calls;
   std::vector<OnceReply<bool>> barriers;
 
-  void announceStopping() override { calls.push_back("announce"); }
   void releaseName() override { calls.push_back("release"); }
   void barrier(OnceReply<bool> reply) override {
     calls.push_back("barrier");
@@ -26,7 +25,7 @@ struct LifecycleTest : testing::Test {
   std::size_t inFlight = 0;
   std::unique_ptr<Lifecycle> lifecycle = std::make_unique<Lifecycle>(
       scheduler, link, [this] { return inFlight; }, 30.0);
-  const std::vector<std::string> dance{"announce", "release", "barrier"};
+  const std::vector<std::string> dance{"release", "barrier"};
 
   void passBarrier() {
     std::move(link.barriers[0])(true);

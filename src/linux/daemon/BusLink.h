@@ -16,11 +16,9 @@ namespace vorli::linuxhost {
 /// Gives the daemon's name on the bus back, in the order that loses no call.
 class BusLink final : public daemon::Lifecycle::Link {
  public:
-  /// `notifySocket` is the service manager's, empty when nobody wants to know.
-  BusLink(sdbus::IConnection& connection, BusLoopScheduler& loop, std::string notifySocket);
+  BusLink(sdbus::IConnection& connection, BusLoopScheduler& loop);
   ~BusLink() override;
 
-  void announceStopping() override;
   void releaseName() override;
   void barrier(OnceReply<bool> reply) override;
   void stop() override { loop_.stop(); }
@@ -28,7 +26,6 @@ class BusLink final : public daemon::Lifecycle::Link {
  private:
   sdbus::IConnection& connection_;
   BusLoopScheduler& loop_;
-  std::string notifySocket_;
   std::unique_ptr<sdbus::IProxy> bus_;
 };
 

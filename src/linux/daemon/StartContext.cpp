@@ -20,7 +20,6 @@ StartContext StartContext::take() {
   StartContext context;
   context.startedByServiceManager = variable("SYSTEMD_EXEC_PID") == std::to_string(::getpid());
   if (context.startedByServiceManager) {
-    context.notifySocket = variable("NOTIFY_SOCKET");
     context.journalStream = variable("JOURNAL_STREAM");
   }
   // A message bus that starts a service itself names itself to it.

@@ -9,8 +9,6 @@ namespace vorli::linuxhost {
 struct StartContext {
   /// The service manager is our parent; it fixes the bus and takes the log.
   bool startedByServiceManager = false;
-  /// Where the service manager wants to hear that we stop.
-  std::string notifySocket;
   /// "device:inode" of a stream to the journal, as which standard error may be open.
   std::string journalStream;
 

@@ -93,7 +93,7 @@ def no_back_door(rung):
     # The one that it sets is told by the bus that started it; the others are looked at and taken away.
     rung.equal("names of variables in the program", names,
                ["DBUS_STARTER_ADDRESS", "DBUS_STARTER_BUS_TYPE", "DBUS_SYSTEM_BUS_ADDRESS", "JOURNAL_STREAM",
-                "NOTIFY_SOCKET", "SYSTEMD_EXEC_PID"])
+                "SYSTEMD_EXEC_PID"])
     rung.equal("words of a back door in the program",
                re.findall(r"(?i)\w*(?:bypass|insecure|no_?auth|skip_?auth|allow_?all|for_?test)\w*", text), [])
     sources = subprocess.run(["/usr/bin/grep", "-rnE", "getCredsUid|getCredsPid|getCredsGid|unix-process",
