@@ -194,6 +194,17 @@ class CheckIncludesTest(unittest.TestCase):
             with self.subTest(text):
                 self.refused("src/linux/daemon/Bad.cpp", text + "\n", "by its pid")
 
+    def testWhatTheRootDaemonMustNotDoIsTold(self):
+        for text in ('callMethod("GetConnectionUnixProcessID");', "getsockopt(file, SOL_SOCKET, SO_PEERCRED);", "::fork();",
+                     '::system("x");', "::execve(path, list, none);", "::setresuid(1, 1, 1);", 'std::getenv("VORLI_X");'):
+            with self.subTest(text=text):
+                self.refused("src/linux/daemon/Planted.cpp", text + "\n")
+        os.unlink(os.path.join(self.root, "src/linux/daemon/Planted.cpp"))
+        self.refused("src/daemon/Planted.cpp", '::popen("x", "r");\n', "as root")
+        os.unlink(os.path.join(self.root, "src/daemon/Planted.cpp"))
+        self.accepted("src/linux/Planted.cpp", '::fork();\nstd::getenv("HOME");\n')
+        self.accepted("src/linux/daemon/StartContext.cpp", '::secure_getenv("JOURNAL_STREAM");\n')
+
     def testLongFilesAreTold(self):
         self.accepted("src/app/Long.cpp", "\n" * 400)
         self.refused("src/app/Long.cpp", "\n" * 401, "401 lines", line=401)

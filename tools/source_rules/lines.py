@@ -27,6 +27,16 @@ _PLATFORM_IF = re.compile(
 )
 # The bus library reads these from /proc by the caller's pid, or judges by that pid: another process may have it.
 _BY_PID = re.compile(r"\b(?:getCredsUid|getCredsPid|getCredsGid)\b|unix-process")
+# What the root daemon's sources hold none of; its environment is read, and emptied, in one place.
+_ROOT_DAEMON = ("daemon/", "linux/daemon/", "main/helper_")
+_NOT_AS_ROOT = (
+    (re.compile(r"\bGetConnectionUnixProcessID\b|\bGetConnectionCredentials\b|\bsd_bus_(?:query_sender_)?creds\w*|"
+                r"\bSO_PEERCRED\b|\bSO_PEERPIDFD\b"), "asks who a caller's process is"),
+    (re.compile(r"(?<![\w.>])(?:system|popen|fork|vfork|execl|execle|execlp|execv|execve|execvp|execvpe|posix_spawnp?|"
+                r"dlopen)\s*\(|\bQProcess\b"), "starts a program as root"),
+    (re.compile(r"\b(?:setuid|seteuid|setreuid|setresuid|setgid|setresgid|setfsuid)\s*\("), "takes a caller's user"),
+    (re.compile(r"\bgetenv\s*\(|\bsecure_getenv\s*\(|\benviron\b"), "reads the environment as root"),
+)
 _CO_AWAIT = re.compile(r"\bco_await\b[^;]*")
 _TASK_LAMBDA = re.compile(r"\]\s*\([^()]*\)\s*(?:mutable\s*)?->\s*(?:\w+::)*Task<")
 
@@ -69,6 +79,14 @@ def check_source_lines(sources):
         if folder not in MAY_INCLUDE_OS and inside != "base/HostSystem.h":
             yield from _hits(source, _PLATFORM_IF, "a condition on the platform outside the platform folders")
         yield from _hits(source, _BY_PID, "judges a caller by its pid", source.text)
+        if inside.startswith(_ROOT_DAEMON):
+            yield from _check_root_daemon(source)
+
+
+def _check_root_daemon(source):
+    for pattern, message in _NOT_AS_ROOT:
+        if source.name != "StartContext" or "environment" not in message:
+            yield from _hits(source, pattern, message, source.text)
 
 
 def check_sizes(sources, tests):
