@@ -1,3 +1,4 @@
 """What the daemon promises, one function each."""
 
-from . import authority, confinement, contract, hostile, life, load, moves, rights, work  # noqa: F401
+from . import (  # noqa: F401
+    authority, confinement, contract, hostile, life, load, moves, registration, rights, work)

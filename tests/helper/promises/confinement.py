@@ -1,5 +1,7 @@
 """Walls around the daemon."""
 
+import ctypes
+import errno
 import os
 import re
 import shutil
@@ -8,7 +10,7 @@ import subprocess
 from harness.calls import call
 from harness.machine import Machine
 from harness.rung import promise
-from harness.sandbox import HELPER, WORK, command, write
+from harness.sandbox import FOLDERS, HELPER, WORK, command, write
 from harness.waiting import wait_for
 from promises.authority import STANDINS
 from promises.rights import Sleeper
@@ -143,6 +145,22 @@ def narrow_by_itself(rung):
     rung.holds("it still continues nobody else's processes",
                call(box, "KillPID", sleeper.pid, 19, uid=4001).code == 1 and sleeper.is_stopped)
     sleeper.end()
-    write("/etc/vorli-outside.desktop", "x")
-    reply = call(box, "MoveLaunchAgentPlist", "/etc/vorli-outside.desktop", "/etc/vorli-outside.desktop.vorli-disabled")
-    rung.equal("nothing outside is moved", reply.code, 1)
+    within_landlock(rung)
+
+
+def within_landlock(rung):
+    """The kernel's own wall: another folder under an allowed name is none that the daemon may write in."""
+    box = rung.sandbox
+    version = ctypes.CDLL(None).syscall(444, None, 0, 1)  # landlock_create_ruleset, its version
+    rung.holds(f"Landlock of this kernel: {f'version {version}' if version > 0 else 'none, nothing more to show'}", True)
+    box.start_polkit()
+    item = f"{FOLDERS[2]}/item.service"
+    command("mount", "-t", "tmpfs", "-o", "mode=755", "tmpfs", FOLDERS[2])
+    write(item, "x")
+    reply = call(box, "MoveLaunchAgentPlist", item, item + ".vorli-disabled")
+    moved = os.path.exists(item + ".vorli-disabled")
+    command("umount", FOLDERS[2])
+    rung.equal("a move in a folder that came after its start", (reply.code, moved),
+               (errno.EACCES, False) if version > 0 else (0, True))
+    write(item, "x")
+    rung.equal("and in the one that was there", call(box, "MoveLaunchAgentPlist", item, item + ".vorli-disabled").code, 0)

@@ -1,0 +1,76 @@
+"""The script that registers the daemon of an unpackaged program, and takes it off again."""
+
+import os
+import subprocess
+
+from harness.calls import call
+from harness.rung import promise
+from harness.sandbox import HELPER, NAME, SERVICE_FILE, WORK, command
+from harness.waiting import wait_for
+
+FILES = (HELPER, SERVICE_FILE, f"/etc/dbus-1/system.d/{NAME}.conf", f"/usr/share/polkit-1/actions/{NAME}.policy",
+         "/usr/local/lib/systemd/system/vorli-helper.service")
+
+
+def can_be_started():
+    names = command("/usr/bin/gdbus", "call", "--system", "-d", "org.freedesktop.DBus", "-o", "/org/freedesktop/DBus", "-m",
+                    "org.freedesktop.DBus.ListActivatableNames")
+    return f"'{NAME}'" in names
+
+
+def traces():
+    """What tells whether a file was written anew."""
+    return [(path, os.stat(path).st_ino, os.stat(path).st_mtime_ns) for path in FILES]
+
+
+@promise("P22b", "An unpackaged program's daemon is registered, registered again and taken off by its script")
+def script_registers(rung):
+    box = rung.sandbox
+    box.restart()
+    for path in FILES:
+        os.unlink(path)
+    # As an unpacked archive: everything is the user's.
+    unpacked = f"{WORK}/unpacked"
+    command("rm", "-rf", unpacked)
+    os.mkdir(unpacked)
+    for name in ("vorli-helper", "vorli-helper-install", "vorli-helper.service", f"{NAME}.service", f"{NAME}.conf",
+                 f"{NAME}.policy"):
+        command("cp", f"{rung.options.source}/build/package/src/{name}", unpacked)
+    command("chown", "-R", "4001:4001", unpacked)
+    script = f"{unpacked}/vorli-helper-install"
+    wait_for(lambda: not can_be_started(), 5, "the bus has forgotten it", 0.01)
+
+    for uid in (4001, 65534):
+        done = subprocess.run([*box.as_user(uid), script], capture_output=True, text=True)
+        rung.holds(f"user {uid} cannot: {done.stderr.strip()}", done.returncode == 1 and not os.path.exists(HELPER))
+    done = subprocess.run([script, "--force"], capture_output=True, text=True)
+    rung.holds(f"an argument that it does not know: {done.stderr.strip()}", done.returncode == 1)
+
+    command(script)
+    rung.holds("registered: the bus can start it", wait_for(can_be_started, 5, "it can be started", 0.01))
+    rung.equal("and has not", box.helper_pids(), [])
+    rung.holds("polkit has its actions", wait_for(lambda: f"{NAME}.purge-memory" in command("/usr/bin/pkaction"), 5,
+                                                  "polkit has read them", 0.01))
+    loose = [path for path in FILES if (os.stat(path).st_uid, os.stat(path).st_mode & 0o7022) != (0, 0)]
+    rung.equal("files that others than root could change", loose, [])
+    rung.holds("any user's ping is answered", call(box, "Ping", uid=4001).answered)
+    pids, before = box.helper_pids(), traces()
+    rung.equal("it runs from where only root can change it", [os.readlink(f"/proc/{pid}/exe") for pid in pids], [HELPER])
+
+    command(script)
+    rung.equal("registered again: nothing is written", traces(), before)
+    rung.equal("and the daemon runs on", box.helper_pids(), pids)
+    with open(f"{unpacked}/vorli-helper", "ab") as file:
+        file.write(b"newer")
+    command(script)
+    wait_for(lambda: not box.helper_pids(), 5, "the older daemon leaves", 0.01)
+    rung.holds("a newer program: the older daemon leaves, the next call has an answer", call(box, "Ping").answered)
+
+    command(script, "--remove")
+    rung.equal("taken off: files left", [path for path in FILES if os.path.exists(path)], [])
+    wait_for(lambda: not box.helper_pids(), 5, "the daemon leaves", 0.01)
+    wait_for(lambda: not can_be_started(), 5, "the bus has forgotten it", 0.01)
+    reply = call(box, "Ping")
+    rung.holds(f"a call fails with a word ({reply.text})", not reply.answered)
+    command(script, "--remove")
+    rung.holds("taken off again: nothing to do", True)
