@@ -25,6 +25,7 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <malloc.h>
 #include <optional>
 #include <sdbus-c++/sdbus-c++.h>
 #include <string>
@@ -61,6 +62,13 @@ std::optional<Options> parse(const std::vector<std::string_view>& arguments) {
     }
   }
   return options;
+}
+
+/// A message may take 100 MB for a moment. Left to itself the allocator learns from such blocks to keep them
+/// on its heap, where one small block behind them holds them for good; mapped blocks go back when they are
+/// freed.
+void returnLargeBlocks() {
+  ::mallopt(M_MMAP_THRESHOLD, 128 * 1024);
 }
 
 /// Blocked before the first thread, so that every thread leaves them to the loop.
@@ -193,6 +201,7 @@ int run(const std::vector<std::string_view>& arguments) {
     std::printf("vorli-helper %s (contract %s)\n", VORLI_VERSION, helper::version.data());
     return 0;
   }
+  returnLargeBlocks();
   auto signals = takeSignals();
   const auto context = linuxhost::StartContext::take();
   linuxhost::DaemonLog log(context);
