@@ -2,6 +2,7 @@
 
 #include <QSocketNotifier>
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <climits>
 #include <cstdlib>
@@ -115,13 +116,45 @@ const DesktopEntry* find(const std::unordered_map<std::string, const DesktopEntr
 
 }  // namespace
 
+// Told by the whole name, save for a version behind it: an application's own program may begin like one.
 bool isInterpreter(std::string_view programPath) {
-  const auto base = programPath.substr(programPath.rfind('/') + 1);
-  for (const std::string_view name :
-       {"python", "perl", "ruby", "node", "electron", "java", "gjs", "mono", "wine"}) {
-    if (base.starts_with(name)) return true;
-  }
-  return base == "sh" || base == "bash" || base == "dash" || base == "zsh" || base == "fish";
+  using namespace std::string_view_literals;
+  static constexpr std::array names{
+      "sh"sv,
+      "bash"sv,
+      "dash"sv,
+      "fish"sv,
+      "zsh"sv,
+      "python"sv,
+      "perl"sv,
+      "ruby"sv,
+      "php"sv,
+      "lua"sv,
+      "luajit"sv,
+      "tclsh"sv,
+      "wish"sv,
+      "guile"sv,
+      "node"sv,
+      "nodejs"sv,
+      "electron"sv,
+      "deno"sv,
+      "bun"sv,
+      "java"sv,
+      "gjs"sv,
+      "gjs-console"sv,
+      "qml"sv,
+      "mono"sv,
+      "wine"sv,
+      "dotnet"sv,
+      "wine-preloader"sv,
+      "wine64-preloader"sv,
+      "mono-sgen"sv,
+      "mono-boehm"sv,
+  };
+  auto name = programPath.substr(programPath.rfind('/') + 1);
+  while (!name.empty() && (name.back() == '.' || (name.back() >= '0' && name.back() <= '9')))
+    name.remove_suffix(1);
+  return std::ranges::find(names, name) != names.end();
 }
 
 DesktopEntryIndex::Places DesktopEntryIndex::Places::ofThisUser() {
@@ -260,18 +293,24 @@ void DesktopEntryIndex::add(DesktopEntry entry) {
   entries_.emplace(entry.id, std::move(entry));
 }
 
+// What a launcher shows counts before what it does not: a handler of links often shares its application's
+// names.
 void DesktopEntryIndex::indexEntries() {
+  Claims quietPieces, quietClasses;
   for (auto* claims : {&byLowerID_, &byLastPiece_, &byClass_, &byProgram_, &byFolder_}) claims->clear();
   for (const auto& id : order_) {
     const DesktopEntry& entry = entries_.at(id);
     if (entry.hidden) continue;
     byLowerID_.emplace(lowered(id), &entry);
-    claim(byLastPiece_, lowered(id.substr(id.rfind('.') + 1)), &entry);
-    claim(byClass_, entry.startupWMClass, &entry);
-    if (!entry.isVisible()) continue;
+    const bool isQuiet = !entry.isVisible();
+    claim(isQuiet ? quietPieces : byLastPiece_, lowered(id.substr(id.rfind('.') + 1)), &entry);
+    claim(isQuiet ? quietClasses : byClass_, entry.startupWMClass, &entry);
+    if (isQuiet) continue;
     claim(byProgram_, startedProgram(entry, places_.programPath), &entry);
     for (auto& folder : sandboxFolders(entry)) claim(byFolder_, std::move(folder), &entry);
   }
+  byLastPiece_.merge(quietPieces);
+  byClass_.merge(quietClasses);
   for (const auto& [program, entry] : byProgram_) {
     for (auto slash = program.rfind('/'); slash != 0 && slash != std::string::npos;
          slash = program.rfind('/', slash - 1)) {

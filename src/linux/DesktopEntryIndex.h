@@ -41,9 +41,9 @@ class DesktopEntryIndex {
   /// Ids are compared without regard to case; the first of the index's order counts.
   const DesktopEntry* byIDIgnoringCase(std::string_view id) const;
   /// By the last dotted piece of the id, lower case: "org.example.Viewer" for "viewer". Null when two entries
-  /// claim it.
+  /// claim it and none or both are visible.
   const DesktopEntry* byLastPiece(std::string_view piece) const;
-  /// Exact in case. Null when two entries claim it.
+  /// Exact in case. Null as above.
   const DesktopEntry* byStartupWMClass(std::string_view wmClass) const;
   /// The one visible entry that starts the program file at `realPath`, an interpreter's script included. Null
   /// when none or several do.
@@ -84,7 +84,7 @@ class DesktopEntryIndex {
   Scheduler::TimerId rereadTimer_ = 0;
 };
 
-/// Programs that run other programs: what they were given to run says who a process is.
+/// True for programs that run other programs: what they were given to run says who a process is.
 bool isInterpreter(std::string_view programPath);
 
 }  // namespace vorli::linuxhost

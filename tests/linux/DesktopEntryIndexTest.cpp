@@ -90,6 +90,34 @@ TEST_F(DesktopEntryIndexTest, anInterpretersScriptIsTheProgram) {
   EXPECT_EQ(idOf(entries.byProgram((root / "bin/python3.11").string())), "none");
 }
 
+TEST(InterpreterTest, isToldByItsWholeName) {
+  for (const char* program :
+       {"/usr/bin/python3.11", "/bin/sh", "/usr/bin/bash", "/usr/bin/perl5.36",
+        "/usr/lib/electron28/electron", "/usr/lib/jvm/java-17-openjdk-amd64/bin/java", "/usr/bin/gjs-console",
+        "/usr/bin/wine64-preloader", "nodejs", "/usr/bin/mono-sgen"}) {
+    EXPECT_TRUE(isInterpreter(program)) << program;
+  }
+  for (const char* program :
+       {"/opt/rubymine/bin/rubymine", "/opt/ElectronMail/electron-mail", "/usr/bin/shotwell",
+        "/usr/bin/monodevelop", "/opt/nodepad/nodepad", "/usr/bin/pythonic", "", "/"}) {
+    EXPECT_FALSE(isInterpreter(program)) << program;
+  }
+}
+
+TEST_F(DesktopEntryIndexTest, whatALauncherShowsCountsBeforeItsHandlerOfLinks) {
+  entry("system/a-handler.desktop", "code --open-url", "NoDisplay=true\nStartupWMClass=Code\n");
+  entry("system/maker.code.desktop", "code", "StartupWMClass=Code\n");
+  entry("system/z-handler.desktop", "code --other", "NoDisplay=true\nStartupWMClass=Code\n");
+  entry("system/handlers.code.desktop", "code --third", "NoDisplay=true\nStartupWMClass=Quiet\n");
+  entry("system/b.desktop", "b", "StartupWMClass=Both\n");
+  entry("system/c.desktop", "c", "StartupWMClass=Both\n");
+  const auto entries = index();
+  EXPECT_EQ(idOf(entries.byStartupWMClass("Code")), "maker.code");
+  EXPECT_EQ(idOf(entries.byLastPiece("code")), "maker.code");
+  EXPECT_EQ(idOf(entries.byStartupWMClass("Quiet")), "handlers.code");
+  EXPECT_EQ(idOf(entries.byStartupWMClass("Both")), "none");
+}
+
 TEST_F(DesktopEntryIndexTest, aFolderBelongsToTheOnlyEntryThatStartsAProgramInIt) {
   for (const char* folder : {"opt/maker/one/bin", "opt/maker/two", "opt/shared"})
     fs::create_directories(root / folder);
