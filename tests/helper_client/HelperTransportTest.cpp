@@ -16,7 +16,8 @@ struct HelperTransportTest : ClientFixture {
     startClient();
   }
 
-  bool ping() { return resultOf(manager().pingWithTimeout(2.0)); }
+  /// For the question whether the daemon is there: a loaded machine may take its time to start it.
+  bool ping() { return resultOf(manager().pingWithTimeout(20.0)); }
 
   /// Waits for a call and checks that it ended at its limit: never early, and late only by the machine's
   /// load.

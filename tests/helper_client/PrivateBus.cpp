@@ -24,7 +24,7 @@ const char* const busConfiguration = R"(<!DOCTYPE busconfig PUBLIC
   <policy context="default">
     <allow user="*"/>
     <allow own="*"/>
-    <allow send_type="method_call"/>
+    CALLS
     <allow send_type="signal"/>
     <allow send_requested_reply="true" send_type="method_return"/>
     <allow send_requested_reply="true" send_type="error"/>
@@ -33,8 +33,20 @@ const char* const busConfiguration = R"(<!DOCTYPE busconfig PUBLIC
     <allow receive_type="error"/>
     <allow receive_type="signal"/>
   </policy>
+  RULES
 </busconfig>
 )";
+
+constexpr const char* everyCall = R"(<allow send_type="method_call"/>)";
+// As a system bus has it: what nobody allows is refused.
+constexpr const char* listedCalls = R"(<deny send_type="method_call"/>
+    <allow send_destination="org.freedesktop.DBus"/>
+    <allow send_destination="org.freedesktop.PolicyKit1"/>)";
+
+void replaceAll(std::string& text, std::string_view word, const std::string& by) {
+  for (auto at = text.find(word); at != std::string::npos; at = text.find(word))
+    text.replace(at, word.size(), by);
+}
 
 // The socket's file is there a moment before anybody listens.
 bool listens(const std::string& path) {
@@ -57,10 +69,7 @@ PrivateBus::PrivateBus() {
   std::string pattern = std::filesystem::temp_directory_path() / "vorli-bus-XXXXXX";
   folder_ = mkdtemp(pattern.data());
   std::filesystem::create_directory(folder_ / "services");
-  std::string configuration = busConfiguration;
-  for (auto at = configuration.find("FOLDER"); at != std::string::npos; at = configuration.find("FOLDER"))
-    configuration.replace(at, 6, folder_.string());
-  write("bus.conf", configuration);
+  configure(everyCall, "");
   setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + folder_.string() + "/socket").c_str(), 1);
 }
 
@@ -70,6 +79,18 @@ PrivateBus::~PrivateBus() {
   authorities_.clear();
   daemon_.end();
   std::filesystem::remove_all(folder_);
+}
+
+void PrivateBus::applyShippedRules() {
+  configure(listedCalls, "<include>" SHIPPED_BUS_RULES "</include>");
+}
+
+void PrivateBus::configure(const std::string& calls, const std::string& rules) const {
+  std::string configuration = busConfiguration;
+  replaceAll(configuration, "FOLDER", folder_.string());
+  replaceAll(configuration, "CALLS", calls);
+  replaceAll(configuration, "RULES", rules);
+  write("bus.conf", configuration);
 }
 
 void PrivateBus::start() {

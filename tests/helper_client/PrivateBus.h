@@ -20,6 +20,8 @@ class PrivateBus {
 
   const std::filesystem::path& folder() const { return folder_; }
 
+  /// Everything is allowed otherwise. Before the start.
+  void applyShippedRules();
   /// Runs the bus, and returns when it listens.
   void start();
   const ChildProcess& daemon() const { return daemon_; }
@@ -56,6 +58,7 @@ class PrivateBus {
     ChildProcess process;
   };
 
+  void configure(const std::string& calls, const std::string& rules) const;
   void write(const std::string& name, const std::string& text) const;
   std::vector<std::string> lines(const std::string& name) const;
 

@@ -2,15 +2,18 @@
 
 #include <cerrno>
 #include <fstream>
+#include <sdbus-c++/sdbus-c++.h>
+#include <unistd.h>
 
 namespace vorli {
 namespace {
 
-/// The client against the root daemon itself, with a scripted polkit behind it.
+/// The client against the root daemon itself, by the shipped rules of the bus and with a scripted polkit.
 struct RealHelperTest : ClientFixture {
   void SetUp() override {
     ASSERT_EQ(geteuid(), 0u) << "the daemon runs as root, and so has to this test";
     bus.install(REAL_HELPER);
+    bus.applyShippedRules();
     bus.start();
     bus.startAuthority("polkit");
     startClient();
@@ -19,7 +22,7 @@ struct RealHelperTest : ClientFixture {
     if (const pid_t pid = daemonPid(); pid > 0) ::kill(pid, SIGKILL);
   }
 
-  bool ping() { return resultOf(manager().pingWithTimeout(2.0)); }
+  bool ping() { return resultOf(manager().pingWithTimeout(20.0)); }
 
   pid_t daemonPid() const {
     const auto found = bus.ownerProcess("com.kv.vorli.helper");
@@ -79,6 +82,24 @@ TEST_F(RealHelperTest, aKilledDaemonIsBackForTheNextCall) {
   }
   EXPECT_TRUE(ping());
   EXPECT_EQ(log.count("XPC connection interrupted"), 0);  // no call was out
+}
+
+// The bus lets sixteen come along with any message, whatever its arguments; the daemon may have few open.
+TEST_F(RealHelperTest, aCallThatBringsOpenFilesDoesNotReachTheDaemon) {
+  const auto connection = sdbus::createSystemBusConnection();
+  const auto helper = sdbus::createProxy(*connection, "com.kv.vorli.helper", "/com/kv/vorli/helper");
+  const auto errorOf = [&](const char* interface, const char* method) {
+    try {
+      helper->callMethod(method).onInterface(interface).withArguments(sdbus::UnixFd(STDIN_FILENO));
+    } catch (const sdbus::Error& error) {
+      return error.getName();
+    }
+    return std::string();
+  };
+  ASSERT_TRUE(ping());
+  for (const char* method : {"Ping", "PurgeMemory", "KillPID", "MoveLaunchAgentPlist"})
+    EXPECT_EQ(errorOf("com.kv.vorli.helper", method), "org.freedesktop.DBus.Error.AccessDenied") << method;
+  EXPECT_EQ(errorOf("org.freedesktop.DBus.Peer", "Ping"), "org.freedesktop.DBus.Error.AccessDenied");
 }
 
 TEST_F(RealHelperTest, aHealthyDaemonNeedsNoRepair) {
