@@ -4,6 +4,7 @@
 #include "base/Scheduler.h"
 #include "base/TaskScope.h"
 #include "daemon/Authority.h"
+#include "daemon/CallerBook.h"
 #include "daemon/Callers.h"
 #include "daemon/Commands.h"
 #include "daemon/Order.h"
@@ -55,6 +56,7 @@ class RequestDesk {
 
   Task<> serve(SharedCase entry, OnceReply<HelperReply> reply);
   Task<HelperReply> decide(SharedCase entry);
+  /// Does nothing when the user is known already.
   Task<> identify(SharedCase entry);
   Task<> authorise(SharedCase entry, std::string subject);
   void act(const Order& order, Permit permit, OnceReply<HelperReply> reply);
@@ -68,6 +70,7 @@ class RequestDesk {
   Commands& commands_;
   LogSink log_;
   RequestLimits limits_;
+  CallerBook book_;
   std::uint64_t lastSerial_ = 0;
   TaskScope tasks_;  // last: its flows use everything above
 };

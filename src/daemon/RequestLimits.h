@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace vorli::daemon {
 
@@ -17,6 +18,10 @@ class RequestLimits {
  public:
   static constexpr std::size_t mostInFlight = 64;
   static constexpr std::size_t mostInFlightPerUser = 8;
+  /// The bus's word on a caller waits behind all that it sends us before, so one who sends much could fill
+  /// every place before it is known who that is.
+  static constexpr std::size_t mostUnidentified = 32;
+  static constexpr std::size_t mostUnidentifiedPerCaller = 8;
   static constexpr std::size_t mostPrivilegedPerUser = 20;
   static constexpr double privilegedWindowSeconds = 10.0;
 
@@ -27,6 +32,9 @@ class RequestLimits {
 
   /// Null when all places are taken.
   [[nodiscard]] std::shared_ptr<Place> admit();
+  /// For a caller whose user is yet to be found out. Null also when too many such wait, or too many of this
+  /// caller's.
+  [[nodiscard]] std::shared_ptr<Place> admitUnidentified(const std::string& caller);
 
   std::size_t inFlight() const { return state_->inFlight; }
   /// Called whenever a place is given back.
@@ -38,6 +46,8 @@ class RequestLimits {
 
     const Scheduler& clock;
     std::size_t inFlight = 0;
+    std::size_t unidentified = 0;
+    std::map<std::string, std::size_t> unidentifiedPerCaller;
     std::map<UserId, std::size_t> perUser;
     /// Start times of each user's privileged requests within the window.
     std::map<UserId, std::deque<double>> recent;
@@ -62,9 +72,13 @@ class RequestLimits::Place {
 
  private:
   friend class RequestLimits;
-  explicit Place(std::shared_ptr<State> state) : state_(std::move(state)) {}
+  Place(std::shared_ptr<State> state, std::string unidentifiedCaller);
+
+  void leaveUnidentified();
 
   std::shared_ptr<State> state_;
+  /// Empty once the user is known.
+  std::string unidentifiedCaller_;
   std::optional<UserId> user_;
 };
 

@@ -172,12 +172,78 @@ TEST_F(RequestDeskTest, refusesTheNinthRequestOfAUserAndServesAnother) {
 }
 
 TEST_F(RequestDeskTest, refusesTheSixtyFifthRequest) {
-  callers.isSilent = true;
-  for (int i = 0; i < 64; ++i) call(Method::killPID);
-  scheduler.runReady();
+  commands.atOnce.reset();
+  for (unsigned user = 0; user < 8; ++user) {
+    const std::string caller = ":2." + std::to_string(user);
+    callers.users[caller] = 2000 + user;
+    for (int i = 0; i < 8; ++i) call(Method::killPID, caller);
+    scheduler.runReady();
+  }
   EXPECT_TRUE(answers.empty());
   EXPECT_EQ(codeOf(Method::killPID), 202);
   EXPECT_EQ(desk.inFlight(), 64u);
+}
+
+// The bus tells who calls only behind everything that the caller has sent meanwhile.
+TEST_F(RequestDeskTest, aCallerWhomTheBusHasNotNamedYetTakesEightPlaces) {
+  callers.isSilent = true;
+  for (int i = 0; i < 8; ++i) call(Method::killPID);
+  scheduler.runReady();
+  EXPECT_TRUE(answers.empty());
+  EXPECT_EQ(codeOf(Method::killPID), 202);
+
+  call(Method::killPID, ":1.2");
+  scheduler.runReady();
+  EXPECT_EQ(answers.size(), 1u);
+  EXPECT_EQ(callers.asked.back(), ":1.2");
+
+  std::move(callers.unanswered[0])(1000u);
+  scheduler.runReady();
+  EXPECT_EQ(commands.done, std::vector<std::string>{"continue 4242 for 1000"});
+  EXPECT_EQ(codeOf(Method::killPID), 0);
+}
+
+TEST_F(RequestDeskTest, callersWithoutANameLeaveHalfThePlacesToTheOthers) {
+  EXPECT_EQ(codeOf(Method::killPID, ":1.2"), 0);
+  callers.isSilent = true;
+  for (int i = 0; i < 32; ++i) call(Method::killPID, ":3." + std::to_string(i));
+  scheduler.runReady();
+  EXPECT_EQ(answers.size(), 1u);
+  EXPECT_EQ(codeOf(Method::killPID, ":3.32"), 202);
+  EXPECT_EQ(codeOf(Method::killPID, ":1.2"), 0);
+
+  scheduler.advance(RequestDesk::Timing::identitySeconds);
+  EXPECT_EQ(desk.inFlight(), 0u);
+  call(Method::killPID, ":3.32");
+  scheduler.runReady();
+  EXPECT_EQ(desk.inFlight(), 1u);
+}
+
+TEST_F(RequestDeskTest, asksTheBusOnceForEachCaller) {
+  codeOf(Method::killPID);
+  codeOf(Method::purgeMemory);
+  codeOf(Method::killPID, ":1.2");
+  codeOf(Method::killPID);
+  EXPECT_EQ(callers.asked, (std::vector<std::string>{":1.1", ":1.2"}));
+  EXPECT_EQ(commands.done.back(), "continue 4242 for 1000");
+}
+
+TEST_F(RequestDeskTest, asksAgainForACallerWhomTheBusDidNotKnow) {
+  codeOf(Method::killPID, ":1.77");
+  callers.users[":1.77"] = 1077;
+  EXPECT_EQ(codeOf(Method::killPID, ":1.77"), 0);
+}
+
+TEST_F(RequestDeskTest, remembersTwoHundredAndFiftySixCallersAtMost) {
+  for (int i = 0; i < 257; ++i) {
+    callers.users[":4." + std::to_string(i)] = 4000;
+    codeOf(Method::killPID, ":4." + std::to_string(i));
+  }
+  callers.asked.clear();
+  codeOf(Method::killPID, ":4.256");
+  EXPECT_TRUE(callers.asked.empty());
+  codeOf(Method::killPID, ":4.0");
+  EXPECT_EQ(callers.asked.size(), 1u);
 }
 
 TEST_F(RequestDeskTest, refusesTheTwentyFirstPrivilegedRequestInTenSeconds) {
@@ -196,6 +262,18 @@ TEST_F(RequestDeskTest, malformedRequestsAreAnsweredWithoutAskingPolkit) {
   scheduler.runReady();
   EXPECT_EQ(answers.back().exitCode, 1);
   EXPECT_TRUE(authority.asked.empty());
+}
+
+TEST_F(RequestDeskTest, aLargeRequestIsNotKeptUntilItIsKnownWhoseItIs) {
+  callers.isSilent = true;
+  const std::string large(4097, 'x');
+  submit({Method::moveLaunchAgentPlist, ":1.1", MoveArguments{"/" + large, "/a"}});
+  submit({Method::moveLaunchAgentPlist, ":1.1", MoveArguments{"/a", large}});
+  scheduler.runReady();
+  EXPECT_EQ(answers.size(), 2u);
+  EXPECT_TRUE(callers.asked.empty());
+  EXPECT_EQ(desk.inFlight(), 0u);
+  EXPECT_TRUE(lines[0].contains("uid=unknown"));
 }
 
 TEST_F(RequestDeskTest, writesOneLineForEachRequestWithItsCallerAndVerdict) {
