@@ -31,6 +31,10 @@ Task<> DNSFlush::flushAll(OnceReply<HelperReply> reply) {
   std::string failed;
   std::int32_t code = 0;
   for (auto* cache : caches_) {
+    if (deadline - scheduler_.now() < Timing::leastSeconds) {
+      append(failed, std::string(cache->name()) + " (no time left)");
+      continue;
+    }
     const auto outcome = co_await flushOne(cache, deadline);
     if (outcome.state == DNSCache::Outcome::State::flushed) append(flushed, cache->name());
     if (outcome.state != DNSCache::Outcome::State::failed) continue;

@@ -15,6 +15,9 @@ class DNSFlush {
   struct Timing {
     static constexpr double cacheSeconds = 1.5;
     static constexpr double totalSeconds = 4.4;
+    /// With less left than this nobody is asked any more: no time at all is for a socket the same as for
+    /// ever.
+    static constexpr double leastSeconds = 0.05;
   };
 
   /// The caches outlive this object.

@@ -72,6 +72,18 @@ TEST_F(DNSFlushTest, allSilentCachesTogetherCostLessThanFourAndAHalf) {
   EXPECT_EQ(answers[0].output, "Failed: first (no answer), second (no answer), third (no answer)");
 }
 
+TEST_F(DNSFlushTest, aCacheForWhichNoTimeIsLeftIsNotAskedAtAll) {
+  FakeDNSCache fourth{"fourth", flushed};
+  DNSFlush longer{scheduler, {&first, &second, &third, &fourth}};
+  for (auto* cache : {&first, &second, &third}) cache->outcome.reset();
+  longer.run(OnceReply<HelperReply>([this](HelperReply reply) { answers.push_back(std::move(reply)); }));
+  scheduler.advance(4.401);
+  ASSERT_EQ(answers.size(), 1u);
+  EXPECT_EQ(answers[0].output,
+            "Failed: first (no answer), second (no answer), third (no answer), fourth (no time left)");
+  EXPECT_TRUE(fourth.limits.empty());
+}
+
 TEST_F(DNSFlushTest, theSecondWayIsTakenWhenTheFirstDoesNotWork) {
   FallbackDNSCache cache(first, second);
   DNSCache::Outcome outcome;

@@ -69,13 +69,13 @@ std::optional<daemon::MemoryReading> KernelMemory::read() {
 bool KernelMemory::syncWithin(double seconds) {
   std::unique_lock guard(sync_->lock);
   if (!sync_->running) {
-    sync_->running = true;
     std::thread([sync = sync_] {
       ::sync();
       const std::lock_guard finished(sync->lock);
       sync->running = false;
       sync->changed.notify_all();
     }).detach();
+    sync_->running = true;  // behind what may throw; the thread ends only after this lock
   }
   return sync_->changed.wait_for(guard, std::chrono::duration<double>(seconds),
                                  [this] { return !sync_->running; });
