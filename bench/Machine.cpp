@@ -26,7 +26,8 @@ std::vector<ports::RunningApplication> applications() {
 }  // namespace
 
 Machine::Machine()
-    : monitor_({scheduler_, calendar_, memory_, cpu_, thermal_, power_, processes_, workspace_, bundle_},
+    : monitor_({scheduler_, calendar_, memory_, cpu_, thermal_, power_, processes_, workspace_, bundle_,
+                background_},
                settings_, idleTracker_) {
   workspace_.applications = applications();
   workspace_.windowOwners = {getpid()};

@@ -11,6 +11,7 @@
 #include "posix/CalendarClock.h"
 #include "sampling/SystemMonitor.h"
 #include "tests/fakes/ApplicationBundle.h"
+#include "tests/fakes/BackgroundWork.h"
 #include "tests/fakes/KeyValueStore.h"
 #include "tests/fakes/ManualScheduler.h"
 #include "tests/fakes/Workspace.h"
@@ -31,6 +32,7 @@ class Machine {
   fakes::KeyValueStore defaults_;
   fakes::Workspace workspace_;
   fakes::ApplicationBundle bundle_;
+  fakes::BackgroundWork background_{scheduler_};
   posix::CalendarClock calendar_;
   linuxhost::MemoryCounters memory_;
   linuxhost::CPUCounters cpu_;

@@ -42,11 +42,21 @@ ProcessEnumerator::ProcessEnumerator(ports::ProcessTable& table, ports::Workspac
       timebase_(table.timebase()) {}
 
 const std::vector<ProcessSnapshot>& ProcessEnumerator::enumerate() {
+  prepare();
+  return readProcesses();
+}
+
+void ProcessEnumerator::prepare() {
+  applications_ = workspace_.runningApplications();
+  processorCount_ = static_cast<double>(processors_.processorCount());
+  mapApplications();
+}
+
+const std::vector<ProcessSnapshot>& ProcessEnumerator::readProcesses() {
   const auto pids = listPIDs();
   const Date now = calendar_.now();
   const double elapsed = previousSampleAt_ ? now - *previousSampleAt_ : 0.0;
-  const Pass pass{now, elapsed, static_cast<double>(processors_.processorCount())};
-  mapApplications();
+  const Pass pass{now, elapsed};
 
   cpuTime_.reset(pids.size());
   rowCount_ = 0;
@@ -75,9 +85,8 @@ std::span<const std::int32_t> ProcessEnumerator::listPIDs() {
 }
 
 void ProcessEnumerator::mapApplications() {
-  const auto& applications = workspace_.runningApplications();
-  applicationsByPID_.reset(applications.size());
-  for (const auto& application : applications) {
+  applicationsByPID_.reset(applications_.size());
+  for (const auto& application : applications_) {
     if (application.processIdentifier > 0) {
       applicationsByPID_.set(application.processIdentifier, &application);
     }
@@ -95,7 +104,7 @@ double ProcessEnumerator::cpuFraction(std::int32_t pid, std::uint64_t total, con
   if (!previous || !(pass.elapsedSeconds > 0.0)) return 0.0;
   const double cpu = static_cast<double>(total - *previous) * timebase_.numer / timebase_.denom /
                      nanosecondsPerSecond / pass.elapsedSeconds;
-  return cpu > 0.0 ? std::min(cpu, pass.processorCount) : 0.0;
+  return cpu > 0.0 ? std::min(cpu, processorCount_) : 0.0;
 }
 
 void ProcessEnumerator::fillRow(ProcessSnapshot& row, std::int32_t pid, double cpuFraction,

@@ -26,14 +26,18 @@ class ProcessEnumerator {
 
   /// One row for each process that can be read, in the kernel's order. CPU fractions are 0 in the first pass,
   /// and for a process's first pass. Empty when the listing failed. The rows are overwritten by the next
-  /// pass.
+  /// pass. Main thread.
   const std::vector<ProcessSnapshot>& enumerate();
+
+  /// The two halves of `enumerate`, for a pass that would hold up the main thread: what only that thread may
+  /// ask for, and the look at the processes, on any thread.
+  void prepare();
+  const std::vector<ProcessSnapshot>& readProcesses();
 
  private:
   struct Pass {
     Date now;
     double elapsedSeconds;
-    double processorCount;
   };
 
   std::span<const std::int32_t> listPIDs();
@@ -54,9 +58,11 @@ class ProcessEnumerator {
   std::optional<Date> previousSampleAt_;
 
   // Used again by each pass.
+  std::vector<ports::RunningApplication> applications_;  // the workspace's own list may change during a pass
+  double processorCount_ = 0.0;
   std::vector<std::int32_t> pids_;
   PIDMap<std::uint64_t> cpuTime_;
-  PIDMap<const ports::RunningApplication*> applicationsByPID_;  // into the workspace's list, for one pass
+  PIDMap<const ports::RunningApplication*> applicationsByPID_;  // into `applications_`
   ports::ProcessTaskInfo taskInfo_;
   ports::ProcessBSDInfo bsdInfo_;
   std::vector<ProcessSnapshot> rows_;

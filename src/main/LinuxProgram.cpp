@@ -30,6 +30,7 @@
 #include "linux/ThermalSensors.h"
 #include "linux/Workspace.h"
 #include "polish/QuietPolish.h"
+#include "posix/BackgroundWork.h"
 #include "posix/CalendarClock.h"
 #include "sampling/SystemMonitor.h"
 #include "ui/ApplicationHost.h"
@@ -145,6 +146,7 @@ struct Program {
   linuxhost::ApplicationBundle bundle;
   linuxhost::KeyValueStore defaults{scheduler, linuxhost::KeyValueStore::defaultFile()};
   linuxhost::ProcessTable processes{*backEnds.calendar};
+  posix::BackgroundWork background{scheduler};
   linuxhost::Workspace workspace{scheduler};
   linuxhost::DesktopShell desktop;
   linuxhost::AudioOutputTap outputTap{scheduler};
@@ -173,7 +175,7 @@ struct Program {
   AppSettings settings{defaults};
   IdleAppTracker idleTracker{scheduler, *backEnds.calendar, defaults, workspace};
   SystemMonitor systemMonitor{{scheduler, *backEnds.calendar, *backEnds.memory, *backEnds.cpu,
-                               *backEnds.thermal, *backEnds.power, processes, workspace, bundle},
+                               *backEnds.thermal, *backEnds.power, processes, workspace, bundle, background},
                               settings,
                               idleTracker};
   SuspendedAppsManager suspendedAppsManager{scheduler, helperManager, workspace};

@@ -27,8 +27,26 @@ SystemMonitor::SystemMonitor(const SystemMonitorPorts& ports, AppSettings& setti
       settings_(settings),
       tasks_(ports.scheduler) {}
 
+SystemMonitor::~SystemMonitor() {
+  ports_.background.abandon();
+}
+
 void SystemMonitor::refresh() {
-  const auto& processes = processEnumerator_.enumerate();
+  ports_.background.finish();
+  processEnumerator_.prepare();
+  lookAtProcesses();
+  publish();
+}
+
+// On the main thread, or in the background while nothing else touches the enumerator.
+void SystemMonitor::lookAtProcesses() {
+  const double start = ports_.scheduler.now();
+  processes_ = &processEnumerator_.readProcesses();
+  enumerationSeconds_ = ports_.scheduler.now() - start;
+}
+
+void SystemMonitor::publish() {
+  const auto& processes = *processes_;
   auto memoryHogs = largest(processes, &ProcessSnapshot::residentBytes);
   auto cpuHogs = largest(processes, &ProcessSnapshot::cpuFraction);
   const MemorySnapshot before = memory;
@@ -100,8 +118,17 @@ void SystemMonitor::restartTimer() {
 }
 
 Task<> SystemMonitor::tick() {
-  refresh();
-  co_return;
+  if (ports_.background.isUnderWay()) co_return;  // as a firing that the loop was too busy for
+  if (enumerationSeconds_ <= longestOnMainThread) {
+    refresh();
+  } else {
+    refreshInBackground();
+  }
+}
+
+void SystemMonitor::refreshInBackground() {
+  processEnumerator_.prepare();
+  ports_.background.start([this] { lookAtProcesses(); }, [this] { publish(); });
 }
 
 }  // namespace vorli

@@ -10,6 +10,7 @@
 #include "insights/OrphanHelperDetector.h"
 #include "insights/ProcessEnumerator.h"
 #include "ports/ApplicationBundle.h"
+#include "ports/BackgroundWork.h"
 #include "sampling/CPUStats.h"
 #include "sampling/MemorySnapshot.h"
 #include "sampling/ThermalSnapshot.h"
@@ -36,6 +37,7 @@ struct SystemMonitorPorts {
   ports::ProcessTable& processes;
   ports::Workspace& workspace;
   const ports::ApplicationBundle& bundle;
+  ports::BackgroundWork& background;
 };
 
 /// The shared sampling loop: one coherent look at the machine per tick, published to whoever subscribes.
@@ -43,7 +45,11 @@ struct SystemMonitorPorts {
 /// thread.
 class SystemMonitor : public SharedInstance<SystemMonitor> {
  public:
+  /// A look at the processes that took longer than this is not taken on the main thread by the next timer.
+  static constexpr double longestOnMainThread = 0.008;
+
   SystemMonitor(const SystemMonitorPorts& ports, AppSettings& settings, IdleAppTracker& idleTracker);
+  ~SystemMonitor();
 
   Observable<MemorySnapshot> memory{MemorySnapshot::empty};
   Observable<CPUSnapshot> cpu{CPUSnapshot::empty};
@@ -59,8 +65,8 @@ class SystemMonitor : public SharedInstance<SystemMonitor> {
   /// Who changes it calls `restartTimer` as well.
   MonitorCadence cadence = MonitorCadence::idle;
 
-  /// One whole tick, at once. Each call moves the smoothing by one step, however short the time since the
-  /// last.
+  /// One whole tick, at once; one of the timer that is still under way is finished before. Each call moves
+  /// the smoothing by one step, however short the time since the last.
   void refresh();
 
   /// Starts the timer anew with the period of `cadence`; it fires first after one whole period.
@@ -74,6 +80,9 @@ class SystemMonitor : public SharedInstance<SystemMonitor> {
   const std::optional<MemorySnapshot>& previousMemorySnapshot() const { return previousMemorySnapshot_; }
 
  private:
+  void lookAtProcesses();
+  void publish();
+  void refreshInBackground();
   template <typename Field>
   std::vector<ProcessSnapshot> largest(const std::vector<ProcessSnapshot>& rows,
                                        Field ProcessSnapshot::*field);
@@ -87,6 +96,8 @@ class SystemMonitor : public SharedInstance<SystemMonitor> {
   std::optional<MemorySnapshot> previousMemorySnapshot_;
   CPUStats cpuStats_;
   ProcessEnumerator processEnumerator_;
+  const std::vector<ProcessSnapshot>* processes_ = nullptr;  // of the last look
+  double enumerationSeconds_ = 0.0;                          // that it took
   LargestRows largestRows_;
   IdleAppTracker& idleTracker_;
   OrphanHelperDetector orphanDetector_;

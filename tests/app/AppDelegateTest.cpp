@@ -3,6 +3,7 @@
 #include "tests/fakes/ApplicationBundle.h"
 #include "tests/fakes/ApplicationHost.h"
 #include "tests/fakes/AudioOutputTap.h"
+#include "tests/fakes/BackgroundWork.h"
 #include "tests/fakes/CPUCounters.h"
 #include "tests/fakes/CalendarClock.h"
 #include "tests/fakes/CapturedLog.h"
@@ -43,6 +44,7 @@ struct AppDelegateTest : testing::Test {
   fakes::ThermalSensors thermal;
   fakes::PowerSources power;
   fakes::ProcessTable processes;
+  fakes::BackgroundWork background{scheduler};
   fakes::Workspace workspace;
   fakes::HelperService service{scheduler};
   fakes::HelperTransport transport{scheduler};
@@ -51,7 +53,7 @@ struct AppDelegateTest : testing::Test {
   AppSettings settings{defaults};
   IdleAppTracker idleTracker{scheduler, calendar, defaults, workspace};
   SystemMonitor systemMonitor{
-      {scheduler, calendar, memory, cpu, thermal, power, processes, workspace, bundle},
+      {scheduler, calendar, memory, cpu, thermal, power, processes, workspace, bundle, background},
       settings,
       idleTracker};
   SuspendedAppsManager suspendedAppsManager{scheduler, helperManager, workspace};

@@ -12,6 +12,7 @@
 #include "ambient/CelebrationGlowController.h"
 #include "ambient/EdgeGlowController.h"
 #include "tests/fakes/ApplicationBundle.h"
+#include "tests/fakes/BackgroundWork.h"
 #include "tests/fakes/CPUCounters.h"
 #include "tests/fakes/CalendarClock.h"
 #include "tests/fakes/KeyValueStore.h"
@@ -47,15 +48,17 @@ struct Probe {
   fakes::ThermalSensors thermal;
   fakes::PowerSources power;
   fakes::ProcessTable processes;
+  fakes::BackgroundWork background{scheduler};
   fakes::Workspace workspace;
   fakes::KeyValueStore store;
   fakes::ApplicationBundle bundle;
   fakes::MotionPreference motion;
   AppSettings settings{store};
   IdleAppTracker idleTracker{scheduler, calendar, store, workspace};
-  SystemMonitor monitor{{scheduler, calendar, memory, cpu, thermal, power, processes, workspace, bundle},
-                        settings,
-                        idleTracker};
+  SystemMonitor monitor{
+      {scheduler, calendar, memory, cpu, thermal, power, processes, workspace, bundle, background},
+      settings,
+      idleTracker};
   ClearState clearState{scheduler};
   QWidget panel{nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint};
   ui::GlowOverlay edgeOverlay{scheduler, selections, [this] { return panelWindow(); }};

@@ -19,6 +19,7 @@
 #include "linux/ThermalSensors.h"
 #include "linux/Workspace.h"
 #include "polish/AppQuitter.h"
+#include "posix/BackgroundWork.h"
 #include "posix/CalendarClock.h"
 #include "sampling/SystemMonitor.h"
 #include "tests/desktop/SessionProcesses.h"
@@ -140,11 +141,12 @@ class Probe {
   linuxhost::PowerSources power_;
   linuxhost::ProcessTable allProcesses_{calendar_};
   desktop_tests::SessionProcesses processes_{allProcesses_};
+  posix::BackgroundWork background_{scheduler_};
   linuxhost::Workspace workspace_{scheduler_};
   AppSettings settings_{defaults_};
   IdleAppTracker idleTracker_{scheduler_, calendar_, defaults_, workspace_};
   SystemMonitor monitor_{
-      {scheduler_, calendar_, memory_, cpu_, thermal_, power_, processes_, workspace_, bundle_},
+      {scheduler_, calendar_, memory_, cpu_, thermal_, power_, processes_, workspace_, bundle_, background_},
       settings_,
       idleTracker_};
   CulpritFormatter formatter_{workspace_, ApplicationPaths(bundle_.homeDirectory())};

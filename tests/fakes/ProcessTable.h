@@ -3,6 +3,7 @@
 #include "ports/ProcessTable.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -24,6 +25,7 @@ class ProcessTable final : public ports::ProcessTable {
 
   int listAllPIDs(std::span<std::int32_t> buffer) override {
     ++listings;
+    if (buffer.empty() && whenListed) whenListed();
     if (buffer.empty()) return slotCount.value_or(static_cast<int>(processes.size()));
     const auto count = std::min(buffer.size(), processes.size());
     for (std::size_t i = 0; i < count; ++i) buffer[i] = processes[i].pid;
@@ -80,6 +82,7 @@ class ProcessTable final : public ports::ProcessTable {
   std::optional<int> slotCount;
   std::optional<int> bytesWritten;
   int listings = 0;
+  std::function<void()> whenListed;  // once a pass, at its start
   std::vector<std::int32_t> exactReads;
 
  private:

@@ -11,6 +11,7 @@
 #include "polish/PolishTimings.h"
 #include "sampling/SystemMonitor.h"
 #include "tests/fakes/AudioOutputTap.h"
+#include "tests/fakes/BackgroundWork.h"
 #include "tests/fakes/CPUCounters.h"
 #include "tests/fakes/CalendarClock.h"
 #include "tests/fakes/GlowOverlay.h"
@@ -108,6 +109,7 @@ struct PolishFixture : HelperFixture {
   fakes::ThermalSensors thermal;
   fakes::PowerSources power;
   fakes::ProcessTable processes;
+  fakes::BackgroundWork background{scheduler};
   fakes::Workspace workspace;
   fakes::KeyValueStore store;
   fakes::AudioOutputTap tap;
@@ -116,9 +118,10 @@ struct PolishFixture : HelperFixture {
   NotificationCenter notifications;
   AppSettings settings{store};
   IdleAppTracker idleTracker{scheduler, calendar, store, workspace};
-  SystemMonitor monitor{{scheduler, calendar, memory, cpu, thermal, power, processes, workspace, bundle},
-                        settings,
-                        idleTracker};
+  SystemMonitor monitor{
+      {scheduler, calendar, memory, cpu, thermal, power, processes, workspace, bundle, background},
+      settings,
+      idleTracker};
   ClearState clearState{scheduler};
   CelebrationGlowController glow{scheduler, overlay};
   AudioActivityProbe audio{tap};

@@ -1,5 +1,6 @@
 #include "sampling/SystemMonitor.h"
 #include "tests/fakes/ApplicationBundle.h"
+#include "tests/fakes/BackgroundWork.h"
 #include "tests/fakes/CPUCounters.h"
 #include "tests/fakes/CalendarClock.h"
 #include "tests/fakes/KeyValueStore.h"
@@ -19,9 +20,10 @@ struct SystemMonitorTest : testing::Test {
   SystemMonitorTest() { makeMonitor(); }
 
   void makeMonitor() {
-    monitor = std::make_unique<SystemMonitor>(
-        SystemMonitorPorts{scheduler, calendar, memory, cpu, thermal, power, processes, workspace, bundle},
-        settings, idleTracker);
+    monitor =
+        std::make_unique<SystemMonitor>(SystemMonitorPorts{scheduler, calendar, memory, cpu, thermal, power,
+                                                           processes, workspace, bundle, background},
+                                        settings, idleTracker);
   }
 
   /// Makes the heat alone give this target, one of 0.05, 0.3, 0.7 and 1.0.
@@ -44,6 +46,7 @@ struct SystemMonitorTest : testing::Test {
   fakes::ThermalSensors thermal;
   fakes::PowerSources power;
   fakes::ProcessTable processes;
+  fakes::BackgroundWork background{scheduler};
   fakes::Workspace workspace;
   fakes::KeyValueStore store;
   fakes::ApplicationBundle bundle;

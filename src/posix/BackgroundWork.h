@@ -1,0 +1,48 @@
+#pragma once
+
+#include "base/Scheduler.h"
+#include "ports/BackgroundWork.h"
+
+#include <condition_variable>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace vorli::posix {
+
+/// One thread, made for the first piece of work and kept. It takes no signals: those are for the main thread.
+class BackgroundWork final : public ports::BackgroundWork {
+ public:
+  explicit BackgroundWork(Scheduler& scheduler);
+  ~BackgroundWork() override;
+  BackgroundWork(const BackgroundWork&) = delete;
+  BackgroundWork& operator=(const BackgroundWork&) = delete;
+
+  void start(Work work, Work done) override;
+  bool isUnderWay() const override { return static_cast<bool>(done_); }
+  void finish() override;
+  void abandon() override;
+
+ private:
+  void makeThread();
+  void run();
+  void waitUntilOver();
+  void deliver(std::uint64_t piece);
+
+  Scheduler& scheduler_;
+  Work done_;
+  std::uint64_t piece_ = 0;  // the number of the last one started
+
+  std::mutex lock_;
+  std::condition_variable changed_;
+  Work work_;           // waits for the thread
+  bool isOver_ = true;  // nothing waits and nothing runs
+  bool isEnding_ = false;
+
+  // What the thread posts may come when this object is gone.
+  const std::shared_ptr<BackgroundWork*> self_ = std::make_shared<BackgroundWork*>(this);
+  std::thread thread_;
+};
+
+}  // namespace vorli::posix

@@ -1,0 +1,133 @@
+#include "posix/BackgroundWork.h"
+#include "tests/fakes/ManualScheduler.h"
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <gtest/gtest.h>
+#include <optional>
+#include <thread>
+
+namespace vorli::posix {
+namespace {
+
+struct BackgroundWorkTest : testing::Test {
+  /// Turns the main loop until the condition holds.
+  template <typename Condition>
+  bool holdsInTime(Condition condition) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!condition()) {
+      if (std::chrono::steady_clock::now() > deadline) return false;
+      scheduler.runReady();
+      std::this_thread::yield();
+    }
+    return true;
+  }
+
+  fakes::ManualScheduler scheduler;
+  std::optional<BackgroundWork> background{std::in_place, scheduler};
+};
+
+TEST_F(BackgroundWorkTest, worksOnAnotherThreadAndIsDoneOnTheMainOne) {
+  const auto here = std::this_thread::get_id();
+  std::thread::id workedOn;
+  std::thread::id doneOn;
+  background->start([&] { workedOn = std::this_thread::get_id(); },
+                    [&] { doneOn = std::this_thread::get_id(); });
+  EXPECT_TRUE(background->isUnderWay());
+  ASSERT_TRUE(holdsInTime([&] { return !background->isUnderWay(); }));
+  EXPECT_NE(workedOn, here);
+  EXPECT_EQ(doneOn, here);
+}
+
+TEST_F(BackgroundWorkTest, isNeverDoneOutsideOfTheMainLoop) {
+  std::atomic<bool> hasWorked = false;
+  bool isDone = false;
+  background->start([&] { hasWorked = true; }, [&] { isDone = true; });
+  while (!hasWorked) std::this_thread::yield();
+  EXPECT_FALSE(isDone);
+  EXPECT_TRUE(background->isUnderWay());
+  ASSERT_TRUE(holdsInTime([&] { return isDone; }));
+}
+
+TEST_F(BackgroundWorkTest, piecesFollowOneAnotherOnTheSameThread) {
+  int plain = 0;  // shared by both threads without a lock: start and done order it
+  std::optional<std::thread::id> worker;
+  for (int piece = 1; piece <= 100; ++piece) {
+    background->start(
+        [&] {
+          ++plain;
+          if (!worker) worker = std::this_thread::get_id();
+          EXPECT_EQ(*worker, std::this_thread::get_id());
+        },
+        [&] { ++plain; });
+    ASSERT_TRUE(holdsInTime([&] { return !background->isUnderWay(); }));
+    EXPECT_EQ(plain, 2 * piece);
+  }
+}
+
+TEST_F(BackgroundWorkTest, finishWaitsAndIsDoneOnceInsideTheCall) {
+  int plain = 0;
+  int done = 0;
+  for (int piece = 1; piece <= 100; ++piece) {
+    background->start([&] { ++plain; }, [&] { ++done; });
+    background->finish();
+    EXPECT_EQ(plain, piece);
+    EXPECT_EQ(done, piece);
+    EXPECT_FALSE(background->isUnderWay());
+  }
+  scheduler.runReady();  // what the thread has posted comes too late
+  EXPECT_EQ(done, 100);
+}
+
+TEST_F(BackgroundWorkTest, finishWithoutWorkDoesNothing) {
+  background->finish();
+  EXPECT_FALSE(background->isUnderWay());
+}
+
+TEST_F(BackgroundWorkTest, doneMayStartTheNextPiece) {
+  int done = 0;
+  background->start([] {},
+                    [&] {
+                      ++done;
+                      background->start([] {}, [&] { ++done; });
+                    });
+  background->finish();
+  EXPECT_EQ(done, 1);
+  EXPECT_TRUE(background->isUnderWay());
+  ASSERT_TRUE(holdsInTime([&] { return done == 2; }));
+}
+
+TEST_F(BackgroundWorkTest, abandonWaitsAndDropsWhatWouldBeDone) {
+  bool hasWorked = false;
+  bool isDone = false;
+  background->start([&] { hasWorked = true; }, [&] { isDone = true; });
+  background->abandon();
+  EXPECT_TRUE(hasWorked);
+  scheduler.runReady();
+  EXPECT_FALSE(isDone);
+}
+
+TEST_F(BackgroundWorkTest, whoGoesWaitsForTheWorkAndIsSilentAfterwards) {
+  bool hasWorked = false;
+  bool isDone = false;
+  background->start([&] { hasWorked = true; }, [&] { isDone = true; });
+  background.reset();
+  EXPECT_TRUE(hasWorked);
+  scheduler.runReady();
+  EXPECT_FALSE(isDone);
+}
+
+TEST_F(BackgroundWorkTest, signalsAreLeftToTheMainThread) {
+  sigset_t mask;
+  sigemptyset(&mask);
+  background->start([&] { pthread_sigmask(SIG_SETMASK, nullptr, &mask); }, [] {});
+  background->finish();
+  EXPECT_EQ(sigismember(&mask, SIGTERM), 1);
+  EXPECT_EQ(sigismember(&mask, SIGCHLD), 1);
+  pthread_sigmask(SIG_SETMASK, nullptr, &mask);
+  EXPECT_EQ(sigismember(&mask, SIGTERM), 0);
+}
+
+}  // namespace
+}  // namespace vorli::posix
