@@ -228,6 +228,33 @@ class RunningApplications(unittest.TestCase):
         until(lambda: client_list() and not owns(), "the window belongs to the other machine's process")
         self.assertIsNone(self.probe.front())
 
+    def test_a_window_on_another_space_is_not_on_the_screen_unless_it_is_on_all(self):
+        subprocess.run(["wmctrl", "-n", "2"], check=True)
+        self.addCleanup(subprocess.run, ["wmctrl", "-s", "0"], check=True)
+        self.start("galculator")
+        pid = self.probe.wait_for("galculator")["pid"]
+        window = until(lambda: window_of("galculator"), "its window")
+        owns = lambda: pid in self.probe.ask("windows", "windows")
+        spaces = lambda: sum(line.get("event") == "space" for line in self.probe.lines)
+        until(owns, "its window is on the screen")
+
+        def go_to(space):
+            before = spaces()
+            subprocess.run(["wmctrl", "-s", space], check=True)
+            until(lambda: spaces() > before, f"the change to space {space} was told")
+
+        go_to("1")
+        until(lambda: not owns(), "its window stayed behind")
+        self.assertIn("galculator", self.probe.running())
+        go_to("0")
+        until(owns, "its window is there again")
+        subprocess.run(["wmctrl", "-i", "-r", window, "-b", "add,sticky"], check=True)
+        everywhere = lambda: "4294967295" in subprocess.run(["xprop", "-id", window, "_NET_WM_DESKTOP"], text=True,
+                                                            capture_output=True, check=True).stdout
+        until(everywhere, "its window is on all spaces")
+        go_to("1")
+        self.assertTrue(owns())
+
     def test_an_entry_that_comes_later_names_what_runs_already(self):
         self.start("/usr/bin/python3", f"{DATA}/tools/window.py", "Late")
         until(lambda: window_of("Late"), "its window")
