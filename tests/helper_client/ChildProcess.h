@@ -18,11 +18,16 @@ class ChildProcess {
   ChildProcess& operator=(ChildProcess&& other) noexcept;
 
   pid_t pid() const { return pid_; }
-  void stop() const { ::kill(pid_, SIGSTOP); }
-  void carryOn() const { ::kill(pid_, SIGCONT); }
+  void stop() const { send(SIGSTOP); }
+  void carryOn() const { send(SIGCONT); }
   void end();
 
  private:
+  // A program that could not be started has no number, and -1 would be everybody.
+  void send(int signal) const {
+    if (pid_ > 0) ::kill(pid_, signal);
+  }
+
   pid_t pid_ = -1;
 };
 

@@ -72,7 +72,7 @@ TEST_F(HelperTransportTest, aDaemonKilledDuringAPurgeIsToldAndComesBackAndThePur
   const double begun = client->scheduler.now();
   const auto purge = start(manager().purgeMemory());
   waitUntil([&] { return isNoted(bus.helperLog(), "purge"); });
-  ::kill(bus.helperPid(), SIGKILL);
+  bus.signalHelper(SIGKILL);
   waitUntil([&] { return isLogged("XPC connection invalidated"); });
   EXPECT_EQ(log.count(std::string("XPC proxy error: ") + died), 1);
   EXPECT_EQ(log.count("XPC connection interrupted"), 1);
@@ -89,7 +89,7 @@ TEST_F(HelperTransportTest, aDaemonKilledDuringAPurgeIsToldAndComesBackAndThePur
 TEST_F(HelperTransportTest, everyCallToAStoppedDaemonEndsAtItsOwnLimit) {
   startOnScriptedHelper();
   ASSERT_TRUE(ping());
-  ::kill(bus.helperPid(), SIGSTOP);
+  bus.signalHelper(SIGSTOP);
   const double begun = client->scheduler.now();
   const auto purge = start(manager().purgeMemory());
   const auto flush = start(manager().flushDNS());
@@ -107,7 +107,7 @@ TEST_F(HelperTransportTest, everyCallToAStoppedDaemonEndsAtItsOwnLimit) {
 
   // All six are answered now, and nobody hears it.
   const auto lines = log.lines().size();
-  ::kill(bus.helperPid(), SIGCONT);
+  bus.signalHelper(SIGCONT);
   EXPECT_TRUE(ping());
   EXPECT_EQ(log.lines().size(), lines + 1);  // the reuse of the connection
 }

@@ -74,8 +74,7 @@ PrivateBus::PrivateBus() {
 }
 
 PrivateBus::~PrivateBus() {
-  const pid_t helper = helperPid();
-  if (helper > 0) ::kill(helper, SIGKILL);
+  signalHelper(SIGKILL);
   authorities_.clear();
   daemon_.end();
   std::filesystem::remove_all(folder_);
@@ -166,6 +165,10 @@ pid_t PrivateBus::helperPid() const {
     if (line.starts_with("pid ")) pid = std::atoi(line.c_str() + 4);
   }
   return pid;
+}
+
+void PrivateBus::signalHelper(int signal) const {
+  if (const pid_t pid = helperPid(); pid > 0) ::kill(pid, signal);
 }
 
 void PrivateBus::write(const std::string& name, const std::string& text) const {

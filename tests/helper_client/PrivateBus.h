@@ -51,6 +51,8 @@ class PrivateBus {
   void clearLogs() const;
   /// The process number of the daemon that the bus started last; -1 when it started none.
   pid_t helperPid() const;
+  /// To the scripted daemon; nothing while none is known.
+  void signalHelper(int signal) const;
 
  private:
   struct Authority {

@@ -64,8 +64,10 @@ class BurningChild {
     _exit(0);
   }
   ~BurningChild() {
-    kill(pid_, SIGKILL);
-    waitpid(pid_, nullptr, 0);
+    if (pid_ > 0) {  // -1, of a fork that failed, would be everybody
+      kill(pid_, SIGKILL);
+      waitpid(pid_, nullptr, 0);
+    }
     for (const int file : {toChild_[0], toChild_[1], fromChild_[0], fromChild_[1]}) close(file);
   }
 
