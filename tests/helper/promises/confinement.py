@@ -97,7 +97,7 @@ def starts_and_ends(rung, machine):
     machine.set_arguments("--idle-milliseconds=1")
     figures = machine.figures("cold", 30)
     rung.figure("cold start with its first ping, p99", figures["p99"] * 1000, 250, " ms", busy=2500)
-    calls = 1000 if rung.options.long else 250
+    calls = 1000 if rung.options.long else 150
     machine.set_arguments("--idle-milliseconds=30")
     figures = machine.figures("hammer", calls, 60000)
     rung.equal(f"lost of {calls} calls around an idle exit", figures["lost"], 0)
