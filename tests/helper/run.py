@@ -2,6 +2,7 @@
 """The part of `run` inside the namespaces."""
 
 import argparse
+import signal
 import sys
 
 sys.dont_write_bytecode = True
@@ -30,6 +31,7 @@ def main():
     options = parser.parse_args()
     if options.build != "shipped" and not options.promises:
         options.promises = CHECKED_LONG if options.long else CHECKED
+    signal.signal(signal.SIGHUP, signal.SIG_DFL)  # which nohup hands down as ignored, to the daemon's targets as well
     sandbox = Sandbox(options.installed, options.tool, options.build, options.program)
     try:
         return soak(sandbox, options) if options.soak else rung.run(sandbox, options)
