@@ -175,7 +175,7 @@ void killed(const Arguments& arguments) {
     sd_bus_call_async(bus.get(), nullptr, message.get(), takeReply, &reply, patience);
     sd_bus_flush(bus.get());
     pauseFor(moment(random));
-    ::kill(pid, SIGKILL);
+    if (pid > 0) ::kill(pid, SIGKILL);  // 0 would be this very group
     const auto start = Clock::now();
     while (reply.exitCode == -1 && secondsSince(start) < 5.0)
       if (sd_bus_process(bus.get(), nullptr) == 0) sd_bus_wait(bus.get(), 1'000'000);
