@@ -1,0 +1,10 @@
+#!/usr/bin/python3
+"""psutil_loop.py COUNT: so many looks at all processes with the library that most monitors in Python use."""
+
+import sys
+
+import psutil
+
+for _ in range(int(sys.argv[1])):
+    for _process in psutil.process_iter(["pid", "ppid", "name", "exe", "memory_info", "cpu_times", "create_time"]):
+        pass
