@@ -2,6 +2,7 @@
 // vorli_bare_calls call NAME OBJECT INTERFACE COUNT
 //                                                calls NAME's Ping so often, one call after the other; prints
 //                                                microseconds as JSON
+// vorli_bare_calls first NAME OBJECT INTERFACE   one call, without any before it
 //
 // Both on the bus that DBUS_SYSTEM_BUS_ADDRESS names.
 
@@ -29,15 +30,16 @@ int serve() {
   return EXIT_SUCCESS;
 }
 
-int call(const std::string& name, const std::string& path, const std::string& interface, int count) {
+int call(const std::string& name, const std::string& path, const std::string& interface, int unmeasured,
+         int count) {
   const auto proxy = sdbus::createProxy(sdbus::createSystemBusConnection(), name, path);
   std::vector<double> microseconds;
-  for (int i = 0; i < warmUps + count; ++i) {
+  for (int i = 0; i < unmeasured + count; ++i) {
     const auto start = std::chrono::steady_clock::now();
     std::string reply;
     proxy->callMethod("Ping").onInterface(interface).storeResultsTo(reply);
     const std::chrono::duration<double, std::micro> took = std::chrono::steady_clock::now() - start;
-    if (i >= warmUps) microseconds.push_back(took.count());
+    if (i >= unmeasured) microseconds.push_back(took.count());
   }
   std::printf("[");
   for (std::size_t i = 0; i < microseconds.size(); ++i) std::printf("%s%.2f", i ? ", " : "", microseconds[i]);
@@ -51,11 +53,13 @@ int main(int argc, char** argv) {
   const std::string_view command = argc > 1 ? argv[1] : "";
   try {
     if (command == "serve" && argc == 2) return serve();
-    if (command == "call" && argc == 6) return call(argv[2], argv[3], argv[4], std::atoi(argv[5]));
+    if (command == "call" && argc == 6) return call(argv[2], argv[3], argv[4], warmUps, std::atoi(argv[5]));
+    if (command == "first" && argc == 5) return call(argv[2], argv[3], argv[4], 0, 1);
   } catch (const sdbus::Error& error) {
     std::fprintf(stderr, "vorli_bare_calls: %s\n", error.what());
     return EXIT_FAILURE;
   }
-  std::fprintf(stderr, "vorli_bare_calls: serve | call NAME OBJECT INTERFACE COUNT\n");
+  std::fprintf(stderr,
+               "vorli_bare_calls: serve | call NAME OBJECT INTERFACE COUNT | first NAME OBJECT INTERFACE\n");
   return exitWrongCall;
 }

@@ -6,17 +6,14 @@ import subprocess
 
 from measuring.counts import instructions_per_pass, syscalls_per_pass
 from measuring.crowd import Crowd
+from measuring.gates import gates
+from measuring.packages import need
 from measuring.report import Report
 
 SUMMARY = "one look at all processes, and one whole tick, beside the floor of the same run"
 
-# Processes: gate and aim of enumerate() and of refresh(), each as a multiple of the floor.
-SIZES = {
-    300: ((1.25, 1.10), (1.40, 1.20)),
-    2000: ((1.20, 1.08), (1.25, 1.10)),
-    10000: ((1.15, 1.06), (1.20, 1.08)),
-}
-INSTRUCTIONS = (2000, 1200)  # of the program per process and tick
+KINDS = ("enumerate", "refresh")
+SIZES = (300, 2000, 10000)
 ATTEMPTS = 3  # what else runs on the machine disturbs; the best of them counts
 ROUNDS = {300: 61, 2000: 25, 10000: 11}
 
@@ -35,33 +32,35 @@ def _best(bench, size, rounds):
     attempts = []
     for _ in range(ATTEMPTS):
         attempts.append(_attempt(bench, rounds))
-        medians = [statistics.median(_ratios(attempts[-1], name)) for name in ("enumerate", "refresh")]
-        if all(median <= aim for median, (_, aim) in zip(medians, SIZES[size])):
+        medians = [statistics.median(_ratios(attempts[-1], name)) for name in KINDS]
+        if all(median <= gates("tick", f"{name}() at {size}")["aim"] for median, name in zip(medians, KINDS)):
             break
     return min(attempts, key=lambda run: statistics.median(_ratios(run, "refresh")))
 
 
-def _add_times(report, run, size):
+def _add_times(report, run, size):  # the gates are those of the size that was asked for
     of = f"at {run['processes']:,}"
     report.add(f"floor {of}", "us", run["floor_us"], digits=0)
-    for name, (gate, aim) in zip(("enumerate", "refresh"), SIZES[size]):
+    for name in KINDS:
         report.add(f"{name}() {of}", "us", run[name + "_us"], digits=0)
-        report.add(f"{name}() {of}", "x floor", _ratios(run, name), gate, aim)
-    for name in ("enumerate", "refresh"):
+        report.add(f"{name}() {of}", "x floor", _ratios(run, name), **gates("tick", f"{name}() at {size}"))
+    for name in KINDS:
         report.add(f"{name}() {of}", "allocations", run[name + "_allocations"], digits=0)
 
 
 def _add_counts(report, bench, processes):
     of = f"at {processes:,}"
-    report.add(f"refresh() {of}", "syscalls", syscalls_per_pass(bench, "refresh"),
-               3.05 * processes + 130, 3.0 * processes + 105, digits=0)
-    for name in ("enumerate", "refresh"):
-        gates = INSTRUCTIONS if name == "refresh" else (None, None)
-        report.add(f"{name}() {of}", "instructions/process", instructions_per_pass(bench, name) / processes, *gates,
-                   digits=0)
+    each, besides = gates("tick", "syscalls per process"), gates("tick", "syscalls besides")
+    report.add(f"refresh() {of}", "syscalls", syscalls_per_pass(bench, "refresh"), digits=0,
+               **{limit: each[limit] * processes + besides[limit] for limit in each})
+    for name in KINDS:
+        limits = gates("tick", "instructions per process") if name == "refresh" else {}
+        report.add(f"{name}() {of}", "instructions/process", instructions_per_pass(bench, name) / processes, digits=0,
+                   **limits)
 
 
 def measure(build, quick):
+    need("tick")
     report = Report("one tick; times are processor time, x floor is of the same round")
     bench = build.bench()
     sizes = [300] if quick else SIZES

@@ -33,6 +33,13 @@ class Build:
     def crowd(self):
         return self.program("vorli_crowd", "bench/vorli_crowd")
 
+    def install(self, prefix):
+        """Installs the program and the root daemon as users get them."""
+        for target, path in (("vorli", "src/vorli"), ("vorli-helper", "src/vorli-helper"),
+                             ("vorli_icons", "packaging/linux/icons.stamp")):
+            self.program(target, path)
+        self._run("cmake", "--install", self.folder, "--prefix", prefix, "--strip")
+
     @staticmethod
     def _run(*command):
         done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)

@@ -44,7 +44,7 @@ class Report:
     HEAD = ["measure", "unit", "min", "median", "max", "gate", "aim", ""]
 
     def __init__(self, title):
-        self.title, self.rows, self.notes = title, [], []
+        self.title, self.rows, self.notes, self.failures = title, [], [], []
 
     def add(self, *arguments, **options):
         self.rows.append(Row(*arguments, **options))
@@ -52,8 +52,12 @@ class Report:
     def note(self, text):
         self.notes.append(text)
 
+    def fail(self, text):
+        """Something that is worse than a gate that is missed."""
+        self.failures.append(text)
+
     def missed(self):
-        return [row.name for row in self.rows if row.verdict == "MISSED"]
+        return [f"{row.name} ({row.unit})" for row in self.rows if row.verdict == "MISSED"] + self.failures
 
     def show(self):
         table = [self.HEAD, *(row.cells() for row in self.rows)]

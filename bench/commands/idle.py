@@ -1,0 +1,36 @@
+"""The installed program while nothing happens, beside a bare Qt program with an icon in the tray."""
+
+from measuring.crowd import Crowd
+from measuring.gates import gates
+from measuring.report import Report
+from measuring.stage import Stage
+
+SUMMARY = "processor time, wake-ups and memory of the installed program while nothing happens"
+PROCESSES = 300
+MEMORY = {"resident": "Rss", "proportional": "Pss", "private dirty": "Private_Dirty"}
+
+
+def _note_conditions(report, result):
+    others = max(window["machine_busy_percent"] for window in result["idle"])
+    report.note(f"{result['processes']} processes; the machine's processors were busy {others:.0f} % of the time at most")
+    if others > 25:
+        report.note("the machine was not quiet: what other programs do moves the dial, and each new picture is a wake-up")
+    if result["openings"]:
+        report.note(f"memory after {result['openings']} openings of the popover; no other Qt program ran")
+    else:
+        report.note("this build has no popover: memory is that of a program that was never opened")
+
+
+def measure(build, quick):
+    report = Report("idle, popover shut; floor: a bare Qt tray program with 13 ready pictures, one each 15 s")
+    floor = build.program("vorli_bare_tray", "bench/vorli_bare_tray")
+    with Stage(build) as stage, Crowd(build, PROCESSES):
+        result = stage.run("idle", 1 if quick else 3, 20 if quick else 60, stage.add(floor))
+    for name, unit, key in (("processor", "ms/min", "cpu_ms_per_minute"), ("wake-ups", "1/min", "wakeups_per_minute")):
+        report.add(f"{name} of the floor", unit, [window[key] for window in result["floor"]], digits=1)
+        report.add(name, unit, [window[key] for window in result["idle"]], digits=1, **gates("idle", name))
+    for name, key in MEMORY.items():
+        report.add(f"{name} of the floor", "MiB", result["floor_memory"][key], digits=1)
+        report.add(name, "MiB", result["memory"][key], digits=1, **gates("idle", name))
+    _note_conditions(report, result)
+    return report

@@ -1,0 +1,58 @@
+"""soak.py PREFIX OUT TICKS OPENINGS POLISHES PERIOD_MILLISECONDS: the whole program in fast motion.
+
+What it has taken is looked at ten times on the way, and once more when it has come to rest.
+"""
+
+import os
+import time
+
+from common import ARGUMENTS, OUT, choose, let_pass, open_and_shut_popover, started, write
+from measuring.process import cpu_ms, descriptors, memory_mb
+from vorli import Missing
+
+SLICES = 10
+REST = 15  # seconds
+
+
+class Soak:
+    def __init__(self):
+        self.ticks, self.openings, self.polishes, period = map(int, ARGUMENTS)
+        self.vorli = started("vorli_soak", [period])
+        self.opened = self.polished = 0
+        self.has_popover = True
+        self.samples = []
+
+    def sample(self):
+        pid = self.vorli.process.pid
+        self.samples.append({"ticks": self.vorli.ticks, "descriptors": descriptors(pid), "cpu_ms": cpu_ms(pid),
+                             "threads": len(os.listdir(f"/proc/{pid}/task")), **memory_mb(pid)})
+
+    def turn(self, done):
+        if self.has_popover and self.opened < done * self.openings:
+            self.has_popover = open_and_shut_popover(self.vorli)
+            self.opened += self.has_popover
+        if self.polished < done * self.polishes:
+            choose(self.vorli, "Polish Now")
+            self.polished += 1
+
+    def run(self):
+        with open(os.path.join(OUT, "ready"), "w", encoding="utf-8") as file:
+            file.write("the daemon may be ended from now on\n")
+        begun, last = time.monotonic(), 0
+        while last < self.ticks:
+            if self.vorli.process.poll() is not None:
+                raise Missing(f"a program that lives: it left with {self.vorli.process.returncode}")
+            self.turn(min(1.0, last / self.ticks + 1 / self.ticks))
+            if last * SLICES >= len(self.samples) * self.ticks:
+                self.sample()
+            let_pass(0.1)
+            last = self.vorli.ticks
+        seconds = time.monotonic() - begun
+        os.unlink(os.path.join(OUT, "ready"))
+        let_pass(REST)
+        self.sample()
+        write({"samples": self.samples, "openings": self.opened, "polishes": self.polished, "seconds": seconds,
+               "replies": self.vorli.log_text().count("purgeMemory reply: exit=0"), "exit": self.vorli.end(20)})
+
+
+Soak().run()

@@ -1,0 +1,61 @@
+"""What a running process has cost so far, as the kernel counts it. Used inside and outside of the sessions."""
+
+import os
+import re
+import time
+
+
+def cpu_ms(pid):
+    """Processor time of all its threads, those that have ended too."""
+    return time.clock_gettime_ns(~pid << 3 | 2) / 1e6  # its clock, of the kind CPUCLOCK_SCHED
+
+
+def wakeups(pid):
+    """How often its threads have gone to sleep by themselves."""
+    total = 0
+    for thread in os.listdir(f"/proc/{pid}/task"):
+        with open(f"/proc/{pid}/task/{thread}/status", encoding="utf-8") as file:
+            total += int(re.search(r"^voluntary_ctxt_switches:\s+(\d+)", file.read(), re.MULTILINE)[1])
+    return total
+
+
+def memory_mb(pid):
+    """Resident, proportional and private dirty, in units of 1024 * 1024 bytes."""
+    with open(f"/proc/{pid}/smaps_rollup", encoding="utf-8") as file:
+        text = file.read()
+    return {name: int(re.search(rf"^{name}:\s+(\d+) kB", text, re.MULTILINE)[1]) / 1024
+            for name in ("Rss", "Pss", "Private_Dirty")}
+
+
+def descriptors(pid):
+    return len(os.listdir(f"/proc/{pid}/fd"))
+
+
+def descendants(pid):
+    """The process and what it has started, and what those have."""
+    with open(f"/proc/{pid}/task/{pid}/children", encoding="utf-8") as file:
+        children = [int(child) for child in file.read().split()]
+    return [pid, *(each for child in children for each in descendants(child))]
+
+
+def machine_ticks():
+    """Busy and all ticks of the machine's processors so far."""
+    with open("/proc/stat", encoding="utf-8") as file:
+        fields = [int(field) for field in file.readline().split()[1:9]]
+    return sum(fields) - fields[3] - fields[4], sum(fields)
+
+
+class Window:
+    """What a process costs from here on."""
+
+    def __init__(self, pid):
+        self.pid, self.start = pid, time.monotonic()
+        self.cpu, self.wakeups, self.machine = cpu_ms(pid), wakeups(pid), machine_ticks()
+
+    def result(self):
+        minutes = (time.monotonic() - self.start) / 60
+        busy, whole = (now - then for now, then in zip(machine_ticks(), self.machine))
+        return {"cpu_ms": (cpu_ms(self.pid) - self.cpu), "cpu_ms_per_minute": (cpu_ms(self.pid) - self.cpu) / minutes,
+                "wakeups": wakeups(self.pid) - self.wakeups,
+                "wakeups_per_minute": (wakeups(self.pid) - self.wakeups) / minutes,
+                "machine_busy_percent": 100 * busy / max(whole, 1)}
