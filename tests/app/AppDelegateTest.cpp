@@ -244,6 +244,23 @@ TEST_F(AppDelegateTest, theCalmHoldsTheDialDown) {
   EXPECT_EQ(statusItem.accessibilityValue, "Your Mac is under heavy pressure. 85 percent. Tap to polish.");
 }
 
+// How often the panel is sent one is the item's own business.
+TEST_F(AppDelegateTest, eachStepOfTheCalmGivesADialOfItsOwn) {
+  thermal.reading.systemState = 3;
+  launch();
+  scheduler.runReady();
+  const auto before = statusItem.pictures.size();
+  clearState.runCeremony(0.9, 300.0);
+  scheduler.advance(0.9);
+  ASSERT_EQ(statusItem.pictures.size(), before + 56);  // the decay begins with the value it starts from
+  for (auto at = before + 1; at < statusItem.pictures.size() - 1; ++at)
+    EXPECT_FALSE(statusItem.pictures[at] == statusItem.pictures[at - 1]) << at - before;
+  MenuBarTickDial half;
+  half.progress = 0.2 * 0.5 + 1.0 * 0.5;
+  half.calmOverlay = 0.5;
+  EXPECT_TRUE(statusItem.pictures[before + 27] == half.picture(18.0, 1.0));
+}
+
 TEST_F(AppDelegateTest, anotherAppearanceRedrawsTheIcon) {
   launch();
   scheduler.runReady();

@@ -120,6 +120,67 @@ TEST_F(PolishTimelineTest, theGentleTidyKeepsItsTimes) {
   EXPECT_TRUE(transport.requests.empty());
 }
 
+TEST_F(PolishTimelineTest, thePressKeepsItsOrder) {
+  setHelperStatus(0);
+  settings.setQuitHiddenAppsOnClear(true);
+  tap.play({0.5F});
+  std::vector<std::string> steps;
+  // What has happened by then, beside the step itself.
+  const auto note = [&](const std::string& step) {
+    steps.push_back(
+        step + ": lines " + std::to_string(popoverLines().size()) + " taps " +
+        std::to_string(haptics.taps.size()) + " glows " + std::to_string(overlay.restTimes.size()) +
+        " looks " + std::to_string(workspace.windowLooks) + " timers " +
+        std::to_string(scheduler.pendingTimers()) + " samples " + std::to_string(memory.statisticsReads));
+  };
+  const auto timers = scheduler.pendingTimers();
+  const auto samples = memory.statisticsReads;
+  const std::vector<Subscription> subscriptions = [&] {
+    std::vector<Subscription> all;
+    all.push_back(view->isReleasing.subscribeToChanges([&](bool) { note("releasing"); }));
+    all.push_back(view->postClearSentence.subscribeToChanges([&](const auto&) { note("sentence"); }));
+    all.push_back(view->auroraClearTrigger.subscribeToChanges([&](int) { note("aurora"); }));
+    all.push_back(view->animatedProgress.subscribe([&](double) { note("drain"); }));
+    return all;
+  }();
+  tap.duringWindow = [&](double) { note("probe"); };
+  press();
+  const auto still = " timers " + std::to_string(timers) + " samples " + std::to_string(samples);
+  EXPECT_EQ(steps, (std::vector<std::string>{"probe: lines 1 taps 0 glows 0 looks 0" + still,
+                                             "releasing: lines 1 taps 0 glows 0 looks 0" + still,
+                                             "sentence: lines 2 taps 0 glows 0 looks 0" + still,
+                                             "aurora: lines 3 taps 1 glows 1 looks 0" + still,
+                                             "drain: lines 3 taps 1 glows 1 looks 1" + still}));
+  EXPECT_EQ(memory.statisticsReads, samples + 1);
+}
+
+TEST_F(PolishTimelineTest, theStepsOfOneMomentKeepTheirOrder) {
+  std::vector<std::string> steps;
+  const auto note = [&](const std::string& step) {
+    steps.push_back(step + " after " + std::to_string(popoverLines().size()) + " lines");
+  };
+  press();
+  setUsedPages(500'000);
+  const auto sentence = view->postClearSentence.subscribeToChanges(
+      [&](const auto& text) { note(text ? "sentence" : "no sentence"); });
+  const auto percentage = view->postClearPercentage.subscribeToChanges(
+      [&](const auto& figure) { note(figure ? "figure" : "no figure"); });
+  const auto scale = view->celebrationScale.subscribe([&](double) { note("scale"); });
+  const auto calm = clearState.calmIntensity.subscribeToChanges([&](double value) {
+    if (value == 0.0) note("calm");
+  });
+  const auto close = notifications.observe<VorliClosePopover>([&](const auto&) { note("close"); });
+  const auto tick = monitor.lastUpdate.subscribeToChanges([&](Date) { note("tick"); });
+  const auto ring = view->animatedProgress.subscribe([&](double) { note("ring"); });
+  const auto releasing = view->isReleasing.subscribeToChanges([&](bool) { note("free"); });
+  goTo(15.05 + rounding);
+  EXPECT_EQ(steps, (std::vector<std::string>{
+                       "no figure after 3 lines", "sentence after 3 lines", "figure after 3 lines",
+                       "scale after 3 lines", "calm after 3 lines", "scale after 3 lines",
+                       "close after 3 lines", "tick after 4 lines", "ring after 5 lines",
+                       "no sentence after 5 lines", "no figure after 5 lines", "free after 5 lines"}));
+}
+
 TEST_F(PolishTimelineTest, theRingDrainsSlowlyAtFirstAndIsEmptyAfter185) {
   press();
   goTo(2.0);
