@@ -115,8 +115,7 @@ void AppDelegate::applyEdgeGlow() {
 }
 
 void AppDelegate::mountPopoverContent() {
-  if (!popover_) return;
-  popover_->setContentSize(PopoverHost::mountedSize);
+  if (popover_) popover_->setContentSize(PopoverHost::mountedSize);
   popoverView_.emplace(popoverServices_);
   if (installContent_) installContent_(*popoverView_);
 }
