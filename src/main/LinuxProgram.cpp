@@ -261,7 +261,9 @@ int runLinuxProgram(int argc, char** argv, SamplingBackEnds backEnds,
                        program.notifications.post(ApplicationDidBecomeActive{});
                    });
 
-  if (watch) watch({program.systemMonitor, program.suspendedAppsManager});
+  if (watch)
+    watch({program.systemMonitor, program.suspendedAppsManager, program.scheduler, program.notifications,
+           program.helperManager, program.clearState, program.delegate});
   program.delegate.applicationDidFinishLaunching();
   const int status = QApplication::exec();
   program.delegate.applicationWillTerminate();

@@ -11,6 +11,11 @@
 
 namespace vorli {
 
+class AppDelegate;
+class ClearState;
+class HelperManager;
+class NotificationCenter;
+class Scheduler;
 class SuspendedAppsManager;
 class SystemMonitor;
 
@@ -29,6 +34,11 @@ struct SamplingBackEnds {
 struct WatchedServices {
   SystemMonitor& systemMonitor;
   SuspendedAppsManager& suspendedAppsManager;
+  Scheduler& scheduler;
+  NotificationCenter& notifications;
+  HelperManager& helperManager;
+  ClearState& clearState;
+  AppDelegate& delegate;
 };
 
 /// Builds the Linux program on `backEnds` and runs it to its end. Returns the exit status. `watch` is called

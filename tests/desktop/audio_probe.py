@@ -1,7 +1,5 @@
 """audio_probe.py PROGRAM SERVER: what the audio probe answers while a real sound server plays this and that."""
 
-import array
-import math
 import os
 import socket
 import subprocess
@@ -9,23 +7,14 @@ import sys
 import tempfile
 import unittest
 
+from sound_server import SINK, Sound, pactl, sink_state
 from waiting import until
 
 PROGRAM, SERVER = sys.argv[1:3]
-SINK = "vorli_null"
-RATE = 44100
 WINDOW, SET_UP_LIMIT, STATE_LIMIT = 0.15, 0.35, 0.1
 # A machine under load may wake the program late.
 SLACK = 0.25
-
-
-def pactl(*arguments):
-    return subprocess.run(["pactl", *arguments], check=True, capture_output=True, text=True).stdout
-
-
-def sink_state(sink):
-    rows = [row.split("\t") for row in pactl("list", "short", "sinks").splitlines()]
-    return next((row[-1] for row in rows if row[1] == sink), None)
+LITTLE_MORE = 0.2
 
 
 def recordings():
@@ -46,30 +35,6 @@ def probe(**environment):
     peaks = [line.split("peak=")[1].split(",")[0] for line in answer["log"] if "peak=" in line]
     answer["peak"] = float(peaks[0]) if peaks else None
     return answer
-
-
-class Sound:
-    """Plays a 440 Hz sine of `decibels` below full scale, or digital silence, until the end of the block."""
-
-    def __init__(self, decibels, sink=SINK, latency=("--latency-msec=50",)):
-        self.decibels, self.sink, self.latency = decibels, sink, latency
-
-    def __enter__(self):
-        height = 0.0 if self.decibels is None else 10 ** (self.decibels / 20) * 32767
-        period = [round(height * math.sin(2 * math.pi * 440 * i / RATE)) for i in range(RATE)]
-        self.file = tempfile.TemporaryFile()
-        for _ in range(60):
-            array.array("h", period).tofile(self.file)
-        self.file.seek(0)
-        raw = ("--raw", "--format=s16le", f"--rate={RATE}", "--channels=1", f"--device={self.sink}")
-        self.player = subprocess.Popen(["pacat", "--playback", *raw, *self.latency], stdin=self.file)
-        until(lambda: sink_state(self.sink) == "RUNNING", f"{self.sink} runs")
-        return self
-
-    def __exit__(self, *_):
-        self.player.terminate()
-        self.player.wait()
-        self.file.close()
 
 
 class SoundServerTest(unittest.TestCase):
@@ -110,6 +75,12 @@ class AudioProbeTest(SoundServerTest):
 
     def test_a_sine_below_the_threshold_is_not(self):
         self.assertEqual(self.listen_to(-36)["audible"], 0)
+
+    def test_the_caller_is_held_up_for_little_more_than_the_window(self):
+        with Sound(-6):
+            answer = until(lambda: (a := probe())["audible"] and a["seconds"] < LITTLE_MORE and a, "a probe in time", 20)
+        self.tell("at its best", answer)
+        self.assert_listened(answer)
 
     def test_silence_on_a_running_output_is_active_for_the_fallback_alone(self):
         with Sound(None):
