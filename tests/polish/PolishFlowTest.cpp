@@ -212,6 +212,13 @@ TEST_F(PolishFlowTest, theStatusAtThePressDecidesForTheWholePolish) {
   EXPECT_TRUE(view->isReleasing);
 }
 
+TEST_F(PolishFlowTest, theStatusIsReadBeforeTheProbe) {
+  tap.duringWindow = [this](double) { setHelperStatus(0); };
+  press();
+  EXPECT_EQ(sentence(), std::nullopt);
+  EXPECT_EQ(popoverLines().at(1), "handleTap: setting isReleasing=true. helperReady=true audioActive=false");
+}
+
 TEST_F(PolishFlowTest, aCallThatFindsNoProxyGivesTheSentenceAboutTheHelper) {
   transport.leadsToDaemon = false;
   press();

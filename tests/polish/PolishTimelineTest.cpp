@@ -261,16 +261,22 @@ TEST_F(PolishTimelineTest, theCalmOfAGentleTidyComesWithItsBounce) {
   EXPECT_NEAR(clearState.calmIntensity, 0.5, 1e-9);
 }
 
-TEST_F(PolishTimelineTest, theSentenceFadesInSixTenthsOfASecond) {
-  Animated<double> opacity(scheduler, 1.0);
+TEST_F(PolishTimelineTest, sentenceAndFigureFadeInSixTenthsOfASecond) {
+  Animated<double> sentence(scheduler, 1.0), figure(scheduler, 1.0);
   press();
+  setUsedPages(500'000);
   goTo(14.0);
-  const auto subscription = view->postClearSentence.subscribeToChanges(
-      [&opacity](const auto& sentence) { opacity = sentence ? 1.0 : 0.0; });
+  ASSERT_EQ(view->postClearPercentage.get(), 50);
+  const auto words = view->postClearSentence.subscribeToChanges(
+      [&sentence](const auto& text) { sentence = text ? 1.0 : 0.0; });
+  const auto number = view->postClearPercentage.subscribeToChanges(
+      [&figure](const auto& percentage) { figure = percentage ? 1.0 : 0.0; });
   goTo(15.05 + rounding);
-  EXPECT_EQ(opacity.model(), 0.0);
-  EXPECT_NEAR(opacity.shown(startedAt + 15.05 + 0.3), 0.5, 1e-6);
-  EXPECT_NEAR(opacity.shown(startedAt + 15.05 + 0.6), 0.0, 1e-6);
+  for (const auto* opacity : {&sentence, &figure}) {
+    EXPECT_EQ(opacity->model(), 0.0);
+    EXPECT_NEAR(opacity->shown(startedAt + 15.05 + 0.3), 0.5, 1e-6);
+    EXPECT_NEAR(opacity->shown(startedAt + 15.05 + 0.6), 0.0, 1e-6);
+  }
 }
 
 TEST_F(PolishTimelineTest, aBlockingProbeMovesEverythingBehindIt) {

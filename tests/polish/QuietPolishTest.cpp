@@ -120,6 +120,25 @@ TEST_F(QuietPolishTest, playingSoundSparesThePurge) {
   EXPECT_EQ(taken(), Requests{"flushDNS"});
 }
 
+// The work is a task; the listening is not.
+TEST_F(QuietPolishTest, listensAtTheSampleAndAfterTheCooldownHasBegun) {
+  std::optional<Date> duringProbe;
+  tap.duringWindow = [&](double window) {
+    duringProbe = settings.lastAutoRefresh();
+    scheduler.advanceClockOnly(window);
+  };
+  const auto delivered = calendar.now();
+  MemorySnapshot sample;
+  sample.pressureLevel = Level::warning;
+  polish.checkPressure(sample);
+  EXPECT_EQ(duringProbe, delivered);
+  EXPECT_EQ(taken(), Requests{});
+  tap.play({0.5F});  // too late
+  scheduler.runReady();
+  EXPECT_EQ(taken(), whole);
+  EXPECT_EQ(settings.lastAutoRefresh(), delivered);
+}
+
 TEST_F(QuietPolishTest, looksAtTheMachineAtTheEnd) {
   transport.flushDNS.delaySeconds = 1.0;
   transport.purgeMemory.delaySeconds = 2.0;
