@@ -70,6 +70,8 @@ class PopoverView : public PolishState {
   /// Of the ring, halo and aurora: by the progress shown, the hour, and the calm.
   Colour stateColor(double time) const;
   AuroraPicture aurora(double time) const;
+  /// How far the calm after a polish holds the light down.
+  double calmIntensity() const { return clearState_.calmIntensity; }
   /// Of all content on the card.
   double presentationOpacity(double time) const { return presentationOpacity_.shown(time); }
   /// 0 shows the culprits, 1 the question whether to quit one.

@@ -40,6 +40,7 @@
 #include "ui/linux/ManagerSelections.h"
 #include "ui/linux/MotionPreference.h"
 #include "ui/linux/PanelAppearance.h"
+#include "ui/linux/PopoverWindow.h"
 #include "ui/linux/StatusItem.h"
 #include "ui/linux/X11Surroundings.h"
 
@@ -167,8 +168,10 @@ struct Program {
   ui::StatusItem statusItem{scheduler, trayBus, selections, desktopAppearance, panelAppearance};
 
   ui::MotionPreference motion{selections};
-  ui::GlowOverlay celebrationOverlay{scheduler, selections, nullptr};
-  ui::GlowOverlay edgeOverlay{scheduler, selections, nullptr};
+  ui::PopoverWindow popoverWindow{scheduler, [this] { return statusItem.lastClick(); }, desktopAppearance,
+                                  selections, surroundings};
+  ui::GlowOverlay celebrationOverlay{scheduler, selections, [this] { return popoverWindow.nativeWindow(); }};
+  ui::GlowOverlay edgeOverlay{scheduler, selections, [this] { return popoverWindow.nativeWindow(); }};
   linuxhost::Haptics haptics;
 
   HelperManager helperManager{scheduler, helperService, helperTransport, bundle};
@@ -205,7 +208,9 @@ struct Program {
                         .clearState = clearState,
                         .quietPolish = quietPolish,
                         .edgeGlow = edgeGlow,
-                        .popoverServices = popoverServices}};
+                        .popoverServices = popoverServices,
+                        .popover = &popoverWindow,
+                        .installContent = [this](PopoverView& view) { popoverWindow.mount(view); }}};
 };
 
 }  // namespace
@@ -267,6 +272,7 @@ int runLinuxProgram(int argc, char** argv, SamplingBackEnds backEnds,
   program.delegate.applicationDidFinishLaunching();
   const int status = QApplication::exec();
   program.delegate.applicationWillTerminate();
+  program.popoverWindow.unmount();
   program.defaults.synchronize();
   return status;
 }

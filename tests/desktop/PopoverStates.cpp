@@ -39,6 +39,7 @@ class State {
   }
   State& ready() {
     ring().canPolish = true;
+    ring().labelReady = true;
     ring().lens = 1.0;
     return *this;
   }
@@ -204,6 +205,7 @@ PopoverState polishMoment(Appearance appearance, double time, fakes::ManualSched
   state.ring().lens = 1.0 - 0.75 * Animation::easeOut(labelFade).progress(time);
   state.ring().scale = polish.celebrationScale.shown();
   state.ring().canPolish = time == 0.0;
+  state.ring().labelReady = true;
   if (isOver) state.banner("12% LIGHTER");
   PopoverState placed = state.withHeight(isOver ? 304 : 240);
   placed.picture.aurora = aurora.picture(clock.now(), placed.picture.ring.stateColour, calm);

@@ -38,7 +38,7 @@ MAY_INCLUDE_QT = {
 GENERATED = ("helper_contract/HelperAdaptor.h", "helper_contract/HelperProxy.h")
 
 # Ports whose back end or fake is still being written. The list only shrinks.
-PORTS_UNDER_WAY = {"PopoverWindow"}
+PORTS_UNDER_WAY = set()
 
 STANDARD = frozenset(
     """algorithm any array atomic barrier bit bitset cassert cctype cerrno cfenv cfloat charconv chrono cinttypes

@@ -1,5 +1,6 @@
 #include "ui/linux/StatusItem.h"
 
+#include "ui/linux/ScreenPlaces.h"
 #include "ui/linux/StatusMenuPopup.h"
 
 #include <QCursor>
@@ -10,14 +11,6 @@ namespace vorli::ui {
 namespace {
 
 using ports::StatusClick;
-
-QList<ScreenPlace> screenPlaces() {
-  QList<ScreenPlace> places;
-  for (const auto* screen : QGuiApplication::screens()) {
-    places.push_back({screen->geometry(), screen->availableGeometry(), screen->devicePixelRatio()});
-  }
-  return places;
-}
 
 // On X11 the pointer still is where it was clicked, in pixels that need no conversion. Under Wayland an X11
 // program does not learn where the pointer is.

@@ -83,7 +83,7 @@ void paintBanner(QPainter& painter, const PlacedLabel& banner, const PopoverPale
 void paintLink(QPainter& painter, const PlacedLabel& link, const QRectF& symbol, const ControlPicture& state,
                const PopoverPalette& palette) {
   constexpr double pressShrink = 0.02;
-  const double scale = 1.0 - pressShrink * state.press;
+  const double scale = state.scales ? 1.0 - pressShrink * state.press : 1.0;
   const QPointF middle = link.capsule.center();
   painter.save();
   painter.translate(middle);

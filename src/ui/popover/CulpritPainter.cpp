@@ -17,7 +17,7 @@ enum class Layer { plate, text };
 
 void paintName(QPainter& painter, const PlacedName& name, const ControlPicture& state, Layer layer,
                const PopoverPalette& palette) {
-  const double scale = mix(mix(1.0, hoverScale, state.hover), pressScale, state.press);
+  const double scale = state.scales ? mix(mix(1.0, hoverScale, state.hover), pressScale, state.press) : 1.0;
   const QPointF middle = name.box.center();
   painter.save();
   painter.translate(middle);

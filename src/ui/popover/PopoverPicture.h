@@ -17,6 +17,7 @@ struct ControlPicture {
   double hover = 0.0;
   double press = 0.0;
   bool focused = false;
+  bool scales = true;  // false where the user asked for less movement
 
   bool operator==(const ControlPicture&) const = default;
 };
@@ -28,6 +29,7 @@ struct RingPicture {
   double scale = 1.0;
   double lens = 0.45;  // presence of the glass: 1 where a press would polish
   bool canPolish = false;
+  bool labelReady = false;  // the word in its heavier face
   ControlPicture button;
   double labelOpacity = 1.0;
   struct Dot {

@@ -49,7 +49,7 @@ class RingDrawing {
         ink_(themeOf(appearance).ringInk(ring.stateColour)),
         press_(ring.canPolish ? ring.button.press : 0.0) {}
 
-  double lensScale() const { return 1.0 - lensShrink * press_; }
+  double lensScale() const { return ring_.button.scales ? 1.0 - lensShrink * press_ : 1.0; }
 
   void lens() const {
     constexpr Colour white{1.0, 1.0, 1.0};
@@ -86,9 +86,9 @@ class RingDrawing {
     constexpr double invisible = 0.01;
     if (ring_.labelOpacity <= invisible) return;
     const auto& styles = PopoverTextStyles::shared();
-    const TextStyle& style = ring_.canPolish ? styles.label : styles.labelResting;
+    const TextStyle& style = ring_.labelReady ? styles.label : styles.labelResting;
     const QString text = QStringLiteral("Polish");
-    const Colour colour = ring_.canPolish ? palette_.label : palette_.labelResting;
+    const Colour colour = ring_.labelReady ? palette_.label : palette_.labelResting;
     style.draw(painter_, text, {-style.width(text) / 2.0, labelBaseline},
                colour.withAlpha(ring_.labelOpacity));
   }

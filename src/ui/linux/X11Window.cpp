@@ -1,0 +1,114 @@
+#include "ui/linux/X11Window.h"
+
+#include "ui/linux/X11Reply.h"
+
+#include <QGuiApplication>
+#include <QWindow>
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <span>
+#include <vector>
+#include <xcb/shape.h>
+#include <xcb/xcb.h>
+
+namespace vorli::ui {
+namespace {
+
+constexpr std::uint32_t mostWindows = 1024, mostTypes = 16;
+
+xcb_connection_t* qtConnection() {
+  const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  return x11 ? x11->connection() : nullptr;
+}
+
+xcb_atom_t atomOf(xcb_connection_t* connection, const char* name) {
+  const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name);
+  const X11Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
+  return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
+}
+
+// Atoms and windows are numbers of 32 bits alike.
+std::vector<std::uint32_t> numbersOf(xcb_connection_t* connection, xcb_get_property_cookie_t cookie) {
+  const X11Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection, cookie, nullptr));
+  if (!reply || reply->format != 32) return {};
+  const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+  return {first, first + xcb_get_property_value_length(reply.get()) / static_cast<int>(sizeof *first)};
+}
+
+xcb_get_property_cookie_t ask(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t property,
+                              std::uint32_t most) {
+  return xcb_get_property(connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, most);
+}
+
+// The managed windows of type dock.
+std::vector<xcb_window_t> docks(xcb_connection_t* connection, xcb_window_t root) {
+  const auto list = atomOf(connection, "_NET_CLIENT_LIST"), type = atomOf(connection, "_NET_WM_WINDOW_TYPE");
+  const auto dock = atomOf(connection, "_NET_WM_WINDOW_TYPE_DOCK");
+  const auto windows = numbersOf(connection, ask(connection, root, list, mostWindows));
+  // All asked at once: one way there and back instead of one for each window.
+  std::vector<xcb_get_property_cookie_t> cookies;
+  for (const auto window : windows) cookies.push_back(ask(connection, window, type, mostTypes));
+  std::vector<xcb_window_t> found;
+  for (std::size_t i = 0; i < windows.size(); ++i) {
+    const auto types = numbersOf(connection, cookies[i]);
+    if (std::find(types.begin(), types.end(), dock) != types.end()) found.push_back(windows[i]);
+  }
+  return found;
+}
+
+std::optional<QRect> rectangleOf(xcb_connection_t* connection, xcb_window_t window, xcb_window_t root) {
+  const auto sizeCookie = xcb_get_geometry(connection, window);
+  const auto placeCookie = xcb_translate_coordinates(connection, window, root, 0, 0);
+  const X11Reply<xcb_get_geometry_reply_t> size(xcb_get_geometry_reply(connection, sizeCookie, nullptr));
+  const X11Reply<xcb_translate_coordinates_reply_t> place(
+      xcb_translate_coordinates_reply(connection, placeCookie, nullptr));
+  if (!size || !place) return std::nullopt;
+  return QRect(place->dst_x, place->dst_y, size->width, size->height);
+}
+
+}  // namespace
+
+void keepOutOfTaskLists(QWindow& window) {
+  auto* connection = qtConnection();
+  if (!connection) return;
+  const std::array states{atomOf(connection, "_NET_WM_STATE_SKIP_TASKBAR"),
+                          atomOf(connection, "_NET_WM_STATE_SKIP_PAGER"),
+                          atomOf(connection, "_NET_WM_STATE_ABOVE")};
+  xcb_change_property(connection, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(window.winId()),
+                      atomOf(connection, "_NET_WM_STATE"), XCB_ATOM_ATOM, 32, states.size(), states.data());
+}
+
+void limitInput(QWindow& window, const QRect& area) {
+  auto* connection = qtConnection();
+  if (!connection) return;
+  const xcb_rectangle_t rectangle{static_cast<std::int16_t>(area.x()), static_cast<std::int16_t>(area.y()),
+                                  static_cast<std::uint16_t>(area.width()),
+                                  static_cast<std::uint16_t>(area.height())};
+  xcb_shape_rectangles(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED,
+                       static_cast<xcb_window_t>(window.winId()), 0, 0, 1, &rectangle);
+  xcb_flush(connection);
+}
+
+bool isButtonHeld() {
+  auto* connection = qtConnection();
+  if (!connection) return false;
+  const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+  const X11Reply<xcb_query_pointer_reply_t> pointer(
+      xcb_query_pointer_reply(connection, xcb_query_pointer(connection, root), nullptr));
+  constexpr unsigned buttons = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
+  return pointer && (pointer->mask & buttons) != 0;
+}
+
+std::optional<QRect> panelAt(QPoint point) {
+  auto* connection = qtConnection();
+  if (!connection) return std::nullopt;
+  const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+  for (const auto dock : docks(connection, root)) {
+    const auto rectangle = rectangleOf(connection, dock, root);
+    if (rectangle && rectangle->contains(point)) return rectangle;
+  }
+  return std::nullopt;
+}
+
+}  // namespace vorli::ui

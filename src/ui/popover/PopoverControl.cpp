@@ -1,0 +1,99 @@
+#include "ui/popover/PopoverControl.h"
+
+#include "ui/FocusRing.h"
+
+#include <QAccessible>
+#include <QAccessibleWidget>
+#include <QEvent>
+#include <QRegion>
+
+namespace vorli::ui {
+namespace {
+
+class ControlAccessible final : public QAccessibleWidget {
+ public:
+  explicit ControlAccessible(PopoverControl* control)
+      : QAccessibleWidget(
+            control, control->id() == PopoverControlId::link ? QAccessible::Link : QAccessible::Button) {}
+
+  QString text(QAccessible::Text kind) const override {
+    if (kind == QAccessible::Value) return control()->spokenValue();
+    return QAccessibleWidget::text(kind);
+  }
+
+  QStringList actionNames() const override { return {pressAction()}; }
+
+  void doAction(const QString& name) override {
+    if (name == pressAction()) control()->click();
+  }
+
+ private:
+  PopoverControl* control() const { return static_cast<PopoverControl*>(object()); }
+};
+
+QAccessibleInterface* makeAccessible(const QString&, QObject* object) {
+  auto* control = dynamic_cast<PopoverControl*>(object);
+  return control ? new ControlAccessible(control) : nullptr;
+}
+
+}  // namespace
+
+PopoverControl::PopoverControl(PopoverControlId id, Watcher watcher, QWidget* parent)
+    : QAbstractButton(parent), id_(id), watcher_(std::move(watcher)) {
+  setFocusPolicy(Qt::TabFocus);
+  connect(this, &QAbstractButton::pressed, this, [this] { watcher_.pressed(true); });
+  connect(this, &QAbstractButton::released, this, [this] { watcher_.pressed(false); });
+}
+
+void PopoverControl::say(const QString& name, const QString& hint, const QString& value) {
+  if (accessibleName() != name) setAccessibleName(name);
+  if (accessibleDescription() != hint) setAccessibleDescription(hint);
+  value_ = value;
+}
+
+void PopoverControl::setRound() {
+  isRound_ = true;
+}
+
+void PopoverControl::placeAt(const QRectF& place) {
+  const QRect rectangle = place.toAlignedRect();
+  if (geometry() == rectangle) return;
+  setGeometry(rectangle);
+  if (isRound_) setMask(QRegion(rect(), QRegion::Ellipse));
+}
+
+bool PopoverControl::event(QEvent* event) {
+  if (event->type() == QEvent::Enter) watcher_.hovered(true);
+  if (event->type() == QEvent::Leave || event->type() == QEvent::Hide) watcher_.hovered(false);
+  return QAbstractButton::event(event);
+}
+
+void PopoverControl::focusInEvent(QFocusEvent* event) {
+  QAbstractButton::focusInEvent(event);
+  if (cameByKeyboard(*event)) showFocus();
+}
+
+void PopoverControl::focusOutEvent(QFocusEvent* event) {
+  QAbstractButton::focusOutEvent(event);
+  showsFocus_ = false;
+  watcher_.focusShown(false);
+}
+
+void PopoverControl::showFocus() {
+  showsFocus_ = true;
+  watcher_.focusShown(true);
+}
+
+PopoverText::PopoverText(QWidget* parent) : QLabel(parent) {
+  setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+void installPopoverAccessibility() {
+  static const bool installed = [] {
+    QAccessible::installFactory(makeAccessible);
+    return true;
+  }();
+  static_cast<void>(installed);
+}
+
+}  // namespace vorli::ui
