@@ -1,0 +1,146 @@
+"""What the tests of the popover look at and work with: the program, its window, the icon, a neighbour window."""
+
+import os
+import subprocess
+
+import dbus
+import tray_parts
+from tray_parts import pointer
+from vorli import TrayIcon
+from waiting import until
+
+NAME = os.environ.get("VORLI_SESSION_NAME", "session")
+PICTURES = os.environ["VORLI_PICTURES"]
+RATIO = {"dense": 2.0, "openbox": 1.5}.get(NAME, 1.0)
+MARGIN_LEFT, MARGIN_TOP, BELOW = 24, 16, 34
+WIDTH = 270
+
+
+def output(*command):
+    return subprocess.run(command, capture_output=True, text=True, check=False).stdout
+
+
+def icon_place():
+    """The middle of the icon, in native pixels."""
+    if NAME != "openbox":
+        return TrayIcon.centre()
+
+    return until(lambda: tray_parts.Screen().place_of(tray_parts.is_amber), "the dial in the panel", 15)
+
+
+class Popover(tray_parts.Process):
+    """The program, with its popover's window as anybody sees it."""
+
+    def __init__(self, program):
+        self.log = os.path.join(os.environ["HOME"], "vorli.log")
+        super().__init__("/bin/sh", "-c", 'exec "$0" 2>"$1"', program, self.log)
+        self.expect("ring .*", seconds=20)
+
+    def end(self):
+        self.process.terminate()
+        self.process.wait(10)
+        self.process.stdin.close()
+        self.reader.join()
+        self.process.stdout.close()
+
+    def log_text(self):
+        with open(self.log, encoding="utf-8", errors="replace") as file:
+            return file.read()
+
+    def helper_status(self):
+        program = dbus.SessionBus().get_object("com.kv.vorli", "/com/kv/vorli", introspect=False)
+        return str(program.Get("com.kv.vorli.Status", "HelperStatus", dbus_interface=dbus.PROPERTIES_IFACE))
+
+    def settle(self, pressure, least, most):
+        """Looks at the machine until the ring has come to rest between the two."""
+        self.tell(f"pressure {pressure}")
+
+        def ring():
+            since = self.mark()
+            self.tell("look")
+            value = float(self.expect("ring .*", since).split()[1])
+            return least <= value <= most
+
+        until(ring, f"a ring from {least} to {most}")
+
+    def window(self):
+        """(id, x, y, width, height) of the shown popover, in native pixels, or None."""
+        for window in output("xdotool", "search", "--onlyvisible", "--pid", str(self.pid)).split():
+            shell = output("xdotool", "getwindowgeometry", "--shell", window)
+            place = dict(line.split("=") for line in shell.split() if "=" in line)
+            if place and int(place["WIDTH"]) == round(318 * RATIO):
+                return window, int(place["X"]), int(place["Y"]), int(place["WIDTH"]), int(place["HEIGHT"])
+        return None
+
+    def shown(self):
+        return until(self.window, "the popover")
+
+    def gone_by(self, way):
+        until(self.has_keyboard, "the keyboard in the popover")
+        way()
+        self.gone()
+
+    def gone(self):
+        until(lambda: not self.window(), "the end of the popover")
+
+    def card(self, height, bottom=False):
+        """The card's rectangle on the screen, in native pixels."""
+        _, x, y, _, window_height = self.shown()
+        top = window_height / RATIO - BELOW - height if bottom else MARGIN_TOP
+        return [round(value) for value in (x + MARGIN_LEFT * RATIO, y + top * RATIO, WIDTH * RATIO, height * RATIO)]
+
+    def has_keyboard(self):
+        window = self.window()
+        return window and output("xdotool", "getactivewindow").strip() == window[0]
+
+    def picture(self, name):
+        _, x, y, width, height = self.shown()
+        path = os.path.join(PICTURES, f"{NAME}-{name}.png")
+        subprocess.run(
+            ["import", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "+repage", path], check=True
+        )
+
+    def resources(self):
+        """Private dirty kibibytes and descriptors."""
+        return super().resources()[:2]
+
+
+class Neighbour:
+    """An ordinary window of another program that prints what is pressed in it."""
+
+    CODE = """
+import gi
+gi.require_version("Gtk", "3.0")
+from gi.repository import Gtk
+window = Gtk.Window(title="neighbour")
+window.set_default_size(500, 400)
+window.move(200, 300)
+box = Gtk.EventBox()
+box.connect("button-press-event", lambda _, event: print("pressed", event.button, flush=True))
+box.connect("button-release-event", lambda _, event: print("released", event.button, flush=True))
+window.add(box)
+window.show_all()
+print("ready", flush=True)
+Gtk.main()
+"""
+
+    def __init__(self):
+        self.program = tray_parts.Process("/usr/bin/python3", "-c", self.CODE)
+        self.program.expect("ready", seconds=20)
+        self.window = until(lambda: output("xdotool", "search", "--onlyvisible", "--name", "neighbour").split(),
+                            "the neighbour's window")[0]
+
+    def middle(self):
+        shell = output("xdotool", "getwindowgeometry", "--shell", self.window)
+        place = dict(line.split("=") for line in shell.split() if "=" in line)
+        return int(place["X"]) + 250, int(place["Y"]) + 200
+
+    def activate(self):
+        pointer("windowactivate", "--sync", self.window)
+
+    def close(self):
+        self.program.process.kill()
+        self.program.process.wait()
+        self.program.process.stdin.close()
+        self.program.reader.join()
+        self.program.process.stdout.close()
