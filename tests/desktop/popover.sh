@@ -32,6 +32,6 @@ status=0
 in_session top "--compositor picom --a11y" || status=1
 in_session bottom "--compositor none --panel-pos bottom --dark" PlaceTest || status=1
 in_session dense "--compositor picom --dpi 192 --size 2560x1600" PlaceTest || status=1
-in_session openbox "--wm openbox --panel tint2 --dpi 144" PlaceTest || status=1
+in_session openbox "--wm openbox --panel tint2 --dpi 144 --no-activation" PlaceTest || status=1
 mkdir -p "$pictures" && cp "$stage"/pictures/*.png "$pictures/" || status=1
 exit $status

@@ -25,7 +25,7 @@ def icon_place():
     if NAME != "openbox":
         return TrayIcon.centre()
 
-    return until(lambda: tray_parts.Screen().place_of(tray_parts.is_amber), "the dial in the panel", 15)
+    return until(lambda: tray_parts.Screen().place_of(tray_parts.is_red), "the dial in the panel", 15)
 
 
 class Popover(tray_parts.Process):
