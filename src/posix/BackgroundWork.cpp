@@ -3,6 +3,7 @@
 #include "base/Assert.h"
 
 #include <csignal>
+#include <system_error>
 #include <utility>
 
 namespace vorli::posix {
@@ -29,7 +30,7 @@ void BackgroundWork::start(Work work, Work done) {
     work_ = std::move(work);
     isOver_ = false;
   }
-  if (!thread_.joinable()) makeThread();
+  if (!thread_.joinable() && !makeThread()) return workHere();
   changed_.notify_all();
 }
 
@@ -45,20 +46,39 @@ void BackgroundWork::abandon() {
   done_ = nullptr;
 }
 
-void BackgroundWork::makeThread() {
+bool BackgroundWork::makeThread() {
   sigset_t all;
   sigset_t before;
   sigfillset(&all);
   pthread_sigmask(SIG_SETMASK, &all, &before);  // a thread starts with the mask of its maker
-  thread_ = std::thread([this] { run(); });
+  try {
+    thread_ = std::thread([this] { run(); });
+  } catch (const std::system_error&) {
+    // The user may have no more of them now; the next piece tries again.
+  }
   pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  return thread_.joinable();
+}
+
+// Late is better than never, and no harm is done but to the smoothness of the main loop.
+void BackgroundWork::workHere() {
+  std::exchange(work_, nullptr)();
+  isOver_ = true;
+  postDelivery(piece_);
+}
+
+void BackgroundWork::postDelivery(std::uint64_t piece) {
+  scheduler_.post([self = std::weak_ptr(self_), piece] {
+    if (const auto alive = self.lock()) (*alive)->deliver(piece);
+  });
 }
 
 void BackgroundWork::run() {
   std::unique_lock guard(lock_);
-  for (std::uint64_t piece = 1;; ++piece) {
+  while (true) {
     changed_.wait(guard, [this] { return isEnding_ || work_; });
     if (!work_) return;
+    const auto piece = piece_;  // stays while this one is under way
     auto work = std::exchange(work_, nullptr);
     guard.unlock();
     work();
@@ -66,9 +86,7 @@ void BackgroundWork::run() {
     guard.lock();
     isOver_ = true;
     changed_.notify_all();
-    scheduler_.post([self = std::weak_ptr(self_), piece] {
-      if (const auto alive = self.lock()) (*alive)->deliver(piece);
-    });
+    postDelivery(piece);
   }
 }
 

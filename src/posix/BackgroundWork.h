@@ -12,6 +12,7 @@
 namespace vorli::posix {
 
 /// One thread, made for the first piece of work and kept. It takes no signals: those are for the main thread.
+/// Where none can be made, `start` does the work itself.
 class BackgroundWork final : public ports::BackgroundWork {
  public:
   explicit BackgroundWork(Scheduler& scheduler);
@@ -25,8 +26,10 @@ class BackgroundWork final : public ports::BackgroundWork {
   void abandon() override;
 
  private:
-  void makeThread();
+  bool makeThread();
+  void workHere();
   void run();
+  void postDelivery(std::uint64_t piece);
   void waitUntilOver();
   void deliver(std::uint64_t piece);
 

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <gtest/gtest.h>
 #include <optional>
+#include <pthread.h>
 #include <thread>
 
 namespace vorli::posix {
@@ -116,6 +117,50 @@ TEST_F(BackgroundWorkTest, whoGoesWaitsForTheWorkAndIsSilentAfterwards) {
   EXPECT_TRUE(hasWorked);
   scheduler.runReady();
   EXPECT_FALSE(isDone);
+}
+
+// No thread gets a stack of that size.
+struct NoMoreThreads {
+  NoMoreThreads() {
+    pthread_getattr_default_np(&before);
+    pthread_attr_t attributes;
+    pthread_getattr_default_np(&attributes);
+    pthread_attr_setstacksize(&attributes, std::size_t{1} << 47);
+    pthread_setattr_default_np(&attributes);
+    pthread_attr_destroy(&attributes);
+  }
+  ~NoMoreThreads() {
+    pthread_setattr_default_np(&before);
+    pthread_attr_destroy(&before);
+  }
+  NoMoreThreads(const NoMoreThreads&) = delete;
+  NoMoreThreads& operator=(const NoMoreThreads&) = delete;
+
+  pthread_attr_t before;
+};
+
+TEST_F(BackgroundWorkTest, whereNoThreadCanBeMadeTheWorkIsDoneAllTheSame) {
+  const auto here = std::this_thread::get_id();
+  std::thread::id workedOn;
+  int done = 0;
+  {
+    const NoMoreThreads limit;
+    background->start([&] { workedOn = std::this_thread::get_id(); }, [&] { ++done; });
+    EXPECT_EQ(workedOn, here);
+    EXPECT_EQ(done, 0);
+    EXPECT_TRUE(background->isUnderWay());
+    scheduler.runReady();
+    EXPECT_EQ(done, 1);
+    background->start([] {}, [&] { ++done; });
+    background->finish();
+    background->start([] {}, [&] { ++done; });
+    background->abandon();
+    scheduler.runReady();
+    EXPECT_EQ(done, 2);
+  }
+  background->start([&] { workedOn = std::this_thread::get_id(); }, [&] { ++done; });
+  ASSERT_TRUE(holdsInTime([&] { return done == 3; }));
+  EXPECT_NE(workedOn, here);
 }
 
 TEST_F(BackgroundWorkTest, signalsAreLeftToTheMainThread) {
