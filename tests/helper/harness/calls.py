@@ -34,6 +34,8 @@ def start_tool(*arguments, tool="vorli_helper_load"):
 def finish_tool(process, seconds=300):
     output, errors = process.communicate(timeout=seconds)
     assert process.returncode == 0, f"{process.args}: exit {process.returncode}\n{output}{errors}"
+    for line in errors.splitlines():
+        print(f"      | {line}", flush=True)
     figures = {}
     for line in output.splitlines():
         name, value = line.split()

@@ -72,7 +72,9 @@ def honest_log(rung):
     call(box, "Version")
     lines = [line for line in box.log()[mark:].splitlines() if not line.startswith("dbus-daemon")]
     rung.equal("lines for that many requests", len(lines), 2 * len(texts) + 1)
-    shape = re.compile(r'vorli-helper\[\d+\]: request=\d+ caller=":1\.\d+" uid=0 method=(MoveLaunchAgentPlist|KillPID) '
+    shape = re.compile(r'vorli-helper\[\d+\]: request=\d+ caller=":1\.\d+" uid=(?:0|unknown) method=(MoveLaunchAgentPlist|KillPID) '
                        r'args=\([ -~]*\) verdict=none exit=\d+ ms=\d+ text="[ -~]*"')
     rung.equal("lines of another shape", [line for line in lines if not shape.fullmatch(line)], [])
+    # Whose a request of many kilobytes is, is not worth keeping it for.
+    rung.equal("lines that do not tell whose", len([line for line in lines if "uid=unknown" in line]), 2)
     rung.figure("the longest, in bytes", max(len(line.split(": ", 1)[1]) for line in lines), 600)

@@ -7,6 +7,7 @@ from harness.calls import call
 from harness.rung import promise
 from harness.sandbox import HELPER, NAME, SERVICE_FILE, WORK, command
 from harness.waiting import wait_for
+from promises.authority import STANDINS, vouch
 
 FILES = (HELPER, SERVICE_FILE, f"/etc/dbus-1/system.d/{NAME}.conf", f"/usr/share/polkit-1/actions/{NAME}.policy",
          "/usr/local/lib/systemd/system/vorli-helper.service")
@@ -21,6 +22,23 @@ def can_be_started():
 def traces():
     """What tells whether a file was written anew."""
     return [(path, os.stat(path).st_ino, os.stat(path).st_mtime_ns) for path in FILES]
+
+
+def through_pkexec(box, script, mode):
+    """As the program runs it for its user, whose agent refuses or has the right password."""
+    pipes = {"stdin": subprocess.PIPE, "stdout": subprocess.PIPE, "text": True}
+    user = box.as_user(4001, "s1")
+    agent = subprocess.Popen([*user, "/usr/bin/python3", f"{STANDINS}/agent.py", "s1", mode], **pipes)
+    assert agent.stdout.readline() == "registered\n"
+    # It asks for the process that started it, which has to be in the session.
+    done = subprocess.Popen([*user, "/bin/sh", "-c", '"$@"; exit $?', "sh", "/usr/bin/pkexec", script], **pipes)
+    if mode == "grant":
+        vouch(agent.stdout.readline().split()[1])
+        print(file=agent.stdin, flush=True)
+    done.communicate(timeout=20)
+    agent.kill()
+    agent.communicate()
+    return done.returncode
 
 
 @promise("P22b", "An unpackaged program's daemon is registered, registered again and taken off by its script")
@@ -46,7 +64,10 @@ def script_registers(rung):
     done = subprocess.run([script, "--force"], capture_output=True, text=True)
     rung.holds(f"an argument that it does not know: {done.stderr.strip()}", done.returncode == 1)
 
-    command(script)
+    box.add_session(4001, "s1")
+    rung.equal("through pkexec, the password refused: its exit", through_pkexec(box, script, "cancel"), 126)
+    rung.holds("nothing is registered", not any(map(os.path.exists, FILES)))
+    rung.equal("through pkexec, with the password: its exit", through_pkexec(box, script, "grant"), 0)
     rung.holds("registered: the bus can start it", wait_for(can_be_started, 5, "it can be started", 0.01))
     rung.equal("and has not", box.helper_pids(), [])
     rung.holds("polkit has its actions", wait_for(lambda: f"{NAME}.purge-memory" in command("/usr/bin/pkaction"), 5,
