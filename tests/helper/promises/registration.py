@@ -1,6 +1,7 @@
 """The script that registers the daemon of an unpackaged program, and takes it off again."""
 
 import os
+import select
 import subprocess
 
 from harness.calls import call
@@ -33,6 +34,7 @@ def through_pkexec(box, script, mode):
     # It asks for the process that started it, which has to be in the session.
     done = subprocess.Popen([*user, "/bin/sh", "-c", '"$@"; exit $?', "sh", "/usr/bin/pkexec", script], **pipes)
     if mode == "grant":
+        wait_for(lambda: select.select([agent.stdout], [], [], 0)[0], 20, "the agent is asked", 0.01)
         vouch(agent.stdout.readline().split()[1])
         print(file=agent.stdin, flush=True)
     done.communicate(timeout=20)
