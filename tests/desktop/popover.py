@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 """popover.py PROGRAM: the popover as a user meets it, by real clicks on the icon in a real panel."""
 
+import os
 import re
 import subprocess
 import sys
@@ -15,7 +16,7 @@ from waiting import holds, until
 PROGRAM = sys.argv.pop(1)
 CRITICAL, CALM = (4, 0.83, 0.86), (1, 0.0, 0.1)
 SCREEN_WIDTH, SCREEN_HEIGHT = map(int, output("xdotool", "getdisplaygeometry").split())
-ATTEMPTS = 200
+OPENINGS = int(os.environ.get("VORLI_OPENINGS", "20"))  # 200 for the long form
 
 
 class PopoverTest(unittest.TestCase):
@@ -170,37 +171,44 @@ class KeyboardTest(PopoverTest):
 
 
 class ManyOpeningsTest(PopoverTest):
-    def test_two_hundred_fast_openings_leave_nothing_behind(self):
+    def test_many_openings_leave_nothing_behind(self):
         self.vorli.settle(*CALM)
-        for _ in range(20):
+        for _ in range(5):
             self.cycle()
-        dirty, descriptors = self.settled_resources()
-        windows = self.windows()
-        for _ in range(ATTEMPTS):
+        dirty, descriptors, windows = self.left_behind()
+        for _ in range(OPENINGS):
             self.cycle()
-        later_dirty, later_descriptors = self.settled_resources()
-        print(f"{ATTEMPTS} openings: {later_dirty - dirty:+} kB, {later_descriptors - descriptors:+} descriptors")
-        self.assertEqual(self.windows(), windows)
-        self.assertEqual(later_descriptors, descriptors)
+        for _ in range(2 * OPENINGS):
+            self.toggle()  # also in the middle of unfolding and rolling up
+        later_dirty, later_descriptors, later_windows = self.left_behind()
+        print(f"{OPENINGS} openings: {later_dirty - dirty:+} kB, {later_descriptors - descriptors:+} descriptors")
+        self.assertEqual((later_descriptors, later_windows), (descriptors, windows))
         self.assertLessEqual(later_dirty - dirty, 512)
 
+    def toggle(self):
+        """As a second start does: without waiting for the panel."""
+        subprocess.run(
+            ["dbus-send", "--session", "--print-reply", "--dest=com.kv.vorli", "/com/kv/vorli",
+             "org.freedesktop.Application.Activate", "dict:string:string:"],
+            check=True, capture_output=True,
+        )
+
     def cycle(self):
-        """By the session bus, as a second start does: as fast as the program takes it."""
-        for _ in range(2):
-            subprocess.run(
-                ["dbus-send", "--session", "--print-reply", "--dest=com.kv.vorli", "/com/kv/vorli",
-                 "org.freedesktop.Application.Activate", "dict:string:string:"],
-                check=True, capture_output=True,
-            )
-
-    def settled_resources(self):
-        if self.vorli.window():
-            click(self.icon)
+        self.toggle()
+        self.vorli.shown()
+        self.toggle()
         self.vorli.gone()
-        return self.vorli.resources()
 
-    def windows(self):
-        return len(re.findall(r'"Vorli|"vorli', output("xwininfo", "-root", "-tree")))
+    def left_behind(self):
+        """Private dirty kibibytes, descriptors and windows while it is shut."""
+        rolling_up = 1.0
+        try:
+            until(lambda: not self.vorli.window(), "a popover that is about to close", rolling_up)
+        except AssertionError:
+            self.toggle()
+            self.vorli.gone()
+        windows = len(re.findall(r'"Vorli|"vorli', output("xwininfo", "-root", "-tree")))
+        return *self.vorli.resources(), windows
 
 
 class PolishTest(PopoverTest):
