@@ -24,7 +24,6 @@ const std::string activatablesMatch =
 std::shared_ptr<HelperNameWatch> HelperNameWatch::on(SystemBus& bus) {
   std::shared_ptr<HelperNameWatch> watch(new HelperNameWatch());
   bus.attach(watch);
-  bus.run([watch] { watch->refresh(nullptr); });
   return watch;
 }
 
@@ -38,12 +37,14 @@ void HelperNameWatch::connected(sdbus::IConnection& connection) {
   matches_.push_back(
       connection.addMatch(ownerMatch, [this](sdbus::Message& signal) { ownerChanged(signal); }));
   matches_.push_back(connection.addMatch(activatablesMatch, [this](sdbus::Message&) { refresh(nullptr); }));
+  refresh(nullptr);
 }
 
 void HelperNameWatch::disconnected() {
   matches_.clear();
   bus_.reset();
   asking_ = 0;
+  owned_ = activatable_ = false;
   publish(Presence::noBus);
   for (const auto& done : std::exchange(waiting_, {})) done();
 }

@@ -18,6 +18,10 @@ namespace vorli::linuxhost {
 
 namespace {
 
+// A bus that is not there is looked for this often, while somebody works with it: whoever waits for its
+// return is told, instead of asking.
+constexpr int reconnectMilliseconds = 10'000;
+
 // Signals are the main thread's.
 std::thread startWithoutSignals(auto body) {
   sigset_t all, before;
@@ -42,7 +46,7 @@ class SystemBus::Loop {
   void serve() {
     while (!isStopping()) {
       dispatch();
-      if (!runQueued()) wait();
+      if (!runQueued() && !wait() && !connection_) connect();
     }
     disconnect();
   }
@@ -167,9 +171,10 @@ class SystemBus::Loop {
     connection_.reset();
   }
 
-  void wait() {
+  /// False when nothing happened for as long as it was to wait.
+  bool wait() {
     std::array<pollfd, 2> sources{{{wake_, POLLIN, 0}, {-1, 0, 0}}};
-    int timeoutMilliseconds = -1;
+    int timeoutMilliseconds = clients_.empty() ? -1 : reconnectMilliseconds;
     if (connection_) {
       try {
         const auto data = connection_->getEventLoopPollData();
@@ -177,12 +182,13 @@ class SystemBus::Loop {
         timeoutMilliseconds = data.getPollTimeout();
       } catch (const sdbus::Error&) {
         disconnect();
-        return;
+        return true;
       }
     }
-    poll(sources.data(), sources.size(), timeoutMilliseconds);
+    const int ready = poll(sources.data(), sources.size(), timeoutMilliseconds);
     std::uint64_t count = 0;
     [[maybe_unused]] const auto drained = read(wake_, &count, sizeof count);
+    return ready != 0;
   }
 
   const int wake_;

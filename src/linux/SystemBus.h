@@ -13,7 +13,8 @@ namespace vorli::linuxhost {
 
 /// The program's one connection to the system bus, served by a thread of its own: connecting, asking and
 /// listening happen there, so a bus that hangs never holds up the main thread. The library leaks and stalls
-/// when it is called from two threads, so nothing of it is touched anywhere else.
+/// when it is called from two threads, so nothing of it is touched anywhere else. A bus that is lost or not
+/// there is looked for from time to time, and the clients are told when it has come back.
 class SystemBus {
  public:
   /// What lives on the bus's thread and works with the connection.
