@@ -35,10 +35,15 @@ HelperManager::HelperManager(Scheduler& scheduler, ports::HelperService& service
       calls_(scheduler, link_),
       tasks_(scheduler) {
   service_.setChangeHandler([this] { refreshStatus(); });
+  service_.setFailureHandler([this](const std::string& text) {
+    registrationFailed(text);
+    refreshStatus();
+  });
 }
 
 HelperManager::~HelperManager() {
   service_.setChangeHandler(nullptr);
+  service_.setFailureHandler(nullptr);
 }
 
 void HelperManager::refreshStatus() {
@@ -55,16 +60,19 @@ void HelperManager::registerDaemon(AskedBy asker) {
     lastError = std::nullopt;
     helperLog.log("service.register() succeeded");
   } else {
-    const std::string& text = result.error();
-    helperLog.error("service.register() failed: %{public}s", text);
-    if (containsIgnoringCase(text, "operation not permitted") && !isInstalledProperly) {
-      lastError =
-          "Vorli needs to live in your Applications folder. Drag Vorli there from the DMG, then reopen.";
-    } else {
-      lastError = "Couldn't set up the helper. " + text;
-    }
+    registrationFailed(result.error());
   }
   refreshStatus();
+}
+
+void HelperManager::registrationFailed(const std::string& text) {
+  helperLog.error("service.register() failed: %{public}s", text);
+  if (containsIgnoringCase(text, "operation not permitted") && !isAppInApplicationsFolder(bundle_)) {
+    lastError =
+        "Vorli needs to live in your Applications folder. Drag Vorli there from the DMG, then reopen.";
+  } else {
+    lastError = "Couldn't set up the helper. " + text;
+  }
 }
 
 Task<> HelperManager::reinstallIfStale(Reinstall force, AskedBy asker) {

@@ -67,6 +67,8 @@ class HelperManager : public SharedInstance<HelperManager> {
  private:
   bool isStatus(InstallStatus::Case which) const { return status.get() == which; }
 
+  void registrationFailed(const std::string& text);
+
   Task<> performReinstall(Reinstall force);
   /// Logs its verdict either way.
   Task<bool> needsReinstall();

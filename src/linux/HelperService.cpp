@@ -4,6 +4,7 @@
 
 #include <QProcess>
 #include <QStringList>
+#include <optional>
 #include <utility>
 
 namespace vorli::linuxhost {
@@ -11,6 +12,26 @@ namespace vorli::linuxhost {
 namespace {
 
 constexpr int requiresApproval = 2;
+
+// pkexec's own.
+constexpr int exitCodeDismissed = 126;
+constexpr int exitCodeNotAuthorised = 127;
+
+std::optional<std::string> failureOf(const QProcess& installer) {
+  if (installer.error() == QProcess::FailedToStart)
+    return "pkexec, which asks for the password, is not installed.";
+  if (installer.exitStatus() == QProcess::CrashExit) return "Its installation was cut off.";
+  switch (installer.exitCode()) {
+    case 0:
+      return std::nullopt;
+    case exitCodeDismissed:
+      return "The password was not given.";
+    case exitCodeNotAuthorised:
+      return "Its installation was not authorised.";
+    default:
+      return "Its installation failed with code " + std::to_string(installer.exitCode()) + ".";
+  }
+}
 
 }  // namespace
 
@@ -104,8 +125,17 @@ std::expected<void, std::string> HelperService::registerDaemon(ports::AskedBy as
 
 void HelperService::installerEnded() {
   if (!installer_) return;
+  const auto failure = failureOf(*installer_);
   installer_.release()->deleteLater();
   read();
+  if (failure)
+    onMainThread<std::string>([this](const std::string& text) {
+      if (failed_) failed_(text);
+    })(*failure);
+}
+
+void HelperService::setFailureHandler(std::function<void(std::string)> handler) {
+  failed_ = std::move(handler);
 }
 
 void HelperService::unregisterDaemon(OnceReply<std::expected<void, std::string>> reply) {

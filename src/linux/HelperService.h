@@ -35,6 +35,7 @@ class HelperService final : public ports::HelperService {
   /// A packaged daemon is registered already. Otherwise the install script is started, with polkit's own
   /// question for a password; until it ends, approval is required.
   std::expected<void, std::string> registerDaemon(ports::AskedBy asker) override;
+  void setFailureHandler(std::function<void(std::string)> handler) override;
   /// Always succeeds and does nothing: only the package manager removes a package.
   void unregisterDaemon(OnceReply<std::expected<void, std::string>> reply) override;
 
@@ -64,6 +65,7 @@ class HelperService final : public ports::HelperService {
   std::shared_ptr<HelperRegistration> registration_;
   const std::function<void()> showOwnPage_;
   std::function<void()> changed_;
+  std::function<void(std::string)> failed_;
   std::unique_ptr<QProcess> installer_;
   int lastKnown_ = 0;
   int lastTold_ = 0;

@@ -35,6 +35,9 @@ class HelperService {
   /// Error: the system's text. Success may mean that the user is being asked: `status()` then tells how it
   /// stands.
   virtual std::expected<void, std::string> registerDaemon(AskedBy asker) = 0;
+  /// `handler` runs on the main thread, never inside a call of this port, with the system's text when a
+  /// registration that began well has failed behind its success.
+  virtual void setFailureHandler(std::function<void(std::string)> handler) = 0;
   /// Answered on the main thread. Error: the system's text.
   virtual void unregisterDaemon(OnceReply<std::expected<void, std::string>> reply) = 0;
 

@@ -37,6 +37,13 @@ class HelperService final : public ports::HelperService {
     });
   }
 
+  /// A registration that was told as a success fails later.
+  void failRegistration(std::string text) {
+    scheduler_.post([this, text = std::move(text)] {
+      if (failureHandler_) failureHandler_(text);
+    });
+  }
+
   int status() override { return rawStatus; }
 
   void readStatus(OnceReply<int> reply) override {
@@ -48,6 +55,10 @@ class HelperService final : public ports::HelperService {
   }
 
   void setChangeHandler(std::function<void()> handler) override { handler_ = std::move(handler); }
+
+  void setFailureHandler(std::function<void(std::string)> handler) override {
+    failureHandler_ = std::move(handler);
+  }
 
   std::expected<void, std::string> registerDaemon(ports::AskedBy asker) override {
     note("register", asker);
@@ -76,6 +87,7 @@ class HelperService final : public ports::HelperService {
 
   Scheduler& scheduler_;
   std::function<void()> handler_;
+  std::function<void(std::string)> failureHandler_;
 };
 
 }  // namespace vorli::fakes

@@ -111,6 +111,23 @@ TEST_F(HelperManagerTest, aFailedRegistrationThatFindsItEnabledLeavesNoError) {
   EXPECT_EQ(manager->lastError.get(), std::nullopt);
 }
 
+TEST_F(HelperManagerTest, aRegistrationThatFailsLateIsToldAsOneThatFailsAtOnce) {
+  makeBundleLie(true);
+  service.rawStatus = 2;
+  manager->registerDaemon();
+  EXPECT_EQ(manager->lastError.get(), std::nullopt);
+  service.rawStatus = 0;
+  service.failRegistration("The password was not given.");
+  scheduler.runReady();
+  EXPECT_EQ(manager->lastError.get(), "Couldn't set up the helper. The password was not given.");
+  EXPECT_EQ(errors("service.register() failed: The password was not given."), 1);
+  EXPECT_EQ(manager->status.get(), Case::notRegistered);
+
+  service.failRegistration("too late");
+  manager.reset();
+  scheduler.runReady();
+}
+
 TEST_F(HelperManagerTest, loginItemsAreOpenedForTheUser) {
   manager->openLoginItems();
   EXPECT_EQ(service.calls, Calls{"open login items"});

@@ -208,6 +208,30 @@ TEST_F(HelperRepairTest, aManagerThatGoesInTheMiddleTakesItsRepairWithIt) {
   EXPECT_EQ(service.calls, Calls{"unregister"});
 }
 
+// Each wait of a check with its repair, one after the other.
+TEST_F(HelperRepairTest, aManagerMayGoAtEveryMomentAndNothingHappensAfterwards) {
+  transport.setConduct(Conduct::silent);
+  service.unregisterSeconds = 0.5;
+  service.answers = false;
+  int moments = 0;
+  for (bool hasEnded = false; !hasEnded; ++moments) {
+    manager.emplace(scheduler, service, transport, bundle);
+    tasks.emplace(scheduler);
+    service.calls.clear();
+    const auto alive = start(manager->ensureHelperAlive());
+    for (int i = 0; i < moments; ++i) scheduler.advanceTo(scheduler.earliestDeadline());
+    hasEnded = alive->resumes > 0;
+    const auto calls = service.calls;
+    dropManager();
+    log.clear();
+    scheduler.advance(100.0);
+    EXPECT_EQ(service.calls, calls) << moments;
+    EXPECT_TRUE(log.lines().empty()) << moments;
+  }
+  // Ping, fresh status, unregistering, two pauses, two pings; and the moment before and behind.
+  EXPECT_GE(moments, 8);
+}
+
 TEST_F(HelperRepairTest, theStatusIsReadAnewBeforeItIsJudged) {
   service.rawStatus = 0;
   service.statusAfterRead = 2;

@@ -198,6 +198,19 @@ TEST_F(HelperServiceTest, aLostBusIsToldWithoutBeingAsked) {
   waitUntil([&] { return manager().status.get() == InstallStatus::unknown(100); });
 }
 
+TEST_F(HelperServiceTest, aBusThatComesBackIsToldWithoutBeingAsked) {
+  startInstalled();
+  startClient();
+  bus.startAuthority("polkit");
+  manager().refreshStatus();
+  waitUntil([&] { return manager().status.get() == InstallStatus::Case::enabled; });
+  bus.kill();
+  waitUntil([&] { return manager().status.get() == InstallStatus::unknown(100); });
+  bus.uninstall();
+  bus.start();
+  waitUntil([&] { return manager().status.get() == InstallStatus::Case::notFound; }, 40s);
+}
+
 TEST_F(HelperServiceTest, theUserIsAskedForWhatTheDaemonNeeds) {
   startInstalled();
   startClient();
@@ -329,7 +342,8 @@ struct HelperInstallTest : HelperServiceTest {
   void SetUp() override {
     mkfifo((bus.folder() / "gate").c_str(), 0600);
     writeProgram(bus.folder() / "bin/pkexec", "echo \"$@\" >> " + (bus.folder() / "authority.log").string() +
-                                                  "\nread line < " + (bus.folder() / "gate").string() + "\n");
+                                                  "\nread code < " + (bus.folder() / "gate").string() +
+                                                  "\nexit $code\n");
     path_ = std::getenv("PATH");
     setenv("PATH", ((bus.folder() / "bin").string() + ":" + path_).c_str(), 1);
     bus.start();
@@ -339,7 +353,7 @@ struct HelperInstallTest : HelperServiceTest {
 
   void addInstaller() { writeProgram(installer(), ""); }
   std::filesystem::path installer() const { return bus.folder() / "program/vorli-helper-install"; }
-  void letInstallerEnd() const { std::ofstream(bus.folder() / "gate") << "\n"; }
+  void letInstallerEnd(int code) const { std::ofstream(bus.folder() / "gate") << code << "\n"; }
 
   std::string path_;
 };
@@ -387,18 +401,41 @@ TEST_F(HelperInstallTest, whileTheInstallerAsksApprovalIsRequiredAndThenTheTruth
 
   bus.installScriptedHelper();
   bus.reload();
-  letInstallerEnd();
+  letInstallerEnd(0);
   waitUntil([&] { return manager().status.get() == InstallStatus::Case::enabled; });
+  EXPECT_EQ(manager().lastError.get(), std::nullopt);
   EXPECT_EQ(lines(installer().string()), 1);
 }
 
-TEST_F(HelperInstallTest, aDismissedInstallerLeavesTheDaemonUnregistered) {
+TEST_F(HelperInstallTest, aFailedInstallerLeavesTheDaemonUnregisteredAndSaysWhy) {
   addInstaller();
   startClient();
   ASSERT_EQ(readStatus(), 3);
+  const std::pair<int, const char*> rows[] = {
+      {126, "Couldn't set up the helper. The password was not given."},
+      {127, "Couldn't set up the helper. Its installation was not authorised."},
+      {1, "Couldn't set up the helper. Its installation failed with code 1."}};
+  for (const auto& [code, text] : rows) {
+    manager().registerDaemon();
+    EXPECT_EQ(manager().status.get(), InstallStatus::Case::requiresApproval);
+    EXPECT_EQ(manager().lastError.get(), std::nullopt);
+    letInstallerEnd(code);
+    waitUntil([&] { return manager().status.get() == InstallStatus::Case::notFound; });
+    EXPECT_EQ(manager().lastError.get(), text);
+  }
+}
+
+TEST_F(HelperInstallTest, withoutAWayToAskForThePasswordTheRegistrationFails) {
+  addInstaller();
+  startClient();
+  ASSERT_EQ(readStatus(), 3);
+  std::filesystem::remove(bus.folder() / "bin/pkexec");
+  setenv("PATH", (bus.folder() / "bin").c_str(), 1);
   manager().registerDaemon();
-  EXPECT_EQ(manager().status.get(), InstallStatus::Case::requiresApproval);
-  letInstallerEnd();
+  waitUntil([&] {
+    return manager().lastError.get() ==
+           "Couldn't set up the helper. pkexec, which asks for the password, is not installed.";
+  });
   waitUntil([&] { return manager().status.get() == InstallStatus::Case::notFound; });
 }
 

@@ -131,6 +131,31 @@ TEST_F(HelperTransportTest, repliesAroundTheLimitLeaveOneResumeAndAreNeverEarly)
   }
 }
 
+TEST_F(HelperTransportTest, aReplyOfAnotherShapeIsAFailureAndNoReply) {
+  bus.setHelper("version_is_a_number 1\n");
+  startOnScriptedHelper();
+  const double begun = client->scheduler.now();
+  const auto version = start(manager().versionWithTimeout(2.0));
+  waitUntil([&] { return isLogged("XPC connection invalidated"); });
+  EXPECT_TRUE(std::ranges::any_of(log.messages(),
+                                  [](const auto& line) { return line.starts_with("XPC proxy error: "); }));
+  expectEndAtLimit(version, begun, 2.0, std::string("unknown"));
+
+  bus.setHelper("");
+  EXPECT_EQ(resultOf(manager().versionWithTimeout(20.0)), "1.2.3");
+}
+
+TEST_F(HelperTransportTest, aHugeReplyHoldsUpNothing) {
+  constexpr int bytes = 30'000'000;
+  bus.setHelper("purge_bytes " + std::to_string(bytes) + "\n");
+  startOnScriptedHelper();
+  const auto purge = start(manager().purgeMemory());
+  waitUntil([&] { return purge->resumes > 0; });
+  EXPECT_EQ(purge->value->output.size(), static_cast<std::size_t>(bytes));
+  expectSteadyBeat();
+  EXPECT_TRUE(ping());
+}
+
 TEST_F(HelperTransportTest, aDaemonWhoseProgramIsGoneFailsTheCallsWhichEndAtTheirLimits) {
   bus.installScriptedHelper();
   std::filesystem::remove(bus.folder() / "scripted_helper");

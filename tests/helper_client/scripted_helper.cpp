@@ -74,14 +74,21 @@ int main(int, char** arguments) {
   };
   const auto reply = [&](Reply&& result, const std::string& key, const std::string& request) {
     Conduct::note(log, request);
+    const int bytes = conduct.number(key + "_bytes", 0);
     answerLater(conduct.number(key + "_ms", 0), std::move(result), conduct.number(key + "_code", 0),
-                conduct.text(key, "done"));
+                bytes > 0 ? std::string(static_cast<std::size_t>(bytes), 'x') : conduct.text(key, "done"));
   };
 
   auto connection = sdbus::createSystemBusConnection();
   auto object = sdbus::createObject(*connection, "/com/kv/vorli/helper");
   object->registerMethod("Ping").onInterface(name).implementedAs(text("ping", "alive"));
-  object->registerMethod("Version").onInterface(name).implementedAs(text("version", "1.2.3"));
+  const auto version = text("version", "1.2.3");
+  object->registerMethod(name, "Version", "", "s", [&](sdbus::MethodCall call) {
+    if (conduct.number("version_is_a_number", 0) == 0) return version(Text(std::move(call)));
+    auto answer = call.createReply();
+    answer << std::int32_t{123};
+    answer.send();
+  });
   object->registerMethod("PurgeMemory").onInterface(name).implementedAs([&](Reply&& result) {
     reply(std::move(result), "purge", "purge");
     // As a daemon does that goes idle just now: the name first, then what it still owes.
