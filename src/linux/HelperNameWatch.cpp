@@ -19,6 +19,12 @@ const std::string ownerMatch =
 const std::string activatablesMatch =
     "type='signal',sender='" + busName + "',member='ActivatableServicesChanged'";
 
+// A daemon comes with each call and goes when idle: that is no news.
+HelperNameWatch::Presence withoutOwner(HelperNameWatch::Presence presence) {
+  using Presence = HelperNameWatch::Presence;
+  return presence == Presence::owned ? Presence::activatable : presence;
+}
+
 }  // namespace
 
 std::shared_ptr<HelperNameWatch> HelperNameWatch::on(SystemBus& bus) {
@@ -98,9 +104,8 @@ void HelperNameWatch::ownerChanged(sdbus::Message& signal) {
 }
 
 void HelperNameWatch::publish(Presence presence) {
-  const bool mightLead = mayLeadToDaemon();
-  presence_ = presence;
-  if (changed_ && mayLeadToDaemon() != mightLead) changed_();
+  const Presence before = presence_.exchange(presence);
+  if (changed_ && before != Presence::unknown && withoutOwner(before) != withoutOwner(presence)) changed_();
 }
 
 }  // namespace vorli::linuxhost

@@ -26,7 +26,7 @@ class HelperNameWatch final : public SystemBus::Client {
 
   /// Asks the bus anew, then calls `done`.
   void refresh(std::function<void()> done);
-  /// Called whenever the daemon becomes reachable or stops to be.
+  /// Called whenever the daemon, or the bus, becomes reachable or stops to be.
   void setChangeHandler(std::function<void()> handler) { changed_ = std::move(handler); }
 
   void connected(sdbus::IConnection& connection) override;

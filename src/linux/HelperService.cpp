@@ -65,7 +65,7 @@ std::function<void(Result)> HelperService::onMainThread(std::function<void(Resul
 }
 
 int HelperService::status() {
-  if (!isReading_) read();
+  read();
   return effectiveStatus();
 }
 

@@ -206,6 +206,7 @@ TEST_F(HelperServiceTest, aBusThatComesBackIsToldWithoutBeingAsked) {
   waitUntil([&] { return manager().status.get() == InstallStatus::Case::enabled; });
   bus.kill();
   waitUntil([&] { return manager().status.get() == InstallStatus::unknown(100); });
+  ASSERT_EQ(readStatus(), 100);  // no reading is under way any more that could come upon it
   bus.uninstall();
   bus.start();
   waitUntil([&] { return manager().status.get() == InstallStatus::Case::notFound; }, 40s);
