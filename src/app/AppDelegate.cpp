@@ -34,16 +34,13 @@ AppDelegate::AppDelegate(const AppDelegateNeeds& needs)
       popoverServices_(needs.popoverServices),
       popover_(needs.popover),
       installContent_(needs.installContent),
-      tasks_(needs.scheduler) {
-  if (popover_)
-    popoverHost_.emplace(
-        PopoverHostNeeds{scheduler_, notifications_, *popover_, host_, helperManager_, systemMonitor_});
-}
+      popoverHost_({scheduler_, notifications_, popover_, host_, helperManager_, systemMonitor_}),
+      tasks_(needs.scheduler) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
   createStatusItem();
   updateStatusIcon();
-  if (popoverHost_) popoverHost_->createPopover();
+  popoverHost_.createPopover();
 
   systemMonitor_.refresh();
   systemMonitor_.restartTimer();
@@ -94,7 +91,7 @@ void AppDelegate::subscribeToMonitorAndTheme() {
   cancellables_.push_back(
       clearState_.calmIntensity.subscribeOnMainLoop(scheduler_, [this](double) { updateStatusIcon(); }));
   statusItem_.setAppearanceHandler([this] { updateStatusIcon(); });
-  if (popoverHost_) popoverHost_->observeContent();
+  popoverHost_.observeContent();
 }
 
 void AppDelegate::subscribeToMemory() {
@@ -115,9 +112,9 @@ void AppDelegate::applyEdgeGlow() {
 }
 
 void AppDelegate::mountPopoverContent() {
-  if (popover_) popover_->setContentSize(PopoverHost::mountedSize);
+  popover_.setContentSize(PopoverHost::mountedSize);
   popoverView_.emplace(popoverServices_);
-  if (installContent_) installContent_(*popoverView_);
+  installContent_(*popoverView_);
 }
 
 void AppDelegate::updateStatusIcon() {
@@ -143,13 +140,7 @@ void AppDelegate::handleStatusClick(const ports::StatusClick& click) {
 }
 
 void AppDelegate::togglePopover() {
-  if (!statusItem_.hasButton()) return;
-  if (popoverHost_) {
-    popoverHost_->togglePopover();
-    return;
-  }
-  systemMonitor_.refresh();
-  helperManager_.refreshStatus();
+  if (statusItem_.hasButton()) popoverHost_.togglePopover();
 }
 
 std::vector<ports::MenuRow> AppDelegate::contextMenu() {

@@ -45,9 +45,9 @@ struct AppDelegateNeeds {
   QuietPolish& quietPolish;
   EdgeGlowController& edgeGlow;
   const PopoverServices& popoverServices;
-  ports::PopoverWindow* popover = nullptr;  // none: clicks only take a sample
+  ports::PopoverWindow& popover;
   /// Puts the view into the panel.
-  std::function<void(PopoverView&)> installContent = {};
+  std::function<void(PopoverView&)> installContent;
 };
 
 /// The root object of the process: runs the launch sequence, holds the subscriptions that turn samples into
@@ -103,9 +103,9 @@ class AppDelegate {
   QuietPolish& quietPolish_;
   EdgeGlowController& edgeGlow_;
   PopoverServices popoverServices_;
-  ports::PopoverWindow* popover_;
+  ports::PopoverWindow& popover_;
   std::function<void(PopoverView&)> installContent_;
-  std::optional<PopoverHost> popoverHost_;
+  PopoverHost popoverHost_;
   std::optional<PopoverView> popoverView_;
   std::vector<Subscription> cancellables_;
   Subscription activation_;  // not among `cancellables_`: only the delegate's own end ends it

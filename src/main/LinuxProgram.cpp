@@ -209,7 +209,7 @@ struct Program {
                         .quietPolish = quietPolish,
                         .edgeGlow = edgeGlow,
                         .popoverServices = popoverServices,
-                        .popover = &popoverWindow,
+                        .popover = popoverWindow,
                         .installContent = [this](PopoverView& view) { popoverWindow.mount(view); }}};
 };
 

@@ -93,7 +93,7 @@ struct AppDelegateTest : testing::Test {
                                       .quietPolish = quietPolish,
                                       .edgeGlow = edgeGlow,
                                       .popoverServices = popoverServices,
-                                      .popover = &popover,
+                                      .popover = popover,
                                       .installContent = [this](PopoverView& view) { installed = &view; }});
     delegate->applicationDidFinishLaunching();
   }
