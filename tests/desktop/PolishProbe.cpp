@@ -110,6 +110,15 @@ class Probe {
     keep(view.isReleasing.subscribeToChanges([this](bool is) { released(is); }));
     QObject::connect(&input_, &QSocketNotifier::activated, [this, &view] { read(view); });
   }
+  // Also where there is nothing to hang the popover from.
+  void open() {
+    bool hasAppeared = false;
+    const auto appearing = services_.notifications.observe<VorliAnimateAppear>(
+        [&hasAppeared](const auto&) { hasAppeared = true; });
+    services_.delegate.togglePopover();
+    if (!hasAppeared) services_.notifications.post(VorliAnimateAppear{});
+    tell("window", "%d", hasAppeared ? 1 : 0);
+  }
   void keep(Subscription subscription) { subscriptions_.push_back(std::move(subscription)); }
 
   // What goes before is the probe for sound, the one thing that may hold up the thread.
@@ -142,8 +151,7 @@ class Probe {
         tell("press", "-");
         view.polishPressed();
       } else if (line == "open") {
-        services_.delegate.togglePopover();
-        services_.notifications.post(VorliAnimateAppear{});  // also where no icon is to hang the popover from
+        open();
       }
     }
   }

@@ -42,8 +42,9 @@ class ScriptedBus:
         self._write("services/com.kv.vorli.helper.service",
                     f"[D-BUS Service]\nName=com.kv.vorli.helper\nExec={helper} {self.folder}\nUser=root\n")
         self.address = f"unix:path={self._path('socket')}"
-        self.processes = [subprocess.Popen(["setpriv", "--pdeathsig", "KILL", "dbus-daemon", "--nofork",
-                                            f"--config-file={self._path('bus.conf')}"])]
+        with open(self._path("bus.log"), "wb") as log:
+            self.processes = [subprocess.Popen(["setpriv", "--pdeathsig", "KILL", "dbus-daemon", "--nofork",
+                                                f"--config-file={self._path('bus.conf')}"], stderr=log)]
         until(lambda: self._has_owner("org.freedesktop.DBus"), "the private bus")
         self.processes.append(subprocess.Popen([authority, self.folder, "polkit"],
                                                env={**os.environ, "DBUS_SYSTEM_BUS_ADDRESS": self.address}))
