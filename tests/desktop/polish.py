@@ -15,6 +15,7 @@ PROGRAM, SERVER = sys.argv[1:3]
 WINDOW = 0.15
 LISTENED = 0.2  # the window with its set-up, on a machine that has nothing else to do
 MOST_BLOCKED = 0.01  # of all turns: the glow's colours wait for the X server, which waits for a processor
+LONGEST_PURGE = 25
 HOG = 0.15  # of the memory in use, so that there is something to see
 
 
@@ -110,9 +111,12 @@ class PolishTest(unittest.TestCase):
         self.assertEqual(self.probe.figure(), self.expected_figure())
         self.assertTrue(self.probe.logged("audio-detector: Audio probe: peak=0.000000"))
         self.assert_listened()
-        self.probe.expect_log("helper-client: purgeMemory reply: exit=0 output=Freed ")
         self.probe.expect_log("helper-client: flushDNS reply: exit=0")
-        print(f"{self.probe.name}: " + next(line for line in self.probe.values("log") if "purgeMemory reply" in line))
+        self.probe.expect_log("helper-client: purgeMemory reply: ", LONGEST_PURGE)
+        reply = next(line for line in self.probe.values("log") if "purgeMemory reply" in line)
+        print(f"{self.probe.name}: {reply}")
+        # A machine that is slow to write its files back is slow to forget them.
+        self.assertRegex(reply, r"exit=(0 output=Freed \d+ MiB|110 output=Not done in time; the work goes on)")
         if SERVER == "pulse":
             self.whole_ceremony()
 

@@ -13,9 +13,9 @@ FULL = {"grow": 2.65, "shrink": 3.25, "close": 5.65, "rise": 10.65, "end": 15.05
 GENTLE = {"grow": 1.3, "shrink": 1.9, "close": 3.1, "rise": 3.5, "end": 6.5}
 CALM_RISE = 0.9
 # No step is early. A busy machine is late by what its scheduler makes it wait; each step waits for the one before.
-CLOCK_GRAIN, LATENESS = 0.001, 0.6
+CLOCK_GRAIN, LATENESS = 0.001, 1.5
 FRAME = 0.016
-# A look at the machine takes longer the more processes there are; with so many a tick is no frame's measure.
+# With so many processes at work beside it, no turn measures the program: frames are told, and not judged.
 CROWD = 1000
 
 APPROVE = "A gentle tidy. Approve Vorli in Login Items for a full polish."
@@ -141,17 +141,12 @@ class PolishProbe:
         return [tuple(float(number) for number in value.split()) for value in self.values("long", self.pressed)]
 
     def turns_of_too_much_work(self):
-        samples = [at for at, word, _ in self.events if word == "sample"]
-
-        def is_crowded_tick(at, *parts):
-            return self.crowd >= CROWD and any(at <= sample <= at + sum(parts) for sample in samples)
-
-        return [turn for turn in self.long_turns() if turn[1] > FRAME and not is_crowded_tick(*turn)]
+        return [] if self.crowd >= CROWD else [turn for turn in self.long_turns() if turn[1] > FRAME]
 
     def blocked_share(self):
         """The share of all turns that were blocked for longer than a frame."""
         turns = int(self.values("turns", self.pressed)[-1].split()[0])
-        return sum(blocked > FRAME for _, _, blocked, _ in self.long_turns()) / turns
+        return 0 if self.crowd >= CROWD else sum(blocked > FRAME for _, _, blocked, _ in self.long_turns()) / turns
 
     def print_times(self, told):
         times = self.times()
