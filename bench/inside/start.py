@@ -29,6 +29,13 @@ class Tray(dbus.service.Object):
     def RegisterStatusNotifierItem(self, service, sender=None):
         self.item = (sender, service) if service.startswith("/") else (service, "/StatusNotifierItem")
 
+    @dbus.service.method(dbus.INTROSPECTABLE_IFACE, out_signature="s", path_keyword="path", connection_keyword="bus")
+    def Introspect(self, path, bus):
+        """With the property that Qt wants to see before it believes in a tray."""
+        start = f'<interface name="{WATCHER}">'
+        return super().Introspect(path, bus).replace(
+            start, start + '<property name="IsStatusNotifierHostRegistered" type="b" access="read"/>')
+
     @dbus.service.method(dbus.PROPERTIES_IFACE, in_signature="ss", out_signature="v")
     def Get(self, _interface, name):
         return {"IsStatusNotifierHostRegistered": True, "ProtocolVersion": 0}.get(name, dbus.Array([], signature="s"))
