@@ -62,7 +62,7 @@ def measure(build, quick):
                 _add_refreshes(report, refreshes, size, 2 if quick else 5)
         floor = build.program("vorli_bare_tray", "bench/vorli_bare_tray")
         with Stage(build) as stage, Crowd(build, SIZES[0]):
-            result = stage.run("peers", 10 if quick else 60, stage.add(floor), stage.add(refreshes.status_icon()),
+            result = stage.run("peers", 10 if quick else 30, stage.add(floor), stage.add(refreshes.status_icon()),
                                options=("--no-activation",))
         _add_programs(report, result)
     finally:
