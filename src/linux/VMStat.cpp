@@ -22,7 +22,7 @@ VMStat parseVMStat(std::string_view text) {
   VMStat stat;
   while (!text.empty()) {
     auto line = takeLine(text);
-    if (line.empty() || (line[0] != 'p' && line[0] != 'z')) continue;  // most of the 190 lines
+    if (line.size() < 3 || (line[2] != 'p' && line[2] != 'w')) continue;  // most of the 190 lines
     for (const auto& key : keys) {
       if (!line.starts_with(key.start)) continue;
       line.remove_prefix(key.start.size());
