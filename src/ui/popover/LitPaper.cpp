@@ -30,12 +30,6 @@ constexpr std::array<std::array<std::uint8_t, 8>, 8> ditherPattern{{{0, 32, 8, 4
                                                                     {15, 47, 7, 39, 13, 45, 5, 37},
                                                                     {63, 31, 55, 23, 61, 29, 53, 21}}};
 
-Lanes lanesOf(const Colour& colour) {
-  return Lanes{static_cast<float>(colour.blue), static_cast<float>(colour.green),
-               static_cast<float>(colour.red), 0.0F} *
-         255.0F;
-}
-
 Lanes lanesOf(const Premultiplied& light) {
   const Lanes colour = Lanes{light.blue, light.green, light.red, 0.0F} * 255.0F;
   return colour + Lanes{0.0F, 0.0F, 0.0F, 1.0F - light.alpha};
@@ -47,10 +41,49 @@ QRgb pixelOf(Lanes value) {
          static_cast<QRgb>(whole[0]);
 }
 
+// Red, green and blue side by side in one number, 21 bits each: 8 of the component and 13 of its fraction.
+// One multiplication mixes all three.
+constexpr int laneBits = 21, fractionBits = 13;
+constexpr std::uint64_t inEachLane = 1 | std::uint64_t{1} << laneBits | std::uint64_t{1} << 2 * laneBits;
+// Of those 13 bits the paper brings 3 and what shines through of it 10.
+constexpr int paperBits = 3, shareBits = 10;
+
+std::uint64_t packed(double red, double green, double blue, int bits) {
+  const auto lane = [bits](double component) {
+    return static_cast<std::uint64_t>(component * 255.0 * (1 << bits));
+  };
+  return lane(red) << 2 * laneBits | lane(green) << laneBits | lane(blue);
+}
+
+QRgb pixelOf(std::uint64_t lanes) {
+  constexpr int toRed = 2 * laneBits + fractionBits - 16, toGreen = laneBits + fractionBits - 8;
+  return opaque | (static_cast<QRgb>(lanes >> toRed) & 0xFF0000U) |
+         (static_cast<QRgb>(lanes >> toGreen) & 0xFF00U) | (static_cast<QRgb>(lanes >> fractionBits) & 0xFFU);
+}
+
+// A sample of the light, ready to be laid over paper. The share is rounded down, so that no lane runs over.
+struct LaidLight {
+  std::uint64_t light;
+  std::uint64_t paperShare;
+};
+
+std::vector<LaidLight> laid(std::span<const Premultiplied> light) {
+  std::vector<LaidLight> table;
+  table.reserve(light.size() + 1);
+  for (const auto& sample : light) {
+    const double share = std::clamp(1.0 - static_cast<double>(sample.alpha), 0.0, 1.0);
+    table.push_back({packed(sample.red, sample.green, sample.blue, fractionBits),
+                     static_cast<std::uint64_t>(share * (1 << shareBits))});
+  }
+  table.push_back({0, 1 << shareBits});
+  return table;
+}
+
 // The colour of the paper in one row of device pixels.
-Lanes paperAt(int y, const LitPaperPlace& place, const PopoverPalette& palette) {
+std::uint64_t paperAt(int y, const LitPaperPlace& place, const PopoverPalette& palette) {
   const double below = (y + 0.5 - place.paperTop) / (PopoverMetrics::tallest * place.pixelRatio);
-  return lanesOf(mix(palette.paperTop, palette.paperBottom, std::clamp(below, 0.0, 1.0)));
+  const Colour colour = mix(palette.paperTop, palette.paperBottom, std::clamp(below, 0.0, 1.0));
+  return packed(colour.red, colour.green, colour.blue, paperBits);
 }
 
 // Half of a row's chord of a circle; none when the row passes outside.
@@ -58,51 +91,71 @@ double halfChord(double radius, double distance) {
   return distance >= radius ? 0.0 : std::sqrt(radius * radius - distance * distance);
 }
 
-struct Span {
-  int first, end;
+/// One row of device pixels.
+struct Row {
+  QRgb* pixels;
+  int left, end;
+  std::uint64_t paper;
+  std::array<std::uint64_t, 8> dither;
+
+  void put(int x, std::uint64_t lanes) const {
+    pixels[x] = pixelOf(lanes + dither[static_cast<std::size_t>(x & 7)]);
+  }
+  void fill(int from, int to) const {
+    const std::uint64_t unlit = paper << shareBits;
+    for (int x = std::max(from, left); x < std::min(to, end); ++x) put(x, unlit);
+  }
 };
-Span lit(double centre, double half, int left, int right) {
-  return {std::clamp(static_cast<int>(std::floor(centre - half)), left, right),
-          std::clamp(static_cast<int>(std::ceil(centre + half)), left, right)};
+
+Row rowOf(QImage& image, int y, const QRect& drawn, std::uint64_t paper) {
+  Row row{reinterpret_cast<QRgb*>(image.scanLine(y)), drawn.left(), drawn.right() + 1, paper, {}};
+  const auto& pattern = ditherPattern[static_cast<std::size_t>(y & 7)];
+  for (std::size_t i = 0; i < row.dither.size(); ++i) {
+    row.dither[i] = inEachLane * (std::uint64_t{pattern[i]} << (fractionBits - 6));
+  }
+  return row;
+}
+
+// The left half of a row mirrors the right one: what is worked out for a pixel serves two. `twiceCentre` is
+// in whole half pixels.
+void paintLitRow(const Row& row, int twiceCentre, float dySquare, double half, float scale,
+                 const std::vector<LaidLight>& table) {
+  const int first = twiceCentre / 2;
+  const int last = std::max(first, static_cast<int>(std::ceil(twiceCentre / 2.0 + half)));
+  const auto centre = static_cast<float>(twiceCentre) / 2.0F - 0.5F;
+  row.fill(row.left, twiceCentre - last);
+  for (int x = first; x < last; ++x) {
+    const int mirrored = twiceCentre - 1 - x;
+    if (x >= row.end && mirrored < row.left) break;
+    const float dx = static_cast<float>(x) - centre;
+    const auto index = static_cast<std::size_t>(std::sqrt(dx * dx + dySquare) * scale);
+    const LaidLight& sample = table[std::min(index, table.size() - 1)];
+    const std::uint64_t lanes = sample.light + row.paper * sample.paperShare;
+    if (x >= row.left && x < row.end) row.put(x, lanes);
+    if (mirrored >= row.left && mirrored < row.end) row.put(mirrored, lanes);
+  }
+  row.fill(last, row.end);
 }
 
 }  // namespace
 
 void paintLitPaper(QImage& image, const QRect& area, const LitPaperPlace& place,
                    const PopoverPalette& palette, std::span<const Premultiplied> light, int samplesPerPoint) {
-  constexpr float ditherStep = 1.0F / 64.0F;
-  std::vector<Lanes> table;
-  table.reserve(light.size() + 1);
-  for (const auto& sample : light) table.push_back(lanesOf(sample));
-  const Lanes dark{0.0F, 0.0F, 0.0F, 1.0F};
-  table.push_back(dark);
-
+  const auto table = laid(light);
   const double samplesPerPixel = samplesPerPoint / place.pixelRatio;
   const double reach = static_cast<double>(light.size()) / samplesPerPixel;
-  const auto scale = static_cast<float>(samplesPerPixel);
+  const int twiceCentre = static_cast<int>(std::lround(2.0 * place.centre.x()));
   const QRect drawn = area & image.rect();
   for (int y = drawn.top(); y <= drawn.bottom(); ++y) {
-    const Lanes paper = paperAt(y, place, palette);
-    const auto& pattern = ditherPattern[static_cast<std::size_t>(y & 7)];
-    std::array<Lanes, 8> dither;
-    for (std::size_t i = 0; i < dither.size(); ++i)
-      dither[i] = Lanes{} + static_cast<float>(pattern[i]) * ditherStep;
-    std::array<QRgb, 8> unlit;
-    for (std::size_t i = 0; i < unlit.size(); ++i) unlit[i] = pixelOf(paper + dither[i]);
-
-    auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
+    const Row row = rowOf(image, y, drawn, paperAt(y, place, palette));
     const double dy = y + 0.5 - place.centre.y();
-    const Span span = lit(place.centre.x(), halfChord(reach, std::abs(dy)), drawn.left(), drawn.right() + 1);
-    for (int x = drawn.left(); x < span.first; ++x) row[x] = unlit[static_cast<std::size_t>(x & 7)];
-    const auto dySquare = static_cast<float>(dy * dy);
-    const auto centreX = static_cast<float>(place.centre.x() - 0.5);
-    for (int x = span.first; x < span.end; ++x) {
-      const float dx = static_cast<float>(x) - centreX;
-      const auto index = static_cast<std::size_t>(std::sqrt(dx * dx + dySquare) * scale);
-      const Lanes sample = table[std::min(index, table.size() - 1)];
-      row[x] = pixelOf(sample + paper * sample[3] + dither[static_cast<std::size_t>(x & 7)]);
+    const double half = halfChord(reach, std::abs(dy));
+    if (half <= 0.0) {
+      row.fill(row.left, row.end);
+    } else {
+      paintLitRow(row, twiceCentre, static_cast<float>(dy * dy), half, static_cast<float>(samplesPerPixel),
+                  table);
     }
-    for (int x = span.end; x <= drawn.right(); ++x) row[x] = unlit[static_cast<std::size_t>(x & 7)];
   }
 }
 

@@ -18,7 +18,7 @@ struct LitPaperPlace {
 };
 
 /// Fills the pixels of `area` with the card's paper and `light`, given by samples along the radius. Both are
-/// summed up in floating point and dithered once, so that neither shows bands. One pass, no cache.
+/// summed up with fractions and dithered once, so that neither shows bands. One pass, no cache.
 void paintLitPaper(QImage& image, const QRect& area, const LitPaperPlace& place,
                    const PopoverPalette& palette, std::span<const Premultiplied> light, int samplesPerPoint);
 
