@@ -182,7 +182,9 @@ class ManyOpeningsTest(PopoverTest):
             self.toggle()  # also in the middle of unfolding and rolling up
         later_dirty, later_descriptors, later_windows = self.left_behind()
         print(f"{OPENINGS} openings: {later_dirty - dirty:+} kB, {later_descriptors - descriptors:+} descriptors")
-        self.assertEqual((later_descriptors, later_windows), (descriptors, windows))
+        self.assertEqual(later_windows, windows)
+        # A call to the daemon may just be under way at either look.
+        until(lambda: self.vorli.resources()[1] <= descriptors, f"{descriptors} descriptors, not {later_descriptors}")
         self.assertLessEqual(later_dirty - dirty, 512)
 
     def toggle(self):
