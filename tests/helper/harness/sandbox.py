@@ -82,6 +82,14 @@ def stuck_sync(milliseconds=None):
     return words if milliseconds is None else [*words, f"VORLI_TEST_SYNC_MILLISECONDS={milliseconds}"]
 
 
+def send(pid, number):
+    """A signal to a process of the daemon's, unless it has gone by itself since it was looked up."""
+    try:
+        os.kill(pid, number)
+    except ProcessLookupError:
+        pass
+
+
 class Sandbox:
     """Made once per run; `restart` gives each promise a fresh bus, polkitd and daemon."""
 
@@ -211,14 +219,14 @@ class Sandbox:
 
     def stop_helper(self):
         for pid in self.helper_pids():
-            os.kill(pid, signal.SIGCONT)
-            os.kill(pid, signal.SIGKILL)
+            send(pid, signal.SIGCONT)
+            send(pid, signal.SIGKILL)
         wait_for(lambda: not self.helper_pids(), 5, "the daemon has gone")
 
     def terminate_helper(self):
         """As a service manager would; its last words are in the log then."""
         for pid in self.helper_pids():
-            os.kill(pid, signal.SIGTERM)
+            send(pid, signal.SIGTERM)
         wait_for(lambda: not self.helper_pids(), 30, "the daemon has left", 0.02)
 
     def restart(self, arguments=(), environment=(), with_polkit=True, allow_everything=False):

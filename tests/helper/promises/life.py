@@ -6,7 +6,7 @@ import signal
 
 from harness.calls import call, finish_call, finish_tool, start_call, start_tool, tool
 from harness.rung import promise
-from harness.sandbox import FOLDERS, HELPER, SYNC_BEGINS, stuck_sync, with_harmless_levers
+from harness.sandbox import FOLDERS, HELPER, SYNC_BEGINS, send, stuck_sync, with_harmless_levers
 from harness.waiting import let_pass, wait_for
 
 
@@ -27,7 +27,7 @@ def no_call_is_lost(rung):
     while hammer.poll() is None:
         for pid in rung.sandbox.helper_pids():
             if listens(pid):
-                os.kill(pid, signal.SIGTERM)
+                send(pid, signal.SIGTERM)
                 stopped += 1
         let_pass(dice.uniform(0.0, 0.03))
     rung.equal(f"lost of {calls // 3} calls around {stopped} SIGTERMs", finish_tool(hammer)["lost"], 0)
