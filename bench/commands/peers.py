@@ -35,7 +35,8 @@ def _add_programs(report, result):
     programs = result["programs"]
     for label, unit, key in COLUMNS:
         for name, figures in programs.items():
-            report.add(f"{label}: {name}", unit, figures[key], digits=1)
+            if key in figures:
+                report.add(f"{label}: {name}", unit, figures[key], digits=1)
     for name, reason in result["absent"].items():
         report.note(f"not measured: {name}: {reason}")
     own = programs.get("Vorli")

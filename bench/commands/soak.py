@@ -4,6 +4,7 @@ import os
 import random
 import signal
 import time
+from collections import Counter
 
 from measuring.gates import gates
 from measuring.report import Report
@@ -60,6 +61,11 @@ def measure(build, quick):
     report.add("descriptors kept", "", end["descriptors"] - warm["descriptors"], digits=0,
                **gates("soak", "descriptors"))
     report.add("processor time of a tick", "ms", (end["cpu_ms"] - samples[0]["cpu_ms"]) / ticks, digits=2)
+    kept = Counter(end["files"]) - Counter(warm["files"])
+    if kept:
+        report.note("descriptors more than before: " + ", ".join(f"{count} x {file}" for file, count in kept.items()))
+    most = max(sample["processes"] for sample in samples)
+    report.note(f"{warm['processes']:,} processes on the machine when it was warm, {most:,} at most: each takes its row")
     report.note(f"{result['openings']} openings of the popover, {result['polishes']} polishes, "
                 f"{result['replies']} purges answered, {killed} daemons killed, {result['seconds']:.0f} s")
     if result["exit"] != 0:

@@ -11,7 +11,7 @@ from measuring.process import cpu_ms, descriptors, memory_mb
 from vorli import Missing
 
 SLICES = 10
-REST = 15  # seconds
+REST = 45  # seconds: the last polish and its calls are over by then
 
 
 class Soak:
@@ -24,8 +24,14 @@ class Soak:
 
     def sample(self):
         pid = self.vorli.process.pid
-        self.samples.append({"ticks": self.vorli.ticks, "descriptors": descriptors(pid), "cpu_ms": cpu_ms(pid),
+        self.samples.append({"ticks": self.vorli.ticks, "files": self.files(),
+                             "processes": sum(name.isdigit() for name in os.listdir("/proc")), "descriptors": descriptors(pid), "cpu_ms": cpu_ms(pid),
                              "threads": len(os.listdir(f"/proc/{pid}/task")), **memory_mb(pid)})
+
+    def files(self):
+        """What its descriptors stand for; the numbers of sockets and the like change and say nothing."""
+        folder = f"/proc/{self.vorli.process.pid}/fd"
+        return sorted(os.readlink(os.path.join(folder, name)).split(":[")[0] for name in os.listdir(folder))
 
     def turn(self, done):
         if self.has_popover and self.opened < done * self.openings:
