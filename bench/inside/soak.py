@@ -31,7 +31,13 @@ class Soak:
     def files(self):
         """What its descriptors stand for; the numbers of sockets and the like change and say nothing."""
         folder = f"/proc/{self.vorli.process.pid}/fd"
-        return sorted(os.readlink(os.path.join(folder, name)).split(":[")[0] for name in os.listdir(folder))
+        found = []
+        for name in os.listdir(folder):
+            try:
+                found.append(os.readlink(os.path.join(folder, name)).split(":[")[0])
+            except OSError:  # closed in between
+                continue
+        return found
 
     def turn(self, done):
         if self.has_popover and self.opened < done * self.openings:
