@@ -182,6 +182,16 @@ TEST_F(EnsureHelperAliveTest, aReinstallThatEndsAwaitingApprovalNeedsApproval) {
   EXPECT_EQ(service.calls, (Calls{"unregister", "register", "open login items"}));
 }
 
+TEST_F(EnsureHelperAliveTest, anApprovalThatIsMissingSinceTheLastPingNeedsApproval) {
+  transport.setConduct(Conduct::silent);
+  const auto outcome = start(manager->ensureHelperAlive());
+  scheduler.advance(2.0 + 0.4 + 0.4 + 2.0);
+  EXPECT_EQ(transport.ping.requests, 3);
+  service.rawStatus = 2;
+  scheduler.advance(2.0);
+  EXPECT_EQ(outcome->value, HelperReachability::needsApproval);
+}
+
 TEST_F(EnsureHelperAliveTest, aLivingDaemonWithoutTheUsersConsentNeedsApproval) {
   service.consent = ports::Consent::missing;
   EXPECT_EQ(start(manager->ensureHelperAlive())->value, HelperReachability::needsApproval);

@@ -133,6 +133,17 @@ TEST_F(HelperRepairTest, theStepsKeepTheirOrderAndTheirPauses) {
   EXPECT_FALSE(manager->isInstalling.get());
 }
 
+TEST_F(HelperRepairTest, aStatusThatComesDuringTheLastPauseIsTheOneThatCounts) {
+  service.rawStatus = 0;
+  repair(Reinstall::forced);
+  scheduler.advance(0.4);
+  EXPECT_EQ(service.calls, (Calls{"unregister", "register"}));
+  service.rawStatus = 1;
+  scheduler.advance(0.4);
+  EXPECT_EQ(notices("Post-reinstall liveness: status=Enabled alive=true force=true"), 1);
+  EXPECT_EQ(service.calls, (Calls{"unregister", "register"}));
+}
+
 TEST_F(HelperRepairTest, aFailedUnregisterIsLoggedAndTheRepairGoesOn) {
   service.unregisterResult = std::unexpected("not there");
   EXPECT_EQ(callsOf(Reinstall::forced), (Calls{"unregister", "register"}));

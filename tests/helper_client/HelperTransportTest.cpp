@@ -1,5 +1,6 @@
 #include "tests/helper_client/ClientFixture.h"
 
+#include <cstdio>
 #include <vector>
 
 namespace vorli {
@@ -29,9 +30,13 @@ struct HelperTransportTest : ClientFixture {
     EXPECT_EQ(outcome->resumes, 1);
     EXPECT_GE(outcome->at - begun, limit);
     EXPECT_LT(outcome->at - begun, limit + loadSeconds);
+    std::printf("limit %.0f s: ended after %.4f s\n", limit, outcome->at - begun);
   }
 
-  void expectSteadyBeat() { EXPECT_LT(client->beat.longestGap(), loadSeconds); }
+  void expectSteadyBeat() {
+    EXPECT_LT(client->beat.longestGap(), loadSeconds);
+    std::printf("longest gap of the beat: %.1f ms\n", client->beat.longestGap() * 1e3);
+  }
 };
 
 TEST_F(HelperTransportTest, everyCallReachesTheDaemonAndComesBack) {
