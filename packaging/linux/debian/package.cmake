@@ -39,7 +39,7 @@ set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # The bus and polkit decide about every call of the daemon's; the sound server's library is loaded when it is there.
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "dbus, polkitd, init-system-helpers (>= 1.54~)")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "dbus (>= 1.14), polkitd, init-system-helpers (>= 1.54~)")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "libpulse0")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
   ${CMAKE_CURRENT_SOURCE_DIR}/debian/postinst
