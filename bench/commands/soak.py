@@ -3,6 +3,7 @@
 import os
 import random
 import signal
+import subprocess
 import time
 from collections import Counter
 
@@ -10,7 +11,8 @@ from measuring.gates import gates
 from measuring.report import Report
 from measuring.stage import Stage
 
-SUMMARY = "10,000 fast ticks with a changing dial, openings and polishes while the daemon is killed: nothing grows"
+SUMMARY = ("10,000 fast ticks with a changing dial, openings and polishes while the daemon is killed, then ten minutes of "
+           "everything at once for the daemon: nothing grows")
 PERIOD_MILLISECONDS = 60
 LONGEST_PAUSE = 12.0  # seconds between two kills, at most
 SEED = 1
@@ -39,6 +41,17 @@ def _kill_at_random(session, program, ready):
                     pass
         time.sleep(0.2)
     return killed
+
+
+def _soak_the_daemon(report, build, seconds):
+    """What the daemon's own rung says of it, on a bus and with an authority of its own."""
+    words = ["tests/helper/run", "--soak", str(seconds)] + ([] if build.may_build else ["--no-build"])
+    done = subprocess.run(words, capture_output=True, text=True, errors="replace", check=False)
+    figures = [line.split(maxsplit=1)[1] for line in done.stdout.splitlines() if line.lstrip().startswith(("kept ", "BROKEN "))]
+    for figure in figures:
+        report.note(f"the daemon in {seconds} s: {figure}")
+    if done.returncode != 0 or not figures:
+        report.fail(f"the daemon's soak left with {done.returncode}:\n" + (done.stdout + done.stderr)[-2000:])
 
 
 def measure(build, quick):
@@ -70,4 +83,5 @@ def measure(build, quick):
                 f"{result['replies']} purges answered, {killed} daemons killed, {result['seconds']:.0f} s")
     if result["exit"] != 0:
         report.fail(f"the program left with {result['exit']}")
+    _soak_the_daemon(report, build, 20 if quick else 600)
     return report
