@@ -141,7 +141,7 @@ class ClicksTest(PopoverTest):
     def test_a_panel_that_starts_again_leaves_it_usable(self):
         self.open()
         command = tray_parts.end_panel("xfce4-panel")
-        self.assertIsNotNone(self.vorli.window())
+        holds(self.vorli.window, "the open popover without a panel", 0.5)
         pointer("key", "Escape")
         self.vorli.gone()
         tray_parts.start_panel(command)

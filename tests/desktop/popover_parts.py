@@ -17,7 +17,11 @@ WIDTH = 270
 
 
 def output(*command):
-    return subprocess.run(command, capture_output=True, text=True, check=False).stdout
+    """What the command prints. Asked again when a window of anybody's went while it looked at all of them."""
+    while True:
+        done = subprocess.run(command, capture_output=True, text=True, check=False)
+        if "X Error" not in done.stderr:
+            return done.stdout
 
 
 def icon_place():

@@ -207,7 +207,11 @@ Subscription PopoverWindow::monitorPressesOutside(std::function<void()> handler)
 
 void PopoverWindow::pressed(QPoint native) {
   const auto point = logicalPoint(native, screenPlaces());
-  if (!shown_ || !point || widget_->card().translated(widget_->pos()).contains(*point)) return;
+  if (!shown_ || !point) return;
+  // What takes the clicks: where the card is about to unfurl as well, unless the window is cut to what is
+  // painted.
+  const QRect card = compositing_ == Compositing::present ? widget_->restingCard() : widget_->card();
+  if (card.translated(widget_->pos()).contains(*point)) return;
   if (!openedFrom_ || !grown(openedFrom_->icon).contains(*point)) return presses_.deliver();
   // On the icon, whose click is about to close the panel: closed before, the click would open it again.
   // Beside it the press may have been for a neighbour.
