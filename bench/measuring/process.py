@@ -11,12 +11,15 @@ def cpu_ms(pid):
 
 
 def wakeups(pid):
-    """How often its threads have gone to sleep by themselves."""
-    total = 0
+    """How often each of its threads has gone to sleep by itself, by thread."""
+    counts = {}
     for thread in os.listdir(f"/proc/{pid}/task"):
-        with open(f"/proc/{pid}/task/{thread}/status", encoding="utf-8") as file:
-            total += int(re.search(r"^voluntary_ctxt_switches:\s+(\d+)", file.read(), re.MULTILINE)[1])
-    return total
+        try:
+            with open(f"/proc/{pid}/task/{thread}/status", encoding="utf-8") as file:
+                counts[thread] = int(re.search(r"^voluntary_ctxt_switches:\s+(\d+)", file.read(), re.MULTILINE)[1])
+        except FileNotFoundError:  # it has ended in between
+            continue
+    return counts
 
 
 def memory_mb(pid):
@@ -55,7 +58,8 @@ class Window:
     def result(self):
         minutes = (time.monotonic() - self.start) / 60
         busy, whole = (now - then for now, then in zip(machine_ticks(), self.machine))
-        return {"cpu_ms": (cpu_ms(self.pid) - self.cpu), "cpu_ms_per_minute": (cpu_ms(self.pid) - self.cpu) / minutes,
-                "wakeups": wakeups(self.pid) - self.wakeups,
-                "wakeups_per_minute": (wakeups(self.pid) - self.wakeups) / minutes,
-                "machine_busy_percent": 100 * busy / max(whole, 1)}
+        cpu = cpu_ms(self.pid) - self.cpu
+        # What a thread that has ended did in the window is lost; its past before it does not count against the rest.
+        woken = sum(count - self.wakeups.get(thread, 0) for thread, count in wakeups(self.pid).items())
+        return {"cpu_ms": cpu, "cpu_ms_per_minute": cpu / minutes, "wakeups": woken,
+                "wakeups_per_minute": woken / minutes, "machine_busy_percent": 100 * busy / max(whole, 1)}
