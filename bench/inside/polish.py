@@ -1,18 +1,54 @@
-"""polish.py PREFIX OUT CEREMONIES WINDOW_SECONDS: the cost of polishes, then wake-ups beside those of an idle time."""
+"""polish.py PREFIX OUT CEREMONIES WINDOW_SECONDS: the cost of polishes, then wake-ups beside those of an idle time.
 
-from common import ARGUMENTS, choose, let_pass, started, write
+Both kinds: those of the menu, and the popover's with all that it draws. A press on the popover's ring polishes only
+when the ring is not calm, so the processors are kept busy before it.
+"""
+
+from common import ARGUMENTS, choose, let_pass, started, toggle_popover, write
 from measuring.process import Window
-from vorli import run, until
+from vorli import Load, run, until, windows_of
 
 CEREMONY = 15.0  # seconds: the longest polish with its flash
 BETWEEN = 6.0  # seconds: the daemon does not purge more often than every 5 s
 SETTLE = 20.0
+WARM = 0.55
+AFTER = 9.0  # seconds: the hold, and the rise of the ring
+BEGINS, ENDS = "setting isReleasing=true", "posted auto-close notification"
+POPOVER_WIDTH = 318
+RING_X, RING_Y = 24 + 135, 16 + 96  # in the popover's window, whose shadow lies around the card
 
 
 def x_server():
     """The process that draws the session's screen."""
     return int(run("sh", "-c", "for p in /proc/[0-9]*; do [ \"$(cat $p/comm)\" = Xvfb ] && grep -qz \"$VORLI_SESSION_MARK\" "
                    "$p/environ 2>/dev/null && basename $p; done; true").split()[0])
+
+
+def popover_place(vorli):
+    for window in windows_of(vorli.process.pid):
+        place = dict(line.split("=") for line in run("xdotool", "getwindowgeometry", "--shell", window).split())
+        if int(place["WIDTH"]) == POPOVER_WIDTH:
+            return int(place["X"]), int(place["Y"])
+    return None
+
+
+def press_the_ring(vorli):
+    x, y = until(lambda: popover_place(vorli), "the popover")
+    run("xdotool", "mousemove", str(x + RING_X), str(y + RING_Y), "click", "1")
+
+
+def ceremony(vorli, pids):
+    """One in the popover, from the press until the ring has risen again after it."""
+    toggle_popover()
+    with Load():
+        until(lambda: vorli.ring >= WARM, "a warm ring", 180, pause=0.5)
+    begun, ended = (vorli.log_text().count(line) for line in (BEGINS, ENDS))
+    windows = [Window(pid) for pid in pids]
+    press_the_ring(vorli)
+    until(lambda: vorli.log_text().count(BEGINS) > begun, "the start of the ceremony")
+    until(lambda: vorli.log_text().count(ENDS) > ended, "the end of the ceremony", 40)
+    let_pass(AFTER)
+    return [window.result() for window in windows]
 
 
 def measured(pids, seconds):
@@ -36,8 +72,10 @@ def main():
         result["ceremonies"].append([window.result() for window in windows])
         until(lambda: vorli.log_text().count("purgeMemory reply") > answers, "the answer to purgeMemory", 25)
         let_pass(BETWEEN)
-    choose(vorli, "Polish Now")
-    let_pass(CEREMONY)
+    result["popover"] = []
+    for _ in range(min(ceremonies, 3)):
+        result["popover"].append(ceremony(vorli, pids))
+        let_pass(BETWEEN)
     result["decay"] = measured(pids[:1], seconds)[0]
     result["exit"] = vorli.end()
     write(result)
