@@ -298,6 +298,7 @@ struct ChangingEntriesTest : DesktopEntryIndexTest {
     entries.setChangeHandler([&count] { ++count; });
     change();
     settle();
+    entries.setChangeHandler({});
     return count;
   }
 };
