@@ -32,30 +32,27 @@ bool HelperChannel::finish(RequestId request) {
 }
 
 void HelperChannel::fail(RequestId request, const std::string& description, Cause cause) {
-  ErrorHandler failed;
+  const std::lock_guard guard(lock_);
+  auto node = out_.extract(request);
+  if (!node) return;
   std::function<void()> interrupted;
-  {
-    // Both are taken together: the first one told may close the channel.
-    const std::lock_guard guard(lock_);
-    auto node = out_.extract(request);
-    if (!node) return;
-    failed = std::move(node.mapped());
-    if (cause == Cause::daemonDied && !std::exchange(isInterrupted_, true)) interrupted = interrupted_;
-  }
-  if (failed) failed(description);
-  if (interrupted) interrupted();
+  if (cause == Cause::daemonDied && !std::exchange(isInterrupted_, true)) interrupted = interrupted_;
+  scheduler_.post([failed = std::move(node.mapped()), interrupted = std::move(interrupted), description] {
+    if (failed) failed(description);
+    if (interrupted) interrupted();
+  });
 }
 
-UniqueFunction<void()> HelperChannel::close(std::string description) {
+void HelperChannel::close(std::string description) {
   const std::lock_guard guard(lock_);
-  if (std::exchange(isClosed_, true)) return [] {};
-  return [out = std::exchange(out_, {}), invalidated = std::move(invalidated_),
-          description = std::move(description)] {
+  if (std::exchange(isClosed_, true)) return;
+  scheduler_.post([out = std::exchange(out_, {}), invalidated = std::move(invalidated_),
+                   description = std::move(description)] {
     for (const auto& [request, handler] : out) {
       if (handler) handler(description);
     }
     if (invalidated) invalidated();
-  };
+  });
 }
 
 }  // namespace vorli::linuxhost

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/UniqueFunction.h"
+#include "base/Scheduler.h"
 
 #include <cstdint>
 #include <functional>
@@ -12,12 +12,15 @@ namespace vorli::linuxhost {
 
 /// What one connection to the daemon has out, and who is told when something fails. The thread of the bus and
 /// the main thread meet here: each request ends once, by a reply, a failure or the end of the connection.
-/// Any thread; no lock is held while a handler runs.
+/// Any thread. Handlers run on the main loop, and all that one event has to tell runs in one turn: told piece
+/// by piece from another thread, the last of it could fall on a connection opened since.
 class HelperChannel {
  public:
   enum class Cause { notDelivered, daemonDied };
   using RequestId = std::uint64_t;
   using ErrorHandler = std::function<void(std::string)>;
+
+  explicit HelperChannel(Scheduler& scheduler) : scheduler_(scheduler) {}
 
   void setInvalidationHandler(std::function<void()> handler);
   void setInterruptionHandler(std::function<void()> handler);
@@ -31,10 +34,11 @@ class HelperChannel {
   /// The interruption is told once for all the requests that a dying daemon leaves unanswered.
   void fail(RequestId request, const std::string& description, Cause cause);
 
-  /// Ends the channel at once and gives what is left to do: to tell everybody. Does nothing the second time.
-  UniqueFunction<void()> close(std::string description);
+  /// Ends the channel and tells everybody. Does nothing the second time.
+  void close(std::string description);
 
  private:
+  Scheduler& scheduler_;
   mutable std::mutex lock_;
   std::map<RequestId, ErrorHandler> out_;
   RequestId lastRequest_ = 0;

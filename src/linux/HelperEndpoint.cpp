@@ -33,7 +33,7 @@ void HelperEndpoint::connected(sdbus::IConnection& connection) {
 void HelperEndpoint::disconnected() {
   helper_.reset();
   for (const auto& weak : std::exchange(channels_, {})) {
-    if (const auto channel = weak.lock()) channel->close(unreachable)();
+    if (const auto channel = weak.lock()) channel->close(unreachable);
   }
 }
 
@@ -42,7 +42,7 @@ void HelperEndpoint::serve(const std::shared_ptr<HelperChannel>& channel) {
   if (helper_) {
     channels_.push_back(channel);
   } else {
-    channel->close(unreachable)();
+    channel->close(unreachable);
   }
 }
 

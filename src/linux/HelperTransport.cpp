@@ -63,7 +63,10 @@ class Connection final : public ports::HelperConnection {
  public:
   Connection(Scheduler& scheduler, SystemBus& bus, std::shared_ptr<HelperNameWatch> watch,
              std::shared_ptr<HelperEndpoint> endpoint)
-      : scheduler_(scheduler), bus_(bus), watch_(std::move(watch)), endpoint_(std::move(endpoint)) {}
+      : bus_(bus),
+        watch_(std::move(watch)),
+        endpoint_(std::move(endpoint)),
+        channel_(std::make_shared<HelperChannel>(scheduler)) {}
 
   void setInvalidationHandler(std::function<void()> handler) override {
     channel_->setInvalidationHandler(std::move(handler));
@@ -74,7 +77,7 @@ class Connection final : public ports::HelperConnection {
 
   void resume() override { askForTheWay(); }
 
-  void invalidate() override { scheduler_.post(channel_->close("The connection was invalidated.")); }
+  void invalidate() override { channel_->close("The connection was invalidated."); }
 
   // A way once found is not looked for again: when it is gone, requests fail.
   std::shared_ptr<HelperProtocol> remoteObjectProxy(std::function<void(std::string)> errorHandler) override {
@@ -95,11 +98,10 @@ class Connection final : public ports::HelperConnection {
     bus_.run([watch = watch_] { watch->refresh(nullptr); });
   }
 
-  Scheduler& scheduler_;
   SystemBus& bus_;
   std::shared_ptr<HelperNameWatch> watch_;
   std::shared_ptr<HelperEndpoint> endpoint_;
-  std::shared_ptr<HelperChannel> channel_ = std::make_shared<HelperChannel>();
+  std::shared_ptr<HelperChannel> channel_;
   bool leadsToDaemon_ = false;
 };
 

@@ -72,6 +72,11 @@ class ManualScheduler final : public Scheduler {
   /// Moves the clock and runs nothing, as when the main thread is blocked.
   void advanceClockOnly(double seconds) { now_ = now_ + seconds; }
 
+  /// Pieces of work that wait for their turn.
+  std::size_t postedCount() {
+    const std::lock_guard guard(lock_);
+    return posted_.size();
+  }
   std::size_t pendingTimers() const { return timers_.size(); }
   /// Time of the next timer, or infinity.
   double earliestDeadline() const { return timers_.empty() ? INFINITY : timers_.begin()->first.first; }
