@@ -98,11 +98,12 @@ Task<> PopoverHost::rollUp() {
   const ports::PopoverSize strip{popover_.contentSize().width, popoverCollapsedHeight};
   popover_.animateContentSize(strip, Animation::timingCurve(rollUpCurve, Timings::rollUp));
   co_await sleepFor(scheduler_, Timings::untilClosed);
-  // Of two roll-ups the first closes; the second must not leave a pass behind, nor close what was opened
-  // since.
-  if (opening != openings_ || !popover_.isShown()) co_return;
-  allowImmediateClose_ = true;
-  popover_.performClose();
+  if (opening != openings_) co_return;  // what was opened since stays
+  // Where another roll-up has closed it already, the pass would be left for the next close.
+  if (popover_.isShown()) {
+    allowImmediateClose_ = true;
+    popover_.performClose();
+  }
   isRollingUpNow_ = false;
   removeEventMonitor();
   setCadence(MonitorCadence::idle);

@@ -97,6 +97,34 @@ TEST_F(PopoverHostTest, openingTakesAFreshSampleAndLooksMoreOften) {
   EXPECT_EQ(samples(), before + 2);
 }
 
+TEST_F(PopoverHostTest, openingSamplesFirstThenShowsAndThenTellsTheContent) {
+  std::vector<std::string> steps;
+  const auto sampled = monitor.lastUpdate.subscribeToChanges([&](Date) {
+    steps.push_back(isActive() ? "sample while active" : "sample while idle");
+    steps.push_back("after " + std::to_string(popover.calls.size()) + " calls");
+  });
+  const auto told = notifications.observe<VorliAnimateAppear>([&](const auto&) {
+    steps.push_back("appear after " + popover.calls.back());
+    steps.push_back(host.isUnfurlingNow() ? "unfurling" : "not unfurling");
+    steps.push_back(popover.isMonitored() ? "monitored" : "not monitored");
+  });
+  host.togglePopover();
+  EXPECT_EQ(steps, (Calls{"sample while active", "after 0 calls", "appear after show", "unfurling",
+                          "not monitored"}));
+}
+
+TEST_F(PopoverHostTest, aTimerThatRunsAtThePaceOfAnOpenPopoverIsNotStartedAnew) {
+  monitor.cadence = MonitorCadence::active;
+  monitor.restartTimer();
+  scheduler.advance(1.0);
+  host.togglePopover();
+  const int before = samples();
+  scheduler.advance(0.999);
+  EXPECT_EQ(samples(), before);
+  scheduler.advance(0.002);
+  EXPECT_EQ(samples(), before + 1);
+}
+
 TEST_F(PopoverHostTest, openingReadsTheHelpersStatus) {
   service.rawStatus = 2;
   host.togglePopover();
@@ -134,6 +162,33 @@ TEST_F(PopoverHostTest, closingRollsUpFirst) {
   EXPECT_FALSE(isActive());
   EXPECT_FALSE(popover.isMonitored());
   EXPECT_EQ(popover.calls, (Calls{"performClose", "animate 270x24", "performClose", "closed"}));
+}
+
+TEST_F(PopoverHostTest, theStripThatRemainsIsAsWideAsThePopover) {
+  open();
+  popover.size.width = 271.0;
+  host.togglePopover();
+  scheduler.runReady();
+  EXPECT_EQ(popover.motions.at(0).size, (ports::PopoverSize{271.0, 24.0}));
+}
+
+TEST_F(PopoverHostTest, aPopoverThatGoesByItselfDuringTheRollUpLeavesNothingBehind) {
+  open();
+  host.togglePopover();
+  scheduler.advance(0.1);
+  popover.shown = false;
+  scheduler.advance(0.2);
+  EXPECT_FALSE(host.isRollingUpNow());
+  EXPECT_FALSE(popover.isMonitored());
+  EXPECT_FALSE(isActive());
+
+  // The next one unfurls, and rolls up before it closes.
+  host.togglePopover();
+  report(240.0);
+  scheduler.runReady();
+  EXPECT_EQ(popover.size.height, 240.0);
+  host.togglePopover();
+  EXPECT_TRUE(popover.shown);
 }
 
 TEST_F(PopoverHostTest, thePassLetsOneCloseThroughOnly) {
@@ -189,10 +244,12 @@ TEST_F(PopoverHostTest, theContentCanCloseThePopover) {
 }
 
 TEST_F(PopoverHostTest, nothingHappensWhenAClosedPopoverIsToClose) {
+  monitor.cadence = MonitorCadence::active;
   notifications.post(VorliClosePopover{});
   scheduler.advance(1.0);
   EXPECT_EQ(dismissals, 0);
   EXPECT_TRUE(popover.calls.empty());
+  EXPECT_TRUE(isActive());
 }
 
 TEST_F(PopoverHostTest, aClickDuringTheRollUpRollsUpAgainAndThePopoverCloses) {
