@@ -56,6 +56,7 @@ TEST_F(AuroraFieldTest, theCloudTurnsOnceInEighteenSeconds) {
   EXPECT_EQ(after(0.0).warmCloud.rotationDegrees, 0.0);
   EXPECT_NEAR(after(4.5).warmCloud.rotationDegrees, 90.0, 1e-9);
   EXPECT_NEAR(after(4.5).bloom.rotationDegrees, -90.0, 1e-9);
+  EXPECT_NEAR(after(18.0 + 4.5).warmCloud.rotationDegrees, 90.0, 1e-9);  // on, and not back
   EXPECT_NEAR(after(18.0 + 9.0).warmCloud.rotationDegrees, 180.0, 1e-9);
   EXPECT_LT(field.restsAt(), scheduler.now());
 }

@@ -34,13 +34,17 @@ TEST_F(CelebrationGlowControllerTest, startsClearAndWithoutAWindow) {
 TEST_F(CelebrationGlowControllerTest, comesUpInTheGivenColour) {
   celebrate();
   EXPECT_EQ(shownAfter(0.0), (ports::GlowPicture{red, 0.0}));
-  EXPECT_GT(intensityAfter(0.2), 0.275);  // eased out: more than half way at half time
+  EXPECT_NEAR(intensityAfter(0.1), 0.55 * 0.378138, 1e-6);
+  EXPECT_NEAR(intensityAfter(0.2), 0.55 * 0.684643, 1e-6);
   EXPECT_LT(intensityAfter(0.39), 0.55);
   EXPECT_EQ(shownAfter(0.4), (ports::GlowPicture{red, 0.55}));
 }
 
 TEST_F(CelebrationGlowControllerTest, turnsCalmOverOneAndAHalfSeconds) {
   celebrate();
+  const Colour setOut = shownAfter(0.4 + 0.375).colour;
+  EXPECT_NEAR(setOut.red, 0.902 + (0.423 - 0.902) * 0.129162, 1e-6);
+  EXPECT_NEAR(setOut.blue, 0.157 + (0.643 - 0.157) * 0.129162, 1e-6);
   const Colour halfWay = shownAfter(0.4 + 0.75).colour;
   EXPECT_NEAR(halfWay.red, (0.902 + 0.423) / 2, 1e-9);
   EXPECT_NEAR(halfWay.green, (0.235 + 0.659) / 2, 1e-9);
@@ -50,7 +54,8 @@ TEST_F(CelebrationGlowControllerTest, turnsCalmOverOneAndAHalfSeconds) {
 
 TEST_F(CelebrationGlowControllerTest, leavesAfterTwoPointEightSeconds) {
   celebrate();
-  EXPECT_GT(intensityAfter(1.9 + 0.45), 0.275);  // eased in: less than half way at half time
+  EXPECT_NEAR(intensityAfter(1.9 + 0.225), 0.55 * (1.0 - 0.093465), 1e-6);
+  EXPECT_NEAR(intensityAfter(1.9 + 0.45), 0.55 * (1.0 - 0.315357), 1e-6);
   EXPECT_GT(intensityAfter(2.79), 0.0);
   EXPECT_EQ(shownAfter(2.8), (ports::GlowPicture{calm, 0.0}));
   ASSERT_EQ(window.restTimes.size(), 1u);

@@ -59,6 +59,14 @@ TEST_F(EdgeGlowControllerTest, aRingThatIsHighAlreadyLightsItAtOnce) {
   EXPECT_NEAR(opacityAfter(4.5), 0.45, 1e-6);
 }
 
+TEST_F(EdgeGlowControllerTest, enablingTakesBothValuesBeforeTheNextTurnOfTheLoop) {
+  publish(0.97);
+  clearState.calmIntensity = 0.5;
+  glow.enable();
+  EXPECT_EQ(glow.state().progress.get(), 0.97);
+  EXPECT_EQ(glow.state().calm.get(), 0.5);
+}
+
 TEST_F(EdgeGlowControllerTest, belowTheEdgeItFadesAndRests) {
   glow.enable();
   publish(1.0);

@@ -56,6 +56,7 @@ TEST_F(EdgeGlowViewTest, crossingTheEdgeIsSoftBothWays) {
   setProgress(0.95);
   EXPECT_EQ(after(0.0).opacity, 0.0);
   EXPECT_NEAR(after(0.6).opacity, 0.335 / 2 * 0.5, 1e-9);  // half of the bands in half of the view
+  EXPECT_NEAR(after(0.3).opacity, 0.335 * 0.129161931 * 0.129161931, 1e-9);
   EXPECT_NEAR(after(1.2).opacity, 0.335, 1e-12);
   EXPECT_TRUE(view.isLit());
   EXPECT_DOUBLE_EQ(view.settlesAt(), scheduler.now() + 1.2);
@@ -82,6 +83,7 @@ TEST_F(EdgeGlowViewTest, itBreathesBetweenEightyFivePercentAndAll) {
     return view.picture(scheduler.now() + seconds, EdgeGlowView::Breathing::running).opacity;
   };
   EXPECT_NEAR(breathing(0.0), 0.45 * 0.85, 1e-9);
+  EXPECT_NEAR(breathing(1.125), 0.45 * (0.85 + 0.15 * 0.129162), 1e-6);
   EXPECT_NEAR(breathing(2.25), 0.45 * 0.925, 1e-6);
   EXPECT_NEAR(breathing(4.5), 0.45, 1e-9);
   EXPECT_NEAR(breathing(9.0), 0.45 * 0.85, 1e-6);

@@ -144,6 +144,7 @@ TEST_F(PopoverPresentationTest, theHaloBreathesFromTheFirstOpeningOn) {
   EXPECT_EQ(view->haloBreath(now() + 3.0), 0.0);
   appear();
   const double start = now();
+  EXPECT_NEAR(view->haloBreath(start + 1.375), 0.129162, 1e-6);
   EXPECT_NEAR(view->haloBreath(start + 2.75), 0.5, 1e-6);
   EXPECT_NEAR(view->haloBreath(start + 5.5), 1.0, 1e-6);
   EXPECT_NEAR(view->haloBreath(start + 8.25), 0.5, 1e-6);
@@ -151,6 +152,25 @@ TEST_F(PopoverPresentationTest, theHaloBreathesFromTheFirstOpeningOn) {
   scheduler.advance(20.0);
   appear();
   EXPECT_NEAR(view->haloBreath(start + 27.5), 1.0, 1e-6);  // the same breath, five passes on
+}
+
+TEST_F(PopoverPresentationTest, theAuroraTurnsFromTheFirstOpeningOn) {
+  EXPECT_EQ(view->aurora(now() + 4.5).warmCloud.rotationDegrees, 0.0);
+  appear();
+  const double start = now();
+  EXPECT_NEAR(view->aurora(start + 4.5).warmCloud.rotationDegrees, 90.0, 1e-9);
+  scheduler.advance(9.0);
+  appear();
+  EXPECT_NEAR(view->aurora(start + 13.5).warmCloud.rotationDegrees, 270.0, 1e-9);
+}
+
+TEST_F(PopoverPresentationTest, theAuroraHasTheRingsColourAndTheCalmDimsIt) {
+  showRing(0.56);
+  const Colour shown = view->stateColor(now());
+  EXPECT_EQ(view->aurora(now()).warmCloud.gradient.stops[0].colour, shown.withAlpha(0.55));
+  EXPECT_EQ(view->aurora(now()).warmCloud.opacity, 1.0);
+  clearState.calmIntensity = 1.0;
+  EXPECT_DOUBLE_EQ(view->aurora(now()).warmCloud.opacity, 0.45);
 }
 
 TEST_F(PopoverPresentationTest, theHeightLeavesRoomForWhatIsShown) {

@@ -28,6 +28,7 @@ TEST_F(PopoverViewTest, theRingFollowsTheMonitorIn600Milliseconds) {
   const double now = scheduler.now();
   EXPECT_EQ(view->animatedProgress.model(), 0.9);
   EXPECT_EQ(view->animatedProgress.shown(now), 0.3);
+  EXPECT_NEAR(view->animatedProgress.shown(now + 0.15), 0.3 + 0.6 * 0.129162, 1e-6);
   EXPECT_NEAR(view->animatedProgress.shown(now + 0.3), 0.6, 1e-6);
   EXPECT_EQ(view->animatedProgress.shown(now + 0.6), 0.9);
 }

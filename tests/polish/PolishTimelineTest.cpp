@@ -205,6 +205,7 @@ TEST_F(PolishTimelineTest, theRingRisesToTheTrueValue) {
   press();
   goTo(15.0);
   EXPECT_EQ(ringAt(10.65), 0.0);
+  EXPECT_NEAR(ringAt(10.65 + 0.7), 0.129162, 1e-6);
   EXPECT_NEAR(ringAt(10.65 + 1.4), 0.5, 1e-6);
   EXPECT_LT(ringAt(13.45 - frame), 1.0);
   EXPECT_NEAR(ringAt(13.45), 1.0, 1e-6);
@@ -229,7 +230,10 @@ TEST_F(PolishTimelineTest, theRingBouncesOnceAndComesToRest) {
   EXPECT_NEAR(largest, 1.08 + 0.08 * std::exp(-0.55 * M_PI / std::sqrt(1 - 0.55 * 0.55)), 0.0005);
 
   goTo(3.25 + rounding);
-  EXPECT_GT(scaleAt(3.25), 1.07);
+  const double grown = scaleAt(3.25);
+  EXPECT_GT(grown, 1.07);
+  EXPECT_NEAR(scaleAt(3.25 + 0.2), 1.0 + (grown - 1.0) * (1.0 - 0.129162), 1e-6);
+  EXPECT_NEAR(scaleAt(3.25 + 0.4), 1.0 + (grown - 1.0) * 0.5, 1e-6);
   EXPECT_GT(scaleAt(4.05 - frame), 1.0);
   EXPECT_NEAR(scaleAt(4.05), 1.0, 1e-6);
 }
@@ -274,6 +278,7 @@ TEST_F(PolishTimelineTest, sentenceAndFigureFadeInSixTenthsOfASecond) {
   goTo(15.05 + rounding);
   for (const auto* opacity : {&sentence, &figure}) {
     EXPECT_EQ(opacity->model(), 0.0);
+    EXPECT_NEAR(opacity->shown(startedAt + 15.05 + 0.15), 1.0 - 0.129162, 1e-6);
     EXPECT_NEAR(opacity->shown(startedAt + 15.05 + 0.3), 0.5, 1e-6);
     EXPECT_NEAR(opacity->shown(startedAt + 15.05 + 0.6), 0.0, 1e-6);
   }
