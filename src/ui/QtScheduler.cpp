@@ -12,6 +12,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <deque>
+#include <mutex>
 #include <utility>
 
 namespace vorli::ui {
@@ -21,20 +23,11 @@ double monotonicSeconds() {
   return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-class WorkEvent final : public QEvent {
- public:
-  explicit WorkEvent(Scheduler::Work work) : QEvent(eventType()), work_(std::move(work)) {}
-
-  static QEvent::Type eventType() {
-    static const auto type = static_cast<QEvent::Type>(QEvent::registerEventType());
-    return type;
-  }
-
-  void run() { work_(); }
-
- private:
-  Scheduler::Work work_;
-};
+// Tells the loop that one more piece of work waits.
+int workType() {
+  static const int type = QEvent::registerEventType();
+  return type;
+}
 
 }  // namespace
 
@@ -53,16 +46,37 @@ class QtScheduler::Loop final : public QObject {
     }
   }
 
-  bool event(QEvent* event) override {
-    if (event->type() != WorkEvent::eventType()) return QObject::event(event);
-    static_cast<WorkEvent*>(event)->run();
-    return true;
+  void post(Work work) {
+    {
+      const std::lock_guard guard(lock_);
+      posted_.push_back(std::move(work));
+    }
+    QCoreApplication::postEvent(this, new QEvent(static_cast<QEvent::Type>(workType())));
+  }
+
+  /// Work that dies here may post more.
+  void dropPosted() {
+    while (takePosted()) {
+    }
   }
 
  private:
   // Rounded up: a delay is never cut short. A longer one than a day is armed again on the way.
   static int milliseconds(double seconds) {
     return static_cast<int>(std::ceil(std::clamp(seconds, 0.0, 86400.0) * 1000.0));
+  }
+
+  Work takePosted() {
+    const std::lock_guard guard(lock_);
+    if (posted_.empty()) return nullptr;
+    Work work = std::move(posted_.front());
+    posted_.pop_front();
+    return work;
+  }
+
+  // One piece an event: it may run an event loop of its own, in which the next one has its turn.
+  void customEvent(QEvent*) override {
+    if (auto work = takePosted()) work();
   }
 
   void timerEvent(QTimerEvent*) override {
@@ -78,6 +92,8 @@ class QtScheduler::Loop final : public QObject {
 
   QBasicTimer timer_;
   double armedFor_ = 0.0;
+  std::mutex lock_;
+  std::deque<Work> posted_;
 };
 
 QtScheduler::QtScheduler() : loop_(std::make_unique<Loop>()) {}
@@ -85,7 +101,7 @@ QtScheduler::QtScheduler() : loop_(std::make_unique<Loop>()) {}
 QtScheduler::~QtScheduler() {
   // What dropped work holds may cancel or post on its way out, so it goes while the loop still stands.
   { const auto dropped = std::exchange(loop_->queue, {}); }
-  QCoreApplication::removePostedEvents(loop_.get());
+  loop_->dropPosted();
 }
 
 double QtScheduler::now() const {
@@ -93,7 +109,7 @@ double QtScheduler::now() const {
 }
 
 void QtScheduler::post(Work work) {
-  QCoreApplication::postEvent(loop_.get(), new WorkEvent(std::move(work)));
+  loop_->post(std::move(work));
 }
 
 Scheduler::TimerId QtScheduler::after(double seconds, Work work, Precision precision) {
