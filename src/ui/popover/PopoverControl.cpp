@@ -1,6 +1,8 @@
 #include "ui/popover/PopoverControl.h"
 
 #include "ui/FocusRing.h"
+#include "ui/ReadOnlyAccessibleText.h"
+#include "ui/popover/PopoverWidget.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>
@@ -10,12 +12,19 @@
 namespace vorli::ui {
 namespace {
 
-class ControlAccessible final : public QAccessibleWidget {
+class ControlAccessible final : public QAccessibleWidget, public ReadOnlyAccessibleText {
  public:
   explicit ControlAccessible(PopoverControl* control)
       : QAccessibleWidget(
             control, control->id() == PopoverControlId::link ? QAccessible::Link : QAccessible::Button) {}
 
+  void* interface_cast(QAccessible::InterfaceType type) override {
+    if (type == QAccessible::TextInterface && !content().isEmpty())
+      return static_cast<QAccessibleTextInterface*>(this);
+    return QAccessibleWidget::interface_cast(type);
+  }
+
+  using ReadOnlyAccessibleText::text;
   QString text(QAccessible::Text kind) const override {
     if (kind == QAccessible::Value) return control()->spokenValue();
     return QAccessibleWidget::text(kind);
@@ -28,12 +37,16 @@ class ControlAccessible final : public QAccessibleWidget {
   }
 
  private:
+  QString content() const override { return control()->spokenValue(); }
   PopoverControl* control() const { return static_cast<PopoverControl*>(object()); }
 };
 
+// A plain window would count as a piece of one, and nobody is told of a piece that comes up.
 QAccessibleInterface* makeAccessible(const QString&, QObject* object) {
-  auto* control = dynamic_cast<PopoverControl*>(object);
-  return control ? new ControlAccessible(control) : nullptr;
+  if (auto* control = dynamic_cast<PopoverControl*>(object)) return new ControlAccessible(control);
+  if (auto* window = dynamic_cast<PopoverWidget*>(object))
+    return new QAccessibleWidget(window, QAccessible::Dialog);
+  return nullptr;
 }
 
 }  // namespace
@@ -48,7 +61,10 @@ PopoverControl::PopoverControl(PopoverControlId id, Watcher watcher, QWidget* pa
 void PopoverControl::say(const QString& name, const QString& hint, const QString& value) {
   if (accessibleName() != name) setAccessibleName(name);
   if (accessibleDescription() != hint) setAccessibleDescription(hint);
+  if (value_ == value) return;
+  QAccessibleTextUpdateEvent change(this, 0, value_, value);
   value_ = value;
+  QAccessible::updateAccessibility(&change);
 }
 
 void PopoverControl::setRound() {

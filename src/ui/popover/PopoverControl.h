@@ -55,7 +55,7 @@ class PopoverText final : public QLabel {
   void paintEvent(QPaintEvent*) override {}
 };
 
-/// Makes the controls known to assistive tools. Once in a process is enough.
+/// Makes the popover and its controls known to assistive tools. Once in a process is enough.
 void installPopoverAccessibility();
 
 }  // namespace vorli::ui

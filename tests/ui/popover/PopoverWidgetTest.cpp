@@ -145,6 +145,22 @@ TEST_F(PopoverWidgetTest, linkAndBannerAreSpokenInTheirOwnWords) {
                                 "approve Vorli's background helper. | "));
 }
 
+TEST_F(PopoverWidgetTest, valueOfTheButtonIsAlsoATextThatIsHandedOn) {
+  open();
+  const auto textOf = [this](Id id) {
+    auto* text = QAccessible::queryAccessibleInterface(control(id))->textInterface();
+    return text ? text->text(0, -1) : QStringLiteral("none");
+  };
+  EXPECT_EQ(textOf(Id::polish), "Your Mac is full. Time to polish it.");
+  EXPECT_EQ(textOf(Id::gear), "none");
+  showState(0.6);
+  EXPECT_EQ(textOf(Id::polish), "Your Mac is starting to fill up.");
+}
+
+TEST_F(PopoverWidgetTest, windowIsADialogAndNoPieceOfOne) {
+  EXPECT_EQ(QAccessible::queryAccessibleInterface(&*widget)->role(), QAccessible::Dialog);
+}
+
 TEST_F(PopoverWidgetTest, assistiveToolsCanPress) {
   open();
   auto* interface = QAccessible::queryAccessibleInterface(control(Id::firstName));
