@@ -41,11 +41,18 @@ void paintSoftShadow(QPainter& painter, const QRectF& card, const CardShadow& sh
   }
 }
 
+void paintOuterHairline(QPainter& painter, const QRectF& card, Appearance appearance) {
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(qtColour(PopoverPalette::of(appearance).outerHairline));
+  const double radius = CardPainter::radiusOf(card) + 1.0;
+  painter.drawRoundedRect(card.adjusted(-1.0, -1.0, 1.0, 1.0), radius, radius);
+}
+
 void paintFrame(QPainter& painter, const QRectF& card, Appearance appearance) {
   const auto& palette = PopoverPalette::of(appearance);
   painter.setPen(Qt::NoPen);
   for (const auto& shadow : palette.shadows) paintSoftShadow(painter, card, shadow, palette.shadow);
-  CardPainter::paintOuterHairline(painter, card, appearance);
+  paintOuterHairline(painter, card, appearance);
 }
 
 void paintBrightLine(QPainter& painter, const QRectF& card, Appearance appearance) {
@@ -71,11 +78,10 @@ double CardPainter::radiusOf(const QRectF& card) {
   return std::min(Metrics::cornerRadius, card.height() / 2.0);
 }
 
-void CardPainter::paintOuterHairline(QPainter& painter, const QRectF& card, Appearance appearance) {
-  painter.setPen(Qt::NoPen);
-  painter.setBrush(qtColour(PopoverPalette::of(appearance).outerHairline));
-  const double radius = radiusOf(card) + 1.0;
-  painter.drawRoundedRect(card.adjusted(-1.0, -1.0, 1.0, 1.0), radius, radius);
+void CardPainter::paintGround(QPainter& painter, const QRectF& area, Appearance appearance) {
+  const auto& palette = PopoverPalette::of(appearance);
+  const Colour& line = palette.outerHairline;
+  painter.fillRect(area, qtColour(blend(palette.paperBottom, line.withAlpha(1.0), line.alpha)));
 }
 
 void CardPainter::paintShadow(QPainter& painter, const QRectF& card, Appearance appearance,

@@ -18,8 +18,9 @@ class CardPainter {
 
   /// Round a card, on cleared pixels. `card` lies on device pixels.
   void paintShadow(QPainter& painter, const QRectF& card, Appearance appearance, double pixelRatio);
-  /// The hairline outside alone, as without a compositor.
-  static void paintOuterHairline(QPainter& painter, const QRectF& card, Appearance appearance);
+  /// In place of the shadow without a compositor, where the window is cut to the card's hairline: what shows
+  /// of it beyond the card is all hairline.
+  static void paintGround(QPainter& painter, const QRectF& area, Appearance appearance);
   /// On the card, last of all.
   void paintInnerHairline(QPainter& painter, const QRectF& card, Appearance appearance, double pixelRatio);
   void forget();

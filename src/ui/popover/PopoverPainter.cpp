@@ -47,7 +47,7 @@ void PopoverPainter::paint(QPainter& painter, const QPointF& origin, const Popov
   painter.setClipRect(dirty, Qt::IntersectClip);
   if (!covers(card, dirty)) {
     if (frame == Frame::shadow) card_.paintShadow(painter, card, picture.appearance, pixelRatio);
-    if (frame == Frame::hairline) CardPainter::paintOuterHairline(painter, card, picture.appearance);
+    if (frame == Frame::hairline) CardPainter::paintGround(painter, dirty, picture.appearance);
   }
   const QRectF drawn = (dirty & card).translated(-card.topLeft());
   const QRect area = QRectF(drawn.topLeft() * pixelRatio, drawn.size() * pixelRatio).toAlignedRect();

@@ -49,7 +49,7 @@ PopoverWidget::PopoverWidget(Scheduler& scheduler, PopoverView& view, Compositin
   setObjectName(QStringLiteral("popover"));
   setFocusPolicy(Qt::NoFocus);
   setAttribute(Qt::WA_AlwaysShowToolTips);
-  if (compositing == Compositing::present) setAttribute(Qt::WA_TranslucentBackground);
+  setAttribute(compositing == Compositing::present ? Qt::WA_TranslucentBackground : Qt::WA_OpaquePaintEvent);
   setFixedSize(QSize(static_cast<int>(Metrics::width), static_cast<int>(Metrics::tallest)).grownBy(margins));
   makeControls();
   content_ = view_.subscribeToContent([this] {
