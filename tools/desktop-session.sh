@@ -9,7 +9,8 @@
 #   --compositor NAME      none | xfwm4 | picom                                (none)
 #   --panel NAME           xfce4 (status notifier and XEmbed) | tint2 (XEmbed) | trayer (XEmbed) | none  (xfce4)
 #   --panel-pos PLACE      top | bottom                                        (top)
-#   --dark                 a dark theme for the panel
+#   --dark                 a desktop that was set to dark: its theme by XSETTINGS, and the panel
+#   --portal               the desktop portal, which the bus starts for who asks it; nobody does without
 #   --notify NAME          xfce4 | dunst | none                                (xfce4)
 #   --audio NAME           pulse | pipewire | none                             (pulse)
 #   --audio-idle           let the sink suspend after a second of silence
@@ -37,10 +38,10 @@ here=$(dirname "$(readlink -f "$0")")
 
 parse_options() {
   size=1920x1080 dpi=96 wm=xfwm4 compositor=none panel=xfce4 panel_place=top dark=no notify=xfce4 audio=pulse
-  audio_idle=no accessible=no activation=yes system_prefix='' user='' home='' kept_logs='' limit=0
+  audio_idle=no accessible=no activation=yes portal=no system_prefix='' user='' home='' kept_logs='' limit=0
   while [ $# -gt 0 ]; do
     case $1 in
-      --dark | --audio-idle | --a11y | --no-activation | --) ;;
+      --dark | --portal | --audio-idle | --a11y | --no-activation | --) ;;
       --*) [ $# -ge 2 ] || fail_call "$1 lacks its value" ;;
     esac
     case $1 in
@@ -58,6 +59,7 @@ parse_options() {
       --keep-logs) kept_logs=$2 ;;
       --timeout) limit=$2 ;;
       --dark) dark=yes && shift && continue ;;
+      --portal) portal=yes && shift && continue ;;
       --audio-idle) audio_idle=yes && shift && continue ;;
       --a11y) accessible=yes && shift && continue ;;
       --no-activation) activation=no && shift && continue ;;
@@ -84,6 +86,7 @@ need_programs() {
   [ "$compositor" != picom ] || needed+=(picom)
   case $panel in xfce4) needed+=(xfce4-panel) ;; tint2 | trayer) needed+=("$panel") ;; esac
   [ "$notify" != dunst ] || needed+=(dunst)
+  [ "$dark" = no ] || needed+=(xsettingsd)
   case $audio in pulse) needed+=(pulseaudio pactl) ;; pipewire) needed+=(pipewire wireplumber pipewire-pulse pactl) ;; esac
   [ "$dpi" = 96 ] || needed+=(xrdb)
   [ -z "$system_prefix" ] || needed+=(unshare setpriv)
@@ -162,6 +165,7 @@ if [ -n "$system_prefix" ]; then
 fi
 [ -z "$user" ] || into_session+=(setpriv --reuid "$user" --regid "$(id -g "$user")" --init-groups)
 
-export size dpi wm compositor panel panel_place dark notify audio audio_idle accessible activation home limit system_prefix
+export size dpi wm compositor panel panel_place dark notify audio audio_idle accessible activation portal home limit
+export system_prefix
 ${into_session[@]+"${into_session[@]}"} "$VORLI_SESSION_DIR/tools/desktop.sh" "${command[@]}" <&0 &
 wait $!

@@ -46,6 +46,7 @@ start_session_bus() {
     done
     services="<servicedir>$dir/run/services</servicedir>"
   fi
+  choose_portal
   cat >"$dir/run/bus.conf" <<X
 <busconfig>
   <type>session</type>
@@ -62,6 +63,17 @@ X
   export DBUS_SESSION_BUS_ADDRESS=unix:path=$dir/run/bus
   in_background session-bus dbus-daemon --config-file="$dir/run/bus.conf" --nofork --nopidfile
   wait_until 10 bus_has_name session org.freedesktop.DBus || fail "no session bus" session-bus
+}
+
+# Services of the runtime folder go before those of the system. The portal's preferences are the session's own.
+choose_portal() {
+  if [ "$portal" = yes ]; then
+    export GSETTINGS_BACKEND=keyfile
+    return
+  fi
+  mkdir -p "$dir/run/dbus-1/services"
+  printf '[D-BUS Service]\nName=org.freedesktop.portal.Desktop\nExec=/bin/false\n' \
+    >"$dir/run/dbus-1/services/org.freedesktop.portal.Desktop.service"
 }
 
 start_accessibility() {
@@ -101,6 +113,19 @@ X
     in_background compositor picom --config "$dir/run/picom.conf"
   fi
   [ "$compositor" = none ] || wait_until 10 compositor_is_up || fail "no compositor" compositor
+}
+
+settings_are_up() { /usr/bin/python3 "$here/selection_owner.py" _XSETTINGS_S0; }
+
+# As the settings daemons of desktops do it.
+start_settings() {
+  [ "$dark" = yes ] || return 0
+  local theme=$XDG_DATA_HOME/themes/Adwaita-dark/gtk-3.0
+  mkdir -p "$theme" # a package of its own elsewhere, which holds just this
+  echo '@import url("resource:///org/gtk/libgtk/theme/Adwaita/gtk-contained-dark.css");' >"$theme/gtk.css"
+  echo 'Net/ThemeName "Adwaita-dark"' >"$dir/run/xsettingsd"
+  in_background settings xsettingsd --config "$dir/run/xsettingsd"
+  wait_until 10 settings_are_up || fail "no settings of the desktop" settings
 }
 
 # By hand, not by the bus: several installed daemons claim the one name, and the bus would take any of them.
@@ -166,10 +191,6 @@ X
 tray_is_up() { /usr/bin/python3 "$here/selection_owner.py" _NET_SYSTEM_TRAY_S0; }
 
 start_panel() {
-  if [ "$dark" = yes ]; then
-    mkdir -p "$XDG_CONFIG_HOME/gtk-3.0"
-    printf '[Settings]\ngtk-application-prefer-dark-theme=1\n' >"$XDG_CONFIG_HOME/gtk-3.0/settings.ini"
-  fi
   case $panel in
     xfce4)
       write_xfce_panel
@@ -222,6 +243,7 @@ start_x_server
 start_session_bus
 start_accessibility
 start_window_manager
+start_settings
 start_notifications
 start_panel
 start_sound
