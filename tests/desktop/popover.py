@@ -4,65 +4,18 @@
 import os
 import re
 import subprocess
-import sys
 import time
 import unittest
 
 import tray_parts
-from popover_parts import NAME, RATIO, Neighbour, Popover, icon_place, output
+from popover_case import CALM, CRITICAL, SCREEN_WIDTH, PopoverTest
+from popover_parts import NAME, RATIO, Neighbour, Stalls, icon_place, output
 from tray_parts import Screen, click, pointer
 from waiting import holds, until
 
-PROGRAM = sys.argv.pop(1)
-CRITICAL, CALM = (4, 0.83, 0.86), (1, 0.0, 0.1)
-SCREEN_WIDTH, SCREEN_HEIGHT = map(int, output("xdotool", "getdisplaygeometry").split())
 OPENINGS = int(os.environ.get("VORLI_OPENINGS", "20"))  # 200 for the long form
-
-
-class PopoverTest(unittest.TestCase):
-    """One program for all tests of a class; each begins with the popover shut."""
-
-    @classmethod
-    def setUpClass(cls):
-        pointer("mousemove", 60, SCREEN_HEIGHT // 2)
-        cls.vorli = Popover(PROGRAM)
-        cls.vorli.settle(*CRITICAL)  # so that the dial has a colour to find it by
-        cls.icon = icon_place()
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.vorli.end()
-
-    def setUp(self):
-        self.assertIsNone(self.vorli.process.poll())
-        if self.vorli.window():
-            click(self.icon)
-            self.vorli.gone()
-
-    def open(self):
-        click(self.icon)
-        self.vorli.shown()
-        until(self.vorli.has_keyboard, "the keyboard in the popover")
-
-    def away(self):
-        pointer("mousemove", 60, SCREEN_HEIGHT // 2)
-
-    def still(self):
-        """Until two looks at the window differ by no more than the halo's breath."""
-
-        def pixels():
-            _, x, y, width, height = self.vorli.shown()
-            geometry = f"{width}x{height}+{x}+{y}"
-            command = ["import", "-window", "root", "-crop", geometry, "-resize", "50%", "-depth", "8", "gray:-"]
-            return subprocess.run(command, capture_output=True, check=True).stdout
-
-        last = [pixels()]
-
-        def same():
-            before, last[0] = last[0], pixels()
-            return len(before) == len(last[0]) and max(abs(a - b) for a, b in zip(before, last[0])) <= 4
-
-        until(same, "the end of what moves")
+CLOSES_AFTER, TOLERANCE = 5.65, 0.05
+WAITS_BEFORE_CLOSING = 4
 
 
 class ClicksTest(PopoverTest):
@@ -179,7 +132,7 @@ class ManyOpeningsTest(PopoverTest):
         for _ in range(OPENINGS):
             self.cycle()
         for _ in range(2 * OPENINGS):
-            self.toggle()  # also in the middle of unfolding and rolling up
+            self.vorli.toggle()  # also in the middle of unfolding and rolling up
         later_dirty, later_descriptors, later_windows = self.left_behind()
         print(f"{OPENINGS} openings: {later_dirty - dirty:+} kB, {later_descriptors - descriptors:+} descriptors")
         self.assertEqual(later_windows, windows)
@@ -187,18 +140,10 @@ class ManyOpeningsTest(PopoverTest):
         until(lambda: self.vorli.resources()[1] <= descriptors, f"{descriptors} descriptors, not {later_descriptors}")
         self.assertLessEqual(later_dirty - dirty, 512)
 
-    def toggle(self):
-        """As a second start does: without waiting for the panel."""
-        subprocess.run(
-            ["dbus-send", "--session", "--print-reply", "--dest=com.kv.vorli", "/com/kv/vorli",
-             "org.freedesktop.Application.Activate", "dict:string:string:"],
-            check=True, capture_output=True,
-        )
-
     def cycle(self):
-        self.toggle()
+        self.vorli.toggle()
         self.vorli.shown()
-        self.toggle()
+        self.vorli.toggle()
         self.vorli.gone()
 
     def left_behind(self):
@@ -207,7 +152,7 @@ class ManyOpeningsTest(PopoverTest):
         try:
             until(lambda: not self.vorli.window(), "a popover that is about to close", rolling_up)
         except AssertionError:
-            self.toggle()
+            self.vorli.toggle()
             self.vorli.gone()
         windows = len(re.findall(r'"Vorli|"vorli', output("xwininfo", "-root", "-tree")))
         return *self.vorli.resources(), windows
@@ -222,60 +167,32 @@ class PolishTest(PopoverTest):
         self.still()
         self.vorli.picture("critical")
         x, y, *_ = self.vorli.card(240)
-        click((x + 135, y + 96))
-        until(lambda: "setting isReleasing=true" in self.vorli.log_text(), "the start of the polish")
-        started = time.monotonic()
-        self.away()
-        for moment in (0.7, 1.2, 1.8):
-            until(lambda: time.monotonic() - started >= moment, "the moment")
-            self.vorli.picture(f"polish-{moment}")
-        until(lambda: time.monotonic() - started >= 4.0, "the sentence")
-        self.vorli.picture("polished")
-        until(lambda: "posted auto-close notification" in self.vorli.log_text(), "the end of the ceremony")
-        closed = time.monotonic() - started
+        with Stalls(self.vorli.pid) as stalls:
+            click((x + 135, y + 96))
+            until(lambda: "setting isReleasing=true" in self.vorli.log_text(), "the start of the polish")
+            started = time.monotonic()
+            self.away()
+            for moment in (0.7, 1.2, 1.8):
+                until(lambda: time.monotonic() - started >= moment, "the moment")
+                self.vorli.picture(f"polish-{moment}")
+            until(lambda: time.monotonic() - started >= 4.0, "the sentence")
+            self.vorli.picture("polished")
+            until(lambda: "posted auto-close notification" in self.vorli.log_text(), "the end of the ceremony")
         self.vorli.gone()
-        print(f"closed {closed:.2f} s after the start of the polish")
         self.assertIn("helperReady=true", self.vorli.log_text())
-        self.assertGreater(closed, 5.5)
-        self.assertLess(closed, 7.0)
+        self.assert_closed_in_time(stalls.longest)
         until(lambda: "Leaving cleared hold" in self.vorli.log_text(), "the settling ring", 15)
 
-
-class SpokenTest(PopoverTest):
-    """What assistive tools find, over the real accessibility bus."""
-
-    def test_the_popover_says_what_it_shows(self):
-        import gi
-
-        gi.require_version("Atspi", "2.0")
-        from gi.repository import Atspi
-
-        def application():
-            desktop = Atspi.get_desktop(0)
-            desktop.clear_cache()
-            children = (desktop.get_child_at_index(i) for i in range(desktop.get_child_count()))
-            return next((child for child in children if child and child.get_process_id() == self.vorli.pid), None)
-
-        def elements(parent):
-            for i in range(parent.get_child_count()):
-                child = parent.get_child_at_index(i)
-                if child and child.get_state_set().contains(Atspi.StateType.SHOWING):
-                    yield child.get_role_name(), child.get_name(), child.get_description()
-                    yield from elements(child)
-
-        self.vorli.settle(*CALM)
-        self.open()
-        found = until(lambda: set(elements(application())) if application() else None, "the program's elements", 20)
-        for element in (
-            ("push button", "Polish (disabled)", "Your Mac doesn't need polishing right now."),
-            ("label", "Your Mac feels great.", ""),
-            ("push button", "Settings", "Open Vorli settings."),
-        ):
-            self.assertIn(element, found)
-        self.vorli.settle(*CRITICAL)
-        until(lambda: ("push button", "Polish", "Frees memory and flushes caches. Takes about three seconds.")
-              in set(elements(application())), "the button that can be pressed")
-        self.assertIn(("label", "Your Mac is full. Time to polish it.", ""), set(elements(application())))
+    def assert_closed_in_time(self, longest_stall):
+        """By the log's own times. The calls to the daemon go out as the drain starts; a machine that lets what is
+        ready wait is late at each of the waits."""
+        drained = self.vorli.logged_at("helper-client: flushDNS requested")
+        closed = self.vorli.logged_at("popover: handleTap: posted auto-close notification") - drained
+        limit = max(TOLERANCE, WAITS_BEFORE_CLOSING * longest_stall)
+        print(f"by the log, closed {closed:.4f} s after the start of the drain ({CLOSES_AFTER} told), late by"
+              f" {limit * 1000:.0f} ms at most: the machine's longest stall was {longest_stall * 1000:.1f} ms")
+        self.assertGreaterEqual(closed, CLOSES_AFTER - TOLERANCE)
+        self.assertLessEqual(closed, CLOSES_AFTER + limit)
 
 
 class PlaceTest(PopoverTest):
@@ -294,7 +211,9 @@ class PlaceTest(PopoverTest):
         self.vorli.picture("open")
         screen = Screen()
         middle = screen.pixel(x + width // 2, y + round(215 * RATIO))
-        self.assertTrue(min(middle) > 220 or max(middle) < 60, f"paper of {middle}")
+        self.assertTrue(max(middle) < 60 if is_bottom else min(middle) > 220, f"paper of {middle}")
+        if is_bottom:  # dark, and without a compositor: the edge is the window's own
+            self.assertLess(max(screen.pixel(x + width // 2, y - 1)), 60, "no bright edge around a dark card")
 
     def test_the_card_unfolds_from_the_side_of_the_icon(self):
         self.vorli.settle(*CALM)

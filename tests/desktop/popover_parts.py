@@ -1,7 +1,10 @@
 """What the tests of the popover look at and work with: the program, its window, the icon, a neighbour window."""
 
 import os
+import re
 import subprocess
+import threading
+import time
 
 import dbus
 import tray_parts
@@ -11,7 +14,6 @@ from waiting import until
 
 NAME = os.environ.get("VORLI_SESSION_NAME", "session")
 PICTURES = os.environ["VORLI_PICTURES"]
-RATIO = {"dense": 2.0, "openbox": 1.5}.get(NAME, 1.0)
 MARGIN_LEFT, MARGIN_TOP, BELOW = 24, 16, 34
 WIDTH = 270
 
@@ -22,6 +24,14 @@ def output(*command):
         done = subprocess.run(command, capture_output=True, text=True, check=False)
         if "X Error" not in done.stderr:
             return done.stdout
+
+
+def pixel_ratio():
+    dots = re.search(r"Xft.dpi:\s*(\d+)", output("xrdb", "-query"))
+    return int(dots[1]) / 96 if dots else 1.0
+
+
+RATIO = pixel_ratio()
 
 
 def icon_place():
@@ -35,9 +45,10 @@ def icon_place():
 class Popover(tray_parts.Process):
     """The program, with its popover's window as anybody sees it."""
 
-    def __init__(self, program):
+    def __init__(self, program, **environment):
         self.log = os.path.join(os.environ["HOME"], "vorli.log")
-        super().__init__("/bin/sh", "-c", 'exec "$0" 2>"$1"', program, self.log)
+        super().__init__("/bin/sh", "-c", 'exec "$0" 2>"$1"', program, self.log,
+                         environment={**os.environ, **environment})
         self.expect("ring .*", seconds=20)
 
     def end(self):
@@ -50,6 +61,10 @@ class Popover(tray_parts.Process):
     def log_text(self):
         with open(self.log, encoding="utf-8", errors="replace") as file:
             return file.read()
+
+    def logged_at(self, line):
+        """The program's own time of the last such line, in seconds."""
+        return float(re.findall(rf"^([\d.]+) vorli {re.escape(line)}", self.log_text(), re.MULTILINE)[-1])
 
     def helper_status(self):
         program = dbus.SessionBus().get_object("com.kv.vorli", "/com/kv/vorli", introspect=False)
@@ -79,6 +94,14 @@ class Popover(tray_parts.Process):
     def shown(self):
         return until(self.window, "the popover")
 
+    def toggle(self):
+        """As a second start does: without a click on the icon."""
+        subprocess.run(
+            ["dbus-send", "--session", "--print-reply", "--dest=com.kv.vorli", "/com/kv/vorli",
+             "org.freedesktop.Application.Activate", "dict:string:string:"],
+            check=True, capture_output=True,
+        )
+
     def gone_by(self, way):
         until(self.has_keyboard, "the keyboard in the popover")
         way()
@@ -107,6 +130,37 @@ class Popover(tray_parts.Process):
     def resources(self):
         """Private dirty kibibytes and descriptors."""
         return super().resources()[:2]
+
+
+class Stalls:
+    """How long at the most the machine let something wait that was ready to go on: a beat of this process, or the
+    program's first thread, while the block lasts."""
+
+    BEAT = 0.005
+
+    def __init__(self, pid):
+        self.longest, self.ended = 0.0, threading.Event()
+        self.file = f"/proc/{pid}/task/{pid}/schedstat"
+
+    def __enter__(self):
+        self.watcher = threading.Thread(target=self._watch)
+        self.watcher.start()
+        return self
+
+    def __exit__(self, *_):
+        self.ended.set()
+        self.watcher.join()
+
+    def _unserved(self):
+        with open(self.file, encoding="ascii") as file:
+            return int(file.read().split()[1]) / 1e9
+
+    def _watch(self):
+        last, unserved = time.monotonic(), self._unserved()
+        while not self.ended.wait(self.BEAT):
+            last, before_last = time.monotonic(), last
+            unserved, before = self._unserved(), unserved
+            self.longest = max(self.longest, last - before_last - self.BEAT, unserved - before)
 
 
 class Neighbour:
