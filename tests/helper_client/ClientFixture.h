@@ -22,6 +22,12 @@
 
 namespace vorli {
 
+#ifdef __SANITIZE_THREAD__
+constexpr bool isInstrumented = true;
+#else
+constexpr bool isInstrumented = false;
+#endif
+
 /// The longest pause of a 60 Hz beat on the main loop.
 class Beat {
  public:
@@ -39,11 +45,7 @@ class Beat {
 struct ClientFixture : testing::Test {
   // A hanging bus holds up whoever waits for it for as long as it hangs: seconds in these tests. Less than
   // this is the machine's own load, and that of an instrumented program.
-#ifdef __SANITIZE_THREAD__
-  static constexpr double loadSeconds = 2.0;
-#else
-  static constexpr double loadSeconds = 0.5;
-#endif
+  static constexpr double loadSeconds = isInstrumented ? 2.0 : 0.5;
 
   /// Everything that talks to the bus; made when the test has prepared the bus.
   struct Client {

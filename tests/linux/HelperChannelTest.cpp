@@ -24,7 +24,6 @@ struct HelperChannelTest : testing::Test {
     return channel.begin(
         [this, name = std::move(name)](const std::string& text) { told.push_back(name + ": " + text); });
   }
-
 };
 
 TEST_F(HelperChannelTest, aDyingDaemonIsToldInOneTurnOfTheMainLoop) {
