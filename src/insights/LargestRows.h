@@ -19,17 +19,25 @@ class LargestRows {
   template <typename Field>
   std::span<const std::uint32_t> find(const std::vector<ProcessSnapshot>& rows, std::size_t count,
                                       Field ProcessSnapshot::*field) {
-    order_.resize(rows.size());
-    std::iota(order_.begin(), order_.end(), 0u);
-    const auto kept = order_.begin() + static_cast<std::ptrdiff_t>(std::min(count, rows.size()));
-    std::partial_sort(order_.begin(), kept, order_.end(), [&rows, field](std::uint32_t a, std::uint32_t b) {
+    chosen_.resize(std::min(count, rows.size()));
+    if (chosen_.empty()) return {};
+    std::iota(chosen_.begin(), chosen_.end(), 0u);
+    const auto isLarger = [&rows, field](std::uint32_t a, std::uint32_t b) {
       return rows[a].*field > rows[b].*field;
-    });
-    return {order_.begin(), kept};
+    };
+    std::ranges::make_heap(chosen_, isLarger);  // the smallest of them stands in front
+    for (auto row = static_cast<std::uint32_t>(chosen_.size()); row < rows.size(); ++row) {
+      if (!isLarger(row, chosen_.front())) continue;
+      std::ranges::pop_heap(chosen_, isLarger);
+      chosen_.back() = row;
+      std::ranges::push_heap(chosen_, isLarger);
+    }
+    std::ranges::sort_heap(chosen_, isLarger);
+    return chosen_;
   }
 
  private:
-  std::vector<std::uint32_t> order_;
+  std::vector<std::uint32_t> chosen_;
 };
 
 }  // namespace vorli

@@ -19,8 +19,8 @@ constexpr double nanosecondsPerSecond = 1'000'000'000.0;
 constexpr std::size_t exactRows = 32;
 
 // The name up to its first NUL; empty when it is not all readable text.
-std::string_view readableName(const std::string& bytes) {
-  const std::string_view name = bytes.c_str();
+std::string_view readableName(std::string_view bytes) {
+  const auto name = bytes.substr(0, bytes.find('\0'));
   if (isASCII(name)) return name;
   if (!isUTF8(name) || name.contains(replacementCharacter)) return {};
   return name;
@@ -117,7 +117,7 @@ void ProcessEnumerator::fillRow(ProcessSnapshot& row, std::int32_t pid, double c
   row.id = pid;
   row.parentPID = static_cast<std::int32_t>(bsdInfo_.parentPID);
   setText(row.name, name);
-  row.executablePath = table_.executablePath(pid);
+  if (const auto& path = table_.executablePath(pid); row.executablePath != path) row.executablePath = path;
   row.residentBytes = taskInfo_.residentBytes;
   row.cpuFraction = cpuFraction;
   row.uptime = std::max(pass.now - Date{static_cast<double>(bsdInfo_.startSeconds)}, 0.0);

@@ -1,33 +1,15 @@
 #include "linux/MemInfo.h"
 
 #include "linux/KernelText.h"
+#include "linux/KeyedLines.h"
 
 namespace vorli::linuxhost {
 
 namespace {
 
-struct Key {
-  std::string_view name;
-  std::uint64_t MemInfo::*field;
-};
-
-constexpr Key keys[] = {
-    {"MemTotal", &MemInfo::total},
-    {"MemFree", &MemInfo::free},
-    {"Active", &MemInfo::active},
-    {"Inactive", &MemInfo::inactive},
-    {"Unevictable", &MemInfo::unevictable},
-    {"SwapTotal", &MemInfo::swapTotal},
-    {"SwapFree", &MemInfo::swapFree},
-    {"Zswap", &MemInfo::zswap},
-    {"KReclaimable", &MemInfo::reclaimable},
-    {"SUnreclaim", &MemInfo::slabUnreclaimable},
-    {"KernelStack", &MemInfo::kernelStack},
-    {"PageTables", &MemInfo::pageTables},
-};
-
-std::optional<std::uint64_t> parseKibibytes(std::string_view value) {
-  const auto kibibytes = parseWhole(takeWord(value));
+std::optional<std::uint64_t> bytesOf(KeyedLines& lines, std::string_view key) {
+  auto value = lines.valueOf(key);
+  const auto kibibytes = value ? parseWhole(takeWord(*value)) : std::nullopt;
   std::uint64_t bytes = 0;
   if (!kibibytes || __builtin_mul_overflow(*kibibytes, 1024, &bytes)) return std::nullopt;
   return bytes;
@@ -36,25 +18,21 @@ std::optional<std::uint64_t> parseKibibytes(std::string_view value) {
 }  // namespace
 
 std::optional<MemInfo> parseMemInfo(std::string_view text) {
-  MemInfo info;
-  bool hasTotal = false;
-  bool hasFree = false;
-  while (!text.empty()) {
-    const auto line = takeLine(text);
-    const auto colon = line.find(':');
-    if (colon == std::string_view::npos) continue;
-    const auto name = line.substr(0, colon);
-    if (name == "MemAvailable") info.available = parseKibibytes(line.substr(colon + 1));
-    for (const auto& key : keys) {
-      if (key.name != name) continue;
-      const auto bytes = parseKibibytes(line.substr(colon + 1));
-      info.*key.field = bytes.value_or(0);
-      if (key.field == &MemInfo::total) hasTotal = bytes && *bytes > 0;
-      if (key.field == &MemInfo::free) hasFree = bytes.has_value();
-      break;
-    }
-  }
-  if (!hasTotal || !hasFree) return std::nullopt;
+  KeyedLines lines(text);  // asked in the kernel's order
+  const auto total = bytesOf(lines, "MemTotal:");
+  const auto free = bytesOf(lines, "MemFree:");
+  if (!total || *total == 0 || !free) return std::nullopt;
+  MemInfo info{.total = *total, .free = *free, .available = bytesOf(lines, "MemAvailable:")};
+  info.active = bytesOf(lines, "Active:").value_or(0);
+  info.inactive = bytesOf(lines, "Inactive:").value_or(0);
+  info.unevictable = bytesOf(lines, "Unevictable:").value_or(0);
+  info.swapTotal = bytesOf(lines, "SwapTotal:").value_or(0);
+  info.swapFree = bytesOf(lines, "SwapFree:").value_or(0);
+  info.zswap = bytesOf(lines, "Zswap:").value_or(0);
+  info.reclaimable = bytesOf(lines, "KReclaimable:").value_or(0);
+  info.slabUnreclaimable = bytesOf(lines, "SUnreclaim:").value_or(0);
+  info.kernelStack = bytesOf(lines, "KernelStack:").value_or(0);
+  info.pageTables = bytesOf(lines, "PageTables:").value_or(0);
   return info;
 }
 

@@ -1,7 +1,5 @@
 #include "linux/ProcStat.h"
 
-#include "linux/KernelText.h"
-
 #include <algorithm>
 #include <bit>
 #include <cstddef>
@@ -18,6 +16,11 @@ constexpr std::uint64_t largestNumber = std::numeric_limits<std::int64_t>::max()
 constexpr std::size_t longestFront = 96;
 constexpr std::uint64_t onesInBytes = 0x0101010101010101;
 constexpr std::uint64_t largestPages = largestNumber >> 16;  // pages have 64 KiB at most
+
+// Above 9 when it is none.
+unsigned digitOf(char c) {
+  return static_cast<unsigned char>(c) - unsigned{'0'};
+}
 
 // The high bit of each byte of `word` that is a blank.
 std::uint64_t blanksIn(std::uint64_t word) {
@@ -37,68 +40,50 @@ std::uint64_t wordAt(const char* text) {
 // goes wrong is noted and told once, at the end.
 class Fields {
  public:
-  Fields(const char* text, const char* end) : at_(text), end_(end) {}
+  // Digits at the very end may be cut short and do not count. So every number that is read ends at a
+  // character which is none.
+  explicit Fields(std::string_view text) : at_(text.data()), end_(at_ + text.size()) {
+    while (end_ != at_ && digitOf(end_[-1]) <= 9) --end_;
+  }
 
   bool isGood() const { return good_; }
   char next() const { return at_ == end_ ? '\0' : *at_; }
 
   // By eight bytes as long as there are so many, then one by one.
-  void skip(int count) {
-    for (; end_ - at_ >= 8; at_ += 8) {
-      std::uint64_t blanks = blanksIn(wordAt(at_));
+  [[gnu::always_inline]] void skip(int count) {
+    const char* at = at_;
+    for (; end_ - at >= 8; at += 8) {
+      std::uint64_t blanks = blanksIn(wordAt(at));
       const int found = static_cast<int>(((blanks >> 7) * onesInBytes) >> 56);
       if (found < count) {
         count -= found;
         continue;
       }
       for (; count > 1; --count) blanks &= blanks - 1;
-      at_ += std::countr_zero(blanks) / 8 + 1;
+      at_ = at + std::countr_zero(blanks) / 8 + 1;
       return;
     }
-    for (; count > 0 && at_ != end_; ++at_) count -= *at_ == ' ';
+    for (; count > 0 && at != end_; ++at) count -= *at == ' ';
     good_ = good_ && count == 0;
+    at_ = at;
   }
 
-  // The field must be followed by another one: a number at the very end may be cut short.
-  std::uint64_t number() {
-    if (end_ - at_ >= 8) {
-      const std::uint64_t word = wordAt(at_);
-      const std::uint64_t blanks = blanksIn(word);
-      if (blanks) return shortNumber(word, std::countr_zero(blanks) / 8);
-    }
-    return longNumber();
-  }
-
- private:
-  // Up to seven digits, which stand in `word` before the first blank: all of them at once.
-  std::uint64_t shortNumber(std::uint64_t word, int length) {
-    at_ += length + 1;
-    // Moved up, so that zeroes stand before the number; each byte is a digit then.
-    std::uint64_t digits = length > 0 ? (word ^ ('0' * onesInBytes)) << (64 - 8 * length) : onesInBytes << 7;
-    constexpr std::uint64_t above9 = (0x7F - 9) * onesInBytes;
-    good_ = good_ && (((digits + above9) | digits) & (onesInBytes << 7)) == 0;
-    digits = digits * 10 + (digits >> 8);  // pairs, in every second byte
-    constexpr std::uint64_t pairs = 0x000000FF000000FF;
-    return ((digits & pairs) * 0x000F424000000064 + ((digits >> 16) & pairs) * 0x0000271000000001) >> 32;
-  }
-
-  std::uint64_t longNumber() {
+  [[gnu::always_inline]] std::uint64_t number() {
     constexpr std::ptrdiff_t mostDigits = 19;  // so many cannot overflow 64 bits
-    const char* const first = at_;
-    const char* const limit = at_ + std::min(end_ - at_, mostDigits + 1);
+    const char* at = at_;
     std::uint64_t value = 0;
-    unsigned digit = 0;
-    for (; at_ != limit && (digit = static_cast<unsigned char>(*at_) - unsigned{'0'}) <= 9; ++at_) {
-      value = value * 10 + digit;
+    if (at != end_) {
+      for (unsigned digit = 0; (digit = digitOf(*at)) <= 9; ++at) value = value * 10 + digit;
     }
-    if (at_ == limit || at_ == first || *at_ != ' ' || value > largestNumber) {
+    if (at == at_ || at - at_ > mostDigits || *at != ' ' || value > largestNumber) {
       good_ = false;
       return 0;
     }
-    ++at_;
+    at_ = at + 1;
     return value;
   }
 
+ private:
   const char* at_;
   const char* end_;
   bool good_ = true;
@@ -109,14 +94,14 @@ class Fields {
 std::optional<ProcStat> parseProcStat(std::string_view text) {
   // "PID (name) state parent ...": the name may hold blanks, brackets and newlines, what follows it cannot.
   const char* const end = text.data() + text.size();
-  const auto front = text.substr(0, longestFront);
-  const auto* const open = static_cast<const char*>(std::memchr(front.data(), '(', front.size()));
-  const auto* const close = static_cast<const char*>(memrchr(front.data(), ')', front.size()));
+  const auto front = std::min(text.size(), longestFront);
+  const auto* const open = static_cast<const char*>(std::memchr(text.data(), '(', front));
+  const auto* const close = static_cast<const char*>(memrchr(text.data(), ')', front));
   if (!open || !close || close < open || end - close < 5) return std::nullopt;  // ") S " and a parent
 
   ProcStat stat;
   stat.name = {open + 1, close};
-  Fields fields(close + 4, end);
+  Fields fields({close + 4, end});
   const auto parent = fields.number();
   fields.skip(9);  // group, session, terminal and its group, flags, four counts of faults
   stat.userTicks = fields.number();
@@ -133,9 +118,10 @@ std::optional<ProcStat> parseProcStat(std::string_view text) {
 }
 
 std::optional<std::uint64_t> parseResidentPages(std::string_view text) {
-  takeWord(text);
-  const auto pages = parseWhole(takeWord(text));
-  if (!pages || *pages > largestPages) return std::nullopt;
+  Fields fields(text);
+  fields.skip(1);
+  const auto pages = fields.number();
+  if (!fields.isGood() || pages > largestPages) return std::nullopt;
   return pages;
 }
 

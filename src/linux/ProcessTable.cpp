@@ -28,8 +28,9 @@ std::int32_t pidOf(const char* name) {
   if (*name == '0') return 0;
   std::int64_t pid = 0;
   for (; *name != '\0'; ++name) {
-    if (*name < '0' || *name > '9') return 0;
-    pid = pid * 10 + (*name - '0');
+    const unsigned digit = static_cast<unsigned char>(*name) - unsigned{'0'};
+    if (digit > 9) return 0;
+    pid = pid * 10 + digit;
     if (pid > std::numeric_limits<std::int32_t>::max()) return 0;
   }
   return static_cast<std::int32_t>(pid);
@@ -121,10 +122,10 @@ bool ProcessTable::readBSDInfo(std::int32_t pid, ports::ProcessBSDInfo& info) {
   return true;
 }
 
-std::optional<SharedText> ProcessTable::executablePath(std::int32_t pid) {
-  if (!hasStat(pid)) return std::nullopt;
+const std::optional<SharedText>& ProcessTable::executablePath(std::int32_t pid) {
+  static const std::optional<SharedText> none;
   // Kernel threads have no program, and there are many of them. Their names change with their work.
-  if (!stat_.hasMemory) return std::nullopt;
+  if (!hasStat(pid) || !stat_.hasMemory) return none;
   return programPaths_.find({pid, stat_.startTicks, stat_.name}, folder_.get());
 }
 

@@ -26,7 +26,7 @@ class ProcessTable final : public ports::ProcessTable {
   int listAllPIDs(std::span<std::int32_t> buffer) override;
   bool readTaskInfo(std::int32_t pid, ports::ProcessTaskInfo& info) override;
   bool readBSDInfo(std::int32_t pid, ports::ProcessBSDInfo& info) override;
-  std::optional<SharedText> executablePath(std::int32_t pid) override;
+  const std::optional<SharedText>& executablePath(std::int32_t pid) override;
   std::optional<std::uint64_t> exactResidentBytes(std::int32_t pid) override;
 
  private:

@@ -24,7 +24,7 @@ void ProgramPaths::keepOnly(std::span<const std::int32_t> pids) {
   cursor_ = 0;
 }
 
-std::optional<SharedText> ProgramPaths::find(const ProgramIdentity& identity, int procFolder) {
+const std::optional<SharedText>& ProgramPaths::find(const ProgramIdentity& identity, int procFolder) {
   const auto known = locate(identity.pid);
   cursor_ = static_cast<std::size_t>(known - known_.begin()) + 1;
   if (known == known_.end() || known->identity.pid != identity.pid) {

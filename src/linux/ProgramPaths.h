@@ -32,9 +32,9 @@ class ProgramPaths {
   /// Forgets all processes but these, which are in ascending order.
   void keepOnly(std::span<const std::int32_t> pids);
 
-  /// Empty when the process has no program file or it may not be read. `procFolder` is an open descriptor of
-  /// /proc.
-  std::optional<SharedText> find(const ProgramIdentity& identity, int procFolder);
+  /// Empty when the process has no program file or it may not be read. Held until the next call. `procFolder`
+  /// is an open descriptor of /proc.
+  const std::optional<SharedText>& find(const ProgramIdentity& identity, int procFolder);
 
   std::size_t size() const { return known_.size(); }
 

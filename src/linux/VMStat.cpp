@@ -1,35 +1,27 @@
 #include "linux/VMStat.h"
 
 #include "linux/KernelText.h"
+#include "linux/KeyedLines.h"
 
 namespace vorli::linuxhost {
 
 namespace {
 
-struct Key {
-  std::string_view start;
-  std::uint64_t VMStat::*field;
-};
-
-constexpr Key keys[] = {
-    {"pgpgin ", &VMStat::kibibytesIn}, {"pswpin ", &VMStat::swapIn},    {"pswpout ", &VMStat::swapOut},
-    {"zswpin ", &VMStat::zswapIn},     {"zswpout ", &VMStat::zswapOut},
-};
+std::uint64_t countOf(KeyedLines& lines, std::string_view key) {
+  const auto value = lines.valueOf(key);
+  return value ? parseWhole(trimmed(*value)).value_or(0) : 0;
+}
 
 }  // namespace
 
 VMStat parseVMStat(std::string_view text) {
+  KeyedLines lines(text);  // asked in the kernel's order
   VMStat stat;
-  while (!text.empty()) {
-    auto line = takeLine(text);
-    if (line.size() < 3 || (line[2] != 'p' && line[2] != 'w')) continue;  // most of the 190 lines
-    for (const auto& key : keys) {
-      if (!line.starts_with(key.start)) continue;
-      line.remove_prefix(key.start.size());
-      stat.*key.field = parseWhole(trimmed(line)).value_or(0);
-      break;
-    }
-  }
+  stat.kibibytesIn = countOf(lines, "pgpgin ");
+  stat.swapIn = countOf(lines, "pswpin ");
+  stat.swapOut = countOf(lines, "pswpout ");
+  stat.zswapIn = countOf(lines, "zswpin ");
+  stat.zswapOut = countOf(lines, "zswpout ");
   return stat;
 }
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <string>
+#include <string_view>
 
 namespace vorli::ports {
 
@@ -21,8 +21,9 @@ struct ProcessBSDInfo {
   std::int64_t parentPID = 0;
   /// Start time in whole seconds since 1970, by the calendar as it stands now.
   std::int64_t startSeconds = 0;
-  /// Short name as the kernel has it: any bytes, no valid UTF-8 promised, possibly empty.
-  std::string name;
+  /// Short name as the kernel has it: any bytes, no valid UTF-8 promised, possibly empty. Held by the table
+  /// until another process is asked for.
+  std::string_view name;
 };
 
 /// A count of time units times `numer` divided by `denom` is nanoseconds.
@@ -50,7 +51,8 @@ class ProcessTable {
   virtual bool readBSDInfo(std::int32_t pid, ProcessBSDInfo& info) = 0;
 
   /// Path of the program file, with invalid UTF-8 repaired. Empty when there is none or it may not be read.
-  virtual std::optional<SharedText> executablePath(std::int32_t pid) = 0;
+  /// Held by the table until another process is asked for.
+  virtual const std::optional<SharedText>& executablePath(std::int32_t pid) = 0;
 
   /// The resident size where the one of `readTaskInfo` is an estimate. Empty when that one is exact already,
   /// or the process is gone.

@@ -36,7 +36,9 @@ class SessionProcesses final : public ports::ProcessTable {
   bool readBSDInfo(std::int32_t pid, ports::ProcessBSDInfo& info) override {
     return all_.readBSDInfo(pid, info);
   }
-  std::optional<SharedText> executablePath(std::int32_t pid) override { return all_.executablePath(pid); }
+  const std::optional<SharedText>& executablePath(std::int32_t pid) override {
+    return all_.executablePath(pid);
+  }
   std::optional<std::uint64_t> exactResidentBytes(std::int32_t pid) override {
     return all_.exactResidentBytes(pid);
   }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -13,7 +14,8 @@ namespace vorli::fakes {
 struct FakeProcess {
   std::int32_t pid = 0;
   std::optional<ports::ProcessTaskInfo> taskInfo = ports::ProcessTaskInfo{};
-  std::optional<ports::ProcessBSDInfo> bsdInfo = ports::ProcessBSDInfo{};
+  std::optional<ports::ProcessBSDInfo> bsdInfo = ports::ProcessBSDInfo{};  // but for the name
+  std::string name;
   std::optional<SharedText> executablePath;
   std::optional<std::uint64_t> exactResidentBytes;
 };
@@ -43,12 +45,14 @@ class ProcessTable final : public ports::ProcessTable {
     const auto* process = find(pid);
     if (!process || !process->bsdInfo) return false;
     info = *process->bsdInfo;
+    info.name = process->name;
     return true;
   }
 
-  std::optional<SharedText> executablePath(std::int32_t pid) override {
+  const std::optional<SharedText>& executablePath(std::int32_t pid) override {
+    static const std::optional<SharedText> none;
     const auto* process = find(pid);
-    return process ? process->executablePath : std::nullopt;
+    return process ? process->executablePath : none;
   }
 
   std::optional<std::uint64_t> exactResidentBytes(std::int32_t pid) override {
@@ -60,7 +64,8 @@ class ProcessTable final : public ports::ProcessTable {
   /// Adds a readable process, or changes the one with this identifier.
   FakeProcess& add(std::int32_t pid, std::string name = "process") {
     auto& process = entry(pid);
-    process.bsdInfo = ports::ProcessBSDInfo{1, 0, std::move(name)};
+    process.bsdInfo = ports::ProcessBSDInfo{1, 0, {}};
+    process.name = std::move(name);
     return process;
   }
 

@@ -35,7 +35,9 @@ class CrowdedTable final : public ports::ProcessTable {
   bool readBSDInfo(std::int32_t pid, ports::ProcessBSDInfo& info) override {
     return table_.readBSDInfo(pid, info);
   }
-  std::optional<SharedText> executablePath(std::int32_t pid) override { return table_.executablePath(pid); }
+  const std::optional<SharedText>& executablePath(std::int32_t pid) override {
+    return table_.executablePath(pid);
+  }
   std::optional<std::uint64_t> exactResidentBytes(std::int32_t pid) override {
     return table_.exactResidentBytes(pid);
   }
