@@ -2,16 +2,13 @@
 
 #include "base/Assert.h"
 #include "ui/TimerQueue.h"
+#include "ui/WakeTimer.h"
 
-#include <QBasicTimer>
 #include <QCoreApplication>
 #include <QEvent>
 #include <QObject>
 #include <QThread>
-#include <QTimerEvent>
-#include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <deque>
 #include <mutex>
 #include <utility>
@@ -35,16 +32,7 @@ class QtScheduler::Loop final : public QObject {
  public:
   TimerQueue queue;
 
-  void arm() {
-    const auto wake = queue.nextWake();
-    if (!wake) {
-      timer_.stop();
-      armedFor_ = 0.0;
-    } else if (!timer_.isActive() || *wake != armedFor_) {
-      armedFor_ = *wake;
-      timer_.start(milliseconds(*wake - monotonicSeconds()), Qt::PreciseTimer, this);
-    }
-  }
+  void arm() { timer_.set(queue.nextWake()); }
 
   void post(Work work) {
     {
@@ -61,11 +49,6 @@ class QtScheduler::Loop final : public QObject {
   }
 
  private:
-  // Rounded up: a delay is never cut short. A longer one than a day is armed again on the way.
-  static int milliseconds(double seconds) {
-    return static_cast<int>(std::ceil(std::clamp(seconds, 0.0, 86400.0) * 1000.0));
-  }
-
   Work takePosted() {
     const std::lock_guard guard(lock_);
     if (posted_.empty()) return nullptr;
@@ -79,8 +62,7 @@ class QtScheduler::Loop final : public QObject {
     if (auto work = takePosted()) work();
   }
 
-  void timerEvent(QTimerEvent*) override {
-    timer_.stop();
+  void runDue() {
     const double now = monotonicSeconds();
     const auto newest = queue.newest();
     while (auto work = queue.takeDue(now, newest)) {
@@ -90,8 +72,7 @@ class QtScheduler::Loop final : public QObject {
     arm();
   }
 
-  QBasicTimer timer_;
-  double armedFor_ = 0.0;
+  WakeTimer timer_{[this] { runDue(); }};
   std::mutex lock_;
   std::deque<Work> posted_;
 };

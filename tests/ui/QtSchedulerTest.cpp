@@ -3,8 +3,10 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QEventLoop>
+#include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
+#include <limits>
 #include <memory>
 #include <string>
 #include <thread>
@@ -80,6 +82,43 @@ TEST_F(QtSchedulerTest, delayIsNeverCutShort) {
       EXPECT_GE(fired - start, seconds);
     }
   }
+}
+
+// In whole milliseconds each of them would take two, however quiet the machine is.
+TEST_F(QtSchedulerTest, aChainOfDelaysIsNotRoundedToMilliseconds) {
+  constexpr double delay = 0.0011;
+  constexpr std::size_t count = 300;
+  std::vector<double> took;
+  std::function<void()> startNext = [&] {
+    scheduler.after(delay, [&, start = scheduler.now()] {
+      took.push_back(scheduler.now() - start);
+      if (took.size() < count) startNext();
+    });
+  };
+  startNext();
+  ASSERT_TRUE(runUntil([&] { return took.size() == count; }));
+  std::ranges::sort(took);
+  EXPECT_GE(took.front(), delay);
+  EXPECT_LT(took[count / 10], 0.0016);
+}
+
+TEST_F(QtSchedulerTest, anEndlessDelayHoldsNobodyUp) {
+  scheduler.after(std::numeric_limits<double>::infinity(), [this] { ran += 'x'; });
+  scheduler.after(0.001, [this] { ran += 'a'; });
+  ASSERT_TRUE(runUntil([this] { return !ran.empty(); }));
+  EXPECT_EQ(ran, "a");
+}
+
+TEST_F(QtSchedulerTest, aDelayThatWasPutOffDoesNotFireAtItsOldMoment) {
+  double start = scheduler.now();
+  const auto early = scheduler.after(0.001, [this] { ran += 'x'; });
+  while (scheduler.now() - start < 0.002) continue;  // it is due, and the loop has not run
+  scheduler.cancel(early);
+  start = scheduler.now();
+  scheduler.after(0.02, [this] { ran += 'a'; });
+  ASSERT_TRUE(runUntil([this] { return !ran.empty(); }));
+  EXPECT_EQ(ran, "a");
+  EXPECT_GE(scheduler.now() - start, 0.02);
 }
 
 TEST_F(QtSchedulerTest, laterTimerAddedFirstRunsLast) {

@@ -1,6 +1,7 @@
 #include "ui/TimerQueue.h"
 
 #include <gtest/gtest.h>
+#include <limits>
 #include <string>
 
 namespace vorli::ui {
@@ -45,6 +46,21 @@ TEST_F(TimerQueueTest, nothingRunsEarly) {
   EXPECT_EQ(ran, "");
   wakeAt(11.0);
   EXPECT_EQ(ran, "a");
+}
+
+TEST_F(TimerQueueTest, anExactDelayIsNotRounded) {
+  add(10.0, 1.0 / 60.0, "frame");
+  EXPECT_EQ(queue.nextWake(), 10.0 + 1.0 / 60.0);
+  wakeAt(10.0166666);
+  EXPECT_EQ(ran, "");
+  wakeAt(10.0166667);
+  EXPECT_EQ(ran, "frame");
+}
+
+TEST_F(TimerQueueTest, aDelayThatNeverEndsIsTheLastToWakeFor) {
+  add(10.0, std::numeric_limits<double>::infinity(), "never", Precision::coarse);
+  add(10.0, 86400.0, "tomorrow");
+  EXPECT_EQ(queue.nextWake(), 86410.0);
 }
 
 TEST_F(TimerQueueTest, coarseDelayWakesAtARoundMomentNoLaterThanATwentieth) {

@@ -42,9 +42,9 @@ _TASK_LAMBDA = re.compile(r"\]\s*\([^()]*\)\s*(?:mutable\s*)?->\s*(?:\w+::)*Task
 
 
 def _is_clock(path):
-    """The places that are the program's clocks: implementations of the scheduler and of the calendar."""
+    """The places that are the program's clocks: the scheduler with the timer that wakes it, and the calendar."""
     name = path.rsplit("/", 1)[-1].rsplit(".", 1)[0]
-    return name.endswith(("Scheduler", "CalendarClock"))
+    return name.endswith(("Scheduler", "WakeTimer", "CalendarClock"))
 
 
 def _is_waiting(path):
