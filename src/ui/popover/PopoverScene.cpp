@@ -21,6 +21,17 @@ QString qString(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
+// The light and the sparks belong to the ring's group, and grow with it.
+void scaleAurora(AuroraPicture& aurora, double scale) {
+  for (auto* layer : {&aurora.warmCloud, &aurora.bloom, &aurora.leak}) layer->scale *= scale;
+  if (!aurora.sparks) return;
+  for (auto& spark : *aurora.sparks) {
+    spark.x *= scale;
+    spark.y *= scale;
+    spark.scale *= scale;
+  }
+}
+
 CulpritPiece pieceOf(const CulpritSentence::Segment& segment) {
   const bool isName = segment.kind == CulpritSentence::Segment::Kind::app;
   return {isName ? CulpritPiece::Kind::name : CulpritPiece::Kind::text, qString(segment.text)};
@@ -221,6 +232,7 @@ PopoverPicture PopoverScene::picture(double time) const {
   picture.aurora.warmCloud.rotationDegrees = 0.0;
   picture.aurora.bloom.rotationDegrees = 0.0;
   picture.ring = ring(time);
+  scaleAurora(picture.aurora, picture.ring.scale);
   picture.words = words(time);
   picture.contentOpacity = view_.presentationOpacity(time);
   return picture;

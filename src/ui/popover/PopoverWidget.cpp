@@ -1,5 +1,6 @@
 #include "ui/popover/PopoverWidget.h"
 
+#include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -12,16 +13,22 @@ namespace {
 using Metrics = PopoverMetrics;
 using Id = PopoverControlId;
 
-// The card's own motions are short and quick; the light of a polish is soft, and the breath slow.
+// The card's own motions are short and quick, and so are sparks; the other light of a polish is soft, and the
+// breath slow.
 constexpr double quickFrame = 1.0 / 60.0, lightFrame = 1.0 / 30.0, breathFrame = 1.0 / 12.0;
 
 bool sameLayer(const AuroraLayer& a, const AuroraLayer& b) {
   return a.gradient == b.gradient && a.blur == b.blur && a.scale == b.scale && a.opacity == b.opacity;
 }
 
+bool hasLitSparks(const AuroraPicture& aurora) {
+  return aurora.sparks &&
+         std::ranges::any_of(*aurora.sparks, [](const auto& spark) { return spark.opacity > 0.0; });
+}
+
 bool sameAurora(const AuroraPicture& a, const AuroraPicture& b) {
-  return !a.sparks && !b.sparks && sameLayer(a.warmCloud, b.warmCloud) && sameLayer(a.bloom, b.bloom) &&
-         sameLayer(a.leak, b.leak);
+  return !hasLitSparks(a) && !hasLitSparks(b) && sameLayer(a.warmCloud, b.warmCloud) &&
+         sameLayer(a.bloom, b.bloom) && sameLayer(a.leak, b.leak);
 }
 
 bool samePlaces(const PopoverPicture& a, const PopoverPicture& b) {
@@ -128,7 +135,7 @@ void PopoverWidget::frame() {
 void PopoverWidget::armNextFrame(double now) {
   const PopoverMotion motion = view_.motion(now);
   double interval = 0.0;
-  if (now < scene_.restsAt()) {
+  if (now < scene_.restsAt() || (motion == PopoverMotion::full && hasLitSparks(shown_.aurora))) {
     interval = quickFrame;
   } else if (motion == PopoverMotion::full) {
     interval = lightFrame;
@@ -299,6 +306,14 @@ bool PopoverWidget::focusNextPrevChild(bool next) {
   if (!focused || focused->showsFocus()) return QWidget::focusNextPrevChild(next);
   focused->showFocus();
   return true;
+}
+
+// The user's wish, by the window manager, goes the way of every other. The program's own, at its end, is not
+// refused: that would keep it from ending.
+void PopoverWidget::closeEvent(QCloseEvent* event) {
+  if (!event->spontaneous()) return QWidget::closeEvent(event);
+  event->ignore();
+  callbacks_.escape();
 }
 
 bool PopoverWidget::event(QEvent* event) {

@@ -22,7 +22,7 @@ class PopoverWidget final : public QWidget {
   static constexpr QMargins margins{24, 16, 24, 40};
 
   struct Callbacks {
-    std::function<void()> escape;
+    std::function<void()> escape;            // the popover is to close
     std::function<void()> left;              // another window has the keyboard
     std::function<void(const QRect&)> card;  // the card has another rectangle, in the window
   };
@@ -48,6 +48,7 @@ class PopoverWidget final : public QWidget {
 
  private:
   void paintEvent(QPaintEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   bool focusNextPrevChild(bool next) override;
   bool event(QEvent* event) override;

@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QtTest/qtestspontaneevent.h>
 #include <optional>
 
 namespace vorli::ui {
@@ -233,6 +234,19 @@ TEST_F(PopoverWidgetTest, escapeCancelsTheQuestionAndOnlyThenCloses) {
   EXPECT_EQ(escapes, 1);
 }
 
+TEST_F(PopoverWidgetTest, windowManagersWishToCloseRollsUpAndTheProgramsOwnIsNotRefused) {
+  open();
+  QCloseEvent byTheUser;
+  QSpontaneKeyEvent::setSpontaneous(&byTheUser);
+  qApp->notify(&*widget, &byTheUser);  // sendEvent would make it the program's own
+  EXPECT_FALSE(byTheUser.isAccepted());
+  EXPECT_EQ(escapes, 1);
+  QCloseEvent byTheProgram;
+  QApplication::sendEvent(&*widget, &byTheProgram);
+  EXPECT_TRUE(byTheProgram.isAccepted());
+  EXPECT_EQ(escapes, 1);
+}
+
 TEST_F(PopoverWidgetTest, ringIsPressedOnItsDiscAlone) {
   open();
   auto* ring = control(Id::polish);
@@ -279,12 +293,17 @@ TEST_F(PopoverFramesTest, restingPopoverPaintsTwelveTimesASecond) {
   EXPECT_NEAR(static_cast<double>(framesIn(2.0)), 24.0, 2.0);
 }
 
-TEST_F(PopoverFramesTest, polishPaintsThirtyTimesASecond) {
+TEST_F(PopoverFramesTest, sparksFlyAtThePaceOfTheScreenAndTheRestOfAPolishAtHalfOfIt) {
   open();
   scheduler.advance(5.0);
   press(Qt::Key_Return);
-  framesIn(0.6);  // the label's and the card's own motions are quicker
-  EXPECT_NEAR(static_cast<double>(framesIn(1.0)), 30.0, 3.0);
+  framesIn(0.6);  // the label's and the card's own motions are as quick
+  EXPECT_NEAR(static_cast<double>(framesIn(1.0)), 60.0, 5.0);
+  framesIn(1.9);  // to 3.5, where the sparks are out and the ring still bounces
+  EXPECT_NEAR(static_cast<double>(framesIn(0.5)), 15.0, 2.0);
+  // At rest but for the breath; the sparks, which are put away later, are out.
+  framesIn(0.1);
+  EXPECT_NEAR(static_cast<double>(framesIn(0.5)), 6.0, 2.0);
 }
 
 TEST_F(PopoverFramesTest, nothingIsPaintedWhileItIsShut) {

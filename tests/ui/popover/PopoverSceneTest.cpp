@@ -1,0 +1,172 @@
+#include <gmock/gmock.h>
+// The fixture is written for a program that has both precompiled.
+#include "tests/polish/PolishFixture.h"
+#include "ui/popover/PopoverScene.h"
+
+#include <optional>
+
+namespace vorli::ui {
+namespace {
+
+using Id = PopoverControlId;
+
+// What the curves have made of their way: eased out, in, and in and out after a half, and after a quarter.
+constexpr double outHalf = 0.684643, inHalf = 0.315357, inOutQuarter = 0.129162, standardHalf = 0.802403;
+constexpr double tolerance = 1e-5;
+
+struct PopoverSceneTest : PolishFixture {
+  PopoverSceneTest() {
+    store.setObject("hasShownLaunchCeremony", true);
+    notifications.post(VorliAnimateAppear{});
+    scheduler.advance(1.0);
+    scene.emplace(scheduler, *view, [] {});
+    content = view->subscribeToContent([this] { scene->followContent(scheduler.now()); });
+    showRing(0.9);
+  }
+  ~PopoverSceneTest() override { scene.reset(); }
+
+  void showRing(double progress) {
+    view->animatedProgress = progress;
+    view->animatedState = ringState(progress);
+    scheduler.advance(5.0);
+  }
+  PopoverPicture after(double seconds) const { return scene->picture(scheduler.now() + seconds); }
+  void addProcess(const char* name) {
+    ProcessSnapshot process;
+    process.name = process.displayName = name;
+    process.activationPolicy = ports::ActivationPolicy::regular;
+    process.residentBytes = 1;
+    monitor.topMemoryHogs = std::vector{process};
+    scheduler.advance(5.0);
+  }
+
+  std::optional<PopoverScene> scene;
+  Subscription content;
+};
+
+TEST_F(PopoverSceneTest, pointerRaisesAControlFasterThanItLetsItGo) {
+  scene->setHovered(Id::polish, true);
+  EXPECT_NEAR(after(0.06).ring.button.hover, outHalf, tolerance);
+  EXPECT_EQ(after(0.12).ring.button.hover, 1.0);
+  scheduler.advance(1.0);
+  scene->setHovered(Id::polish, false);
+  EXPECT_NEAR(after(0.08).ring.button.hover, 1.0 - outHalf, tolerance);
+  EXPECT_EQ(after(0.16).ring.button.hover, 0.0);
+}
+
+TEST_F(PopoverSceneTest, pressSpringsAndOvershoots) {
+  scene->setPressed(Id::polish, true);
+  EXPECT_NEAR(after(0.05).ring.button.press, 0.623753, tolerance);
+  EXPECT_NEAR(after(0.1).ring.button.press, 1.096452, tolerance);
+  EXPECT_NEAR(after(0.15).ring.button.press, 1.087663, tolerance);
+  EXPECT_EQ(after(1.0).ring.button.press, 1.0);
+}
+
+TEST_F(PopoverSceneTest, withLessMovementAPressIsShownAtOnceAndNothingScales) {
+  motion.setReduced(true);
+  scene->setPressed(Id::polish, true);
+  EXPECT_EQ(after(0.0).ring.button.press, 1.0);
+  EXPECT_FALSE(after(0.0).ring.button.scales);
+}
+
+TEST_F(PopoverSceneTest, glassStandsOutByWhatAPressWouldDo) {
+  EXPECT_EQ(after(0.0).ring.lens, 1.0);
+  showRing(0.1);
+  EXPECT_EQ(after(0.0).ring.lens, 0.45);
+  showRing(0.9);
+  setHelperStatus(2);
+  scheduler.advance(5.0);
+  EXPECT_EQ(after(0.0).ring.lens, 0.45);
+  setHelperStatus(1);
+  scheduler.advance(5.0);
+  view->isReleasing = true;
+  scheduler.runReady();
+  EXPECT_NEAR(after(0.125).ring.lens, 1.0 - 0.75 * outHalf, tolerance);
+  EXPECT_EQ(after(0.25).ring.lens, 0.25);
+}
+
+TEST_F(PopoverSceneTest, wordOfTheButtonGoesAtThePressAndComesBackAtTheEnd) {
+  view->isReleasing = true;
+  scheduler.runReady();
+  EXPECT_EQ(after(0.0).ring.labelOpacity, 1.0);
+  EXPECT_NEAR(after(0.125).ring.labelOpacity, 1.0 - outHalf, tolerance);
+  EXPECT_EQ(after(0.25).ring.labelOpacity, 0.0);
+  scheduler.advance(5.0);
+  view->isReleasing = false;
+  scheduler.runReady();
+  EXPECT_NEAR(after(0.15).ring.labelOpacity, inOutQuarter, tolerance);
+  EXPECT_NEAR(after(0.3).ring.labelOpacity, 0.5, tolerance);
+  EXPECT_EQ(after(0.6).ring.labelOpacity, 1.0);
+}
+
+TEST_F(PopoverSceneTest, wordMakesRoomForTheDots) {
+  showRing(0.1);
+  view->hovered = true;
+  scheduler.runReady();
+  EXPECT_NEAR(after(0.08).ring.labelOpacity, 1.0 - outHalf, tolerance);
+  EXPECT_EQ(after(0.16).ring.labelOpacity, 0.0);
+  EXPECT_NEAR(after(0.1).ring.dots[0].opacity, 0.88 * 0.661914, tolerance);
+  EXPECT_NEAR(after(0.1).ring.dotsScale, 0.94 + 0.06 * 0.502909, tolerance);
+  EXPECT_EQ(after(5.0).ring.dots[11].opacity, 0.88);
+}
+
+TEST_F(PopoverSceneTest, ringAndWordsMoveTogetherWithTheHeight) {
+  EXPECT_EQ(after(0.0).ringCentreY, 96.0);
+  EXPECT_EQ(after(0.0).words.headlineTop, 175.0);
+  view->postClearSentence = "Now, your Mac has room to breathe.";
+  scheduler.runReady();
+  EXPECT_NEAR(after(0.16).ringCentreY, 96.0 + 14.0 * standardHalf, tolerance * 14.0);
+  EXPECT_NEAR(after(0.16).words.headlineTop, 175.0 + 12.0 * standardHalf, tolerance * 12.0);
+  EXPECT_EQ(after(0.32).ringCentreY, 110.0);
+  EXPECT_EQ(after(0.32).words.headlineTop, 187.0);
+  EXPECT_EQ(scene->restingContentHeight(), 304.0);
+}
+
+TEST_F(PopoverSceneTest, sentencesFollowEachOtherInPlace) {
+  showRing(0.6);
+  view->animatedState = RingState::critical;
+  scheduler.runReady();
+  EXPECT_EQ(after(0.0).words.sentence.text, "Your Mac is starting to fill up.");
+  EXPECT_NEAR(after(0.06).words.sentence.opacity, 1.0 - inHalf, tolerance);
+  scheduler.advance(0.12);
+  EXPECT_EQ(after(0.0).words.sentence.text, "Your Mac is full. Time to polish it.");
+  EXPECT_EQ(after(0.0).words.sentence.opacity, 0.0);
+  EXPECT_NEAR(after(0.09).words.sentence.opacity, outHalf, tolerance);
+  EXPECT_EQ(after(0.18).words.sentence.opacity, 1.0);
+}
+
+TEST_F(PopoverSceneTest, questionFadesOverTheCulpritsInPlace) {
+  addProcess("Notes");
+  view->culpritNamePressed("Notes");
+  scheduler.runReady();
+  EXPECT_NEAR(after(0.1).words.culprits->opacity, 1.0 - outHalf, tolerance);
+  EXPECT_NEAR(after(0.1).words.quit->opacity, outHalf, tolerance);
+  EXPECT_FALSE(after(0.2).words.culprits);
+  EXPECT_EQ(after(0.2).words.quit->opacity, 1.0);
+  EXPECT_EQ(after(0.2).words.quit->name, "Notes");
+  EXPECT_EQ(after(0.1).words.headlineTop, after(0.2).words.headlineTop);
+}
+
+TEST_F(PopoverSceneTest, bounceTakesTheWholeGroupOfTheRingWithIt) {
+  press();
+  goTo(1.7);
+  const auto before = after(0.0);
+  view->celebrationScale = 1.08;
+  const auto grown = after(0.0);
+  EXPECT_EQ(grown.ring.scale, 1.08);
+  EXPECT_DOUBLE_EQ(grown.aurora.warmCloud.scale, before.aurora.warmCloud.scale * 1.08);
+  EXPECT_DOUBLE_EQ(grown.aurora.bloom.scale, 1.08);
+  EXPECT_DOUBLE_EQ(grown.aurora.leak.scale, 1.6 * 1.08);
+  for (std::size_t i = 0; i < 12; ++i) {
+    const auto &from = (*before.aurora.sparks)[i], &to = (*grown.aurora.sparks)[i];
+    EXPECT_DOUBLE_EQ(to.x, from.x * 1.08);
+    EXPECT_DOUBLE_EQ(to.y, from.y * 1.08);
+    EXPECT_DOUBLE_EQ(to.scale, from.scale * 1.08);
+    EXPECT_EQ(to.opacity, from.opacity);
+  }
+  motion.setReduced(true);
+  EXPECT_EQ(after(0.0).aurora.bloom.scale, 1.0);
+}
+
+}  // namespace
+}  // namespace vorli::ui
