@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <gtest/gtest.h>
+#include <tuple>
 
 namespace vorli::ui {
 namespace {
@@ -87,21 +88,16 @@ TEST(CardPainter, tallCardIsPutTogetherFromTheSameShadow) {
   }
 }
 
+// Over a whole pixel of the hairline, and the shadow that lies under it.
 TEST(CardPainter, hairlineOutsideIsOnePointWide) {
-  for (const auto& [appearance, alpha] :
-       {std::pair(Appearance::light, 0.20), std::pair(Appearance::dark, 0.42)}) {
+  for (const auto& [appearance, line, shadow] :
+       {std::tuple(Appearance::light, 0.20, 0.11), std::tuple(Appearance::dark, 0.42, 0.27)}) {
     QImage image = clear(170);
-    {
-      QPainter painter(&image);
-      painter.setRenderHint(QPainter::Antialiasing);
-      CardPainter::paintOuterHairline(painter, card, appearance);
+    paintShadow(image, card, appearance);
+    for (const int x : {23, 24 + 270}) {
+      EXPECT_NEAR(alphaAt(image, x, 60), 1.0 - (1.0 - line) * (1.0 - shadow), 0.02);
     }
-    EXPECT_NEAR(alphaAt(image, 23, 60), alpha, tolerance);
-    EXPECT_NEAR(alphaAt(image, 24 + 270, 60), alpha, tolerance);
-    EXPECT_NEAR(alphaAt(image, 100, 15), alpha, tolerance);
-    EXPECT_NEAR(alphaAt(image, 100, 16 + 95), alpha, tolerance);
-    EXPECT_EQ(alphaAt(image, 22, 60), 0.0);
-    EXPECT_EQ(alphaAt(image, 100, 14), 0.0);
+    for (const int x : {22, 24 + 271}) EXPECT_LT(alphaAt(image, x, 60), shadow);
   }
 }
 
@@ -126,6 +122,18 @@ TEST(CardPainter, hairlineInsideFadesDownTheCard) {
     EXPECT_EQ(alphaAt(image, 150, 17), 0.0);
     EXPECT_EQ(image.pixelColor(150, 16).red(), 255);
   }
+}
+
+TEST(CardPainter, hairlineInsideFollowsTheRoundCorner) {
+  QImage image = clear(360);
+  {
+    QPainter painter(&image);
+    CardPainter().paintInnerHairline(painter, {24.0, 16.0, 270.0, 304.0}, Appearance::light, 1.0);
+  }
+  // On the diagonal the middle of a line of radius 17.5 lies 5.63 from either side of the card.
+  EXPECT_GT(alphaAt(image, 24 + 5, 16 + 5), 0.5);
+  EXPECT_EQ(alphaAt(image, 24 + 3, 16 + 3), 0.0);
+  EXPECT_EQ(alphaAt(image, 24 + 8, 16 + 8), 0.0);
 }
 
 TEST(CardPainter, stripIsACapsule) {
