@@ -40,6 +40,10 @@ class GlowTest(unittest.TestCase):
         self.program.tell("frames")
         return int(self.program.expect(r"frames \d+", since).split()[1])
 
+    def settled_frames(self):
+        return until(lambda: (lambda before: before if self.frames() == before else None)(self.frames()),
+                     "no more frames")
+
     def test_each_progress_has_its_light_on_white_and_on_black(self):
         for progress, colour, opacity in ((0.9, ORANGE, 0.22), (0.95, BETWEEN, 0.335), (1.0, DEEP_RED, 0.45)):
             for name, ground in (("white", WHITE), ("black", BLACK)):
@@ -63,15 +67,14 @@ class GlowTest(unittest.TestCase):
         until(lambda: len(glow_parts.band_windows()) == 4, "four bands")
         self.light(0.5)
         until(lambda: not glow_parts.band_windows(), "the bands are gone")
-        frames = self.frames()
+        frames = self.settled_frames()
         self.program.tell("calm 0.2")
         self.assertEqual(self.frames(), frames)
 
     def test_a_steady_light_costs_no_frame_and_a_breath_few(self):
         self.light(1.0)
         until_pixel(MIDDLE_OF_TOP, lit(WHITE, DEEP_RED, 0.45), "the light stands")
-        settled = until(lambda: (lambda before: before if self.frames() == before else None)(self.frames()),
-                        "no more frames")
+        settled = self.settled_frames()
         self.assertLess(settled, 60)
         began = time.monotonic()
         self.program.tell("moving")
