@@ -131,14 +131,11 @@ class Settings:
         self.process.wait()
 
 
-class AppearanceTest(PopoverTest):
-    def setUp(self):
-        super().setUp()
+class PaperTest(PopoverTest):
+    def open_calm(self):
         self.vorli.settle(*CALM)
-        self.prefer("default")
         self.open()
         self.away()
-        self.until_paper("light")
 
     def prefer(self, scheme):
         """What a user chooses in the desktop's settings; the portal tells it."""
@@ -152,6 +149,14 @@ class AppearanceTest(PopoverTest):
             return min(pixel) > 220 if kind == "light" else max(pixel) < 60
 
         until(is_so, f"{kind} paper")
+
+
+class AppearanceTest(PaperTest):
+    def setUp(self):
+        super().setUp()
+        self.prefer("default")
+        self.open_calm()
+        self.until_paper("light")
 
     def photograph(self, kind):
         self.still()
@@ -181,6 +186,28 @@ class AppearanceTest(PopoverTest):
             self.until_paper("light")
             self.prefer("default")
             self.until_paper("dark")
+
+
+class OwnFileTest(PaperTest):
+    """A desktop without a settings daemon, whose user wrote the toolkit's file."""
+
+    @classmethod
+    def setUpClass(cls):
+        file = os.path.join(os.environ["XDG_CONFIG_HOME"], "gtk-3.0", "settings.ini")
+        os.makedirs(os.path.dirname(file), exist_ok=True)
+        with open(file, "w", encoding="ascii") as settings:
+            settings.write("[Settings]\ngtk-application-prefer-dark-theme=1\n")
+        cls.addClassCleanup(os.remove, file)
+        super().setUpClass()
+
+    def test_the_users_own_file_makes_it_dark_and_a_preference_goes_before(self):
+        self.prefer("default")
+        self.open_calm()
+        self.until_paper("dark")
+        self.prefer("prefer-light")
+        self.until_paper("light")
+        self.prefer("default")
+        self.until_paper("dark")
 
 
 if __name__ == "__main__":

@@ -69,9 +69,11 @@ void DesktopAppearance::update() {
 
 bool DesktopAppearance::derive() const {
   if (preference_ != Preference::none) return preference_ == Preference::dark;
-  const auto theme =
+  if (gtk_.prefersDark) return true;
+  const auto published =
       xSettingsText(selections_.published(ManagerSelections::Selection::settings), "Net/ThemeName");
-  if (theme) return QString::fromStdString(*theme).contains(QLatin1String("dark"), Qt::CaseInsensitive);
+  const QString theme = published ? QString::fromStdString(*published) : gtk_.theme;
+  if (!theme.isEmpty()) return theme.contains(QLatin1String("dark"), Qt::CaseInsensitive);
   return QGuiApplication::palette().color(QPalette::Window).lightness() < middleLightness;
 }
 

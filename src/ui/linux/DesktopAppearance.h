@@ -2,6 +2,7 @@
 
 #include "base/SubscriberList.h"
 #include "ui/linux/DBusSignalReceiver.h"
+#include "ui/linux/GtkPreference.h"
 #include "ui/linux/ManagerSelections.h"
 
 #include <QDBusConnection>
@@ -10,8 +11,9 @@
 
 namespace vorli::ui {
 
-/// Whether the desktop wants dark windows: by the portal's preference, then by the name of its theme, then by
-/// Qt's palette. The portal is asked without waiting, so the first answers may come from the other two.
+/// Whether the desktop wants dark windows: by the portal's preference, then by the theme that its settings
+/// daemon or the user's own file names, then by Qt's palette. The portal is asked without waiting, so the
+/// first answers may come from the others.
 class DesktopAppearance {
  public:
   DesktopAppearance(QDBusConnection bus, ManagerSelections& selections);
@@ -31,6 +33,7 @@ class DesktopAppearance {
 
   QDBusConnection bus_;
   ManagerSelections& selections_;
+  const GtkPreference gtk_ = GtkPreference::ofThisUser();  // programs read it when they start
   Preference preference_ = Preference::none;
   bool dark_ = false;
   SubscriberList<> changed_;
