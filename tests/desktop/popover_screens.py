@@ -40,21 +40,22 @@ class MonitorsTest(PopoverTest):
             output_name = "screen" if name == cls.monitor else "none"
             subprocess.run(["xrandr", "--setmonitor", name, place, output_name], check=True, capture_output=True)
         cls.addClassCleanup(cls.one_monitor)
-        cls.move_panel(cls.edge)
+        cls.move_panel(cls.edge, MONITORS[cls.monitor])
         super().setUpClass()
 
     @classmethod
     def one_monitor(cls):
         for name in MONITORS:
             subprocess.run(["xrandr", "--delmonitor", name], check=True)
+        cls.move_panel("top", (0, SCREEN_WIDTH))
 
-    @classmethod
-    def move_panel(cls, edge):
+    @staticmethod
+    def move_panel(edge, sides):
         command = tray_parts.end_panel("xfce4-panel")
         subprocess.run(["xfconf-query", "-c", "xfce4-panel", "-p", "/panels/panel-1/position", "-s",
                         f"p={6 if edge == 'top' else 8};x=0;y=0"], check=True)
         tray_parts.start_panel(command)
-        start, end = MONITORS[cls.monitor]
+        start, end = sides
 
         def is_there():
             panel = panel_window()
@@ -63,7 +64,7 @@ class MonitorsTest(PopoverTest):
             x, y, width, height = panel
             return x == start and width == end - start and y == (0 if edge == "top" else SCREEN_HEIGHT - height)
 
-        until(is_there, f"the panel at the {edge} of the {cls.monitor} monitor", 15)
+        until(is_there, f"the panel at the {edge} from {start} to {end}", 15)
 
     def open_at_new_icon(self):
         type(self).icon = until(icon_place, "the icon", 15)
@@ -105,7 +106,7 @@ class MonitorsTest(PopoverTest):
         self.hang_at(self.edge)
         if RATIO == 1.0:
             other = "bottom" if self.edge == "top" else "top"
-            self.move_panel(other)
+            self.move_panel(other, MONITORS[self.monitor])
             self.hang_at(other)
 
 
