@@ -131,7 +131,7 @@ TEST(CardPainter, hairlineInsideFollowsTheRoundCorner) {
     CardPainter().paintInnerHairline(painter, {24.0, 16.0, 270.0, 304.0}, Appearance::light, 1.0);
   }
   // On the diagonal the middle of a line of radius 17.5 lies 5.63 from either side of the card.
-  EXPECT_GT(alphaAt(image, 24 + 5, 16 + 5), 0.5);
+  EXPECT_GT(alphaAt(image, 24 + 5, 16 + 5), 0.4);
   EXPECT_EQ(alphaAt(image, 24 + 3, 16 + 3), 0.0);
   EXPECT_EQ(alphaAt(image, 24 + 8, 16 + 8), 0.0);
 }

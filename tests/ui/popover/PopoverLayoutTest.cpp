@@ -79,6 +79,19 @@ TEST(PopoverLayout, culpritsWithoutAnAsideStandTwoPointsLower) {
   EXPECT_EQ(304.0 - layout.bottom, 67.0);
 }
 
+TEST(PopoverLayout, blankAtTheBeginningOfALineDoesNotPushIt) {
+  auto content = words(304.0, full);
+  content.culprits = twoNames("Chrome", "Photoshop");
+  const auto layout = PopoverLayout::of(content, 1.0);
+  const auto& closing = layout.culprits->texts.back();
+  ASSERT_EQ(closing.text, " are using the most right now.");
+  ASSERT_EQ(closing.origin.y(), layout.culprits->names[0].baseline + 16.0);
+  const auto& style = PopoverTextStyles::shared().culprit;
+  const double left = closing.origin.x() + style.width(QStringLiteral(" "));
+  const double right = closing.origin.x() + style.width(closing.text);
+  EXPECT_NEAR((left + right) / 2.0, 135.0, 0.51);
+}
+
 TEST(PopoverLayout, plateOfANameReachesPastIt) {
   const PlacedName name{QStringLiteral("x"), {100.0, 50.0, 30.0, 14.0}, 61.0};
   EXPECT_EQ(name.plate(), QRectF(95.0, 48.0, 40.0, 18.0));
@@ -102,6 +115,8 @@ TEST(PopoverLayout, quitQuestionHasItsButtonsBeneath) {
   const auto layout = PopoverLayout::of(content, 1.0);
   EXPECT_EQ(layout.quit->question.text, "Quit Chrome?");
   EXPECT_EQ(layout.quit->question.origin.y(), 243.0);
+  EXPECT_EQ(layout.quit->cancelText.origin.y(), 273.0);
+  EXPECT_EQ(layout.quit->quitText.origin.y(), 273.0);
   EXPECT_EQ(layout.quit->cancel, QRectF(47.0, 255.0, 84.0, 28.0));
   EXPECT_EQ(layout.quit->quit, QRectF(139.0, 255.0, 84.0, 28.0));
   EXPECT_EQ(304.0 - layout.bottom, 21.0);
@@ -144,6 +159,12 @@ TEST(PopoverLayout, linkStandsUnderTheTwoLinesOfItsSentence) {
   EXPECT_EQ(layout.link->capsule.height(), 26.0);
   EXPECT_EQ(304.0 - layout.bottom, 31.0);
   EXPECT_NEAR(layout.link->capsule.center().x(), 135.0, 0.5);
+  // 12, the text, 6, the symbol of 10, 12.
+  const double textWidth = PopoverTextStyles::shared().link.width(layout.link->text.text);
+  EXPECT_EQ(layout.link->capsule.width(), std::round(textWidth + 40.0));
+  EXPECT_EQ(layout.link->text.origin, layout.link->capsule.topLeft() + QPointF(12.0, 17.0));
+  EXPECT_EQ(layout.linkSymbol.topLeft(), layout.link->capsule.topLeft() + QPointF(18.0 + textWidth, 8.0));
+  EXPECT_EQ(layout.linkSymbol.size(), QSizeF(10.0, 10.0));
 }
 
 }  // namespace

@@ -99,6 +99,43 @@ TEST_F(PopoverSceneTest, wordOfTheButtonGoesAtThePressAndComesBackAtTheEnd) {
   EXPECT_EQ(after(0.6).ring.labelOpacity, 1.0);
 }
 
+TEST_F(PopoverSceneTest, wordKeepsItsHeavyFaceWhileItGoes) {
+  EXPECT_TRUE(after(0.0).ring.labelReady);
+  press();
+  scheduler.advance(5.0);
+  EXPECT_FALSE(after(0.0).ring.canPolish);
+  EXPECT_TRUE(after(0.0).ring.labelReady);
+  view->isReleasing = false;
+  scheduler.runReady();
+  EXPECT_FALSE(after(0.0).ring.labelReady);  // the ring is calm now
+}
+
+TEST_F(PopoverSceneTest, calmIsHandedOn) {
+  EXPECT_EQ(after(0.0).calmIntensity, 0.0);
+  clearState.calmIntensity = 0.4;
+  EXPECT_EQ(after(0.0).calmIntensity, 0.4);
+}
+
+TEST_F(PopoverSceneTest, whatNobodyCanSeeYetJumps) {
+  notifications.post(VorliAnimateDismiss{});
+  scheduler.advance(1.0);
+  notifications.post(VorliAnimateAppear{});
+  view->postClearSentence = "Now, your Mac has room to breathe.";
+  scheduler.runReady();
+  EXPECT_EQ(after(0.0).ringCentreY, 110.0);
+  EXPECT_EQ(after(0.0).words.sentence.text, "Now, your Mac has room to breathe.");
+  EXPECT_EQ(after(0.0).words.sentence.opacity, 1.0);
+}
+
+TEST_F(PopoverSceneTest, cardAboveALowerPanelKeepsItsLowerEdge) {
+  scene->setCardHeight(24.0);
+  EXPECT_EQ(after(0.0).cardTop, 0.0);
+  scene->setEdge(PopoverScene::Edge::bottom);
+  EXPECT_EQ(after(0.0).cardTop, 240.0 - 24.0);
+  scene->setCardHeight(240.0);
+  EXPECT_EQ(after(0.0).cardTop, 0.0);
+}
+
 TEST_F(PopoverSceneTest, wordMakesRoomForTheDots) {
   showRing(0.1);
   view->hovered = true;

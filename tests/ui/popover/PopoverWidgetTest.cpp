@@ -321,6 +321,22 @@ TEST_F(PopoverFramesTest, nothingMovesAtRestForWhoAskedForLessMovement) {
   EXPECT_EQ(framesIn(3.0), 0U);
 }
 
+TEST_F(PopoverFramesTest, calmThatLeavesIsPaintedThoughNothingElseMoves) {
+  motion.setReduced(true);
+  open();
+  clearState.calmIntensity = 0.9;
+  widget->scene().setHovered(Id::gear, true);  // wakes it
+  framesIn(1.0);
+  const auto painted = framesIn(0.5);
+  EXPECT_EQ(painted, 0U);
+  std::uint64_t frames = 0;
+  for (int i = 0; i < 6; ++i) {
+    clearState.calmIntensity = 0.8 - i * 0.1;
+    frames += framesIn(1.0 / 12.0);
+  }
+  EXPECT_NEAR(static_cast<double>(frames), 6.0, 1.0);
+}
+
 TEST_F(PopoverFramesTest, foldedContentIsStill) {
   open();
   notifications.post(VorliAnimateDismiss{});

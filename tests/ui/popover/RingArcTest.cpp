@@ -59,6 +59,15 @@ TEST(RingArc, bothEndsAreRoundAndKeepTheirColour) {
   EXPECT_EQ(at(image, 0.5 + 2.5 * past).alpha(), 128);
 }
 
+TEST(RingArc, colourChangesInTheMiddleOfWhatIsEmpty) {
+  // All of the band is arc when the gap is narrower than the two round ends: there the seam shows where it
+  // is.
+  constexpr double progress = 0.985;
+  const QImage image = ring(progress);
+  EXPECT_GT(at(image, 0.990).red(), 250);
+  EXPECT_GT(at(image, 0.998).blue(), 250);
+}
+
 TEST(RingArc, fullRingHasNoGap) {
   const QImage image = ring(1.0);
   for (int i = 0; i < 100; ++i) EXPECT_EQ(at(image, i / 100.0).alpha(), 255) << i;
