@@ -5,4 +5,4 @@ program=$1
 here=$(dirname "$(readlink -f "$0")")
 session=${VORLI_DESKTOP_SESSION:-$here/../../tools/desktop-session.sh}
 
-"$session" --notify none --audio none --timeout 120 -- python3 "$here/ring_trace.py" "$program"
+"$session" --notify none --audio none --timeout 360 -- python3 "$here/ring_trace.py" "$program"
