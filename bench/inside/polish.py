@@ -11,7 +11,7 @@ from vorli import Load, run, until, windows_of
 CEREMONY = 15.0  # seconds: the longest polish with its flash
 BETWEEN = 6.0  # seconds: the daemon does not purge more often than every 5 s
 SETTLE = 20.0
-WARM = 0.55
+WARM = 0.65  # not calm, nor after the tick that may come before the press
 AFTER = 9.0  # seconds: the hold, and the rise of the ring
 BEGINS, ENDS = "setting isReleasing=true", "posted auto-close notification"
 POPOVER_WIDTH = 318
