@@ -1,5 +1,6 @@
 """What the tests of the popover look at and work with: the program, its window, the icon, a neighbour window."""
 
+import collections
 import os
 import re
 import subprocess
@@ -127,9 +128,20 @@ class Popover(tray_parts.Process):
             ["import", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "+repage", path], check=True
         )
 
-    def resources(self):
-        """Private dirty kibibytes and descriptors."""
-        return super().resources()[:2]
+    def descriptors(self):
+        """How many of each kind are open, without those by which it follows the processes of the machine."""
+        folder, kinds = f"/proc/{self.pid}/fd", collections.Counter()
+        for number in os.listdir(folder):
+            try:
+                kinds[re.sub(r"\d+", "N", os.readlink(f"{folder}/{number}"))] += 1
+            except FileNotFoundError:
+                pass  # closed during the look
+        del kinds["/proc/N/statm"]
+        return kinds
+
+    def dirty_kilobytes(self):
+        """Private memory that was written to."""
+        return self.resources()[0]
 
 
 class Stalls:
