@@ -65,11 +65,17 @@ RadialProfile RadialProfile::blurred(const AuroraGradient& gradient, double devi
 }
 
 Premultiplied RadialProfile::at(double radius) const {
-  const double place = radius / end_ * intervals;
-  if (place >= intervals) return {};
-  const int index = static_cast<int>(place);
-  const auto share = static_cast<float>(place - index);
-  return stop(index) * (1.0F - share) + stop(index + 1) * share;
+  return atStop(static_cast<float>(radius / end_ * intervals));
+}
+
+RadialProfile RadialProfile::between(const RadialProfile& from, const RadialProfile& to, double share) {
+  RadialProfile profile;
+  profile.end_ = from.end_ + (to.end_ - from.end_) * share;
+  const auto part = static_cast<float>(share);
+  for (std::size_t i = 0; i < profile.stops_.size(); ++i) {
+    profile.stops_[i] = from.stops_[i] * (1.0F - part) + to.stops_[i] * part;
+  }
+  return profile;
 }
 
 }  // namespace vorli::ui

@@ -72,10 +72,55 @@ QImage clearImage(const QSizeF& points, double pixelRatio) {
   return image;
 }
 
+QRectF scaled(const QRectF& rect, double factor) {
+  return {rect.topLeft() * factor, rect.size() * factor};
+}
+
+// The pixels that a corner rounds, of a card that lies at the origin. The upper ones have the middle row of a
+// card that has one.
+std::array<QRect, 4> cornersOf(const QSizeF& card, double pixelRatio) {
+  const QSize size = (card * pixelRatio).toSize();
+  const int side = static_cast<int>(std::ceil(CardPainter::radiusOf({{0.0, 0.0}, card}) * pixelRatio));
+  const int above = std::min(side, (size.height() + 1) / 2), below = std::min(side, size.height() / 2);
+  const int right = size.width() - side, bottom = size.height() - below;
+  return {QRect(0, 0, side, above), QRect(right, 0, side, above), QRect(0, bottom, side, below),
+          QRect(right, bottom, side, below)};
+}
+
+QImage rounded(const QImage& content, const QRect& corner, const QImage& mask) {
+  QImage result(mask.size(), QImage::Format_ARGB32_Premultiplied);
+  for (int y = 0; y < mask.height(); ++y) {
+    const auto* from = reinterpret_cast<const QRgb*>(content.constScanLine(corner.y() + y)) + corner.x();
+    const auto* covered = reinterpret_cast<const QRgb*>(mask.constScanLine(y));
+    auto* to = reinterpret_cast<QRgb*>(result.scanLine(y));
+    for (int x = 0; x < mask.width(); ++x) {
+      const QRgb pixel = (from[x] & 0xFFFFFFU) | static_cast<QRgb>(qAlpha(covered[x])) << 24;
+      to[x] = qPremultiply(pixel);
+    }
+  }
+  return result;
+}
+
 }  // namespace
 
 double CardPainter::radiusOf(const QRectF& card) {
   return std::min(Metrics::cornerRadius, card.height() / 2.0);
+}
+
+std::array<QRectF, 8> CardPainter::openParts(const QRectF& card, double pixelRatio) {
+  const QRectF all = card.adjusted(-sideReach, -topReach, sideReach, bottomReach);
+  const auto corners = cornersOf(card.size(), pixelRatio);
+  const auto corner = [&](std::size_t i) {
+    return scaled(corners[i], 1.0 / pixelRatio).translated(card.topLeft());
+  };
+  return {QRectF(all.left(), all.top(), all.width(), topReach),
+          QRectF(all.left(), card.bottom(), all.width(), bottomReach),
+          QRectF(all.left(), card.top(), sideReach, card.height()),
+          QRectF(card.right(), card.top(), sideReach, card.height()),
+          corner(0),
+          corner(1),
+          corner(2),
+          corner(3)};
 }
 
 void CardPainter::paintGround(QPainter& painter, const QRectF& area, Appearance appearance) {
@@ -84,61 +129,116 @@ void CardPainter::paintGround(QPainter& painter, const QRectF& area, Appearance 
   painter.fillRect(area, qtColour(blend(palette.paperBottom, line.withAlpha(1.0), line.alpha)));
 }
 
-void CardPainter::paintShadow(QPainter& painter, const QRectF& card, Appearance appearance,
-                              double pixelRatio) {
-  if (card.height() < 2.0 * endPart) return paintFrame(painter, card, appearance);
+void CardPainter::paintShadow(QPainter& painter, const QRectF& card, const QRectF& part,
+                              Appearance appearance, double pixelRatio) {
+  if (card.height() < 2.0 * endPart) {
+    painter.save();
+    painter.setClipRect(part, Qt::IntersectClip);
+    paintFrame(painter, card, appearance);
+    painter.restore();
+    return;
+  }
   if (slices_.image.isNull() || slices_.appearance != appearance || slices_.pixelRatio != pixelRatio) {
     drawSlices(appearance, pixelRatio);
   }
-  const double width = Metrics::width + 2.0 * sideReach;
-  const double topHeight = topReach + endPart, bottomHeight = endPart + bottomReach;
-  const double left = card.left() - sideReach, top = card.top() - topReach;
-  const auto source = [pixelRatio](double x, double y, double w, double h) {
-    return QRectF(x * pixelRatio, y * pixelRatio, w * pixelRatio, h * pixelRatio);
+  const QPointF corner = card.topLeft() - QPointF(sideReach, topReach);
+  const double width = card.width() + 2.0 * sideReach;
+  const double upper = topReach + endPart, lower = endPart + bottomReach;
+  const auto copy = [&](const QRectF& slice, double fromY) {
+    const QRectF shown = slice & part;
+    if (shown.isEmpty()) return;
+    const QPointF from(shown.left() - corner.x(), fromY + shown.top() - slice.top());
+    painter.drawImage(shown, slices_.image, scaled({from, shown.size()}, pixelRatio));
   };
-  painter.drawImage(QRectF(left, top, width, topHeight), slices_.image, source(0.0, 0.0, width, topHeight));
-  painter.drawImage(QRectF(left, card.bottom() - endPart, width, bottomHeight), slices_.image,
-                    source(0.0, topHeight + 1.0, width, bottomHeight));
-  const double between = card.height() - 2.0 * endPart;
-  for (const double x : {0.0, width - sideReach - 1.0}) {
-    painter.drawImage(QRectF(left + x, card.top() + endPart, sideReach + 1.0, between), slices_.image,
-                      source(x, topHeight, sideReach + 1.0, 1.0));
-  }
+  copy({corner.x(), corner.y(), width, upper}, 0.0);
+  copy({corner.x(), card.bottom() - endPart, width, lower}, upper + 1.0);
+  // Between the two ends one row is enough for all.
+  const QRectF between =
+      QRectF(corner.x(), card.top() + endPart, width, card.height() - 2.0 * endPart) & part;
+  if (between.isEmpty()) return;
+  painter.drawImage(between, slices_.image,
+                    scaled({between.left() - corner.x(), upper, between.width(), 1.0}, pixelRatio));
 }
 
 void CardPainter::drawSlices(Appearance appearance, double pixelRatio) {
   const double height = 2.0 * endPart + 1.0;
   slices_ = {clearImage({Metrics::width + 2.0 * sideReach, topReach + height + bottomReach}, pixelRatio),
-             appearance,
-             pixelRatio,
-             {}};
+             appearance, pixelRatio, height};
   QPainter painter(&slices_.image);
   painter.scale(pixelRatio, pixelRatio);
   painter.setRenderHint(QPainter::Antialiasing);
   paintFrame(painter, {sideReach, topReach, Metrics::width, height}, appearance);
 }
 
+void CardPainter::paintContent(QPainter& painter, const QRectF& card, const QRectF& dirty,
+                               const QImage& content, double pixelRatio) {
+  if (masks_.card != card.size() || masks_.pixelRatio != pixelRatio) drawMasks(card.size(), pixelRatio);
+  const QRectF drawn = (dirty & card).translated(-card.topLeft());
+  const auto corners = cornersOf(card.size(), pixelRatio);
+  const QRectF upper = scaled(corners[0], 1.0 / pixelRatio), lower = scaled(corners[3], 1.0 / pixelRatio);
+  const auto copy = [&](const QRectF& part) {
+    const QRectF shown = part & drawn;
+    if (shown.isEmpty()) return;
+    painter.drawImage(shown.translated(card.topLeft()), content, scaled(shown, pixelRatio));
+  };
+  copy({upper.right(), 0.0, lower.left() - upper.right(), upper.bottom()});
+  copy({0.0, upper.bottom(), card.width(), lower.top() - upper.bottom()});
+  copy({upper.right(), lower.top(), lower.left() - upper.right(), lower.height()});
+  for (std::size_t i = 0; i < corners.size(); ++i) {
+    const QRectF place = scaled(corners[i], 1.0 / pixelRatio);
+    if (!place.intersects(drawn)) continue;
+    painter.drawImage(place.translated(card.topLeft()), rounded(content, corners[i], masks_.images[i]),
+                      QRectF({0.0, 0.0}, QSizeF(corners[i].size())));
+  }
+}
+
+void CardPainter::drawMasks(const QSizeF& card, double pixelRatio) {
+  masks_.card = card;
+  masks_.pixelRatio = pixelRatio;
+  const auto corners = cornersOf(card, pixelRatio);
+  const double radius = radiusOf({{0.0, 0.0}, card});
+  for (std::size_t i = 0; i < corners.size(); ++i) {
+    QImage& mask = masks_.images[i];
+    mask = clearImage(corners[i].size(), 1.0);
+    QPainter painter(&mask);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(-corners[i].topLeft());
+    painter.scale(pixelRatio, pixelRatio);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::white);
+    painter.drawRoundedRect(QRectF({0.0, 0.0}, card), radius, radius);
+  }
+}
+
 void CardPainter::paintInnerHairline(QPainter& painter, const QRectF& card, Appearance appearance,
                                      double pixelRatio) {
   if (edge_.image.isNull() || edge_.appearance != appearance || edge_.pixelRatio != pixelRatio ||
-      edge_.size != card.size()) {
-    drawEdge(card.size(), appearance, pixelRatio);
+      edge_.height != card.height()) {
+    drawEdge(card.height(), appearance, pixelRatio);
   }
   // Only where the line runs: a blit of the whole card would cost as much as its light.
-  const double corner = radiusOf(card), between = card.height() - 2.0 * corner;
-  const auto part = [&](double x, double y, double width, double height) {
-    painter.drawImage(QRectF(card.left() + x, card.top() + y, width, height), edge_.image,
-                      QRectF(x * pixelRatio, y * pixelRatio, width * pixelRatio, height * pixelRatio));
+  constexpr double line = 2.0;
+  const double corner = Metrics::cornerRadius, width = card.width(), height = card.height();
+  const double end = std::min(corner, height / 2.0), between = height - 2.0 * end;
+  const auto part = [&](const QRectF& to, const QRectF& from) {
+    if (to.isEmpty()) return;
+    painter.drawImage(to.translated(card.topLeft()), edge_.image, scaled(from, pixelRatio));
   };
-  part(0.0, 0.0, card.width(), corner);
-  part(0.0, card.height() - corner, card.width(), corner);
-  if (between <= 0.0) return;
-  part(0.0, corner, 2.0, between);
-  part(card.width() - 2.0, corner, 2.0, between);
+  for (const double y : {0.0, height - end}) {
+    part({0.0, y, corner, end}, {0.0, y, corner, end});
+    part({width - corner, y, corner, end}, {corner + 1.0, y, corner, end});
+  }
+  for (const double y : {0.0, height - line}) {
+    part({corner, y, width - 2.0 * corner, line}, {corner, y, 1.0, line});
+  }
+  part({0.0, end, line, between}, {0.0, end, line, between});
+  part({width - line, end, line, between}, {2.0 * corner + 1.0 - line, end, line, between});
 }
 
-void CardPainter::drawEdge(const QSizeF& size, Appearance appearance, double pixelRatio) {
-  edge_ = {clearImage(size, pixelRatio), appearance, pixelRatio, size};
+// A card of two corners and one point between them.
+void CardPainter::drawEdge(double height, Appearance appearance, double pixelRatio) {
+  const QSizeF size(2.0 * Metrics::cornerRadius + 1.0, height);
+  edge_ = {clearImage(size, pixelRatio), appearance, pixelRatio, height};
   QPainter painter(&edge_.image);
   painter.scale(pixelRatio, pixelRatio);
   painter.setRenderHint(QPainter::Antialiasing);
@@ -146,8 +246,7 @@ void CardPainter::drawEdge(const QSizeF& size, Appearance appearance, double pix
 }
 
 void CardPainter::forget() {
-  slices_ = {};
-  edge_ = {};
+  *this = {};
 }
 
 }  // namespace vorli::ui

@@ -6,18 +6,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdint>
-#include <vector>
 
 namespace vorli::ui {
 namespace {
-
-// Four floats that the compiler keeps in one register; blue, green, red as in memory, then what of the ground
-// shines through.
-using Lanes = float __attribute__((vector_size(16)));
-using WholeLanes = std::int32_t __attribute__((vector_size(16)));
-
-constexpr QRgb opaque = 0xFF000000U;
 
 // An ordered pattern of 8 x 8, each value once, from 0 to 63/64: what is left of a component after rounding
 // down is carried by that share of the pixels.
@@ -30,132 +21,131 @@ constexpr std::array<std::array<std::uint8_t, 8>, 8> ditherPattern{{{0, 32, 8, 4
                                                                     {15, 47, 7, 39, 13, 45, 5, 37},
                                                                     {63, 31, 55, 23, 61, 29, 53, 21}}};
 
-Lanes lanesOf(const Premultiplied& light) {
-  const Lanes colour = Lanes{light.blue, light.green, light.red, 0.0F} * 255.0F;
-  return colour + Lanes{0.0F, 0.0F, 0.0F, 1.0F - light.alpha};
-}
+// A row of the pattern as words of pixels, long enough to be read from any of its eight columns on.
+using DitherRow = std::array<std::array<std::uint16_t, 4>, 12>;
 
-QRgb pixelOf(Lanes value) {
-  const WholeLanes whole = __builtin_convertvector(value, WholeLanes);
-  return opaque | static_cast<QRgb>(whole[2]) << 16 | static_cast<QRgb>(whole[1]) << 8 |
-         static_cast<QRgb>(whole[0]);
-}
-
-// Red, green and blue side by side in one number, 21 bits each: 8 of the component and 13 of its fraction.
-// One multiplication mixes all three.
-constexpr int laneBits = 21, fractionBits = 13;
-constexpr std::uint64_t inEachLane = 1 | std::uint64_t{1} << laneBits | std::uint64_t{1} << 2 * laneBits;
-// Of those 13 bits the paper brings 3 and what shines through of it 10.
-constexpr int paperBits = 3, shareBits = 10;
-
-std::uint64_t packed(double red, double green, double blue, int bits) {
-  const auto lane = [bits](double component) {
-    return static_cast<std::uint64_t>(component * 255.0 * (1 << bits));
-  };
-  return lane(red) << 2 * laneBits | lane(green) << laneBits | lane(blue);
-}
-
-QRgb pixelOf(std::uint64_t lanes) {
-  constexpr int toRed = 2 * laneBits + fractionBits - 16, toGreen = laneBits + fractionBits - 8;
-  return opaque | (static_cast<QRgb>(lanes >> toRed) & 0xFF0000U) |
-         (static_cast<QRgb>(lanes >> toGreen) & 0xFF00U) | (static_cast<QRgb>(lanes >> fractionBits) & 0xFFU);
-}
-
-// A sample of the light, ready to be laid over paper. The share is rounded down, so that no lane runs over.
-struct LaidLight {
-  std::uint64_t light;
-  std::uint64_t paperShare;
-};
-
-std::vector<LaidLight> laid(std::span<const Premultiplied> light) {
-  std::vector<LaidLight> table;
-  table.reserve(light.size() + 1);
-  for (const auto& sample : light) {
-    const double share = std::clamp(1.0 - static_cast<double>(sample.alpha), 0.0, 1.0);
-    table.push_back({packed(sample.red, sample.green, sample.blue, fractionBits),
-                     static_cast<std::uint64_t>(share * (1 << shareBits))});
+constexpr std::array<DitherRow, 8> makeDither() {
+  std::array<DitherRow, 8> rows{};
+  for (std::size_t y = 0; y < rows.size(); ++y) {
+    for (std::size_t x = 0; x < rows[y].size(); ++x) {
+      rows[y][x].fill(static_cast<std::uint16_t>(ditherPattern[y][x & 7] * 4));
+    }
   }
-  table.push_back({0, 1 << shareBits});
-  return table;
+  return rows;
+}
+constexpr auto dither = makeDither();
+
+std::uint16_t word(double component) {
+  return static_cast<std::uint16_t>(std::clamp(component, 0.0, 1.0) * 0xFF00);
+}
+
+// Everything is rounded down, so that no sum runs over its word.
+LaidLight laid(const Premultiplied& light) {
+  constexpr std::uint16_t opaque = 0xFF00;
+  const auto share = static_cast<std::uint16_t>(std::clamp(1.0F - light.alpha, 0.0F, 1.0F) * 0xFFFF);
+  return LaidLight{word(light.blue), word(light.green), word(light.red), opaque, share, share, share, 0};
 }
 
 // The colour of the paper in one row of device pixels.
-std::uint64_t paperAt(int y, const LitPaperPlace& place, const PopoverPalette& palette) {
+Words paperAt(int y, const LitPaperPlace& place, const PopoverPalette& palette) {
   const double below = (y + 0.5 - place.paperTop) / (PopoverMetrics::tallest * place.pixelRatio);
   const Colour colour = mix(palette.paperTop, palette.paperBottom, std::clamp(below, 0.0, 1.0));
-  return packed(colour.red, colour.green, colour.blue, paperBits);
-}
-
-// Half of a row's chord of a circle; none when the row passes outside.
-double halfChord(double radius, double distance) {
-  return distance >= radius ? 0.0 : std::sqrt(radius * radius - distance * distance);
+  const std::uint16_t blue = word(colour.blue), green = word(colour.green), red = word(colour.red);
+  return Words{blue, green, red, 0, blue, green, red, 0};
 }
 
 /// One row of device pixels.
 struct Row {
   QRgb* pixels;
   int left, end;
-  std::uint64_t paper;
-  std::array<std::uint64_t, 8> dither;
+  Words paper;
+  const DitherRow* pattern;
 
-  void put(int x, std::uint64_t lanes) const {
-    pixels[x] = pixelOf(lanes + dither[static_cast<std::size_t>(x & 7)]);
+  bool holds(int x) const { return x >= left && x < end; }
+  void put(int x, Words value) const {
+    pixels[x] = firstPixel(value + loadWords(&(*pattern)[static_cast<std::size_t>(x & 7)]));
   }
-  void fill(int from, int to) const {
-    const std::uint64_t unlit = paper << shareBits;
-    for (int x = std::max(from, left); x < std::min(to, end); ++x) put(x, unlit);
+  void putFour(int x, Words first, Words second) const {
+    const auto* from = &(*pattern)[static_cast<std::size_t>(x & 7)];
+    storePixels(pixels + x, first + loadWords(from), second + loadWords(from + 2));
   }
 };
 
-Row rowOf(QImage& image, int y, const QRect& drawn, std::uint64_t paper) {
-  Row row{reinterpret_cast<QRgb*>(image.scanLine(y)), drawn.left(), drawn.right() + 1, paper, {}};
-  const auto& pattern = ditherPattern[static_cast<std::size_t>(y & 7)];
-  for (std::size_t i = 0; i < row.dither.size(); ++i) {
-    row.dither[i] = inEachLane * (std::uint64_t{pattern[i]} << (fractionBits - 6));
+// What is worked out for a pixel serves its mirror image too. The two go apart from the middle, the left one
+// from `left` and the right one from `right`.
+void paintRow(const Row& row, int left, int right, const std::uint16_t* distances, const LaidLight* table) {
+  const auto onPaper = [&](int i) {
+    const LaidLight &first = table[distances[i]], &second = table[distances[i + 1]];
+    return firstHalves(first, second) + upperProduct(secondHalves(first, second), row.paper);
+  };
+  int i = std::max({0, row.left - right, left - row.end + 1});  // it need not reach the middle
+  const int both = std::min(left - row.left, row.end - 1 - right);
+  for (; i + 3 <= both && right + i >= row.left && left - i < row.end; i += 4) {
+    const Words first = onPaper(i), second = onPaper(i + 2);
+    row.putFour(right + i, first, second);
+    row.putFour(left - i - 3, swappedHalves(second), swappedHalves(first));
   }
-  return row;
-}
-
-// The left half of a row mirrors the right one: what is worked out for a pixel serves two. `twiceCentre` is
-// in whole half pixels.
-void paintLitRow(const Row& row, int twiceCentre, float dySquare, double half, float scale,
-                 const std::vector<LaidLight>& table) {
-  const int first = twiceCentre / 2;
-  const int last = std::max(first, static_cast<int>(std::ceil(twiceCentre / 2.0 + half)));
-  const auto centre = static_cast<float>(twiceCentre) / 2.0F - 0.5F;
-  row.fill(row.left, twiceCentre - last);
-  for (int x = first; x < last; ++x) {
-    const int mirrored = twiceCentre - 1 - x;
-    if (x >= row.end && mirrored < row.left) break;
-    const float dx = static_cast<float>(x) - centre;
-    const auto index = static_cast<std::size_t>(std::sqrt(dx * dx + dySquare) * scale);
-    const LaidLight& sample = table[std::min(index, table.size() - 1)];
-    const std::uint64_t lanes = sample.light + row.paper * sample.paperShare;
-    if (x >= row.left && x < row.end) row.put(x, lanes);
-    if (mirrored >= row.left && mirrored < row.end) row.put(mirrored, lanes);
+  const int last = std::max(left - row.left, row.end - 1 - right);
+  for (; i <= last; ++i) {
+    const LaidLight& sample = table[distances[i]];
+    const Words value = sample + upperProduct(swappedHalves(sample), row.paper);
+    if (row.holds(right + i)) row.put(right + i, value);
+    if (row.holds(left - i)) row.put(left - i, value);
   }
-  row.fill(last, row.end);
 }
 
 }  // namespace
 
-void paintLitPaper(QImage& image, const QRect& area, const LitPaperPlace& place,
-                   const PopoverPalette& palette, std::span<const Premultiplied> light, int samplesPerPoint) {
-  const auto table = laid(light);
-  const double samplesPerPixel = samplesPerPoint / place.pixelRatio;
-  const double reach = static_cast<double>(light.size()) / samplesPerPixel;
-  const int twiceCentre = static_cast<int>(std::lround(2.0 * place.centre.x()));
-  const QRect drawn = area & image.rect();
-  for (int y = drawn.top(); y <= drawn.bottom(); ++y) {
-    const Row row = rowOf(image, y, drawn, paperAt(y, place, palette));
-    const double dy = y + 0.5 - place.centre.y();
-    const double half = halfChord(reach, std::abs(dy));
-    if (half <= 0.0) {
-      row.fill(row.left, row.end);
-    } else {
-      paintLitRow(row, twiceCentre, static_cast<float>(dy * dy), half, static_cast<float>(samplesPerPixel),
-                  table);
+// Beyond the light's end there are samples of nothing, as far as there are distances.
+void LitPaper::lay(std::span<const Premultiplied> light) {
+  const std::size_t farthest = distances_.empty() ? 0 : distances_.back();
+  table_.resize(std::max(farthest + 1, light.size()));
+  std::transform(light.begin(), light.end(), table_.begin(), laid);
+  std::fill(table_.begin() + static_cast<std::ptrdiff_t>(light.size()), table_.end(), laid({}));
+}
+
+void LitPaper::measure(const QRect& area, int twiceCentreX, int twiceCentreY, float samplesPerPixel) {
+  const int parity = (twiceCentreX & 1) << 1 | (twiceCentreY & 1);
+  const auto reach = [](int first, int last, int twiceCentre) {
+    return std::max(twiceCentre - 2 * first, 2 * last + 1 - twiceCentre) / 2 + 2;
+  };
+  const int columns = reach(area.left(), area.right(), twiceCentreX);
+  const int rows = reach(area.top(), area.bottom(), twiceCentreY);
+  const bool isSame = parity == parity_ && samplesPerPixel == samplesPerPixel_ && columns <= columns_;
+  if (isSame && rows <= rows_) return;
+  columns_ = isSame ? columns_ : columns;
+  rows_ = rows;
+  parity_ = parity;
+  samplesPerPixel_ = samplesPerPixel;
+  const auto offset = [](int twiceCentre) { return (twiceCentre & 1) != 0 ? 0.0F : 0.5F; };
+  distances_.clear();
+  distances_.reserve(static_cast<std::size_t>(columns_) * static_cast<std::size_t>(rows_));
+  for (int row = 0; row < rows_; ++row) {
+    const float dy = static_cast<float>(row) + offset(twiceCentreY);
+    for (int column = 0; column < columns_; ++column) {
+      const float dx = static_cast<float>(column) + offset(twiceCentreX);
+      const float samples = std::sqrt(dx * dx + dy * dy) * samplesPerPixel;
+      distances_.push_back(static_cast<std::uint16_t>(std::min(samples, 65535.0F)));
     }
+  }
+}
+
+void LitPaper::paint(QImage& image, const QRect& area, const LitPaperPlace& place,
+                     const PopoverPalette& palette, std::span<const Premultiplied> light,
+                     int samplesPerPoint) {
+  const QRect drawn = area & image.rect();
+  if (drawn.isEmpty()) return;
+  const int twiceCentreX = static_cast<int>(std::lround(2.0 * place.centre.x()));
+  const int twiceCentreY = static_cast<int>(std::lround(2.0 * place.centre.y()));
+  measure(drawn, twiceCentreX, twiceCentreY, static_cast<float>(samplesPerPoint / place.pixelRatio));
+  lay(light);
+  const int right = twiceCentreX / 2, below = twiceCentreY / 2;
+  const int left = twiceCentreX - 1 - right, above = twiceCentreY - 1 - below;
+  for (int y = drawn.top(); y <= drawn.bottom(); ++y) {
+    const Row row{reinterpret_cast<QRgb*>(image.scanLine(y)), drawn.left(), drawn.right() + 1,
+                  paperAt(y, place, palette), &dither[static_cast<std::size_t>(y & 7)]};
+    const auto away = static_cast<std::ptrdiff_t>(y >= below ? y - below : above - y);
+    paintRow(row, left, right, distances_.data() + away * columns_, table_.data());
   }
 }
 
@@ -164,18 +154,19 @@ void paintRoundLight(QImage& image, const QRect& clip, QPointF centre, std::span
   const double reach = static_cast<double>(light.size()) / samplesPerPixel;
   const QRect box = QRectF(centre.x() - reach, centre.y() - reach, 2.0 * reach, 2.0 * reach).toAlignedRect() &
                     clip & image.rect();
-  const Lanes half = Lanes{} + 0.5F;
+  std::vector<LaidLight> table(light.size());
+  std::transform(light.begin(), light.end(), table.begin(), laid);
+  const auto scale = static_cast<float>(samplesPerPixel);
+  const Words half = Words{} + std::uint16_t{0x80};
   for (int y = box.top(); y <= box.bottom(); ++y) {
     auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
-    const double dy = y + 0.5 - centre.y();
+    const auto dy = static_cast<float>(y + 0.5 - centre.y());
     for (int x = box.left(); x <= box.right(); ++x) {
-      const double dx = x + 0.5 - centre.x();
-      const auto index = static_cast<std::size_t>(std::sqrt(dx * dx + dy * dy) * samplesPerPixel);
-      if (index >= light.size()) continue;
-      const Lanes sample = lanesOf(light[index]);
-      const Lanes ground{static_cast<float>(qBlue(row[x])), static_cast<float>(qGreen(row[x])),
-                         static_cast<float>(qRed(row[x])), 0.0F};
-      row[x] = pixelOf(sample + ground * sample[3] + half);
+      const auto dx = static_cast<float>(x + 0.5 - centre.x());
+      const auto index = static_cast<std::size_t>(std::sqrt(dx * dx + dy * dy) * scale);
+      if (index >= table.size()) continue;
+      const LaidLight& sample = table[index];
+      row[x] = firstPixel(sample + upperProduct(swappedHalves(sample), wordsOf(row[x])) + half);
     }
   }
 }

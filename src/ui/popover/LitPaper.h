@@ -1,12 +1,15 @@
 #pragma once
 
 #include "ui/popover/BlurredProfile.h"
+#include "ui/popover/PixelWords.h"
 #include "ui/popover/PopoverPalette.h"
 
 #include <QImage>
 #include <QPointF>
 #include <QRect>
+#include <cstdint>
 #include <span>
+#include <vector>
 
 namespace vorli::ui {
 
@@ -14,13 +17,32 @@ namespace vorli::ui {
 struct LitPaperPlace {
   double pixelRatio = 1.0;
   double paperTop = 0.0;  // device pixels, as the centre
-  QPointF centre;
+  QPointF centre;         // on whole or half pixels
 };
 
-/// Fills the pixels of `area` with the card's paper and `light`, given by samples along the radius. Both are
-/// summed up with fractions and dithered once, so that neither shows bands. One pass, no cache.
-void paintLitPaper(QImage& image, const QRect& area, const LitPaperPlace& place,
-                   const PopoverPalette& palette, std::span<const Premultiplied> light, int samplesPerPoint);
+/// A sample of light along the radius, ready to be laid over a pixel: its own colour, then how much of the
+/// ground shines through, four times.
+using LaidLight = Words;
+
+/// Paints the card's paper with a round light on it. Both are summed up with fractions and dithered once, so
+/// that neither shows bands. How far each pixel lies from the centre is kept from picture to picture.
+class LitPaper {
+ public:
+  /// Fills the pixels of `area`; `light` by samples along the radius.
+  void paint(QImage& image, const QRect& area, const LitPaperPlace& place, const PopoverPalette& palette,
+             std::span<const Premultiplied> light, int samplesPerPoint);
+
+ private:
+  void measure(const QRect& area, int twiceCentreX, int twiceCentreY, float samplesPerPixel);
+  void lay(std::span<const Premultiplied> light);
+
+  // Of a quarter of the plane, in samples: the light is round.
+  std::vector<std::uint16_t> distances_;
+  int columns_ = 0, rows_ = 0;
+  int parity_ = 0;  // whether the centre lies on half pixels
+  float samplesPerPixel_ = 0.0F;
+  std::vector<LaidLight> table_;
+};
 
 /// Lays a small round light over opaque pixels; `samples` to a device pixel along the radius.
 void paintRoundLight(QImage& image, const QRect& clip, QPointF centre, std::span<const Premultiplied> light,

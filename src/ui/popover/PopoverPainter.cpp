@@ -1,11 +1,9 @@
 #include "ui/popover/PopoverPainter.h"
 
-#include "ui/popover/LitPaper.h"
 #include "ui/popover/PopoverLayout.h"
 #include "ui/popover/SparkPainter.h"
 
 #include <QPainter>
-#include <QPainterPath>
 #include <algorithm>
 #include <cmath>
 
@@ -16,13 +14,6 @@ using Metrics = PopoverMetrics;
 
 double onPixel(double value, double pixelRatio) {
   return std::round(value * pixelRatio) / pixelRatio;
-}
-
-// Whether the card hides all that lies under it there: its corners do not.
-bool covers(const QRectF& card, const QRectF& dirty) {
-  const double corner = CardPainter::radiusOf(card);
-  return card.adjusted(corner, 0.0, -corner, 0.0).contains(dirty) ||
-         card.adjusted(0.0, corner, 0.0, -corner).contains(dirty);
 }
 
 }  // namespace
@@ -45,18 +36,29 @@ void PopoverPainter::paint(QPainter& painter, const QPointF& origin, const Popov
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setClipRect(dirty, Qt::IntersectClip);
-  if (!covers(card, dirty)) {
-    if (frame == Frame::shadow) card_.paintShadow(painter, card, picture.appearance, pixelRatio);
-    if (frame == Frame::hairline) CardPainter::paintGround(painter, dirty, picture.appearance);
-  }
+  paintAround(painter, card, picture.appearance, frame, dirty, pixelRatio);
   const QRectF drawn = (dirty & card).translated(-card.topLeft());
   const QRect area = QRectF(drawn.topLeft() * pixelRatio, drawn.size() * pixelRatio).toAlignedRect();
   compose(picture, origin - card.topLeft(), area, pixelRatio);
-  paintCard(painter, card, dirty, pixelRatio);
+  card_.paintContent(painter, card, dirty, composed_, pixelRatio);
   if (!card.adjusted(2.0, 2.0, -2.0, -2.0).contains(dirty)) {
     card_.paintInnerHairline(painter, card, picture.appearance, pixelRatio);
   }
   painter.restore();
+}
+
+// Only what the card does not hide.
+void PopoverPainter::paintAround(QPainter& painter, const QRectF& card, Appearance appearance, Frame frame,
+                                 const QRectF& dirty, double pixelRatio) {
+  if (frame == Frame::hairline && !card.contains(dirty)) {
+    return CardPainter::paintGround(painter, dirty, appearance);
+  }
+  for (const QRectF& open : CardPainter::openParts(card, pixelRatio)) {
+    const QRectF part = open & dirty;
+    if (part.isEmpty()) continue;
+    if (frame == Frame::shadow) card_.paintShadow(painter, card, part, appearance, pixelRatio);
+    if (frame == Frame::hairline) CardPainter::paintGround(painter, part, appearance);
+  }
 }
 
 // `content` is where the content's origin lies in the composed image, in points.
@@ -69,8 +71,8 @@ void PopoverPainter::compose(const PopoverPicture& picture, const QPointF& conte
   const auto& palette = PopoverPalette::of(picture.appearance);
   const double centreY = std::round((content.y() + picture.ringCentreY) * pixelRatio);
   const QPointF centre(Metrics::centreX * pixelRatio, centreY);
-  paintLitPaper(composed_, area, {pixelRatio, content.y() * pixelRatio, centre}, palette,
-                light_.sample(picture), RingLight::samplesPerPoint);
+  paper_.paint(composed_, area, {pixelRatio, content.y() * pixelRatio, centre}, palette,
+               light_.sample(picture), RingLight::samplesPerPoint);
   if (picture.contentOpacity <= 0.0) return;
   {
     QPainter painter(&composed_);
@@ -95,33 +97,9 @@ void PopoverPainter::compose(const PopoverPicture& picture, const QPointF& conte
   }
 }
 
-// Blits what has no corner, and fills the two ends with their rounded shape.
-void PopoverPainter::paintCard(QPainter& painter, const QRectF& card, const QRectF& dirty,
-                               double pixelRatio) const {
-  const double corner = std::ceil(CardPainter::radiusOf(card));
-  const QRectF middle = card.adjusted(0.0, corner, 0.0, -corner);
-  const QRectF blit = middle & dirty;
-  if (blit.isValid() && !blit.isEmpty()) {
-    painter.drawImage(blit, composed_,
-                      QRectF((blit.topLeft() - card.topLeft()) * pixelRatio, blit.size() * pixelRatio));
-  }
-  if (middle.contains(dirty & card)) return;
-  QBrush paper(composed_);
-  paper.setTransform(QTransform::fromTranslate(card.x(), card.y()).scale(1.0 / pixelRatio, 1.0 / pixelRatio));
-  painter.setPen(Qt::NoPen);
-  painter.setBrush(paper);
-  const double radius = CardPainter::radiusOf(card);
-  const double height = std::min(corner, card.height() / 2.0);
-  for (const double top : {card.top(), card.bottom() - height}) {
-    painter.save();
-    painter.setClipRect(QRectF(card.left(), top, card.width(), height), Qt::IntersectClip);
-    painter.drawRoundedRect(card, radius, radius);
-    painter.restore();
-  }
-}
-
 void PopoverPainter::forget() {
   light_ = {};
+  paper_ = {};
   ring_.forget();
   words_.forget();
   card_.forget();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/popover/CardPainter.h"
+#include "ui/popover/LitPaper.h"
 #include "ui/popover/PopoverPicture.h"
 #include "ui/popover/RingLight.h"
 #include "ui/popover/RingPainter.h"
@@ -28,17 +29,19 @@ class PopoverPainter {
   /// The card's rectangle, on device pixels.
   static QRectF cardOf(const QPointF& origin, const PopoverPicture& picture, double pixelRatio);
 
-  /// All that changes with the halo's breath alone, relative to the content's origin.
+  /// All that the ring and its halo reach, relative to the content's origin.
   static QRectF haloOf(const PopoverPicture& picture);
 
   /// Drops what is kept; the next picture costs as much as the first.
   void forget();
 
  private:
+  void paintAround(QPainter& painter, const QRectF& card, Appearance appearance, Frame frame,
+                   const QRectF& dirty, double pixelRatio);
   void compose(const PopoverPicture& picture, const QPointF& card, const QRect& area, double pixelRatio);
-  void paintCard(QPainter& painter, const QRectF& card, const QRectF& dirty, double pixelRatio) const;
 
   RingLight light_;
+  LitPaper paper_;
   RingPainter ring_;
   WordsPainter words_;
   CardPainter card_;

@@ -10,7 +10,8 @@
 namespace vorli::ui {
 namespace {
 
-constexpr float turn = 2.0F * std::numbers::pi_v<float>;
+constexpr float wholeTurn = 2.0F * std::numbers::pi_v<float>;
+constexpr float turnUnits = 65536.0F, fullCoverage = 255.0F;
 
 float covered(float inside) {
   return std::clamp(inside + 0.5F, 0.0F, 1.0F);
@@ -24,13 +25,6 @@ QRgb toPixel(const Premultiplied& value) {
   return byte(value.alpha) << 24 | byte(value.red) << 16 | byte(value.green) << 8 | byte(value.blue);
 }
 
-Premultiplied ofPixel(QRgb pixel) {
-  constexpr float unit = 1.0F / 255.0F;
-  return Premultiplied{static_cast<float>(qRed(pixel)), static_cast<float>(qGreen(pixel)),
-                       static_cast<float>(qBlue(pixel)), static_cast<float>(qAlpha(pixel))} *
-         unit;
-}
-
 /// The arc with all that does not change from pixel to pixel.
 class Band {
  public:
@@ -39,27 +33,38 @@ class Band {
         half_(static_cast<float>(arc.width / 2.0)),
         progress_(static_cast<float>(std::clamp(arc.progress, 0.0, 1.0))),
         hasArc_(arc.progress > RingArc::leastProgress),
-        endX_(radius_ * std::sin(progress_ * turn)),
-        endY_(-radius_ * std::cos(progress_ * turn)),
+        endX_(radius_ * std::sin(progress_ * wholeTurn)),
+        endY_(-radius_ * std::cos(progress_ * wholeTurn)),
         track_(Premultiplied::of(arc.track, arc.track.alpha)),
         head_(Premultiplied::of(arc.head, 1.0)),
-        tail_(Premultiplied::of(arc.tail, 1.0)) {
-    const float cap = std::asin(half_ / radius_) / turn;
-    seam_ = std::max((progress_ + 1.0F) / 2.0F, std::min(progress_ + cap, 0.999F));
+        tail_(Premultiplied::of(arc.tail, 1.0)),
+        cap_(std::asin(half_ / radius_) / wholeTurn),
+        trackPixel_(toPixel(track_)) {
+    seam_ = std::max((progress_ + 1.0F) / 2.0F, std::min(progress_ + cap_, 0.999F));
+    for (std::size_t i = 0; i < arcPixels_.size(); ++i) {
+      arcPixels_[i] = toPixel(along((static_cast<float>(i) + 0.5F) / static_cast<float>(arcPixels_.size())));
+    }
   }
 
-  float outer() const { return radius_ + half_ + 1.0F; }
-  float inner() const { return radius_ - half_ - 1.0F; }
+  QRgb inside(float turn) const {
+    if (hasArc_ && turn <= progress_) {
+      const float place = turn / progress_ * static_cast<float>(arcPixels_.size());
+      return arcPixels_[std::min(static_cast<std::size_t>(place), arcPixels_.size() - 1)];
+    }
+    return trackPixel_;
+  }
 
-  Premultiplied at(float dx, float dy) const {
-    const float distance = std::sqrt(dx * dx + dy * dy);
-    const float band = covered(half_ - std::abs(distance - radius_));
-    const Premultiplied track = track_ * band;
-    if (!hasArc_ || band == 0.0F) return track;
-    float share = std::atan2(dx, -dy) / turn;  // clockwise from the top
-    if (share < 0.0F) share += 1.0F;
-    const float arc = share <= progress_ ? band : endsCover(dx, dy);
-    return (colourAt(share) * arc).over(track);
+  /// Whether a round end of the arc may reach there.
+  bool isAtEnd(float turn) const {
+    const float reach = 1.3F * cap_;
+    return hasArc_ && turn > progress_ && (turn < progress_ + reach || turn > 1.0F - reach);
+  }
+
+  QRgb at(float dx, float dy, float turn, float coverage) const {
+    const Premultiplied track = track_ * coverage;
+    if (!hasArc_) return toPixel(track);
+    const float arc = turn <= progress_ ? coverage : isAtEnd(turn) ? endsCover(dx, dy) : 0.0F;
+    return toPixel((colourAt(turn) * arc).over(track));
   }
 
  private:
@@ -68,45 +73,65 @@ class Band {
     return covered(half_ - std::min(fromStart, fromEnd));
   }
 
-  Premultiplied colourAt(float share) const {
-    if (share > progress_) return share < seam_ ? head_ : tail_;
-    const float along = share / progress_;
-    return head_ * along + tail_ * (1.0F - along);
+  Premultiplied along(float share) const { return head_ * share + tail_ * (1.0F - share); }
+
+  Premultiplied colourAt(float turn) const {
+    if (turn > progress_) return turn < seam_ ? head_ : tail_;
+    return along(turn / progress_);
   }
 
   float radius_, half_, progress_;
   bool hasArc_;
   float endX_, endY_;
   Premultiplied track_, head_, tail_;
-  float seam_;
+  float cap_, seam_ = 1.0F;
+  QRgb trackPixel_;
+  std::array<QRgb, 256> arcPixels_{};
 };
-
-void paintPixels(QRgb* row, int first, int end, float centreX, float dy, const Band& band) {
-  for (int x = first; x < end; ++x) {
-    const Premultiplied value = band.at(static_cast<float>(x) + 0.5F - centreX, dy);
-    if (value.alpha > 0.0F) row[x] = toPixel(value.over(ofPixel(row[x])));
-  }
-}
 
 }  // namespace
 
-void RingArc::paint(QImage& image) const {
-  const Band band(*this);
-  const auto centreX = static_cast<float>(centre.x()), centreY = static_cast<float>(centre.y());
-  const int top = std::max(0, static_cast<int>(std::floor(centreY - band.outer())));
-  const int bottom = std::min(image.height() - 1, static_cast<int>(std::ceil(centreY + band.outer())));
-  const auto column = [&](float x) { return std::clamp(static_cast<int>(x), 0, image.width()); };
-  for (int y = top; y <= bottom; ++y) {
-    const float dy = static_cast<float>(y) + 0.5F - centreY;
-    if (std::abs(dy) >= band.outer()) continue;
-    const float far = std::sqrt(band.outer() * band.outer() - dy * dy);
-    const float near = std::abs(dy) < band.inner() ? std::sqrt(band.inner() * band.inner() - dy * dy) : 0.0F;
-    auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
-    const int middle = column(centreX);
-    paintPixels(row, column(centreX - far - 1.0F), std::min(middle, column(centreX - near + 1.0F)), centreX,
-                dy, band);
-    paintPixels(row, std::max(middle, column(centreX + near - 1.0F)), column(centreX + far + 2.0F), centreX,
-                dy, band);
+void RingBand::measure(const QSize& size, const RingArc& arc) {
+  if (size_ == size && radius_ == arc.radius && width_ == arc.width) return;
+  size_ = size;
+  radius_ = arc.radius;
+  width_ = arc.width;
+  places_.clear();
+  const auto centreX = static_cast<float>(size.width()) / 2.0F;
+  const auto centreY = static_cast<float>(size.height()) / 2.0F;
+  const auto radius = static_cast<float>(arc.radius), half = static_cast<float>(arc.width / 2.0);
+  for (int y = 0; y < size.height(); ++y) {
+    for (int x = 0; x < size.width(); ++x) {
+      const float dx = static_cast<float>(x) + 0.5F - centreX, dy = static_cast<float>(y) + 0.5F - centreY;
+      const float distance = std::sqrt(dx * dx + dy * dy);
+      if (std::abs(distance - radius) >= half + 0.5F) continue;
+      const float coverage = covered(half - std::abs(distance - radius));
+      const float turn = std::atan2(dx, -dy) / wholeTurn;
+      const float units = (turn < 0.0F ? turn + 1.0F : turn) * turnUnits;
+      places_.push_back({static_cast<std::uint16_t>(x), static_cast<std::uint16_t>(y),
+                         static_cast<std::uint16_t>(std::min(units, turnUnits - 1.0F)),
+                         static_cast<std::uint8_t>(std::lround(coverage * fullCoverage))});
+    }
+  }
+}
+
+void RingBand::paint(QImage& image, const RingArc& arc) {
+  measure(image.size(), arc);
+  const Band band(arc);
+  const float centreX = static_cast<float>(image.width()) / 2.0F;
+  const float centreY = static_cast<float>(image.height()) / 2.0F;
+  auto* pixels = reinterpret_cast<QRgb*>(image.bits());
+  const auto stride = static_cast<std::ptrdiff_t>(image.bytesPerLine() / 4);
+  for (const auto& place : places_) {
+    const float turn = static_cast<float>(place.turn) / turnUnits;
+    QRgb& pixel = pixels[place.y * stride + place.x];
+    if (place.coverage == 255 && !band.isAtEnd(turn)) {
+      pixel = band.inside(turn);
+    } else {
+      pixel =
+          band.at(static_cast<float>(place.x) + 0.5F - centreX, static_cast<float>(place.y) + 0.5F - centreY,
+                  turn, static_cast<float>(place.coverage) / fullCoverage);
+    }
   }
 }
 

@@ -28,16 +28,9 @@ double haloAt(double position) {
 
 constexpr double invisible = 0.002;  // half a step of 255 at the most
 
-// Steps of half a point of blur are finer than those of one frame.
-const RadialProfile& profileOf(std::map<int, RadialProfile>& known, const AuroraLayer& layer) {
-  const int key = static_cast<int>(std::lround(layer.blur * 2.0));
-  auto found = known.find(key);
-  // The deviation of the bell curve is half the radius of the blur.
-  if (found == known.end()) {
-    found = known.emplace(key, RadialProfile::blurred(layer.gradient, key / 4.0)).first;
-  }
-  return found->second;
-}
+// A blur that changes from frame to frame would need a new profile in each, which takes as long as the
+// painting.
+constexpr double blurStep = 4.0;
 
 }  // namespace
 
@@ -49,6 +42,19 @@ const std::vector<Premultiplied>& RingLight::sample(const PopoverPicture& pictur
   add(leaks_, picture.aurora.leak, 1.0);
   addHalo(picture, palette);
   return samples_;
+}
+
+RadialProfile RingLight::profileOf(Profiles& known, const AuroraLayer& layer) {
+  const auto exact = [&](int step) -> const RadialProfile& {
+    const auto found = known.find(step);
+    if (found != known.end()) return found->second;
+    // The deviation of the bell curve is half the radius of the blur.
+    return known.emplace(step, RadialProfile::blurred(layer.gradient, step * blurStep / 2.0)).first->second;
+  };
+  const double place = std::max(layer.blur / blurStep, 1.0);
+  const int step = static_cast<int>(place);
+  const double share = place - step;
+  return share == 0.0 ? exact(step) : RadialProfile::between(exact(step), exact(step + 1), share);
 }
 
 // The cloud's colour changes with the ring, its form does not: what is kept is white.
@@ -70,8 +76,9 @@ void RingLight::lay(const RadialProfile& profile, double scale, double opacity, 
   const auto count = static_cast<std::size_t>(std::ceil(reach * samplesPerPoint));
   if (samples_.size() < count) samples_.resize(count);
   const auto share = static_cast<float>(opacity);
+  const auto stopsPerSample = static_cast<float>(RadialProfile::intervals / (reach * samplesPerPoint));
   for (std::size_t i = 0; i < count; ++i) {
-    Premultiplied light = profile.at((static_cast<double>(i) + 0.5) / samplesPerPoint / scale) * share;
+    Premultiplied light = profile.atStop((static_cast<float>(i) + 0.5F) * stopsPerSample) * share;
     if (tint) light = Premultiplied::of(*tint, light.alpha);
     samples_[i] = light.over(samples_[i]);
   }

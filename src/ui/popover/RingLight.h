@@ -22,11 +22,12 @@ class RingLight {
   const std::vector<Premultiplied>& sample(const PopoverPicture& picture);
 
  private:
-  // By the blur in half points.
+  // By the blur in steps.
   using Profiles = std::map<int, RadialProfile>;
 
   void add(Profiles& known, const AuroraLayer& layer, double share);
   void addCloud(const AuroraLayer& layer, double share);
+  static RadialProfile profileOf(Profiles& known, const AuroraLayer& layer);
   void lay(const RadialProfile& profile, double scale, double opacity, const Colour* tint);
   void addHalo(const PopoverPicture& picture, const PopoverPalette& palette);
 

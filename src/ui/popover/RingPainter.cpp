@@ -3,12 +3,13 @@
 #include "base/Animated.h"
 #include "ui/QtColour.h"
 #include "ui/popover/PopoverLayout.h"
-#include "ui/popover/RingArc.h"
 #include "ui/popover/TextStyle.h"
 
 #include <QLinearGradient>
 #include <QPainter>
+#include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <numbers>
 
 namespace vorli::ui {
@@ -70,12 +71,14 @@ class RingDrawing {
     painter_.drawEllipse(QPointF(), rim, rim);
   }
 
-  void beadAndFocus() const {
-    if (ring_.progress > beadFrom) {
-      painter_.setPen(Qt::NoPen);
-      painter_.setBrush(qtColour(palette_.bead));
-      painter_.drawEllipse(onCircle(Metrics::ringRadius, ring_.progress), beadRadius, beadRadius);
-    }
+  void bead() const {
+    if (ring_.progress <= beadFrom) return;
+    painter_.setPen(Qt::NoPen);
+    painter_.setBrush(qtColour(palette_.bead));
+    painter_.drawEllipse(onCircle(Metrics::ringRadius, ring_.progress), beadRadius, beadRadius);
+  }
+
+  void focus() const {
     if (!ring_.button.focused) return;
     painter_.setBrush(Qt::NoBrush);
     painter_.setPen(QPen(qtColour(palette_.focus), focusWidth));
@@ -119,47 +122,68 @@ void preparePainter(QPainter& painter, double scale) {
   painter.scale(scale, scale);
 }
 
+// What the band changes is left out. The dots have its colour.
+RingPicture baseOf(RingPicture ring) {
+  ring.progress = 0.0;
+  const bool showsDots =
+      std::any_of(ring.dots.begin(), ring.dots.end(), [](const auto& dot) { return dot.opacity > 0.0; });
+  if (!showsDots) ring.stateColour = {};
+  return ring;
+}
+
+QImage clearSquare(int side) {
+  QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
+  image.fill(Qt::transparent);
+  return image;
+}
+
 }  // namespace
 
 const QImage& RingPainter::draw(const RingPicture& ring, Appearance appearance, double pixelRatio) {
   const int side = 2 * static_cast<int>(std::ceil(reach * pixelRatio));
-  if (image_.width() == side && drawn_ == ring && appearance_ == appearance) return image_;
-  if (image_.width() != side) image_ = QImage(side, side, QImage::Format_ARGB32_Premultiplied);
-  image_.fill(Qt::transparent);
-  drawn_ = ring;
-  appearance_ = appearance;
-
-  const double scale = pixelRatio * ring.scale;
-  {
-    QPainter painter(&image_);
-    preparePainter(painter, scale);
-    const RingDrawing drawing(painter, ring, appearance);
-    painter.scale(drawing.lensScale(), drawing.lensScale());
-    drawing.lens();
+  const bool isOfOtherKind = image_.width() != side || appearance_ != appearance;
+  if (!isOfOtherKind && drawn_ == ring) return image_;
+  if (isOfOtherKind) {
+    image_ = clearSquare(side);
+    base_ = clearSquare(side);
+    drawnBase_.reset();
+    appearance_ = appearance;
   }
+  drawn_ = ring;
+  const double scale = pixelRatio * ring.scale;
+  if (const auto base = baseOf(ring); drawnBase_ != base) {
+    drawBase(base, scale);
+    drawnBase_ = base;
+  }
+  std::memcpy(image_.bits(), base_.constBits(), static_cast<std::size_t>(base_.sizeInBytes()));
   const auto& palette = PopoverPalette::of(appearance);
   const Colour ink = themeOf(appearance).ringInk(ring.stateColour);
-  RingArc{.centre = {side / 2.0, side / 2.0},
-          .radius = Metrics::ringRadius * scale,
-          .width = Metrics::ringWidth * scale,
-          .progress = ring.progress,
-          .track = palette.track,
-          .head = ink,
-          .tail = blend(ink, palette.arcTailGround, tailPaleness)}
-      .paint(image_);
+  band_.paint(image_, {.radius = Metrics::ringRadius * scale,
+                       .width = Metrics::ringWidth * scale,
+                       .progress = ring.progress,
+                       .track = palette.track,
+                       .head = ink,
+                       .tail = blend(ink, palette.arcTailGround, tailPaleness)});
   QPainter painter(&image_);
   preparePainter(painter, scale);
-  const RingDrawing drawing(painter, ring, appearance);
-  drawing.beadAndFocus();
-  painter.scale(drawing.lensScale(), drawing.lensScale());
-  drawing.label();
-  drawing.dots();
+  RingDrawing(painter, ring, appearance).bead();
   return image_;
 }
 
+void RingPainter::drawBase(const RingPicture& ring, double scale) {
+  base_.fill(Qt::transparent);
+  QPainter painter(&base_);
+  preparePainter(painter, scale);
+  const RingDrawing drawing(painter, ring, appearance_);
+  drawing.focus();
+  painter.scale(drawing.lensScale(), drawing.lensScale());
+  drawing.lens();
+  drawing.label();
+  drawing.dots();
+}
+
 void RingPainter::forget() {
-  image_ = {};
-  drawn_.reset();
+  *this = {};
 }
 
 }  // namespace vorli::ui

@@ -2,6 +2,7 @@
 
 #include "ui/popover/PopoverPalette.h"
 #include "ui/popover/PopoverPicture.h"
+#include "ui/popover/RingArc.h"
 
 #include <QImage>
 #include <optional>
@@ -11,7 +12,7 @@ class QPainter;
 namespace vorli::ui {
 
 /// Draws the ring with its glass, arc, word or dots on a clear ground, and keeps the picture until another
-/// one is asked for.
+/// one is asked for; what the arc does not change is kept apart.
 class RingPainter {
  public:
   /// Half the side of the picture, in points: the grown ring with its overshoot.
@@ -22,8 +23,11 @@ class RingPainter {
   void forget();
 
  private:
-  QImage image_;
-  std::optional<RingPicture> drawn_;
+  void drawBase(const RingPicture& ring, double scale);
+
+  QImage image_, base_;  // base: all but the band and its bead
+  std::optional<RingPicture> drawn_, drawnBase_;
+  RingBand band_;
   Appearance appearance_ = Appearance::light;
 };
 

@@ -12,8 +12,8 @@ constexpr int samplesPerPoint = 4;
 QImage paper(const QSize& size, std::span<const Premultiplied> light, double pixelRatio = 1.0,
              Appearance appearance = Appearance::dark) {
   QImage image(size, QImage::Format_RGB32);
-  paintLitPaper(image, image.rect(), {pixelRatio, 0.0, {size.width() / 2.0, size.height() / 2.0}},
-                PopoverPalette::of(appearance), light, samplesPerPoint);
+  LitPaper().paint(image, image.rect(), {pixelRatio, 0.0, {size.width() / 2.0, size.height() / 2.0}},
+                   PopoverPalette::of(appearance), light, samplesPerPoint);
   return image;
 }
 
@@ -82,8 +82,8 @@ TEST(LitPaper, lightIsAsWideAtEveryPixelRatio) {
 TEST(LitPaper, onlyTheAskedAreaIsTouched) {
   QImage image(32, 32, QImage::Format_RGB32);
   image.fill(Qt::green);
-  paintLitPaper(image, {8, 8, 8, 8}, {1.0, 0.0, {16.0, 16.0}}, PopoverPalette::of(Appearance::dark), {},
-                samplesPerPoint);
+  LitPaper().paint(image, {8, 8, 8, 8}, {1.0, 0.0, {16.0, 16.0}}, PopoverPalette::of(Appearance::dark), {},
+                   samplesPerPoint);
   EXPECT_EQ(image.pixelColor(7, 8), QColor(Qt::green));
   EXPECT_EQ(image.pixelColor(8, 16), QColor(Qt::green));
   EXPECT_NE(image.pixelColor(8, 8), QColor(Qt::green));

@@ -57,6 +57,25 @@ TEST(RadialProfile, isDarkBeyondItsEnd) {
   EXPECT_EQ(cloud.at(160.0).alpha, 0.0F);
 }
 
+void expectBetween(const AuroraGradient& gradient, double deviation) {
+  const auto from = RadialProfile::blurred(gradient, deviation - 1.0);
+  const auto to = RadialProfile::blurred(gradient, deviation + 1.0);
+  const auto exact = RadialProfile::blurred(gradient, deviation);
+  const auto between = RadialProfile::between(from, to, 0.5);
+  constexpr float halfAStep = 0.5F / 255.0F;
+  for (int radius = 0; radius < 190; ++radius) {
+    EXPECT_NEAR(between.at(radius).alpha, exact.at(radius).alpha, halfAStep) << deviation << " at " << radius;
+    EXPECT_NEAR(between.at(radius).green, exact.at(radius).green, halfAStep) << deviation << " at " << radius;
+  }
+}
+
+TEST(RadialProfile, profileBetweenTwoBlursIsThatOfTheBlurBetween) {
+  for (double deviation = 7.0; deviation <= 13.0; deviation += 2.0)
+    expectBetween(aurora().bloom.gradient, deviation);
+  for (double deviation = 15.0; deviation <= 23.0; deviation += 2.0)
+    expectBetween(aurora().warmCloud.gradient, deviation);
+}
+
 TEST(RadialProfile, lightOverLightAddsUp) {
   const Premultiplied half = Premultiplied::of({1.0, 1.0, 1.0}, 0.5);
   EXPECT_NEAR(half.over(half).alpha, 0.75, 1e-6);
