@@ -1,9 +1,11 @@
 // vorli_popover_bench ROUNDS: processor time of one frame of the popover, painted as the program paints it
-// and in the plain way, in turn, as JSON. bench/run drives it.
+// and in the plain way, in turn, as JSON: at rest, and where a polish has most to paint. Each round begins
+// with a painter that has kept nothing. bench/run drives it.
 
 #include "ambient/RingGradient.h"
 #include "bench/DirectPopover.h"
 #include "tests/fakes/ManualScheduler.h"
+#include "ui/popover/ChangedPart.h"
 #include "ui/popover/PopoverPainter.h"
 
 #include <QApplication>
@@ -12,6 +14,8 @@
 #include <cstdlib>
 #include <ctime>
 #include <functional>
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace {
@@ -27,20 +31,22 @@ double processorMicroseconds() {
   return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_nsec) / 1e3;
 }
 
-// One frame after the other of a polish between two moments, or of the breath at rest.
-std::vector<ui::PopoverPicture> frames(double from, double to, int count) {
+constexpr double secondsPerFrame = 1.0 / 60.0;
+constexpr double busiestFrom = 0.9, busiestTo = 1.5;  // of a polish: all three lights, and all sparks
+
+// The popover's frames from the start of a polish until after its busiest time, or of the breath at rest.
+std::vector<ui::PopoverPicture> frames(bool polishes, int count) {
   fakes::ManualScheduler clock;
   AuroraField aurora(clock);
   Animated<double> progress(clock, 0.91);
   const double start = clock.now();
-  const bool polishes = to > from;
   if (polishes) {
     aurora.clearTriggered();
     withAnimation(Animation::timingCurve({0.55, 0.055, 0.675, 0.19}, 1.85), [&] { progress = 0.0; });
   }
   std::vector<ui::PopoverPicture> pictures;
   for (int i = 0; i < count; ++i) {
-    clock.advanceTo(start + from + (to - from) * i / count);
+    clock.advanceTo(start + i * secondsPerFrame);
     ui::PopoverPicture picture;
     picture.ring.progress = progress.shown();
     picture.ring.stateColour = ringGradientColour(picture.ring.progress);
@@ -78,31 +84,40 @@ void print(const char* name, const std::vector<double>& values) {
   std::printf("]");
 }
 
-void measure(const char* name, const std::vector<ui::PopoverPicture>& pictures, double ratio, bool haloOnly) {
-  Window window(ratio);
-  ui::PopoverPainter popover;
-  std::vector<double> own, direct;
-  const QRectF whole({0.0, 0.0}, windowSize);
-  for (const auto& picture : pictures) {
-    const QRectF dirty = haloOnly ? ui::PopoverPainter::haloOf(picture).translated(origin) : whole;
-    own.push_back(window.measure([&](QPainter& painter) {
-      popover.paint(painter, origin, picture, ui::PopoverPainter::Frame::shadow, own.empty() ? whole : dirty,
-                    ratio);
-    }));
-    direct.push_back(window.measure([&](QPainter& painter) {
-      painter.translate(origin);
-      bench::paintPopoverDirectly(painter, picture);
-    }));
+struct Series {
+  std::vector<double> first, own, direct;
+
+  // One run through the pictures with nothing kept from before. The first frame draws what is kept; of the
+  // others those from `begin` on count.
+  void run(const std::vector<ui::PopoverPicture>& pictures, double ratio, std::size_t begin) {
+    Window window(ratio);
+    ui::PopoverPainter popover;
+    const QRectF whole({0.0, 0.0}, windowSize);
+    for (std::size_t i = 0; i < pictures.size(); ++i) {
+      const auto changed = i == 0 ? std::nullopt : ui::changedPart(pictures[i - 1], pictures[i]);
+      const QRectF dirty = changed ? changed->translated(origin) : whole;
+      const double ownTime = window.measure([&](QPainter& painter) {
+        popover.paint(painter, origin, pictures[i], ui::PopoverPainter::Frame::shadow, dirty, ratio);
+      });
+      const double directTime = window.measure([&](QPainter& painter) {
+        painter.translate(origin);
+        bench::paintPopoverDirectly(painter, pictures[i]);
+      });
+      if (i == 0) first.push_back(ownTime);
+      if (i == 0 || i < begin) continue;
+      own.push_back(ownTime);
+      direct.push_back(directTime);
+    }
   }
-  // The first frame draws what is kept.
-  print((std::string(name) + " first").c_str(), {own.front()});
-  std::printf(",");
-  own.erase(own.begin());
-  direct.erase(direct.begin());
-  print((std::string(name) + " own").c_str(), own);
-  std::printf(",");
-  print((std::string(name) + " direct").c_str(), direct);
-}
+
+  void print(const std::string& name) const {
+    ::print((name + " first").c_str(), first);
+    std::printf(",");
+    ::print((name + " own").c_str(), own);
+    std::printf(",");
+    ::print((name + " direct").c_str(), direct);
+  }
+};
 
 }  // namespace
 
@@ -110,14 +125,20 @@ int main(int argc, char** argv) {
   qunsetenv("DISPLAY");
   qputenv("QT_QPA_PLATFORM", "offscreen");
   const QApplication application(argc, argv);
-  const int rounds = argc > 1 ? std::atoi(argv[1]) : 60;
+  const int rounds = argc > 1 ? std::atoi(argv[1]) : 5;
+  const auto polish = frames(true, static_cast<int>(busiestTo / secondsPerFrame));
+  const auto rest = frames(false, static_cast<int>(polish.size()));
   std::printf("{");
   for (const double ratio : {1.0, 2.0}) {
+    Series atRest, polishing;
+    for (int round = 0; round < rounds; ++round) {
+      atRest.run(rest, ratio, 1);
+      polishing.run(polish, ratio, static_cast<std::size_t>(busiestFrom / secondsPerFrame));
+    }
     const std::string suffix = ratio > 1.0 ? " 2x" : " 1x";
-    measure(("rest" + suffix).c_str(), frames(0.0, 0.0, rounds), ratio, true);
+    atRest.print("rest" + suffix);
     std::printf(",");
-    // All three lights and all sparks at once.
-    measure(("polish" + suffix).c_str(), frames(0.9, 1.5, rounds), ratio, false);
+    polishing.print("polish" + suffix);
     if (ratio < 2.0) std::printf(",");
   }
   std::printf("}\n");

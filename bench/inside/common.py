@@ -6,7 +6,7 @@ import sys
 import time
 
 import dbus
-from vorli import BUS_NAME, OBJECT, Missing, TrayIcon, Vorli, until, windows_of
+from vorli import BUS_NAME, OBJECT, Missing, TrayIcon, Vorli, run, until, windows_of
 
 PREFIX, OUT, *ARGUMENTS = sys.argv[1:]
 
@@ -50,6 +50,12 @@ def open_and_shut_popover(vorli):
     toggle_popover()
     until(lambda: set(windows_of(vorli.process.pid)) <= before, "the end of the popover", 10)
     return True
+
+
+def x_server():
+    """The process that draws the session's screen."""
+    return int(run("sh", "-c", "for p in /proc/[0-9]*; do [ \"$(cat $p/comm)\" = Xvfb ] && grep -qz \"$VORLI_SESSION_MARK\" "
+                   "$p/environ 2>/dev/null && basename $p; done; true").split()[0])
 
 
 def choose(vorli, label):

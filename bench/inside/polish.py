@@ -4,7 +4,7 @@ Both kinds: those of the menu, and the popover's with all that it draws. A press
 when the ring is not calm, so the processors are kept busy before it.
 """
 
-from common import ARGUMENTS, choose, let_pass, started, toggle_popover, write
+from common import ARGUMENTS, choose, let_pass, started, toggle_popover, write, x_server
 from measuring.process import Window
 from vorli import Load, run, until, windows_of
 
@@ -16,12 +16,6 @@ AFTER = 9.0  # seconds: the hold, and the rise of the ring
 BEGINS, ENDS = "setting isReleasing=true", "posted auto-close notification"
 POPOVER_WIDTH = 318
 RING_X, RING_Y = 24 + 135, 16 + 96  # in the popover's window, whose shadow lies around the card
-
-
-def x_server():
-    """The process that draws the session's screen."""
-    return int(run("sh", "-c", "for p in /proc/[0-9]*; do [ \"$(cat $p/comm)\" = Xvfb ] && grep -qz \"$VORLI_SESSION_MARK\" "
-                   "$p/environ 2>/dev/null && basename $p; done; true").split()[0])
 
 
 def popover_place(vorli):

@@ -11,4 +11,4 @@ with open(os.path.join(os.path.dirname(os.path.dirname(os.path.realpath(__file__
 def gates(command, measure):
     """The options of Report.add for a measure of that file; a name that is not in it is a mistake."""
     entry = _GATES[command][measure]
-    return {"gate": entry["gate"], "aim": entry.get("aim")}
+    return {"gate": entry.get("gate"), "aim": entry.get("aim")}

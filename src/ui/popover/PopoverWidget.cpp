@@ -1,5 +1,7 @@
 #include "ui/popover/PopoverWidget.h"
 
+#include "ui/popover/ChangedPart.h"
+
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPaintEvent>
@@ -16,25 +18,6 @@ using Id = PopoverControlId;
 // The card's own motions are short and quick, and so are sparks; the other light of a polish is soft, and the
 // breath slow.
 constexpr double quickFrame = 1.0 / 60.0, lightFrame = 1.0 / 30.0, breathFrame = 1.0 / 12.0;
-
-bool sameLayer(const AuroraLayer& a, const AuroraLayer& b) {
-  return a.gradient == b.gradient && a.blur == b.blur && a.scale == b.scale && a.opacity == b.opacity;
-}
-
-bool hasLitSparks(const AuroraPicture& aurora) {
-  return aurora.sparks &&
-         std::ranges::any_of(*aurora.sparks, [](const auto& spark) { return spark.opacity > 0.0; });
-}
-
-bool sameAurora(const AuroraPicture& a, const AuroraPicture& b) {
-  return !hasLitSparks(a) && !hasLitSparks(b) && sameLayer(a.warmCloud, b.warmCloud) &&
-         sameLayer(a.bloom, b.bloom) && sameLayer(a.leak, b.leak);
-}
-
-bool samePlaces(const PopoverPicture& a, const PopoverPicture& b) {
-  return a.appearance == b.appearance && a.cardTop == b.cardTop && a.cardHeight == b.cardHeight &&
-         a.ringCentreY == b.ringCentreY && a.contentOpacity == b.contentOpacity;
-}
 
 QString qString(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
@@ -122,9 +105,13 @@ void PopoverWidget::frame() {
   if (!isVisible()) return;
   const double now = scheduler_.now();
   PopoverPicture next = scene_.picture(now);
-  const QRectF changed = changedArea(next);
+  const auto changed = changedPart(shown_, next);
   shown_ = std::move(next);
-  if (!changed.isEmpty()) update(changed.toAlignedRect());
+  if (!changed) {
+    update();
+  } else if (!changed->isEmpty()) {
+    update(changed->translated(origin()).toAlignedRect());
+  }
   if (const QRect nowCard = card(); nowCard != shownCard_) {
     shownCard_ = nowCard;
     callbacks_.card(nowCard);
@@ -147,14 +134,6 @@ void PopoverWidget::armNextFrame(double now) {
   // In step with the last frame, unless this one came late.
   nextFrame_ = std::max(nextFrame_ + interval, now + interval / 2.0);
   frameTimer_ = scheduler_.after(nextFrame_ - now, [this] { frame(); });
-}
-
-QRectF PopoverWidget::changedArea(const PopoverPicture& next) const {
-  if (!samePlaces(shown_, next) || !sameAurora(shown_.aurora, next.aurora) || shown_.words != next.words ||
-      shown_.calmIntensity != next.calmIntensity || shown_.ring != next.ring) {
-    return rect();
-  }
-  return shown_.haloBreath == next.haloBreath ? QRectF() : PopoverPainter::haloOf(next).translated(origin());
 }
 
 void PopoverWidget::paintEvent(QPaintEvent* event) {

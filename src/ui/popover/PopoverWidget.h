@@ -56,7 +56,6 @@ class PopoverWidget final : public QWidget {
   void wake();
   void frame();
   void armNextFrame(double now);
-  QRectF changedArea(const PopoverPicture& next) const;
   void makeControls();
   PopoverControl* makeControl(PopoverControlId id, std::function<void()> action);
   void updateControls();

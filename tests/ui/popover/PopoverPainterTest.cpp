@@ -1,10 +1,12 @@
 #include "ambient/RingGradient.h"
 #include "tests/fakes/ManualScheduler.h"
+#include "ui/popover/ChangedPart.h"
 #include "ui/popover/PopoverLayout.h"
 #include "ui/popover/PopoverPainter.h"
 
 #include <QPainter>
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace vorli::ui {
 namespace {
@@ -56,6 +58,47 @@ TEST_P(PopoverPainterAt, repaintOfTheHaloAloneGivesTheWholePicture) {
   paint(image, popover, critical(0.9), PopoverPainter::haloOf(critical(0.9)).translated(origin), pixelRatio);
   EXPECT_EQ(image, painted(critical(0.9), pixelRatio));
   EXPECT_NE(image, painted(critical(0.2), pixelRatio));
+}
+
+// Pictures that follow critical(), by how they differ from it.
+std::vector<PopoverPicture> successors() {
+  std::vector<PopoverPicture> pictures(9, critical());
+  pictures[1].haloBreath = 0.9;
+  pictures[2].ring.progress = 0.4;
+  pictures[3].ring.button.hover = 1.0;
+  pictures[4].ring.scale = 1.08;
+  pictures[5].words.gear.hover = 1.0;
+  pictures[6].words.sentence.text = QStringLiteral("Your Mac feels great.");
+  pictures[7].aurora.bloom.opacity = 1.0;
+  pictures[7].aurora.bloom.scale = 1.0;
+  pictures[8].cardHeight = 304.0;
+  return pictures;
+}
+
+TEST_P(PopoverPainterAt, repaintOfTheChangedPartGivesTheWholePicture) {
+  const double pixelRatio = GetParam();
+  const QRectF all({0.0, 0.0}, QSizeF(windowSize));
+  for (const auto& next : successors()) {
+    PopoverPainter popover;
+    QImage image = window(pixelRatio);
+    paint(image, popover, critical(), all, pixelRatio);
+    const auto changed = changedPart(critical(), next);
+    const QRectF dirty = changed ? changed->translated(origin) : all;
+    {
+      // As a window does before it is painted anew.
+      QPainter painter(&image);
+      painter.scale(pixelRatio, pixelRatio);
+      painter.setCompositionMode(QPainter::CompositionMode_Clear);
+      painter.fillRect(dirty.toAlignedRect(), Qt::transparent);
+    }
+    if (!dirty.isEmpty()) paint(image, popover, next, dirty.toAlignedRect(), pixelRatio);
+    EXPECT_EQ(image, painted(next, pixelRatio));
+  }
+}
+
+TEST(ChangedPart, nothingWhereNothingDiffersAndTheHaloAloneWhereItBreathes) {
+  EXPECT_TRUE(changedPart(critical(), critical())->isEmpty());
+  EXPECT_EQ(changedPart(critical(0.2), critical(0.9)), PopoverPainter::haloOf(critical()));
 }
 
 TEST_P(PopoverPainterAt, keptPicturesAreThoseOfANewPainter) {

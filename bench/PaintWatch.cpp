@@ -1,0 +1,48 @@
+#include "bench/PaintWatch.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QWidget>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <xcb/xcb.h>
+
+namespace vorli::bench {
+namespace {
+
+long long microseconds() {
+  const auto now = std::chrono::steady_clock::now().time_since_epoch();
+  return std::chrono::duration_cast<std::chrono::microseconds>(now).count();
+}
+
+// Until the X server has done all that it was asked for.
+void roundTrip() {
+  auto* connection = qApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
+  std::free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+}
+
+}  // namespace
+
+PaintWatch::PaintWatch() {
+  qApp->installEventFilter(this);
+}
+
+bool PaintWatch::eventFilter(QObject* watched, QEvent* event) {
+  auto* widget = qobject_cast<QWidget*>(watched);
+  if (event->type() != QEvent::Paint || !widget || !widget->isWindow()) return false;
+  watched->event(event);
+  const auto painted = microseconds();
+  // What was painted goes to the X server when this event is done with.
+  QMetaObject::invokeMethod(
+      this,
+      [painted, size = widget->size()] {
+        roundTrip();
+        std::printf("frame %lld %lld %dx%d\n", painted, microseconds(), size.width(), size.height());
+        std::fflush(stdout);
+      },
+      Qt::QueuedConnection);
+  return true;
+}
+
+}  // namespace vorli::bench

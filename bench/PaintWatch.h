@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QObject>
+
+namespace vorli::bench {
+
+/// Tells every frame that any window of this program paints, in a line of standard output:
+///   frame PAINTED SHOWN WIDTHxHEIGHT
+/// Both times are microseconds of the monotonic clock: when it was painted, and when the X server had it.
+class PaintWatch final : public QObject {
+ public:
+  PaintWatch();
+  bool eventFilter(QObject* watched, QEvent* event) override;
+};
+
+}  // namespace vorli::bench

@@ -1,0 +1,152 @@
+"""popover.py PREFIX OUT OPENINGS SECONDS: the popover by clicks on the icon in the panel.
+
+The installed program first: its memory after 3 openings and after all, and what an open popover costs. Then the one
+that tells its frames: from the click to the first of them, how many come at rest, and how many while it is shut. Then
+the bare program.
+"""
+
+import os
+import re
+import subprocess
+
+from common import ARGUMENTS, OUT, PREFIX, let_pass, started, write, x_server
+from measuring.process import Window, memory_mb
+from pointer import Pointer
+from vorli import TrayIcon, until, windows_of
+
+FEW = 3
+UNFOLDED = 0.7  # seconds: after it only the halo breathes
+PAUSE = 0.6  # longer than what makes two clicks a double one
+SETTLE = 3.0
+AT_REST = 5.0
+SHUT = 20.0  # a tick at the least
+AWAY = (5, 500)
+
+
+def frames_of(log):
+    """(painted, shown) of every frame so far, in microseconds."""
+    with open(log, encoding="utf-8", errors="replace") as file:
+        found = re.findall(r"^frame (\d+) (\d+) ", file.read(), re.MULTILINE)
+    return [(int(painted), int(shown)) for painted, shown in found]
+
+
+class Clicked:
+    """A program in the tray that opens and shuts its window at clicks."""
+
+    def __init__(self, pid, pointer):
+        self.pid, self._pointer, self._icon = pid, pointer, TrayIcon.centre()
+
+    def click(self):
+        self._pointer.move(*self._icon)
+        return self._pointer.click()
+
+    def open(self):
+        moment = self.click()
+        until(lambda: windows_of(self.pid), "the window")
+        return moment
+
+    def shut(self):
+        self.click()
+        until(lambda: not windows_of(self.pid), "the end of the window")
+        let_pass(PAUSE)
+
+    def openings(self, count):
+        for _ in range(count):
+            self.open()
+            let_pass(UNFOLDED)
+            self.shut()
+
+    def times_to_first_frame(self, log, count):
+        """In milliseconds, each as (painted, shown)."""
+        times = []
+        for _ in range(count):
+            before = len(frames_of(log))
+            moment = self.open()
+            painted, shown = until(lambda: frames_of(log)[before:], "the first frame")[0]
+            times.append(((painted - moment) / 1000, (shown - moment) / 1000))
+            let_pass(UNFOLDED)
+            self.shut()
+        return times
+
+    def open_for(self, seconds):
+        """What a time with the open window costs the program and the X server."""
+        self.open()
+        self._pointer.move(*AWAY)
+        let_pass(SETTLE)
+        windows = [Window(pid) for pid in (self.pid, x_server())]
+        let_pass(seconds)
+        result = [window.result() for window in windows]
+        self.shut()
+        return result
+
+    def frames_at_rest(self, log):
+        """A second."""
+        self.open()
+        self._pointer.move(*AWAY)
+        let_pass(SETTLE)
+        before = len(frames_of(log))
+        let_pass(AT_REST)
+        count = len(frames_of(log)) - before
+        self.shut()
+        return count / AT_REST
+
+    def frames_while_shut(self, log):
+        before = len(frames_of(log))
+        let_pass(SHUT)
+        return len(frames_of(log)) - before
+
+
+def installed(pointer, openings, seconds):
+    vorli = started()
+    clicked = Clicked(vorli.process.pid, pointer)
+    clicked.openings(FEW)
+    let_pass(SETTLE)
+    result = {"few": memory_mb(vorli.process.pid)}
+    clicked.openings(openings - FEW)
+    let_pass(SETTLE)
+    result["many"] = memory_mb(vorli.process.pid)
+    result["open"] = clicked.open_for(seconds)
+    if vorli.end() != 0:
+        raise SystemExit("the program did not end well")
+    return result
+
+
+def watched(pointer, openings):
+    vorli = started("vorli_popover_watched")
+    tick = until(lambda: re.search(r"^tick (\d+)$", vorli.log_text(), re.MULTILINE), "the time of a tick", 20)
+    clicked = Clicked(vorli.process.pid, pointer)
+    result = {"tick": int(tick[1]) / 1000, "times": clicked.times_to_first_frame(vorli.log, openings + 1)}
+    result["rest"] = clicked.frames_at_rest(vorli.log)
+    result["shut"] = clicked.frames_while_shut(vorli.log)
+    if vorli.end() != 0:
+        raise SystemExit("the watched program did not end well")
+    return result
+
+
+def bare(pointer, openings, seconds):
+    log = os.path.join(OUT, "bare.log")
+    with open(log, "w", encoding="utf-8") as file:
+        program = subprocess.Popen([os.path.join(PREFIX, "bin", "vorli_bare_popover")], stdin=subprocess.DEVNULL, stdout=file)
+    try:
+        TrayIcon().appear()
+        let_pass(SETTLE)
+        clicked = Clicked(program.pid, pointer)
+        return {"times": clicked.times_to_first_frame(log, openings + 1), "open": clicked.open_for(seconds),
+                "many": memory_mb(program.pid)}
+    finally:
+        program.terminate()
+        program.wait(10)
+
+
+def main():
+    openings, seconds = int(ARGUMENTS[0]), float(ARGUMENTS[1])
+    pointer, icon = Pointer(), TrayIcon()
+    result = {"installed": installed(pointer, openings, seconds)}
+    until(lambda: not icon.items(), "an empty tray")
+    result["watched"] = watched(pointer, openings)
+    until(lambda: not icon.items(), "an empty tray")
+    result["bare"] = bare(pointer, openings, seconds)
+    write(result)
+
+
+main()
