@@ -8,12 +8,15 @@ the bare program.
 import os
 import re
 import subprocess
+import time
 
+import dbus
 from common import ARGUMENTS, OUT, PREFIX, let_pass, started, write, x_server
 from measuring.process import Window, memory_mb
 from pointer import Pointer
 from vorli import TrayIcon, until, windows_of
 
+ITEM = "org.kde.StatusNotifierItem"
 FEW = 3
 UNFOLDED = 0.7  # seconds: after it only the halo breathes
 PAUSE = 0.6  # longer than what makes two clicks a double one
@@ -40,8 +43,17 @@ class Clicked:
         self._pointer.move(*self._icon)
         return self._pointer.click()
 
-    def open(self):
-        moment = self.click()
+    def call(self, item):
+        """What the panel sends at a click, without the panel's way to it."""
+        name, path = item.split("/", 1)
+        proxy = dbus.SessionBus().get_object(name, "/" + path, introspect=False)
+        self._pointer.move(*self._icon)
+        moment = time.monotonic_ns() / 1000
+        proxy.Activate(*map(dbus.Int32, self._icon), dbus_interface=ITEM, ignore_reply=True)
+        return moment
+
+    def open(self, item=None):
+        moment = self.call(item) if item else self.click()
         until(lambda: windows_of(self.pid), "the window")
         return moment
 
@@ -56,12 +68,12 @@ class Clicked:
             let_pass(UNFOLDED)
             self.shut()
 
-    def times_to_first_frame(self, log, count):
-        """In milliseconds, each as (painted, shown)."""
+    def times_to_first_frame(self, log, count, item=None):
+        """In milliseconds, each as (painted, shown): from a click, or from the panel's call to that item."""
         times = []
         for _ in range(count):
             before = len(frames_of(log))
-            moment = self.open()
+            moment = self.open(item)
             painted, shown = until(lambda: frames_of(log)[before:], "the first frame")[0]
             times.append(((painted - moment) / 1000, (shown - moment) / 1000))
             let_pass(UNFOLDED)
@@ -116,6 +128,7 @@ def watched(pointer, openings):
     tick = until(lambda: re.search(r"^tick (\d+)$", vorli.log_text(), re.MULTILINE), "the time of a tick", 20)
     clicked = Clicked(vorli.process.pid, pointer)
     result = {"tick": int(tick[1]) / 1000, "times": clicked.times_to_first_frame(vorli.log, openings + 1)}
+    result["calls"] = clicked.times_to_first_frame(vorli.log, openings, vorli.item)
     result["rest"] = clicked.frames_at_rest(vorli.log)
     result["shut"] = clicked.frames_while_shut(vorli.log)
     if vorli.end() != 0:
@@ -128,10 +141,11 @@ def bare(pointer, openings, seconds):
     with open(log, "w", encoding="utf-8") as file:
         program = subprocess.Popen([os.path.join(PREFIX, "bin", "vorli_bare_popover")], stdin=subprocess.DEVNULL, stdout=file)
     try:
-        TrayIcon().appear()
+        item = TrayIcon().appear()[0]
         let_pass(SETTLE)
         clicked = Clicked(program.pid, pointer)
-        return {"times": clicked.times_to_first_frame(log, openings + 1), "open": clicked.open_for(seconds),
+        return {"times": clicked.times_to_first_frame(log, openings + 1),
+                "calls": clicked.times_to_first_frame(log, openings, item), "open": clicked.open_for(seconds),
                 "many": memory_mb(program.pid)}
     finally:
         program.terminate()

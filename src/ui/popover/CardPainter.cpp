@@ -129,9 +129,13 @@ void CardPainter::paintGround(QPainter& painter, const QRectF& area, Appearance 
   painter.fillRect(area, qtColour(blend(palette.paperBottom, line.withAlpha(1.0), line.alpha)));
 }
 
+bool CardPainter::isShadowKept(const QRectF& card) {
+  return card.height() >= 2.0 * endPart;
+}
+
 void CardPainter::paintShadow(QPainter& painter, const QRectF& card, const QRectF& part,
                               Appearance appearance, double pixelRatio) {
-  if (card.height() < 2.0 * endPart) {
+  if (!isShadowKept(card)) {
     painter.save();
     painter.setClipRect(part, Qt::IntersectClip);
     paintFrame(painter, card, appearance);
@@ -220,24 +224,20 @@ void CardPainter::paintInnerHairline(QPainter& painter, const QRectF& card, Appe
   constexpr double line = 2.0;
   const double corner = Metrics::cornerRadius, width = card.width(), height = card.height();
   const double end = std::min(corner, height / 2.0), between = height - 2.0 * end;
-  const auto part = [&](const QRectF& to, const QRectF& from) {
-    if (to.isEmpty()) return;
-    painter.drawImage(to.translated(card.topLeft()), edge_.image, scaled(from, pixelRatio));
+  const auto part = [&](double x, double y, double partWidth, double partHeight) {
+    const QRectF to(x, y, partWidth, partHeight);
+    if (!to.isEmpty()) painter.drawImage(to.translated(card.topLeft()), edge_.image, scaled(to, pixelRatio));
   };
   for (const double y : {0.0, height - end}) {
-    part({0.0, y, corner, end}, {0.0, y, corner, end});
-    part({width - corner, y, corner, end}, {corner + 1.0, y, corner, end});
+    part(0.0, y, corner, end);
+    part(width - corner, y, corner, end);
   }
-  for (const double y : {0.0, height - line}) {
-    part({corner, y, width - 2.0 * corner, line}, {corner, y, 1.0, line});
-  }
-  part({0.0, end, line, between}, {0.0, end, line, between});
-  part({width - line, end, line, between}, {2.0 * corner + 1.0 - line, end, line, between});
+  for (const double y : {0.0, height - line}) part(corner, y, width - 2.0 * corner, line);
+  for (const double x : {0.0, width - line}) part(x, end, line, between);
 }
 
-// A card of two corners and one point between them.
 void CardPainter::drawEdge(double height, Appearance appearance, double pixelRatio) {
-  const QSizeF size(2.0 * Metrics::cornerRadius + 1.0, height);
+  const QSizeF size(Metrics::width, height);
   edge_ = {clearImage(size, pixelRatio), appearance, pixelRatio, height};
   QPainter painter(&edge_.image);
   painter.scale(pixelRatio, pixelRatio);

@@ -22,6 +22,9 @@ class CardPainter {
   /// Where the card does not hide what lies under it: all around it, and at its corners.
   static std::array<QRectF, 8> openParts(const QRectF& card, double pixelRatio);
 
+  /// Whether the card is high enough for its shadow to be put together from what is kept; else each part of
+  /// it costs as much as the whole.
+  static bool isShadowKept(const QRectF& card);
   /// Round a card, on cleared pixels of `part`. `card` lies on device pixels.
   void paintShadow(QPainter& painter, const QRectF& card, const QRectF& part, Appearance appearance,
                    double pixelRatio);

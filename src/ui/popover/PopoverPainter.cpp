@@ -53,6 +53,9 @@ void PopoverPainter::paintAround(QPainter& painter, const QRectF& card, Appearan
   if (frame == Frame::hairline && !card.contains(dirty)) {
     return CardPainter::paintGround(painter, dirty, appearance);
   }
+  if (frame == Frame::shadow && !CardPainter::isShadowKept(card)) {
+    return card_.paintShadow(painter, card, dirty, appearance, pixelRatio);
+  }
   for (const QRectF& open : CardPainter::openParts(card, pixelRatio)) {
     const QRectF part = open & dirty;
     if (part.isEmpty()) continue;

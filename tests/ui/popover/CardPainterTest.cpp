@@ -19,7 +19,7 @@ QImage clear(int height, QImage::Format format = QImage::Format_RGBA64_Premultip
 void paintShadow(QImage& image, const QRectF& card, Appearance appearance) {
   QPainter painter(&image);
   painter.setRenderHint(QPainter::Antialiasing);
-  CardPainter().paintShadow(painter, card, appearance, 1.0);
+  CardPainter().paintShadow(painter, card, QRectF(image.rect()), appearance, 1.0);
 }
 
 double alphaAt(const QImage& image, int x, int y) {
