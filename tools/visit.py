@@ -16,7 +16,7 @@ from vorli import (  # noqa: E402
     window_picture, windows_of,
 )
 
-WARMING = 0.55
+WARMING, RESTING = 0.55, 0.35
 ABOUT_ROW = 5  # of the menu, separators left out
 
 
@@ -43,6 +43,7 @@ class Visit:
         until(lambda: self.vorli.ticks >= 1, "the first look at the machine")
         until(lambda: self.vorli.helper_status == "enabled", "the enabled helper", 20)
         self.report["helperStatus"] = self.vorli.helper_status
+        self.let_the_machine_rest()
         self.settle()
         self.picture_of_panel("rest.png")
         tell(f"at rest: ring {self.vorli.ring:.3f}, helper {self.report['helperStatus']}")
@@ -54,9 +55,15 @@ class Visit:
             self.settle()
             self.picture_of_panel("load.png")
             tell(f"under load: ring {self.vorli.ring:.3f}")
-        tell("letting the machine rest again")
+        self.let_the_machine_rest()
+
+    def let_the_machine_rest(self):
+        """A build just before, or the load of the visit itself, shows in the dial for a while."""
+        if self.vorli.ring < RESTING:
+            return
+        tell(f"ring {self.vorli.ring:.3f}: letting the machine rest, three minutes at most")
         try:
-            until(lambda: self.vorli.ring < WARMING, "the cool dial", 90, pause=0.5)
+            until(lambda: self.vorli.ring < RESTING, "the cool dial", 180, pause=0.5)
         except Missing:
             tell("something else keeps the processors busy")
 
