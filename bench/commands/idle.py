@@ -27,8 +27,6 @@ def _qt_programs():
 def _note_conditions(report, result, others_with_qt):
     others = max(window["machine_busy_percent"] for window in result["idle"])
     report.note(f"{result['processes']} processes; the machine's processors were busy {others:.0f} % of the time at most")
-    if any(window["page_waits_per_minute"] > 1 for window in (*result["idle"], *result["floor"])):
-        report.note("this machine's kernel takes pages away that were not used for a while: reading them again is in the times")
     if others > 25:
         report.note("the machine was not quiet: what other programs do moves the dial, and each new picture is a wake-up")
     if result["openings"]:
@@ -44,8 +42,7 @@ def measure(build, quick):
     others_with_qt = _qt_programs()
     with Stage(build) as stage, Crowd(build, PROCESSES):
         result = stage.run("idle", 1 if quick else 3, 20 if quick else 60, stage.add(floor))
-    for name, unit, key in (("processor", "ms/min", "cpu_ms_per_minute"), ("wake-ups", "1/min", "wakeups_per_minute"),
-                            ("waits for pages", "1/min", "page_waits_per_minute")):
+    for name, unit, key in (("processor", "ms/min", "cpu_ms_per_minute"), ("wake-ups", "1/min", "wakeups_per_minute")):
         report.add(f"{name} of the floor", unit, [window[key] for window in result["floor"]], digits=1)
         report.add(name, unit, [window[key] for window in result["idle"]], digits=1,
                    **gates("idle", name))

@@ -22,12 +22,6 @@ def wakeups(pid):
     return counts
 
 
-def page_waits(pid):
-    """How often it has waited for a page of its own that had to be read from the disk again."""
-    with open(f"/proc/{pid}/stat", encoding="utf-8", errors="replace") as file:
-        return int(file.read().rpartition(")")[2].split()[9])
-
-
 def memory_mb(pid):
     """Resident, proportional and private dirty, in units of 1024 * 1024 bytes."""
     with open(f"/proc/{pid}/smaps_rollup", encoding="utf-8") as file:
@@ -60,7 +54,6 @@ class Window:
     def __init__(self, pid):
         self.pid, self.start = pid, time.monotonic()
         self.cpu, self.wakeups, self.machine = cpu_ms(pid), wakeups(pid), machine_ticks()
-        self.page_waits = page_waits(pid)
 
     def result(self):
         minutes = (time.monotonic() - self.start) / 60
@@ -68,9 +61,5 @@ class Window:
         cpu = cpu_ms(self.pid) - self.cpu
         # What a thread that has ended did in the window is lost; its past before it does not count against the rest.
         woken = sum(count - self.wakeups.get(thread, 0) for thread, count in wakeups(self.pid).items())
-        # A kernel that takes cold pages away makes a sleeper wait for them: nobody has woken it then.
-        waits = page_waits(self.pid) - self.page_waits
-        woken = max(0, woken - waits)
         return {"cpu_ms": cpu, "cpu_ms_per_minute": cpu / minutes, "wakeups": woken,
-                "page_waits_per_minute": waits / minutes,
                 "wakeups_per_minute": woken / minutes, "machine_busy_percent": 100 * busy / max(whole, 1)}
