@@ -31,15 +31,15 @@ PulseRecording::~PulseRecording() {
 }
 
 std::expected<double, ports::AudioTapFailure> PulseRecording::start(const PulseSink& sink, double deadline) {
-  const pa_sample_spec spec{PA_SAMPLE_FLOAT32NE, sink.sampleRate, channels};
-  stream_ = pulse_.pa_stream_new(connection_.context(), "Vorli audio probe", &spec, nullptr);
+  const pa_sample_spec format{PA_SAMPLE_FLOAT32NE, sink.sampleRate, channels};
+  stream_ = pulse_.pa_stream_new(connection_.context(), "Vorli audio probe", &format, nullptr);
   if (!stream_) return std::unexpected(ports::AudioTapFailure{Step::createDevice, connection_.lastError()});
 
   pulse_.pa_stream_set_read_callback(
       stream_,
       [](pa_stream* stream, size_t, void* self) { static_cast<PulseRecording*>(self)->take(stream); }, this);
   pa_buffer_attr attributes{serverDecides, serverDecides, serverDecides, serverDecides, serverDecides};
-  attributes.fragsize = static_cast<std::uint32_t>(pulse_.pa_usec_to_bytes(fragmentMicroseconds, &spec));
+  attributes.fragsize = static_cast<std::uint32_t>(pulse_.pa_usec_to_bytes(fragmentMicroseconds, &format));
   // The source is always named: without a name the server takes the microphone.
   if (pulse_.pa_stream_connect_record(stream_, sink.monitorSource.c_str(), &attributes, flags) < 0)
     return std::unexpected(ports::AudioTapFailure{Step::createInputProcedure, connection_.lastError()});

@@ -219,13 +219,13 @@ std::vector<DesktopWindow> WindowList::describe(const std::vector<std::uint32_t>
   };
   std::vector<Questions> asked;
   for (const auto id : ids) {
-    const xcb_res_client_id_spec_t spec{id, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+    const xcb_res_client_id_spec_t wanted{id, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
     asked.push_back(
         {{ask(connection_, id, atoms_->pid), ask(connection_, id, atoms_->clientMachine),
           ask(connection_, id, XCB_ATOM_WM_CLASS), ask(connection_, id, atoms_->gtkApplicationID),
           ask(connection_, id, atoms_->kdeDesktopFile), ask(connection_, id, atoms_->windowType),
           ask(connection_, id, atoms_->gtkUniqueBusName), ask(connection_, id, atoms_->gtkObjectPath)},
-         xcb_res_query_client_ids(connection_, 1, &spec)});
+         xcb_res_query_client_ids(connection_, 1, &wanted)});
   }
 
   static const std::string thisMachine = hostName();
