@@ -209,8 +209,4 @@ Gtk.main()
         pointer("windowactivate", "--sync", self.window)
 
     def close(self):
-        self.program.process.kill()
-        self.program.process.wait()
-        self.program.process.stdin.close()
-        self.program.reader.join()
-        self.program.process.stdout.close()
+        self.program.kill()

@@ -36,11 +36,7 @@ class Listener:
         return self.program.count(f"{kind}|{role}|{text}") > 0
 
     def close(self):
-        self.program.process.kill()
-        self.program.process.wait()
-        self.program.process.stdin.close()
-        self.program.reader.join()
-        self.program.process.stdout.close()
+        self.program.kill()
 
 
 class Spoken:

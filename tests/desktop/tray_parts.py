@@ -61,6 +61,14 @@ class Process:
         self.process.stdout.close()
         assert code == 0, f"the program ended with {code}"
 
+    def kill(self):
+        """For a program that does not end by itself when its input does."""
+        self.process.kill()
+        self.process.wait()
+        self.process.stdin.close()
+        self.reader.join()
+        self.process.stdout.close()
+
     def resources(self):
         """Private dirty kibibytes, descriptors, and the seconds of processor time used so far."""
         with open(f"/proc/{self.pid}/smaps_rollup", encoding="ascii") as file:
