@@ -10,15 +10,21 @@ mkdir -p "$logs"
 # begin NAME: on a terminal, what is being waited for.
 begin() { [ ! -t 1 ] || printf '  ...   %s\r' "$1"; }
 
-# tell NAME GOOD BAD SECONDS LOG: counts; shows the end of the log when something failed.
+# What of a log tells why its step failed: the lines that say so with what follows them; its end when there are none.
+why() {
+  grep -E -A 3 -e '^(BROKEN|FAILED|FAIL:|ERROR:)' -e ': Failure$' -e '(^| |[a-z])[Ee]rror: ' -e 'Sanitizer: ' \
+    -e '\*\*\*|tests FAILED|took too long|was skipped' "$1" | head -n 25 | cut -c 1-240 | grep . || tail -n 25 "$1"
+}
+
+# tell NAME GOOD BAD SECONDS LOG: counts; shows what matters of the log when something failed.
 tell() {
   passed=$((passed + $2)) failed=$((failed + $3))
   if [ "$3" -eq 0 ]; then
-    printf '  ok    %-52s %5d tests %4d s\n' "$1" "$2" "$4"
+    printf '  ok    %-34s %5d tests %4d s\n' "$1" "$2" "$4"
   else
     failures+=("$1")
-    printf '  FAILED %-51s %5d of %d, log in %s\n' "$1" "$3" $(($2 + $3)) "${5#"$PWD/"}"
-    tail -n "${6:-40}" "$5" | sed 's/^/      | /'
+    printf '  FAILED %-33s %5d of %d, log in %s\n' "$1" "$3" $(($2 + $3)) "${5#"$PWD/"}"
+    why "$5" | sed 's/^/      | /'
   fi
 }
 
@@ -78,7 +84,7 @@ must() {
   log=$(log_of "$name")
   begin "$name"
   if bounded "$@" >"$log" 2>&1 </dev/null; then
-    printf '  done  %-52s             %4d s\n' "$name" $((SECONDS - start))
+    printf '  done  %-34s             %4d s\n' "$name" $((SECONDS - start))
   else
     tell "$name" 0 1 $((SECONDS - start)) "$log"
     return 1
@@ -104,7 +110,7 @@ ctest_step() {
   counts=$(/usr/bin/python3 tools/testing/count_junit.py "$report") || counts="0 1"
   # shellcheck disable=SC2086
   set -- $counts
-  tell "$name" "$1" "$2" $((SECONDS - start)) "$log" 60
+  tell "$name" "$1" "$2" $((SECONDS - start)) "$log"
   [ "$2" = 0 ]
 }
 

@@ -110,7 +110,18 @@ void churn(const Arguments& arguments) {
   tell("errors", errors);
 }
 
-volatile std::sig_atomic_t isToldToEnd = 0;
+/// A signal that is blocked interrupts no call; whether it has come is asked for between them.
+void blockTermination() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGTERM);
+  sigprocmask(SIG_BLOCK, &signals, nullptr);
+}
+
+bool isToldToEnd() {
+  sigset_t pending;
+  return sigpending(&pending) == 0 && sigismember(&pending, SIGTERM) == 1;
+}
 
 // hammer N GAP: calls with random pauses of up to GAP microseconds, so that they meet the daemon in every
 // state of leaving. Told to end, it ends with the figures so far.
@@ -121,8 +132,8 @@ void hammer(const Arguments& arguments) {
   const auto bus = connect();
   std::map<std::string, int> lost;
   std::vector<double> times;
-  std::signal(SIGTERM, [](int) { isToldToEnd = 1; });
-  for (int i = 0; i < calls && !isToldToEnd; ++i) {
+  blockTermination();
+  for (int i = 0; i < calls && !isToldToEnd(); ++i) {
     pauseFor(gap(random));
     const auto start = Clock::now();
     const auto reply = i % 2 == 0 ? call(bus, "Ping", 10'000'000) : call(bus, "DumpBTM", 10'000'000);
