@@ -12,24 +12,54 @@
 #include "tests/fakes/Workspace.h"
 
 #include <memory>
+#include <thread>
+#include <utility>
 
 namespace vorli {
 namespace {
 
 constexpr double idlePeriod = 15.001;  // just over, as sums of fractions are not exact
 
+/// Work that is over at once, on a thread of its own, and whose end the main loop hears of late.
+class QuickWork final : public ports::BackgroundWork {
+ public:
+  explicit QuickWork(Scheduler& scheduler) : scheduler_(scheduler) {}
+  ~QuickWork() override { scheduler_.cancel(timer_); }
+
+  void start(Work work, Work done) override {
+    std::thread([&work] { work(); }).join();
+    done_ = std::move(done);
+    timer_ = scheduler_.after(seconds, [this] { finish(); });
+  }
+  bool isUnderWay() const override { return static_cast<bool>(done_); }
+  void finish() override {
+    scheduler_.cancel(timer_);
+    if (auto done = std::exchange(done_, nullptr)) done();
+  }
+  void abandon() override {
+    scheduler_.cancel(timer_);
+    done_ = nullptr;
+  }
+
+  double seconds = 0.1;
+
+ private:
+  Scheduler& scheduler_;
+  Work done_;
+  Scheduler::TimerId timer_ = 0;
+};
+
 struct SystemMonitorBackgroundTest : testing::Test {
   SystemMonitorBackgroundTest() {
     processes.add(1).taskInfo->residentBytes = 100;
-    makeMonitor();
+    makeMonitor(background);
   }
 
-  void makeMonitor() {
+  void makeMonitor(ports::BackgroundWork& worker) {
     monitor.reset();
-    monitor =
-        std::make_unique<SystemMonitor>(SystemMonitorPorts{scheduler, calendar, memory, cpu, thermal, power,
-                                                           processes, workspace, bundle, background},
-                                        settings, idleTracker);
+    monitor = std::make_unique<SystemMonitor>(SystemMonitorPorts{scheduler, calendar, memory, cpu, thermal,
+                                                                 power, processes, workspace, bundle, worker},
+                                              settings, idleTracker);
     ticks = monitor->lastUpdate.subscribeToChanges([this](Date) { ++tickCount; });
   }
 
@@ -59,6 +89,7 @@ struct SystemMonitorBackgroundTest : testing::Test {
   fakes::PowerSources power;
   fakes::ProcessTable processes;
   fakes::BackgroundWork background{scheduler};
+  QuickWork quick{scheduler};
   fakes::Workspace workspace;
   fakes::KeyValueStore store;
   fakes::ApplicationBundle bundle;
@@ -169,6 +200,98 @@ TEST_F(SystemMonitorBackgroundTest, aFiringDuringALookIsDroppedAndTheRhythmStays
   EXPECT_EQ(background.started, 2);
 }
 
+TEST_F(SystemMonitorBackgroundTest, aLookThatIsOverIsPublishedInItsTurnAndAsItWas) {
+  makeMonitor(quick);
+  startWithALookOf(0.009);
+  processes.add(2).taskInfo->residentBytes = 200;
+  scheduler.advance(idlePeriod);
+  ASSERT_TRUE(quick.isUnderWay());
+  processes.add(3).taskInfo->residentBytes = 300;  // after the look
+  EXPECT_EQ(largestPIDs(), (std::vector<std::int32_t>{1}));
+
+  scheduler.advance(quick.seconds);
+  EXPECT_EQ(largestPIDs(), (std::vector<std::int32_t>{2, 1}));
+  EXPECT_EQ(tickCount, 1);
+}
+
+TEST_F(SystemMonitorBackgroundTest, refreshOutOfTurnPublishesTheLookThatIsOverBeforeItsOwn) {
+  makeMonitor(quick);
+  startWithALookOf(0.009);
+  processes.add(2);
+  scheduler.advance(idlePeriod);
+  ASSERT_TRUE(quick.isUnderWay());
+  processes.add(3);
+  std::vector<std::size_t> sizes;
+  const auto seen =
+      monitor->topMemoryHogs.subscribeToChanges([&](const auto& rows) { sizes.push_back(rows.size()); });
+
+  monitor->refresh();
+  EXPECT_EQ(sizes, (std::vector<std::size_t>{2, 3}));
+  scheduler.advance(quick.seconds);
+  EXPECT_EQ(sizes.size(), 2u);
+}
+
+TEST_F(SystemMonitorBackgroundTest, aSubscriberThatRefreshesInsideThePublishingGetsAWholeTickOfItsOwn) {
+  startWithALookOf(0.009);
+  scheduler.advance(idlePeriod);
+  ASSERT_TRUE(background.isUnderWay());
+  bool hasRefreshed = false;
+  const auto refreshes = monitor->topMemoryHogs.subscribeToChanges([&](auto&) {
+    if (std::exchange(hasRefreshed, true)) return;
+    for (std::int32_t pid = 2; pid <= 500; ++pid) processes.add(pid);  // the rows move to other memory
+    monitor->refresh();
+  });
+  scheduler.advance(background.seconds);
+  EXPECT_TRUE(hasRefreshed);
+  EXPECT_EQ(tickCount, 2);
+  EXPECT_FALSE(background.isUnderWay());
+}
+
+TEST_F(SystemMonitorBackgroundTest, aNewCadenceLeavesTheTickUnderWayAlone) {
+  startWithALookOf(0.009);
+  background.seconds = 1.0;
+  scheduler.advance(idlePeriod);
+  ASSERT_TRUE(background.isUnderWay());
+  const double changed = scheduler.now();
+  monitor->cadence = MonitorCadence::active;
+  monitor->restartTimer();
+  EXPECT_EQ(tickCount, 0);
+
+  scheduler.advanceTo(changed + 1.999);
+  EXPECT_EQ(tickCount, 1);
+  EXPECT_EQ(background.started, 1);
+  scheduler.advanceTo(changed + 2.001);
+  EXPECT_EQ(background.started, 2);
+}
+
+TEST_F(SystemMonitorBackgroundTest, aLookThatIsLongerThanThePeriodLosesFiringsAndNoMore) {
+  monitor->cadence = MonitorCadence::active;
+  startWithALookOf(0.009);
+  background.seconds = 4.5;
+  scheduler.advance(13.0);  // looks begin at 2, 8 and 14
+  EXPECT_EQ(background.started, 2);
+  EXPECT_EQ(tickCount, 2);
+  scheduler.advance(1.1);
+  EXPECT_EQ(background.started, 3);
+}
+
+TEST_F(SystemMonitorBackgroundTest, aMachineThatSleepsDuringALookWakesToOneTickAndSensibleFractions) {
+  constexpr double nanosecondsPerSecond = 1e9;
+  makeMonitor(quick);
+  startWithALookOf(0.009);
+  scheduler.advance(idlePeriod);
+  ASSERT_TRUE(quick.isUnderWay());
+  calendar.advance(3600.0);  // the clock of timers stands still while the machine sleeps
+  scheduler.advance(quick.seconds);
+  EXPECT_EQ(tickCount, 1);
+  EXPECT_EQ(monitor->lastUpdate.get(), calendar.now());
+
+  processes.entry(1).taskInfo->totalUser = static_cast<std::uint64_t>(1800.0 * nanosecondsPerSecond);
+  monitor->refresh();
+  EXPECT_EQ(tickCount, 2);
+  EXPECT_NEAR(monitor->topCPUHogs->front().cpuFraction, 0.5, 0.001);
+}
+
 TEST_F(SystemMonitorBackgroundTest, aTickUnderWayOutlivesItsTimer) {
   startWithALookOf(0.009);
   scheduler.advance(idlePeriod);
@@ -184,6 +307,17 @@ TEST_F(SystemMonitorBackgroundTest, aMonitorThatGoesTakesItsTickWithIt) {
   monitor.reset();
   EXPECT_FALSE(background.isUnderWay());
   scheduler.advance(background.seconds);
+  EXPECT_EQ(tickCount, 0);
+}
+
+TEST_F(SystemMonitorBackgroundTest, aMonitorThatGoesDropsALookThatIsOverToo) {
+  makeMonitor(quick);
+  startWithALookOf(0.009);
+  scheduler.advance(idlePeriod);
+  ASSERT_TRUE(quick.isUnderWay());
+  monitor.reset();
+  EXPECT_FALSE(quick.isUnderWay());
+  scheduler.advance(quick.seconds);
   EXPECT_EQ(tickCount, 0);
 }
 
