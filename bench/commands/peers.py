@@ -38,10 +38,9 @@ def _add_programs(report, result):
             if key in figures:
                 report.add(f"{label}: {name}", unit, figures[key], digits=1)
     for name, reason in result["absent"].items():
-        report.note(f"not measured: {name}: {reason}")
+        report.fail(f"{name} was not measured: {reason}")
     own = programs.get("Vorli")
     if not own:
-        report.fail("Vorli was not measured")
         return
     for name, figures in programs.items():
         if name.startswith(("Vorli", "bare")):
@@ -68,6 +67,8 @@ def measure(build, quick):
         _add_programs(report, result)
     finally:
         refreshes.close()
+    report.note("start: until the icon or a window is there. It is looked for every some hundredths of a second, which is "
+                "coarse for the wall time, and processor time runs on until then")
     report.note("ps: one whole run; top, htop and btop draw what they read; the loops and Vorli do not")
     report.note("the monitors run one after the other with their own settings; proportional memory is told without "
                 "another program of the same toolkit beside, but for the panel, which is GTK")

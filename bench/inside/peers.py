@@ -11,34 +11,37 @@ from vorli import Missing, TrayIcon, until
 
 SETTLE = 8  # seconds
 LONGEST = 20
-WITHOUT_WINDOW = ("conky",)  # it draws on the desktop's: when it has started cannot be seen
-CONKY = os.path.join(os.environ["HOME"], ".conkyrc")
+CONKY = "conky"  # its window does not tell whose it is, and is there before anything stands in it
+CONKY_EMPTY = 5  # pixels: its height until then
 
 
-def windows_of_tree(pid):
-    for process in descendants(pid):
-        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid", str(process)], capture_output=True,
-                               text=True, check=False)
-        if found.stdout.split():
-            return True
-    return False
+def visible_windows(*conditions):
+    found = subprocess.run(["xdotool", "search", "--onlyvisible", *conditions], capture_output=True, text=True, check=False)
+    return found.stdout.split()
 
 
-def shown(process, is_in_tray):
+def height_of(window):
+    found = subprocess.run(["xdotool", "getwindowgeometry", "--shell", window], capture_output=True, text=True, check=False)
+    return int(dict(line.split("=") for line in found.stdout.split()).get("HEIGHT", 0))
+
+
+def shown(name, process, is_in_tray):
     if process.poll() is not None:
-        raise Missing(f"a program that lives (it left with {process.returncode})")
-    return bool(TrayIcon().items()) if is_in_tray else windows_of_tree(process.pid)
+        raise Missing(f"it left with {process.returncode}")
+    if is_in_tray:
+        return bool(TrayIcon().items())
+    if name == CONKY:
+        return any(height_of(window) > CONKY_EMPTY for window in visible_windows("--class", "^Conky$"))
+    return any(visible_windows("--pid", str(each)) for each in descendants(process.pid))
 
 
-def measured(command, is_in_tray, seconds):
+def measured(name, command, is_in_tray, seconds):
     until(lambda: not TrayIcon().items(), "an empty tray")
     begun = time.monotonic()
     process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     try:
-        until(lambda: shown(process, is_in_tray) or command[0] in WITHOUT_WINDOW, "its window", LONGEST, pause=0.01)
+        until(lambda: shown(name, process, is_in_tray), "its window", LONGEST, pause=0.01)
         result = {"start_wall_ms": (time.monotonic() - begun) * 1000, "start_cpu_ms": cpu_ms(process.pid)}
-        if command[0] in WITHOUT_WINDOW:
-            result = {}
         let_pass(SETTLE)
         window = Window(process.pid)
         let_pass(seconds)
@@ -54,22 +57,22 @@ def measured(command, is_in_tray, seconds):
 
 def programs(floor, status_icon):
     """Name, command, and whether it shows itself as an item of the tray."""
-    with open(CONKY, "w", encoding="utf-8") as file:
-        subprocess.run(["conky", "-C"], stdout=file, check=False)
     yield "Vorli", [os.path.join(PREFIX, "bin", "vorli")], True
     yield "bare Qt tray program", [floor], True
     yield "bare GTK status icon", [status_icon], False
-    for name in ("gkrellm", "conky", "psensor", "xfce4-taskmanager", "qps", "gnome-system-monitor"):
-        if shutil.which(name):
-            yield name, [name], False
+    for name in ("gkrellm", CONKY, "psensor", "xfce4-taskmanager", "qps", "gnome-system-monitor"):
+        yield name, [name], False
 
 
 def main():
     seconds = float(ARGUMENTS[0])
     results, absent = {}, {}
     for name, command, is_in_tray in programs(*ARGUMENTS[1:3]):
+        if not shutil.which(command[0]):
+            absent[name] = "it is not installed"
+            continue
         try:
-            results[name] = measured(command, is_in_tray, seconds)
+            results[name] = measured(name, command, is_in_tray, seconds)
         except Missing as missing:
             absent[name] = str(missing)
     write({"programs": results, "absent": absent})
