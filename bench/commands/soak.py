@@ -1,5 +1,7 @@
 """The whole program in fast motion for a long time, while its daemon is killed at random."""
 
+import functools
+import operator
 import os
 import random
 import re
@@ -18,11 +20,54 @@ PERIOD_MILLISECONDS = 60
 LONGEST_PAUSE = 12.0  # seconds between two kills, at most
 SEED = 1
 SIZE_FILE = re.compile(r"/proc/\d+/statm$")
+EARLY = slice(2, 5)  # of the samples: two slices fill every cache
+LEAST_SWING = 0.5  # of the ring, or the dial did not change
 
 
 def _lasting(sample):
-    """Descriptors without those of the largest processes' sizes, of which there are as many as there are such."""
-    return sum(not SIZE_FILE.match(file) for file in sample["files"])
+    """Descriptors by what they stand for, without those of the largest processes' sizes, of which there are as many as
+    there are such."""
+    return Counter(file for file in sample["files"] if not SIZE_FILE.match(file))
+
+
+def _add_growth(report, samples):
+    """What one early sample may have had for a moment, such as the way to a daemon, must not hide what is kept: so the
+    least of several is what the end is compared with."""
+    early, end = samples[EARLY], samples[-1]
+    dirty = [sample["Private_Dirty"] for sample in samples]
+    report.add("private dirty", "MiB", dirty, digits=2)
+    report.add("growth of private dirty", "KiB", (dirty[-1] - min(dirty[EARLY])) * 1024, digits=0,
+               **gates("soak", "growth"))
+    report.add("descriptors", "", [sample["descriptors"] for sample in samples], digits=0)
+    least = min(_lasting(sample).total() for sample in early)
+    report.add("descriptors kept", "", _lasting(end).total() - least, digits=0, **gates("soak", "descriptors"))
+    report.add("threads", "", [sample["threads"] for sample in samples], digits=0)
+    cpu, ticks = (end[key] - samples[0][key] for key in ("cpu_ms", "ticks"))
+    report.add("processor time of a tick", "ms", cpu / ticks, digits=2)
+    before = functools.reduce(operator.and_, map(_lasting, early))  # the least of each kind
+    if kept := _lasting(end) - before:
+        report.note("descriptors more than before: " + ", ".join(f"{count} x {file}" for file, count in kept.items()))
+    most = max(sample["processes"] for sample in samples)
+    report.note(f"{early[0]['processes']:,} processes on the machine when it was warm, {most:,} at most: each takes its row")
+
+
+def _add_events(report, result, asked, killed):
+    """A soak in which something did not happen proves nothing of it."""
+    for name, count in asked.items():
+        if result[name] < count:
+            report.fail(f"{result[name]} of {count} {name} came")
+    swing = max(result["rings"]) - min(result["rings"])
+    report.note(f"{result['openings']} openings of the popover, {result['polishes']} polishes, "
+                f"{result['replies']} purges answered, {killed} daemons killed, {result['seconds']:.0f} s; "
+                f"the ring moved over {swing:.2f}")
+    if swing < LEAST_SWING:
+        report.fail(f"the dial hardly moved: the ring's values lay within {swing:.2f}")
+    if killed == 0:
+        report.fail("no daemon was killed")
+    if result["replies"] == 0:
+        report.fail("no purge was answered")
+    if result["exit"] != 0:
+        report.fail(f"the program left with {result['exit']}")
 
 
 def _daemons(program):
@@ -71,24 +116,7 @@ def measure(build, quick):
         killed = _kill_at_random(session, os.path.join(stage.prefix, "libexec/vorli/vorli-helper"),
                                  os.path.join(stage.out, "ready"))
         result = stage.result(session)
-    samples, end = result["samples"], result["samples"][-1]
-    warm = samples[2]  # two slices fill every cache
-    dirty = [sample["Private_Dirty"] for sample in samples]
-    report.add("private dirty", "MiB", dirty, digits=2)
-    report.add("growth of private dirty", "KiB", (end["Private_Dirty"] - warm["Private_Dirty"]) * 1024, digits=0,
-               **gates("soak", "growth"))
-    report.add("descriptors", "", [sample["descriptors"] for sample in samples], digits=0)
-    report.add("descriptors kept", "", _lasting(end) - _lasting(warm), digits=0, **gates("soak", "descriptors"))
-    report.add("processor time of a tick", "ms", (end["cpu_ms"] - samples[0]["cpu_ms"]) / ticks, digits=2)
-    kept = {file: count for file, count in (Counter(end["files"]) - Counter(warm["files"])).items()
-            if not SIZE_FILE.match(file)}
-    if kept:
-        report.note("descriptors more than before: " + ", ".join(f"{count} x {file}" for file, count in kept.items()))
-    most = max(sample["processes"] for sample in samples)
-    report.note(f"{warm['processes']:,} processes on the machine when it was warm, {most:,} at most: each takes its row")
-    report.note(f"{result['openings']} openings of the popover, {result['polishes']} polishes, "
-                f"{result['replies']} purges answered, {killed} daemons killed, {result['seconds']:.0f} s")
-    if result["exit"] != 0:
-        report.fail(f"the program left with {result['exit']}")
+    _add_growth(report, result["samples"])
+    _add_events(report, result, {"openings": openings, "polishes": polishes}, killed)
     _soak_the_daemon(report, build, 20 if quick else 600)
     return report

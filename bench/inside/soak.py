@@ -1,6 +1,6 @@
 """soak.py PREFIX OUT TICKS OPENINGS POLISHES PERIOD_MILLISECONDS: the whole program in fast motion.
 
-What it has taken is looked at ten times on the way, and once more when it has come to rest.
+What it has taken is looked at ten times on the way, and once more when only the ticks have gone on for a while.
 """
 
 import os
@@ -19,13 +19,13 @@ class Soak:
         self.ticks, self.openings, self.polishes, period = map(int, ARGUMENTS)
         self.vorli = started("vorli_soak", [period])
         self.opened = self.polished = 0
-        self.has_popover = True
-        self.samples = []
+        self.samples, self.rings = [], []
 
     def sample(self):
         pid = self.vorli.process.pid
         self.samples.append({"ticks": self.vorli.ticks, "files": self.files(),
-                             "processes": sum(name.isdigit() for name in os.listdir("/proc")), "descriptors": descriptors(pid), "cpu_ms": cpu_ms(pid),
+                             "processes": sum(name.isdigit() for name in os.listdir("/proc")),
+                             "descriptors": descriptors(pid), "cpu_ms": cpu_ms(pid),
                              "threads": len(os.listdir(f"/proc/{pid}/task")), **memory_mb(pid)})
 
     def files(self):
@@ -40,9 +40,11 @@ class Soak:
         return found
 
     def turn(self, done):
-        if self.has_popover and self.opened < done * self.openings:
-            self.has_popover = open_and_shut_popover(self.vorli)
-            self.opened += self.has_popover
+        if self.opened < done * self.openings:
+            self.rings.append(self.vorli.ring)
+            if not open_and_shut_popover(self.vorli):
+                raise Missing(f"the popover of opening {self.opened + 1} did not come")
+            self.opened += 1
         if self.polished < done * self.polishes:
             choose(self.vorli, "Polish Now")
             self.polished += 1
@@ -64,7 +66,7 @@ class Soak:
         let_pass(REST)
         self.sample()
         write({"samples": self.samples, "openings": self.opened, "polishes": self.polished, "seconds": seconds,
-               "replies": self.vorli.log_text().count("purgeMemory reply: exit=0"), "exit": self.vorli.end(20)})
+               "rings": self.rings, "replies": self.vorli.log_text().count("purgeMemory reply: exit=0"), "exit": self.vorli.end(20)})
 
 
 Soak().run()
