@@ -21,7 +21,7 @@ FEW = 3
 UNFOLDED = 0.7  # seconds: after it only the halo breathes
 PAUSE = 0.6  # longer than what makes two clicks a double one
 SETTLE = 3.0
-AT_REST = 5.0
+AT_REST = 12  # seconds, each counted by itself: a tick may move the ring
 SHUT = 20.0  # a tick at the least
 AWAY = (5, 500)
 
@@ -92,15 +92,15 @@ class Clicked:
         return result
 
     def frames_at_rest(self, log):
-        """A second."""
+        """Of each second."""
         self.open()
         self._pointer.move(*AWAY)
         let_pass(SETTLE)
-        before = len(frames_of(log))
+        start = time.monotonic_ns() / 1000
         let_pass(AT_REST)
-        count = len(frames_of(log)) - before
         self.shut()
-        return count / AT_REST
+        seconds = [int((painted - start) // 1e6) for painted, _ in frames_of(log)]
+        return [seconds.count(second) for second in range(AT_REST)]
 
     def frames_while_shut(self, log):
         before = len(frames_of(log))

@@ -1,21 +1,16 @@
 #include "ui/linux/GlowBands.h"
 
-#include <QGuiApplication>
+#include "ui/linux/QtX11.h"
+
 #include <QPainter>
 #include <QRasterWindow>
 #include <cstdint>
-#include <xcb/xcb.h>
 
 namespace vorli::ui {
 namespace {
 
 constexpr std::array edges{ScreenEdge::top, ScreenEdge::bottom, ScreenEdge::left, ScreenEdge::right};
 constexpr double fullLevel = 255.0;
-
-xcb_connection_t* qtConnection() {
-  const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-  return x11 ? x11->connection() : nullptr;
-}
 
 // Qt leaves a changed opacity in its buffer, which may take seconds to fill.
 void flush() {

@@ -3,12 +3,12 @@
 #include "ui/QtColour.h"
 #include "ui/linux/GlowBands.h"
 #include "ui/linux/MainScreen.h"
+#include "ui/linux/QtX11.h"
 
 #include <QGuiApplication>
 #include <QScreen>
 #include <cmath>
 #include <cstdlib>
-#include <xcb/xcb.h>
 
 namespace vorli::ui {
 namespace {
@@ -143,8 +143,8 @@ bool GlowOverlay::nativeEventFilter(const QByteArray& type, void* message, qintp
   if (type != "xcb_generic_event_t" || !bands_) return false;
   const auto* event = static_cast<const xcb_generic_event_t*>(message);
   if ((event->response_type & 0x7f) != XCB_PROPERTY_NOTIFY) return false;
-  if (stackingList_ == 0) stackingList_ = atomNamed("_NET_CLIENT_LIST_STACKING");
-  if (reinterpret_cast<const xcb_property_notify_event_t*>(event)->atom != stackingList_) return false;
+  const auto changed = reinterpret_cast<const xcb_property_notify_event_t*>(event)->atom;
+  if (changed != atomNamed(qtConnection(), "_NET_CLIENT_LIST_STACKING")) return false;
   raise();
   scheduler_.cancel(settling_);
   settling_ = scheduler_.after(settlingSeconds, [this] { raise(); });

@@ -61,7 +61,6 @@ class GlowOverlay final : public ports::GlowOverlay, private QAbstractNativeEven
   Scheduler::TimerId timer_ = 0;
   Scheduler::TimerId settling_ = 0;
   std::uint64_t frameCount_ = 0;
-  std::uint32_t stackingList_ = 0;  // the atom under which the window manager lists its windows
   std::unique_ptr<GlowBands> bands_;
 };
 

@@ -17,6 +17,4 @@ std::optional<QRect> mainScreenGeometry();
 /// 0, and when it is gone.
 std::uint32_t topLevelAncestor(std::uint32_t window);
 
-std::uint32_t atomNamed(const char* name);
-
 }  // namespace vorli::ui

@@ -1,17 +1,12 @@
 #include "ui/linux/ManagerSelections.h"
 
-#include <cstdlib>
+#include "ui/linux/X11Reply.h"
+
 #include <xcb/xcb.h>
 #include <xcb/xfixes.h>
 
 namespace vorli::ui {
 namespace {
-
-struct Free {
-  void operator()(void* memory) const { std::free(memory); }
-};
-template <typename Reply>
-using Owned = std::unique_ptr<Reply, Free>;
 
 xcb_window_t rootOfScreen(xcb_connection_t* connection, int screenNumber) {
   auto screen = xcb_setup_roots_iterator(xcb_get_setup(connection));
@@ -52,7 +47,7 @@ bool ManagerSelections::watchOwners(std::uint32_t root) {
   if (!extension || !extension->present) return false;
   firstFixesEvent_ = extension->first_event;
   const auto cookie = xcb_xfixes_query_version(connection_, 2, 0);  // nothing else works before this
-  const Owned<xcb_xfixes_query_version_reply_t> version(
+  const X11Reply<xcb_xfixes_query_version_reply_t> version(
       xcb_xfixes_query_version_reply(connection_, cookie, nullptr));
   for (const auto& state : states_) {
     xcb_xfixes_select_selection_input(connection_, root, state.selection,
@@ -65,13 +60,13 @@ bool ManagerSelections::watchOwners(std::uint32_t root) {
 
 std::uint32_t ManagerSelections::intern(const std::string& name) {
   const auto cookie = xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.c_str());
-  const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection_, cookie, nullptr));
+  const X11Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection_, cookie, nullptr));
   return reply ? reply->atom : 0;
 }
 
 std::uint32_t ManagerSelections::selectionOwner(const State& state) {
   const auto cookie = xcb_get_selection_owner(connection_, state.selection);
-  const Owned<xcb_get_selection_owner_reply_t> reply(
+  const X11Reply<xcb_get_selection_owner_reply_t> reply(
       xcb_get_selection_owner_reply(connection_, cookie, nullptr));
   return reply ? reply->owner : 0;
 }
@@ -84,7 +79,7 @@ bool ManagerSelections::refresh(State& state) {
     constexpr std::uint32_t mostWords = 16384;
     const auto cookie =
         xcb_get_property(connection_, 0, now.owner, state.property, XCB_GET_PROPERTY_TYPE_ANY, 0, mostWords);
-    const Owned<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection_, cookie, nullptr));
+    const X11Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection_, cookie, nullptr));
     if (reply) {
       now.published = QByteArray(static_cast<const char*>(xcb_get_property_value(reply.get())),
                                  xcb_get_property_value_length(reply.get()));
@@ -103,7 +98,7 @@ bool ManagerSelections::refreshAll() {
 
 bool ManagerSelections::readEvents() {
   bool relevant = false;
-  while (const Owned<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
+  while (const X11Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
     const int type = event->response_type & 0x7f;
     relevant |= type == firstFixesEvent_ + XCB_XFIXES_SELECTION_NOTIFY;
     if (type != XCB_PROPERTY_NOTIFY) continue;

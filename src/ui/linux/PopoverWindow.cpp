@@ -50,6 +50,7 @@ PopoverWindow::PopoverWindow(Scheduler& scheduler, LastClick lastClick, DesktopA
       desktop_(desktop),
       selections_(selections),
       surroundings_(surroundings),
+      rawPresses_([this](QPoint native) { pressed(native); }),
       appearanceSubscription_(desktop.subscribe([this] {
         if (widget_) widget_->scene().setAppearance(surroundings_.appearance());
       })),
@@ -157,7 +158,7 @@ void PopoverWindow::performClose() {
 
 void PopoverWindow::hide() {
   shown_ = false;
-  rawPresses_.reset();
+  rawPresses_.stop();
   QObject::disconnect(screenChange_);
   widget_->hide();
   widget_->end();
@@ -199,9 +200,7 @@ void PopoverWindow::makeKey() {
 }
 
 Subscription PopoverWindow::monitorPressesOutside(std::function<void()> handler) {
-  if (shown_ && !rawPresses_) {
-    rawPresses_ = std::make_unique<RawPresses>([this](QPoint native) { pressed(native); });
-  }
+  if (shown_) rawPresses_.listen();
   return presses_.add(std::move(handler));
 }
 

@@ -77,7 +77,7 @@ class PopoverWindow final : public ports::PopoverWindow {
   double openedAt_ = 0.0;
   ports::PopoverSize size_;
   std::optional<ClickAnchor> openedFrom_;
-  std::unique_ptr<RawPresses> rawPresses_;  // while the panel is shown
+  RawPresses rawPresses_;  // heard while the panel is shown
   Scheduler::TimerId forgetTimer_ = 0;
 
   std::function<bool()> shouldClose_;

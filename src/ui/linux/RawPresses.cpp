@@ -2,6 +2,7 @@
 
 #include "ui/linux/X11Reply.h"
 
+#include <utility>
 #include <xcb/xcb.h>
 #include <xcb/xinput.h>
 
@@ -12,34 +13,46 @@ constexpr unsigned leftButton = 1, rightButton = 3;
 
 }  // namespace
 
-RawPresses::RawPresses(Handler handler) : handler_(std::move(handler)) {
-  connection_ = xcb_connect(nullptr, nullptr);
-  if (xcb_connection_has_error(connection_) || !select()) {
-    xcb_disconnect(connection_);
-    connection_ = nullptr;
-    return;
-  }
-  notifier_ = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection_), QSocketNotifier::Read);
-  QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { process(); });
-}
+RawPresses::RawPresses(Handler handler) : handler_(std::move(handler)) {}
 
 RawPresses::~RawPresses() {
   notifier_.reset();
   if (connection_) xcb_disconnect(connection_);
 }
 
-bool RawPresses::select() {
-  root_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
-  const auto cookie = xcb_input_xi_query_version(connection_, 2, 2);  // nothing else works before this
+void RawPresses::listen() {
+  if (!connection_) connect();
+  if (!connection_ || listens_) return;
+  listens_ = true;
+  select(XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS);
+}
+
+void RawPresses::stop() {
+  if (!std::exchange(listens_, false)) return;
+  select(0);
+}
+
+void RawPresses::connect() {
+  auto* connection = xcb_connect(nullptr, nullptr);
+  const auto giveUp = [&] { xcb_disconnect(connection); };
+  if (xcb_connection_has_error(connection)) return giveUp();
+  const auto cookie = xcb_input_xi_query_version(connection, 2, 2);  // nothing else works before this
   const X11Reply<xcb_input_xi_query_version_reply_t> version(
-      xcb_input_xi_query_version_reply(connection_, cookie, nullptr));
-  if (!version) return false;
-  struct {
+      xcb_input_xi_query_version_reply(connection, cookie, nullptr));
+  if (!version) return giveUp();
+  connection_ = connection;
+  root_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
+  notifier_ = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection_), QSocketNotifier::Read);
+  QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { process(); });
+}
+
+void RawPresses::select(std::uint32_t events) {
+  const struct {
     xcb_input_event_mask_t head{XCB_INPUT_DEVICE_ALL_MASTER, 1};
-    std::uint32_t mask = XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS;
-  } events;
-  xcb_input_xi_select_events(connection_, root_, 1, &events.head);
-  return xcb_flush(connection_) > 0;
+    std::uint32_t mask;
+  } request{.mask = events};
+  selection_ = xcb_input_xi_select_events(connection_, root_, 1, &request.head).sequence;
+  xcb_flush(connection_);
 }
 
 // The handler may end this object: it is called once, and nothing is touched after it.
@@ -47,15 +60,16 @@ void RawPresses::process() {
   bool pressed = false;
   while (takePress()) pressed = true;
   if (xcb_connection_has_error(connection_)) notifier_->setEnabled(false);
-  if (!pressed) return;
+  if (!pressed || !listens_) return;
   const auto handler = handler_;
   handler(pointer());
 }
 
-// True for a press; events of other kinds are dropped on the way to it.
+// True for a press; what else comes, and what came under an earlier selection, is dropped on the way to it.
 bool RawPresses::takePress() {
   while (const X11Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
     if ((event->response_type & 0x7F) != XCB_GE_GENERIC) continue;
+    if (static_cast<std::int32_t>(event->full_sequence - selection_) < 0) continue;
     const auto* generic = reinterpret_cast<const xcb_ge_generic_event_t*>(event.get());
     if (generic->event_type != XCB_INPUT_RAW_BUTTON_PRESS) continue;
     const auto* press = reinterpret_cast<const xcb_input_raw_button_press_event_t*>(event.get());

@@ -2,6 +2,7 @@
 
 #include <QPoint>
 #include <QSocketNotifier>
+#include <cstdint>
 #include <functional>
 #include <memory>
 
@@ -9,9 +10,10 @@ struct xcb_connection_t;
 
 namespace vorli::ui {
 
-/// Tells of every press of the left and the right mouse button on the whole X11 desktop while it exists,
-/// without taking it from the window that it was meant for. The events come over a connection of its own; of
-/// presses before it was made none comes. Without X11, or without its input extension, nothing comes.
+/// Tells of every press of the left and the right mouse button on the whole X11 desktop while it listens,
+/// without taking it from the window that it was meant for. The events come over a connection of its own,
+/// which is made by the first `listen` and kept: to make one takes longer than a frame may. Without X11, or
+/// without its input extension, nothing comes.
 class RawPresses {
  public:
   using Handler = std::function<void(QPoint native)>;
@@ -21,8 +23,14 @@ class RawPresses {
   RawPresses(const RawPresses&) = delete;
   RawPresses& operator=(const RawPresses&) = delete;
 
+  /// Presses from now on.
+  void listen();
+  /// No press is told any more, even if it happened before.
+  void stop();
+
  private:
-  bool select();
+  void connect();
+  void select(std::uint32_t events);
   void process();
   bool takePress();
   QPoint pointer();
@@ -30,6 +38,8 @@ class RawPresses {
   Handler handler_;
   xcb_connection_t* connection_ = nullptr;
   unsigned root_ = 0;
+  unsigned selection_ = 0;  // the number of the request that chose what comes
+  bool listens_ = false;
   std::unique_ptr<QSocketNotifier> notifier_;
 };
 

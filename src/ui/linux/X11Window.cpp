@@ -1,32 +1,19 @@
 #include "ui/linux/X11Window.h"
 
+#include "ui/linux/QtX11.h"
 #include "ui/linux/X11Reply.h"
 
-#include <QGuiApplication>
 #include <QWindow>
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <span>
 #include <vector>
 #include <xcb/shape.h>
-#include <xcb/xcb.h>
 
 namespace vorli::ui {
 namespace {
 
 constexpr std::uint32_t mostWindows = 1024, mostTypes = 16;
-
-xcb_connection_t* qtConnection() {
-  const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-  return x11 ? x11->connection() : nullptr;
-}
-
-xcb_atom_t atomOf(xcb_connection_t* connection, const char* name) {
-  const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name);
-  const X11Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
-  return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
-}
 
 // Atoms and windows are numbers of 32 bits alike.
 std::vector<std::uint32_t> numbersOf(xcb_connection_t* connection, xcb_get_property_cookie_t cookie) {
@@ -42,10 +29,11 @@ xcb_get_property_cookie_t ask(xcb_connection_t* connection, xcb_window_t window,
 }
 
 // The managed windows of type dock.
-std::vector<xcb_window_t> docks(xcb_connection_t* connection, xcb_window_t root) {
-  const auto list = atomOf(connection, "_NET_CLIENT_LIST"), type = atomOf(connection, "_NET_WM_WINDOW_TYPE");
-  const auto dock = atomOf(connection, "_NET_WM_WINDOW_TYPE_DOCK");
-  const auto windows = numbersOf(connection, ask(connection, root, list, mostWindows));
+std::vector<xcb_window_t> docks(xcb_connection_t* connection) {
+  const auto list = atomNamed(connection, "_NET_CLIENT_LIST"),
+             type = atomNamed(connection, "_NET_WM_WINDOW_TYPE");
+  const auto dock = atomNamed(connection, "_NET_WM_WINDOW_TYPE_DOCK");
+  const auto windows = numbersOf(connection, ask(connection, rootWindow(connection), list, mostWindows));
   // All asked at once: one way there and back instead of one for each window.
   std::vector<xcb_get_property_cookie_t> cookies;
   for (const auto window : windows) cookies.push_back(ask(connection, window, type, mostTypes));
@@ -57,26 +45,17 @@ std::vector<xcb_window_t> docks(xcb_connection_t* connection, xcb_window_t root)
   return found;
 }
 
-std::optional<QRect> rectangleOf(xcb_connection_t* connection, xcb_window_t window, xcb_window_t root) {
-  const auto sizeCookie = xcb_get_geometry(connection, window);
-  const auto placeCookie = xcb_translate_coordinates(connection, window, root, 0, 0);
-  const X11Reply<xcb_get_geometry_reply_t> size(xcb_get_geometry_reply(connection, sizeCookie, nullptr));
-  const X11Reply<xcb_translate_coordinates_reply_t> place(
-      xcb_translate_coordinates_reply(connection, placeCookie, nullptr));
-  if (!size || !place) return std::nullopt;
-  return QRect(place->dst_x, place->dst_y, size->width, size->height);
-}
-
 }  // namespace
 
 void keepOutOfTaskLists(QWindow& window) {
   auto* connection = qtConnection();
   if (!connection) return;
-  const std::array states{atomOf(connection, "_NET_WM_STATE_SKIP_TASKBAR"),
-                          atomOf(connection, "_NET_WM_STATE_SKIP_PAGER"),
-                          atomOf(connection, "_NET_WM_STATE_ABOVE")};
+  const std::array states{atomNamed(connection, "_NET_WM_STATE_SKIP_TASKBAR"),
+                          atomNamed(connection, "_NET_WM_STATE_SKIP_PAGER"),
+                          atomNamed(connection, "_NET_WM_STATE_ABOVE")};
   xcb_change_property(connection, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(window.winId()),
-                      atomOf(connection, "_NET_WM_STATE"), XCB_ATOM_ATOM, 32, states.size(), states.data());
+                      atomNamed(connection, "_NET_WM_STATE"), XCB_ATOM_ATOM, 32, states.size(),
+                      states.data());
 }
 
 void limitInput(QWindow& window, const QRect& area) {
@@ -93,7 +72,7 @@ void limitInput(QWindow& window, const QRect& area) {
 bool isButtonHeld() {
   auto* connection = qtConnection();
   if (!connection) return false;
-  const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+  const auto root = rootWindow(connection);
   const X11Reply<xcb_query_pointer_reply_t> pointer(
       xcb_query_pointer_reply(connection, xcb_query_pointer(connection, root), nullptr));
   constexpr unsigned buttons = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
@@ -103,9 +82,8 @@ bool isButtonHeld() {
 std::optional<QRect> panelAt(QPoint point) {
   auto* connection = qtConnection();
   if (!connection) return std::nullopt;
-  const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
-  for (const auto dock : docks(connection, root)) {
-    const auto rectangle = rectangleOf(connection, dock, root);
+  for (const auto dock : docks(connection)) {
+    const auto rectangle = rectangleOf(connection, dock);
     if (rectangle && rectangle->contains(point)) return rectangle;
   }
   return std::nullopt;
