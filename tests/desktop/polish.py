@@ -14,6 +14,7 @@ from waiting import until
 PROGRAM, SERVER = sys.argv[1:3]
 WINDOW = 0.15
 LISTENED = 0.2  # the window with its set-up, on a machine that has nothing else to do
+MOST_WORKING = 0.005  # of all turns
 MOST_BLOCKED = 0.01  # of all turns: the glow's colours wait for the X server, which waits for a processor
 LONGEST_PURGE = 25
 HOG = 0.15  # of the memory in use, so that there is something to see
@@ -144,6 +145,7 @@ class PolishTest(unittest.TestCase):
         self.assert_times(FULL)
         self.assertGreaterEqual(self.probe.calm_rise(), CALM_RISE - CLOCK_GRAIN)
         self.assertEqual(self.probe.turns_of_too_much_work(), [])
+        self.assertLess(self.probe.working_share(), MOST_WORKING)
         self.assertLess(self.probe.blocked_share(), MOST_BLOCKED)
 
     def assert_throttled(self, icons):
