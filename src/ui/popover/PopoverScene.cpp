@@ -62,6 +62,11 @@ void PopoverScene::setAppearance(Appearance appearance) {
   changed_();
 }
 
+void PopoverScene::setEdge(Edge edge) {
+  edge_ = edge;
+  changed_();
+}
+
 PopoverScene::Under PopoverScene::underOf() const {
   Under under;
   for (const auto& segment : view_.culpritSegments()) under.culprits.push_back(pieceOf(segment));

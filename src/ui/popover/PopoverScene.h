@@ -26,7 +26,7 @@ class PopoverScene {
   PopoverScene(Scheduler& scheduler, PopoverView& view, std::function<void()> changed);
 
   void setAppearance(Appearance appearance);
-  void setEdge(Edge edge) { edge_ = edge; }
+  void setEdge(Edge edge);
 
   /// Takes what the view shows at once: while nobody sees it.
   void jumpToContent();

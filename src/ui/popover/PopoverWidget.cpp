@@ -56,6 +56,7 @@ PopoverWidget::~PopoverWidget() {
 
 void PopoverWidget::begin() {
   usesKeyboard_ = false;
+  asksToQuit_ = false;  // a question that is still open takes the focus anew
   scene_.releaseControls();
   scene_.jumpToContent();
   updateControls();
@@ -105,7 +106,9 @@ void PopoverWidget::frame() {
   if (!isVisible()) return;
   const double now = scheduler_.now();
   PopoverPicture next = scene_.picture(now);
-  const auto changed = changedPart(shown_, next);
+  const bool isTurned = placedEdge_ != scene_.edge();  // all of it lies elsewhere in the window
+  if (isTurned) placeControls();
+  const auto changed = isTurned ? std::nullopt : changedPart(shown_, next);
   shown_ = std::move(next);
   if (!changed) {
     update();
@@ -190,6 +193,7 @@ void PopoverWidget::updateControls() {
 }
 
 void PopoverWidget::placeControls() {
+  placedEdge_ = scene_.edge();
   const QPointF at = restingOrigin();
   const auto& words = scene_.restingWords();
   const auto layout = PopoverLayout::of(words, devicePixelRatioF());

@@ -75,6 +75,7 @@ class PopoverWidget final : public QWidget {
   PopoverPainter painter_;
   PopoverPicture shown_;
   QRect shownCard_;
+  PopoverScene::Edge placedEdge_ = PopoverScene::Edge::top;  // for which the controls lie
   Scheduler::TimerId frameTimer_ = 0;
   double nextFrame_ = 0.0;
   std::uint64_t framesPainted_ = 0;

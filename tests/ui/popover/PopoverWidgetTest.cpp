@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QtTest/qtestspontaneevent.h>
 #include <optional>
 
@@ -47,6 +48,13 @@ struct PopoverWidgetTest : PolishFixture {
     scheduler.advance(1.0);
     QApplication::setActiveWindow(&*widget);
     QApplication::processEvents();
+  }
+
+  void close() {
+    notifications.post(VorliAnimateDismiss{});
+    scheduler.advance(0.3);
+    widget->hide();
+    widget->end();
   }
 
   void showState(double progress) {
@@ -216,6 +224,19 @@ TEST_F(PopoverWidgetTest, questionPutsTheFocusOnCancel) {
   EXPECT_TRUE(control(Id::quit)->hasFocus());
 }
 
+TEST_F(PopoverWidgetTest, questionThatIsStillOpenAtTheNextOpeningTakesTheFocus) {
+  open();
+  click(Id::firstName);
+  scheduler.advance(1.0);
+  close();
+  open();
+  ASSERT_EQ(view->confirmingQuitName().get(), "Chrome");
+  EXPECT_TRUE(control(Id::cancel)->hasFocus());
+  press(Qt::Key_Return);
+  EXPECT_EQ(view->confirmingQuitName().get(), std::nullopt);
+  EXPECT_FALSE(view->isReleasing);
+}
+
 TEST_F(PopoverWidgetTest, questionAfterAClickWithTheMouseShowsNoFocus) {
   open();
   click(Id::firstName);
@@ -273,6 +294,15 @@ TEST_F(PopoverWidgetTest, closingForgetsThePointer) {
   widget->end();
   EXPECT_FALSE(view->hovered);
 }
+
+/// All that a window is asked to paint.
+struct PaintWatch : QObject {
+  bool eventFilter(QObject*, QEvent* event) override {
+    if (event->type() == QEvent::Paint) painted |= static_cast<QPaintEvent*>(event)->region();
+    return false;
+  }
+  QRegion painted;
+};
 
 // Frames are counted as they are asked for: each ends in a paint event of the window.
 struct PopoverFramesTest : PopoverWidgetTest {
@@ -383,6 +413,20 @@ TEST_F(PopoverFramesTest, cardAboveALowerPanelGrowsUpwards) {
   EXPECT_EQ(widget->card().bottom(), bottom);
   EXPECT_EQ(widget->card().height(), 24);
   EXPECT_EQ(widget->restingCard().bottom(), bottom);
+}
+
+TEST_F(PopoverFramesTest, cardThatTurnsToItsOtherEdgeTakesItsPictureAndItsControlsAlong) {
+  open();
+  showState(0.1);
+  widget->scene().setCardHeight(240.0);
+  framesIn(5.0);
+  const QRect ring = control(Id::polish)->geometry();
+  PaintWatch watch;
+  widget->installEventFilter(&watch);
+  widget->scene().setEdge(PopoverScene::Edge::bottom);
+  framesIn(0.01);
+  EXPECT_EQ(watch.painted.boundingRect(), widget->rect());
+  EXPECT_EQ(control(Id::polish)->geometry(), ring.translated(0, 70));  // from 16 under the top to 86
 }
 
 }  // namespace
