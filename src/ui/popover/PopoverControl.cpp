@@ -102,6 +102,7 @@ void PopoverControl::showFocus() {
 
 PopoverText::PopoverText(QWidget* parent) : QLabel(parent) {
   setAttribute(Qt::WA_TransparentForMouseEvents);
+  setTextFormat(Qt::PlainText);  // the name of an application may look like markup
 }
 
 void installPopoverAccessibility() {

@@ -6,6 +6,7 @@
 #include <QKeyEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QTextDocument>
 #include <algorithm>
 #include <cmath>
 
@@ -21,6 +22,11 @@ constexpr double quickFrame = 1.0 / 60.0, lightFrame = 1.0 / 30.0, breathFrame =
 
 QString qString(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+// A tool tip follows what looks like markup, as the name of an application may.
+QString asToolTip(const QString& text) {
+  return Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
 }
 
 }  // namespace
@@ -237,7 +243,8 @@ void PopoverWidget::placeControls() {
 
 void PopoverWidget::sayControls() {
   const auto tip = [this](Id id, const QString& text) {
-    if (control(id).toolTip() != text) control(id).setToolTip(text);
+    const QString said = asToolTip(text);
+    if (control(id).toolTip() != said) control(id).setToolTip(said);
   };
   const auto text = [](PopoverText& label, const QString& words) {
     if (label.text() != words) label.setText(words);

@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
+#include <QTextDocument>
 #include <QtTest/qtestspontaneevent.h>
 #include <optional>
 
@@ -182,6 +183,17 @@ TEST_F(PopoverWidgetTest, controlsHaveToolTips) {
   open();
   EXPECT_EQ(control(Id::polish)->toolTip(), "Tap to polish your Mac");
   EXPECT_EQ(control(Id::secondName)->toolTip(), "Click to quit Figma");
+}
+
+TEST_F(PopoverWidgetTest, nameThatLooksLikeMarkupIsToldAsItIs) {
+  hogs[0].name = hogs[0].displayName = "Notes <b>beta";
+  open();
+  EXPECT_THAT(spoken(),
+              testing::Contains("text | Notes <b>beta and Figma are using the most right now. |  | "));
+  QTextDocument tip;
+  tip.setHtml(control(Id::firstName)->toolTip());
+  EXPECT_EQ(tip.toPlainText(), "Click to quit Notes <b>beta");
+  EXPECT_TRUE(Qt::mightBeRichText(control(Id::firstName)->toolTip()));
 }
 
 TEST_F(PopoverWidgetTest, returnPolishesWhileNothingElseHasTheFocus) {
