@@ -81,6 +81,10 @@ void PopoverControl::placeAt(const QRectF& place) {
 bool PopoverControl::event(QEvent* event) {
   if (event->type() == QEvent::Enter) watcher_.hovered(true);
   if (event->type() == QEvent::Leave || event->type() == QEvent::Hide) watcher_.hovered(false);
+  if (event->type() == QEvent::Hide && isDown()) {  // no release comes to what is hidden
+    setDown(false);
+    watcher_.pressed(false);
+  }
   return QAbstractButton::event(event);
 }
 

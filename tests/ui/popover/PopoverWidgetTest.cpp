@@ -298,6 +298,27 @@ TEST_F(PopoverWidgetTest, pointerOnTheRingIsToldToTheView) {
   EXPECT_FALSE(view->hovered);
 }
 
+TEST_F(PopoverWidgetTest, nameThatLeavesWhileItIsHeldDownComesBackReleased) {
+  open();
+  auto* name = control(Id::secondName);
+  QMouseEvent down(QEvent::MouseButtonPress, {5, 5}, {5, 5}, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(name, &down);
+  ASSERT_TRUE(name->isDown());
+  const auto press = [this] {
+    return widget->scene().picture(scheduler.now()).words.culprits->names.at(1).press;
+  };
+  scheduler.advance(1.0);
+  ASSERT_EQ(press(), 1.0);
+  monitor.topMemoryHogs = std::vector{hogs[0]};
+  scheduler.advance(1.0);
+  ASSERT_FALSE(name->isVisible());
+  monitor.topMemoryHogs = hogs;
+  scheduler.advance(1.0);
+  ASSERT_TRUE(name->isVisible());
+  EXPECT_FALSE(name->isDown());
+  EXPECT_EQ(press(), 0.0);
+}
+
 TEST_F(PopoverWidgetTest, closingForgetsThePointer) {
   open();
   QEnterEvent enter({1, 1}, {1, 1}, {1, 1});
