@@ -33,6 +33,14 @@ void DottedReassuranceRing::setVisible(bool visible) {
   withAnimation(Animation::spring(0.42, 0.78), [&] { scale_ = visible ? 1.0 : hiddenRingScale; });
 }
 
+void DottedReassuranceRing::jumpTo(bool visible) {
+  visible_ = visible;
+  withoutAnimation([&] {
+    for (auto& share : shares_) share = visible ? 1.0 : 0.0;
+    scale_ = visible ? 1.0 : hiddenRingScale;
+  });
+}
+
 std::array<DottedReassuranceRing::Dot, DottedReassuranceRing::count> DottedReassuranceRing::dots(
     double time, Movement movement) const {
   std::array<Dot, count> dots;

@@ -31,6 +31,8 @@ class DottedReassuranceRing {
   bool isVisible() const { return visible_; }
   /// Starts the motion towards it; nothing when it is so already.
   void setVisible(bool visible);
+  /// As `setVisible`, without the motion.
+  void jumpTo(bool visible);
 
   std::array<Dot, count> dots(double time, Movement movement = Movement::kept) const;
   /// Of all dots together, about their common centre.

@@ -114,6 +114,7 @@ void PopoverView::updateContent() {
 void PopoverView::animateAppear() {
   if (!std::exchange(hasAppeared_, true)) firstAppear();
   isOpen_ = true;
+  dots_.jumpTo(showsReassurance());  // those of the last opening may have been up at its end
   withoutAnimation([this] { setPresentationPhase(PresentationPhase::folded); });
   scheduler_.post([this, weak = std::weak_ptr<bool>(alive_)] {
     if (weak.expired() || !isOpen_) return;

@@ -334,6 +334,20 @@ TEST_F(PopoverPresentationTest, theDotsAnswerThePointerOnACalmRing) {
   EXPECT_FALSE(view->reassuranceDots().isVisible());
 }
 
+TEST_F(PopoverPresentationTest, theDotsOfTheLastOpeningAreNotSeenInTheNext) {
+  open();
+  view->hovered = true;
+  scheduler.advance(2.0);
+  ASSERT_EQ(view->reassuranceDots().dots(now())[3].opacity, 0.88);
+  dismiss();
+  view->hovered = false;  // as the painter sets it when the popover has gone
+  scheduler.advance(2.0);
+  appear();
+  for (const auto& dot : view->reassuranceDots().dots(now())) EXPECT_EQ(dot.opacity, 0.0);
+  EXPECT_EQ(view->reassuranceDots().scale(now()), 0.94);
+  EXPECT_FALSE(view->reassuranceDots().isVisible());
+}
+
 TEST_F(PopoverPresentationTest, theStatesColourFollowsProgressHourAndCalm) {
   calendar.hour = 18;
   showRing(0.3);
