@@ -14,8 +14,9 @@ namespace {
 
 using Metrics = PopoverMetrics;
 
-// Of a card that is cut in three: this much of it belongs to the upper and to the lower part.
-constexpr double endPart = 48.0;
+// Of a card that is cut in three: this much of it belongs to the upper and to the lower part, and so much is
+// drawn of the one between. Whole pixels where a point is a number of quarters of one.
+constexpr double endPart = 48.0, middlePart = 4.0;
 
 double normalDistribution(double x) {
   return 0.5 * (1.0 + std::erf(x / std::numbers::sqrt2));
@@ -142,9 +143,8 @@ void CardPainter::paintShadow(QPainter& painter, const QRectF& card, const QRect
     painter.restore();
     return;
   }
-  if (slices_.image.isNull() || slices_.appearance != appearance || slices_.pixelRatio != pixelRatio) {
-    drawSlices(appearance, pixelRatio);
-  }
+  const QSizeF sliced(card.width(), 2.0 * endPart + middlePart);
+  if (!slices_.shows(sliced, appearance, pixelRatio)) drawSlices(sliced, appearance, pixelRatio);
   const QPointF corner = card.topLeft() - QPointF(sideReach, topReach);
   const double width = card.width() + 2.0 * sideReach;
   const double upper = topReach + endPart, lower = endPart + bottomReach;
@@ -155,7 +155,7 @@ void CardPainter::paintShadow(QPainter& painter, const QRectF& card, const QRect
     painter.drawImage(shown, slices_.image, scaled({from, shown.size()}, pixelRatio));
   };
   copy({corner.x(), corner.y(), width, upper}, 0.0);
-  copy({corner.x(), card.bottom() - endPart, width, lower}, upper + 1.0);
+  copy({corner.x(), card.bottom() - endPart, width, lower}, upper + middlePart);
   // Between the two ends one row is enough for all.
   const QRectF between =
       QRectF(corner.x(), card.top() + endPart, width, card.height() - 2.0 * endPart) & part;
@@ -164,14 +164,13 @@ void CardPainter::paintShadow(QPainter& painter, const QRectF& card, const QRect
                     scaled({between.left() - corner.x(), upper, between.width(), 1.0}, pixelRatio));
 }
 
-void CardPainter::drawSlices(Appearance appearance, double pixelRatio) {
-  const double height = 2.0 * endPart + 1.0;
-  slices_ = {clearImage({Metrics::width + 2.0 * sideReach, topReach + height + bottomReach}, pixelRatio),
-             appearance, pixelRatio, height};
+void CardPainter::drawSlices(const QSizeF& card, Appearance appearance, double pixelRatio) {
+  const QSizeF whole(card.width() + 2.0 * sideReach, topReach + card.height() + bottomReach);
+  slices_ = {clearImage(whole, pixelRatio), card, appearance, pixelRatio};
   QPainter painter(&slices_.image);
   painter.scale(pixelRatio, pixelRatio);
   painter.setRenderHint(QPainter::Antialiasing);
-  paintFrame(painter, {sideReach, topReach, Metrics::width, height}, appearance);
+  paintFrame(painter, {{sideReach, topReach}, card}, appearance);
 }
 
 void CardPainter::paintContent(QPainter& painter, const QRectF& card, const QRectF& dirty,
@@ -216,10 +215,7 @@ void CardPainter::drawMasks(const QSizeF& card, double pixelRatio) {
 
 void CardPainter::paintInnerHairline(QPainter& painter, const QRectF& card, Appearance appearance,
                                      double pixelRatio) {
-  if (edge_.image.isNull() || edge_.appearance != appearance || edge_.pixelRatio != pixelRatio ||
-      edge_.height != card.height()) {
-    drawEdge(card.height(), appearance, pixelRatio);
-  }
+  if (!edge_.shows(card.size(), appearance, pixelRatio)) drawEdge(card.size(), appearance, pixelRatio);
   // Only where the line runs: a blit of the whole card would cost as much as its light.
   constexpr double line = 2.0;
   const double corner = Metrics::cornerRadius, width = card.width(), height = card.height();
@@ -236,13 +232,12 @@ void CardPainter::paintInnerHairline(QPainter& painter, const QRectF& card, Appe
   for (const double x : {0.0, width - line}) part(x, end, line, between);
 }
 
-void CardPainter::drawEdge(double height, Appearance appearance, double pixelRatio) {
-  const QSizeF size(Metrics::width, height);
-  edge_ = {clearImage(size, pixelRatio), appearance, pixelRatio, height};
+void CardPainter::drawEdge(const QSizeF& card, Appearance appearance, double pixelRatio) {
+  edge_ = {clearImage(card, pixelRatio), card, appearance, pixelRatio};
   QPainter painter(&edge_.image);
   painter.scale(pixelRatio, pixelRatio);
   painter.setRenderHint(QPainter::Antialiasing);
-  paintBrightLine(painter, {{0.0, 0.0}, size}, appearance);
+  paintBrightLine(painter, {{0.0, 0.0}, card}, appearance);
 }
 
 void CardPainter::forget() {

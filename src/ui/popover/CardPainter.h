@@ -41,15 +41,19 @@ class CardPainter {
   static double radiusOf(const QRectF& card);
 
  private:
-  void drawSlices(Appearance appearance, double pixelRatio);
-  void drawEdge(double height, Appearance appearance, double pixelRatio);
+  void drawSlices(const QSizeF& card, Appearance appearance, double pixelRatio);
+  void drawEdge(const QSizeF& card, Appearance appearance, double pixelRatio);
   void drawMasks(const QSizeF& card, double pixelRatio);
 
   struct Kept {
     QImage image;
+    QSizeF card;
     Appearance appearance = Appearance::light;
     double pixelRatio = 0.0;
-    double height = 0.0;
+
+    bool shows(const QSizeF& otherCard, Appearance otherAppearance, double otherRatio) const {
+      return card == otherCard && appearance == otherAppearance && pixelRatio == otherRatio;
+    }
   };
   Kept slices_, edge_;
 

@@ -45,7 +45,9 @@ std::optional<QRectF> changedPart(const PopoverPicture& shown, const PopoverPict
     changed |= isOfOneSize ? PopoverPainter::haloOf(next) : card;
   }
   if (shown.words != next.words) {
-    changed |= sameButForTheGear(shown.words, next.words) ? PopoverMetrics::gear : card;
+    // At a fractional scale it begins and ends within a pixel, which a window may round away.
+    const QRectF gear = PopoverMetrics::gear.adjusted(-1.0, -1.0, 1.0, 1.0);
+    changed |= sameButForTheGear(shown.words, next.words) ? gear : card;
   }
   return changed;
 }

@@ -19,9 +19,10 @@ double onPixel(double value, double pixelRatio) {
 }  // namespace
 
 QRectF PopoverPainter::cardOf(const QPointF& origin, const PopoverPicture& picture, double pixelRatio) {
-  const double top = onPixel(origin.y() + picture.cardTop, pixelRatio);
-  const double bottom = onPixel(origin.y() + picture.cardTop + picture.cardHeight, pixelRatio);
-  return {origin.x(), top, Metrics::width, bottom - top};
+  const auto onPixels = [&](double x, double y) {
+    return QPointF(onPixel(origin.x() + x, pixelRatio), onPixel(origin.y() + y, pixelRatio));
+  };
+  return {onPixels(0.0, picture.cardTop), onPixels(Metrics::width, picture.cardTop + picture.cardHeight)};
 }
 
 QRectF PopoverPainter::haloOf(const PopoverPicture& picture) {
@@ -72,8 +73,9 @@ void PopoverPainter::compose(const PopoverPicture& picture, const QPointF& conte
   if (composed_.size() != size) composed_ = QImage(size, QImage::Format_RGB32);
 
   const auto& palette = PopoverPalette::of(picture.appearance);
-  const double centreY = std::round((content.y() + picture.ringCentreY) * pixelRatio);
-  const QPointF centre(Metrics::centreX * pixelRatio, centreY);
+  // On whole pixels, where the picture of the ring lies as well.
+  const QPointF centre(std::round(Metrics::centreX * pixelRatio),
+                       std::round((content.y() + picture.ringCentreY) * pixelRatio));
   paper_.paint(composed_, area, {pixelRatio, content.y() * pixelRatio, centre}, palette,
                light_.sample(picture), RingLight::samplesPerPoint);
   if (picture.contentOpacity <= 0.0) return;
@@ -82,8 +84,7 @@ void PopoverPainter::compose(const PopoverPicture& picture, const QPointF& conte
     painter.setClipRect(area);
     painter.setOpacity(picture.contentOpacity);
     const QImage& ring = ring_.draw(picture.ring, picture.appearance, pixelRatio);
-    painter.drawImage(QPointF(std::round(centre.x() - ring.width() / 2.0), centreY - ring.height() / 2.0),
-                      ring);
+    painter.drawImage(centre - QPointF(ring.width(), ring.height()) / 2.0, ring);
   }
   if (const auto& sparks = picture.aurora.sparks) {
     paintSparks(composed_, area, centre, pixelRatio, *sparks, picture.contentOpacity, picture.appearance);

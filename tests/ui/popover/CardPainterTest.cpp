@@ -1,6 +1,7 @@
 #include "ui/popover/CardPainter.h"
 
 #include <QPainter>
+#include <cmath>
 #include <gtest/gtest.h>
 #include <tuple>
 
@@ -85,6 +86,36 @@ TEST(CardPainter, tallCardIsPutTogetherFromTheSameShadow) {
       EXPECT_NEAR(alphaAt(tall, x, 113 + below), alphaAt(low, x, 111 + below), 0.03) << x << ' ' << below;
     }
     EXPECT_NEAR(alphaAt(taller, x, 160), alphaAt(taller, x, 200), 1e-4) << x;
+  }
+}
+
+// Where a point is no whole number of pixels. A low card is drawn in one piece.
+TEST(CardPainter, tallCardIsFramedAsSharplyAsALowOne) {
+  constexpr double low = 88.0, tall = 304.0, top = 16.0;
+  for (const double pixelRatio : {1.25, 1.5, 1.75}) {
+    const auto framed = [pixelRatio](double height) {
+      QImage image(QSize(318, 380) * pixelRatio, QImage::Format_RGBA64_Premultiplied);
+      image.fill(Qt::transparent);
+      QPainter painter(&image);
+      painter.scale(pixelRatio, pixelRatio);
+      painter.setRenderHint(QPainter::Antialiasing);
+      const QRectF all({0.0, 0.0}, QSizeF(318.0, 380.0));
+      CardPainter().paintShadow(painter, {24.0, top, 270.0, height}, all, Appearance::dark, pixelRatio);
+      return image;
+    };
+    const QImage lowImage = framed(low), tallImage = framed(tall);
+    const int middle = lowImage.width() / 2;
+    const auto row = [pixelRatio](double y) { return static_cast<int>(std::lround(y * pixelRatio)); };
+    for (const int below : {0, 1, 2, 3}) {
+      EXPECT_NEAR(alphaAt(tallImage, middle, row(top + tall) + below),
+                  alphaAt(lowImage, middle, row(top + low) + below), 0.035)
+          << pixelRatio << ' ' << below;
+    }
+    for (const int above : {1, 2}) {
+      EXPECT_NEAR(alphaAt(tallImage, middle, row(top) - above), alphaAt(lowImage, middle, row(top) - above),
+                  0.035)
+          << pixelRatio << ' ' << above;
+    }
   }
 }
 

@@ -5,6 +5,7 @@
 #include "ui/popover/PopoverPainter.h"
 
 #include <QPainter>
+#include <cmath>
 #include <gtest/gtest.h>
 #include <vector>
 
@@ -48,7 +49,7 @@ QImage painted(const PopoverPicture& picture, double pixelRatio) {
 }
 
 class PopoverPainterAt : public testing::TestWithParam<double> {};
-INSTANTIATE_TEST_SUITE_P(pixelRatios, PopoverPainterAt, testing::Values(1.0, 1.5, 2.0));
+INSTANTIATE_TEST_SUITE_P(pixelRatios, PopoverPainterAt, testing::Values(1.0, 1.25, 1.5, 1.75, 2.0));
 
 TEST_P(PopoverPainterAt, repaintOfTheHaloAloneGivesTheWholePicture) {
   const double pixelRatio = GetParam();
@@ -92,7 +93,48 @@ TEST_P(PopoverPainterAt, repaintOfTheChangedPartGivesTheWholePicture) {
       painter.fillRect(dirty.toAlignedRect(), Qt::transparent);
     }
     if (!dirty.isEmpty()) paint(image, popover, next, dirty.toAlignedRect(), pixelRatio);
-    EXPECT_EQ(image, painted(next, pixelRatio));
+    EXPECT_EQ(image, painted(next, pixelRatio)) << dirty.width() << " x " << dirty.height();
+  }
+}
+
+TEST_P(PopoverPainterAt, cardBeginsAndEndsOnADevicePixel) {
+  const double pixelRatio = GetParam();
+  const auto isWhole = [pixelRatio](double place) {
+    return std::abs(place * pixelRatio - std::round(place * pixelRatio)) < 1e-9;
+  };
+  // As it lies on an upper panel, and as it stands on a lower one.
+  for (const QPointF& from : {origin, QPointF(24.0, 22.0)}) {
+    const QRectF card = PopoverPainter::cardOf(from, critical(), pixelRatio);
+    EXPECT_TRUE(isWhole(card.left()) && isWhole(card.right())) << card.left() << ' ' << card.right();
+    EXPECT_TRUE(isWhole(card.top()) && isWhole(card.bottom())) << card.top() << ' ' << card.bottom();
+    EXPECT_NEAR(card.width(), 270.0, 0.5 / pixelRatio);
+  }
+}
+
+// Straight side and round corner are painted apart.
+TEST_P(PopoverPainterAt, sideOfTheCardIsAsOpaqueAsItsCorner) {
+  const double pixelRatio = GetParam();
+  const QImage image = painted(critical(), pixelRatio);
+  const auto pixel = [pixelRatio](double place) { return static_cast<int>(std::lround(place * pixelRatio)); };
+  const int last = pixel(24.0 + 270.0) - 1;
+  for (const double y : {17.4, 120.0, 222.6}) {
+    EXPECT_GE(image.pixelColor(last, static_cast<int>((16.0 + y) * pixelRatio)).alpha(), 240) << y;
+    EXPECT_LT(image.pixelColor(last + 1, static_cast<int>((16.0 + y) * pixelRatio)).alpha(), 255) << y;
+  }
+}
+
+// Without the sentence and the arc the picture is its own mirror image, but for the dither.
+TEST_P(PopoverPainterAt, ringAndItsLightHaveOneCentre) {
+  const double pixelRatio = GetParam();
+  auto picture = critical();
+  picture.ring.progress = 0.0;
+  picture.ring.labelOpacity = 0.0;
+  picture.words.sentence.text.clear();
+  const QImage image = painted(picture, pixelRatio);
+  const int centre = static_cast<int>(std::lround(24.0 * pixelRatio) + std::lround(135.0 * pixelRatio));
+  const int y = static_cast<int>(std::lround((16.0 + 96.0) * pixelRatio));
+  for (int x = 0; x < static_cast<int>(90.0 * pixelRatio); ++x) {
+    EXPECT_NEAR(image.pixelColor(centre + x, y).green(), image.pixelColor(centre - 1 - x, y).green(), 2) << x;
   }
 }
 
