@@ -140,14 +140,15 @@ QImage clearSquare(int side) {
 }  // namespace
 
 const QImage& RingPainter::draw(const RingPicture& ring, Appearance appearance, double pixelRatio) {
-  const int side = 2 * static_cast<int>(std::ceil(reach * pixelRatio));
-  const bool isOfOtherKind = image_.width() != side || appearance_ != appearance;
+  const bool isOfOtherKind = pixelRatio_ != pixelRatio || appearance_ != appearance;
   if (!isOfOtherKind && drawn_ == ring) return image_;
   if (isOfOtherKind) {
+    const int side = 2 * static_cast<int>(std::ceil(reach * pixelRatio));
     image_ = clearSquare(side);
     base_ = clearSquare(side);
     drawnBase_.reset();
     appearance_ = appearance;
+    pixelRatio_ = pixelRatio;
   }
   drawn_ = ring;
   const double scale = pixelRatio * ring.scale;

@@ -29,6 +29,7 @@ class RingPainter {
   std::optional<RingPicture> drawn_, drawnBase_;
   RingBand band_;
   Appearance appearance_ = Appearance::light;
+  double pixelRatio_ = 0.0;
 };
 
 }  // namespace vorli::ui

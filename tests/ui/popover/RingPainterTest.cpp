@@ -69,6 +69,15 @@ TEST(RingPainter, pointerOnACalmRingLeavesTheGlass) {
   EXPECT_NEAR(alphaAt(drawn(ring), 0.0, -21.0), 0.28811, 0.007);
 }
 
+TEST(RingPainter, screenOfAlmostTheSameScaleHasARingOfItsOwn) {
+  RingPainter painter;
+  const QImage first = painter.draw(glass(), Appearance::light, 1.25);
+  const QImage second = painter.draw(glass(), Appearance::light, 1.24);
+  ASSERT_EQ(first.size(), second.size());
+  EXPECT_EQ(second, RingPainter().draw(glass(), Appearance::light, 1.24));
+  EXPECT_NE(second, first);
+}
+
 TEST(RingPainter, rimRunsFromWhiteToBrown) {
   const QImage image = drawn(glass());
   EXPECT_GT(alphaAt(image, 0.0, -41.5), 0.97);
