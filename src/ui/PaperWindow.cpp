@@ -115,7 +115,7 @@ QMargins PaperWindow::shadowMargins() const {
 }
 
 void PaperWindow::paintEvent(QPaintEvent*) {
-  if (ground_.devicePixelRatio() != devicePixelRatio() || ground_.isNull()) ground_ = drawGround();
+  if (ground_.devicePixelRatio() != devicePixelRatioF() || ground_.isNull()) ground_ = drawGround();
   QPainter(this).drawPixmap(0, 0, ground_);
 }
 
