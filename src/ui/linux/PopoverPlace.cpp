@@ -20,9 +20,10 @@ const ScreenPlace* screenOf(QPoint point, const QList<ScreenPlace>& screens) {
   return nullptr;
 }
 
+// On a screen that is narrower than the card its left side shows.
 int withinScreen(int left, const QRect& screen) {
-  return std::clamp(left, screen.left() + fromTheSide,
-                    screen.left() + screen.width() - cardWidth - fromTheSide);
+  const int last = screen.left() + screen.width() - cardWidth - fromTheSide;
+  return std::max(screen.left() + fromTheSide, std::min(left, last));
 }
 
 PopoverPlace besideUprightPanel(const QRect& icon, const QRect& panel, const QRect& screen, Edge edge) {

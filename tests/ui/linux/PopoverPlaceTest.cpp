@@ -23,6 +23,11 @@ TEST(PopoverPlace, staysFourPointsFromTheSidesOfTheScreen) {
   EXPECT_EQ(popoverPlace(clickAt(10, 14), topPanel, {screen})->left, 4);
 }
 
+TEST(PopoverPlace, screenThatIsTooNarrowShowsItsLeftSide) {
+  const ScreenPlace narrow{{100, 0, 240, 320}, {100, 0, 240, 320}, 1.0};
+  EXPECT_EQ(popoverPlace(clickAt(320, 5), std::nullopt, {narrow})->left, 104);
+}
+
 TEST(PopoverPlace, standsOnALowerPanel) {
   const QRect panel{0, 1050, 1920, 30};
   EXPECT_EQ(popoverPlace(clickAt(1000, 1065), panel, {screen}), (PopoverPlace{Edge::bottom, 865, 1044}));
