@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 
 namespace vorli::ui {
 namespace {
@@ -93,9 +94,12 @@ class Setter {
   }
 
   void setCulprits() {
-    const auto& pieces = words_.culprits->pieces;
+    auto pieces = words_.culprits->pieces;
     std::vector<FlowingText::Size> sizes;
-    for (const auto& piece : pieces) sizes.push_back({styleOf(piece).width(piece.text), culpritLine});
+    for (auto& piece : pieces) {
+      piece.text = cutToWidth(styleOf(piece), piece.text, Metrics::columnWidth);
+      sizes.push_back({styleOf(piece).width(piece.text), culpritLine});
+    }
     const auto flow =
         FlowingText{.spacing = 0.0, .lineSpacing = culpritLineSpacing}.arrange(sizes, Metrics::columnWidth);
 
@@ -104,25 +108,24 @@ class Setter {
     for (std::size_t first = 0; first < count;) {
       std::size_t end = first + 1;
       while (end < count && flow.positions[end].y == flow.positions[first].y) ++end;
-      setCulpritLine(first, end, sizes, y_ + flow.positions[first].y);
+      const auto from = static_cast<qsizetype>(first), number = static_cast<qsizetype>(end - first);
+      setCulpritLine(pieces.mid(from, number), std::span(sizes).subspan(first, end - first),
+                     y_ + flow.positions[first].y);
       first = end;
     }
     y_ += flow.size.height;
   }
 
   // Centred as the eye sees it: a blank at either end does not count.
-  void setCulpritLine(std::size_t first, std::size_t end, const std::vector<FlowingText::Size>& sizes,
+  void setCulpritLine(const QList<CulpritPiece>& pieces, std::span<const FlowingText::Size> sizes,
                       double top) {
-    const auto& pieces = words_.culprits->pieces;
     const double blank = styles_.culprit.width(QStringLiteral(" "));
-    const auto& front = pieces[static_cast<qsizetype>(first)];
-    const auto& back = pieces[static_cast<qsizetype>(end) - 1];
-    const double leading = front.text.startsWith(QLatin1Char(' ')) ? blank : 0.0;
-    const double trailing = back.text.endsWith(QLatin1Char(' ')) ? blank : 0.0;
+    const double leading = pieces.front().text.startsWith(QLatin1Char(' ')) ? blank : 0.0;
+    const double trailing = pieces.back().text.endsWith(QLatin1Char(' ')) ? blank : 0.0;
     double width = 0.0;
-    for (std::size_t i = first; i < end; ++i) width += sizes[i].width;
+    for (const auto& size : sizes) width += size.width;
     double x = onPixel(Metrics::centreX - (width - leading - trailing) / 2.0 - leading);
-    for (std::size_t i = first; i < end; ++i) {
+    for (std::size_t i = 0; i < sizes.size(); ++i) {
       const auto& piece = pieces[static_cast<qsizetype>(i)];
       if (piece.kind == CulpritPiece::Kind::name) {
         layout_.culprits->names.push_back(

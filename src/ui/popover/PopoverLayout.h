@@ -39,7 +39,8 @@ struct PlacedText {
   QPointF origin;
 };
 
-/// A name of the culprit sentence; the box is as high as a line and as wide as the name.
+/// A name of the culprit sentence, cut if it is wider than the column; the box is as high as a line and as
+/// wide as what is left of it.
 struct PlacedName {
   QString text;
   QRectF box;

@@ -5,6 +5,10 @@
 
 #include <QFontMetricsF>
 #include <QPainter>
+#include <QTextBoundaryFinder>
+#include <algorithm>
+#include <iterator>
+#include <vector>
 
 namespace vorli::ui {
 namespace {
@@ -60,14 +64,17 @@ const PopoverTextStyles& PopoverTextStyles::shared() {
 
 QString cutToWidth(const TextStyle& style, const QString& text, double width) {
   if (style.width(text) <= width) return text;
-  const QString ellipsis = QStringLiteral("…");
-  QString cut = text;
-  while (cut.size() > 1 && style.width(cut + ellipsis) > width) {
-    const bool isPair = cut.size() > 2 && cut.back().isLowSurrogate();
-    cut.chop(isPair ? 2 : 1);
+  const auto cutAt = [&text](qsizetype end) {
+    QString cut = text.left(end);
     while (!cut.isEmpty() && cut.back().isSpace()) cut.chop(1);
-  }
-  return cut + ellipsis;
+    return cut + QStringLiteral("…");
+  };
+  std::vector<qsizetype> ends;  // of letters; to try them one after the other would take seconds for a page
+  QTextBoundaryFinder letters(QTextBoundaryFinder::Grapheme, text);
+  while (letters.toNextBoundary() > 0) ends.push_back(letters.position());
+  const auto tooFar = std::partition_point(ends.begin(), ends.end(),
+                                           [&](qsizetype end) { return style.width(cutAt(end)) <= width; });
+  return cutAt(tooFar == ends.begin() ? 0 : *std::prev(tooFar));
 }
 
 }  // namespace vorli::ui

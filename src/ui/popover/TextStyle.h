@@ -29,7 +29,7 @@ struct PopoverTextStyles {
   static const PopoverTextStyles& shared();
 };
 
-/// The text, or as much of its beginning as fits `width` together with an ellipsis.
+/// The text, or as many whole letters of its beginning as fit `width` together with an ellipsis.
 QString cutToWidth(const TextStyle& style, const QString& text, double width);
 
 }  // namespace vorli::ui

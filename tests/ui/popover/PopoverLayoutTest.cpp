@@ -1,5 +1,7 @@
 #include "ui/popover/PopoverLayout.h"
 
+#include <cmath>
+#include <ctime>
 #include <gtest/gtest.h>
 
 namespace vorli::ui {
@@ -109,6 +111,19 @@ TEST(PopoverLayout, longNamesTakeThreeLinesAndStayInTheCard) {
   }
 }
 
+TEST(PopoverLayout, nameWiderThanTheColumnIsCutAndStaysInTheCard) {
+  auto content = words(304.0, full);
+  content.culprits = twoNames("Microsoft Remote Desktop Beta for Enterprise Customers", "Figma");
+  const auto layout = PopoverLayout::of(content, 1.0);
+  const auto& name = layout.culprits->names[0];
+  EXPECT_TRUE(name.text.startsWith("Microsoft Remote Desktop"));
+  EXPECT_TRUE(name.text.endsWith("…"));
+  EXPECT_GE(name.box.left(), 20.0);
+  EXPECT_LE(name.box.right(), 250.0 + 1e-9);
+  EXPECT_EQ(layout.culprits->names[1].text, "Figma");
+  EXPECT_GE(304.0 - layout.bottom, 11.0);
+}
+
 TEST(PopoverLayout, quitQuestionHasItsButtonsBeneath) {
   auto content = words(304.0, full);
   content.quit = QuitPicture{QStringLiteral("Chrome"), {}, {}};
@@ -138,6 +153,19 @@ TEST(PopoverLayout, cutTextLosesNoHalfOfALetter) {
   const QString cut = cutToWidth(style, faces, style.width(faces) * 0.7);
   EXPECT_TRUE(cut.endsWith("…"));
   EXPECT_FALSE(cut.at(cut.size() - 2).isHighSurrogate());
+}
+
+TEST(PopoverLayout, nothingIsLeftOfATextWithoutRoom) {
+  EXPECT_EQ(cutToWidth(PopoverTextStyles::shared().question, QStringLiteral("Chrome"), 1.0), "…");
+}
+
+TEST(PopoverLayout, textOfManyPagesIsCutWithoutDelay) {
+  const auto& style = PopoverTextStyles::shared().name;
+  const auto before = std::clock();
+  const QString cut = cutToWidth(style, QStringLiteral("Chrome ").repeated(5000), 230.0);
+  EXPECT_LT(std::clock() - before, 2 * CLOCKS_PER_SEC);  // letter by letter it takes minutes
+  EXPECT_TRUE(cut.startsWith("Chrome Chrome"));
+  EXPECT_LE(style.width(cut), 230.0);
 }
 
 TEST(PopoverLayout, bannerIsAnEvenCapsule) {
