@@ -36,7 +36,6 @@ struct WhiteSparkShower {
       {-12.0, -74.0},
   }};
   static constexpr double shadowOpacity = 0.8;
-  static constexpr double shadowRadius = 3.0;
 
   std::optional<double> startDate;  // the scheduler's time; none shows nothing
   std::span<const Offset, sparkCount> destinations = allDestinations;

@@ -1,6 +1,8 @@
 #include "ui/popover/PopoverLayout.h"
 
+#include "ambient/PopoverView.h"
 #include "insights/FlowingText.h"
+#include "ui/QtText.h"
 #include "ui/popover/LineBreaks.h"
 
 #include <algorithm>
@@ -78,7 +80,7 @@ class Setter {
 
   void setLink() {
     constexpr double above = 10.0, height = 26.0, baseline = 17.0, symbolTop = 8.0;
-    const QString text = QStringLiteral("Open Settings");
+    const QString text = qtText(PopoverView::openSettingsTitle);
     y_ += above;
     const double textWidth = styles_.link.width(text);
     const double width = std::round(textWidth + linkSymbolGap + linkSymbolSide + 2.0 * capsulePadding);
@@ -147,10 +149,10 @@ class Setter {
     y_ += buttonsTop;
     placed.cancel = {Metrics::centreX - buttonGap / 2.0 - buttonWidth, y_, buttonWidth, buttonHeight};
     placed.quit = placed.cancel.translated(buttonWidth + buttonGap, 0.0);
-    placed.cancelText =
-        centred(styles_.button, QStringLiteral("Cancel"), placed.cancel.center().x(), y_ + textBaseline);
+    placed.cancelText = centred(styles_.button, qtText(PopoverView::cancelTitle), placed.cancel.center().x(),
+                                y_ + textBaseline);
     placed.quitText =
-        centred(styles_.button, QStringLiteral("Quit"), placed.quit.center().x(), y_ + textBaseline);
+        centred(styles_.button, qtText(PopoverView::quitTitle), placed.quit.center().x(), y_ + textBaseline);
     layout_.quit = placed;
     y_ += buttonHeight;
   }

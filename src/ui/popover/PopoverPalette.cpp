@@ -5,10 +5,9 @@
 namespace vorli::ui {
 namespace {
 
-constexpr Colour brown{0.549, 0.431, 0.275};
+constexpr Colour brown = palette::brownWash.withAlpha(1.0);
 constexpr Colour white{1.0, 1.0, 1.0};
 constexpr Colour black{0.0, 0.0, 0.0};
-constexpr Colour paper{0.992, 0.984, 0.969};
 
 void addTheme(PopoverPalette& colours, Appearance appearance) {
   const VorliTheme theme = themeOf(appearance);
@@ -46,7 +45,6 @@ PopoverPalette makeLight() {
       .linkPlateHover = accent.withAlpha(0.18),
       .plate = {brown.withAlpha(0.14), brown.withAlpha(0.22), brown.withAlpha(0.30)},
       .quit = {{0.227, 0.184, 0.141}, {0.165, 0.133, 0.102}, {0.102, 0.082, 0.063}},
-      .quitText = paper,
       .haloStrength = 0.17,
       .cloudShare = 0.64,
       .bloomShare = 1.0,
@@ -54,7 +52,7 @@ PopoverPalette makeLight() {
       .sparkShadowShare = 0.55,
   };
   addTheme(light, Appearance::light);
-  light.arcTailGround = light.paperTop;
+  light.quitText = light.arcTailGround = light.paperTop;
   return light;
 }
 

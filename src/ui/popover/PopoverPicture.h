@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ambient/AuroraField.h"
+#include "ambient/DottedReassuranceRing.h"
 #include "base/Colour.h"
 #include "ui/WindowPalette.h"
 
@@ -36,7 +37,7 @@ struct RingPicture {
     double opacity = 0.0, scale = 1.0;
     bool operator==(const Dot&) const = default;
   };
-  std::array<Dot, 12> dots{};
+  std::array<Dot, DottedReassuranceRing::count> dots{};
   double dotsScale = 1.0;
 
   bool operator==(const RingPicture&) const = default;

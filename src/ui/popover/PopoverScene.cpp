@@ -1,5 +1,7 @@
 #include "ui/popover/PopoverScene.h"
 
+#include "ui/QtText.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -17,10 +19,6 @@ constexpr double readyLens = 1.0, restingLens = 0.45, releasingLens = 0.25;
 constexpr double collapsedHeight = 24.0;
 constexpr double unseen = 0.05;  // of opacity
 
-QString qString(std::string_view text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
 // The light and the sparks belong to the ring's group, and grow with it.
 void scaleAurora(AuroraPicture& aurora, double scale) {
   for (auto* layer : {&aurora.warmCloud, &aurora.bloom, &aurora.leak}) layer->scale *= scale;
@@ -34,7 +32,7 @@ void scaleAurora(AuroraPicture& aurora, double scale) {
 
 CulpritPiece pieceOf(const CulpritSentence::Segment& segment) {
   const bool isName = segment.kind == CulpritSentence::Segment::Kind::app;
-  return {isName ? CulpritPiece::Kind::name : CulpritPiece::Kind::text, qString(segment.text)};
+  return {isName ? CulpritPiece::Kind::name : CulpritPiece::Kind::text, qtText(segment.text)};
 }
 
 }  // namespace
@@ -70,13 +68,13 @@ void PopoverScene::setEdge(Edge edge) {
 PopoverScene::Under PopoverScene::underOf() const {
   Under under;
   for (const auto& segment : view_.culpritSegments()) under.culprits.push_back(pieceOf(segment));
-  if (const auto banner = view_.percentBanner()) under.banner = qString(*banner);
+  if (const auto banner = view_.percentBanner()) under.banner = qtText(*banner);
   under.link = view_.showsOpenSettingsLink();
   return under;
 }
 
 void PopoverScene::jumpToContent() {
-  sentence_.jumpTo(qString(view_.statusSentence()));
+  sentence_.jumpTo(qtText(view_.statusSentence()));
   under_.jumpTo(underOf());
   withoutAnimation([this] {
     const double height = view_.desiredSize().height;
@@ -97,7 +95,7 @@ void PopoverScene::followContent(double now) {
     jumpToContent();
     return changed_();
   }
-  sentence_.fadeTo(qString(view_.statusSentence()));
+  sentence_.fadeTo(qtText(view_.statusSentence()));
   under_.fadeTo(underOf());
   const double height = view_.desiredSize().height;
   const auto grid = PopoverGrid::of(height, sentence_.wanted());
@@ -121,7 +119,7 @@ void PopoverScene::followContent(double now) {
 }
 
 void PopoverScene::restWords() {
-  if (const auto& name = view_.confirmingQuitName().get()) quitName_ = qString(*name);
+  if (const auto& name = view_.confirmingQuitName().get()) quitName_ = qtText(*name);
   WordsPicture words;
   words.headlineTop = headlineTop_.model();
   words.sentence.text = sentence_.wanted();

@@ -1,5 +1,6 @@
 #include "ui/popover/PopoverWidget.h"
 
+#include "ui/QtText.h"
 #include "ui/popover/ChangedPart.h"
 
 #include <QCloseEvent>
@@ -19,10 +20,6 @@ using Id = PopoverControlId;
 // The card's own motions are short and quick, and so are sparks; the other light of a polish is soft, and the
 // breath slow.
 constexpr double quickFrame = 1.0 / 60.0, lightFrame = 1.0 / 30.0, breathFrame = 1.0 / 12.0;
-
-QString qString(std::string_view text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 // A tool tip follows what looks like markup, as the name of an application may.
 QString asToolTip(const QString& text) {
@@ -249,28 +246,28 @@ void PopoverWidget::sayControls() {
   const auto text = [](PopoverText& label, const QString& words) {
     if (label.text() != words) label.setText(words);
   };
-  const QString sentence = qString(view_.statusSentence());
+  const QString sentence = qtText(view_.statusSentence());
   control(Id::polish)
-      .say(qString(view_.polishAccessibilityLabel()), qString(view_.polishAccessibilityHint()), sentence);
-  tip(Id::polish, qString(view_.polishToolTip()));
+      .say(qtText(view_.polishAccessibilityLabel()), qtText(view_.polishAccessibilityHint()), sentence);
+  tip(Id::polish, qtText(view_.polishToolTip()));
   text(*sentence_, sentence);
   QString culprits;
-  for (const auto& segment : view_.culpritSegments()) culprits += qString(segment.text);
+  for (const auto& segment : view_.culpritSegments()) culprits += qtText(segment.text);
   text(*culprits_, culprits);
   for (const auto& [id, index] : {std::pair(Id::firstName, 0U), std::pair(Id::secondName, 1U)}) {
     const std::string name = nameAt(index);
     if (name.empty()) continue;
-    control(id).say(qString(AppNameChip::accessibilityLabel(name)),
-                    qString(AppNameChip::accessibilityHint(name)));
-    tip(id, qString(AppNameChip::helpText(name)));
+    control(id).say(qtText(AppNameChip::accessibilityLabel(name)),
+                    qtText(AppNameChip::accessibilityHint(name)));
+    tip(id, qtText(AppNameChip::helpText(name)));
   }
-  if (const auto question = view_.quitQuestion()) text(*question_, qString(*question));
-  control(Id::cancel).say(qString(PopoverView::cancelTitle), {});
-  control(Id::quit).say(qString(PopoverView::quitTitle), {});
+  if (const auto question = view_.quitQuestion()) text(*question_, qtText(*question));
+  control(Id::cancel).say(qtText(PopoverView::cancelTitle), {});
+  control(Id::quit).say(qtText(PopoverView::quitTitle), {});
   const auto banner = view_.percentBannerAccessibilityText();
-  text(*banner_, banner ? qString(*banner) : QString());
-  control(Id::link).say(qString(PopoverView::openSettingsTitle), qString(PopoverView::openSettingsHint));
-  control(Id::gear).say(qString(PopoverView::gearLabel), qString(PopoverView::gearHint));
+  text(*banner_, banner ? qtText(*banner) : QString());
+  control(Id::link).say(qtText(PopoverView::openSettingsTitle), qtText(PopoverView::openSettingsHint));
+  control(Id::gear).say(qtText(PopoverView::gearLabel), qtText(PopoverView::gearHint));
 }
 
 // The question takes the focus to its harmless answer.

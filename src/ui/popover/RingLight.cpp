@@ -1,5 +1,7 @@
 #include "ui/popover/RingLight.h"
 
+#include "ui/popover/OpacityStops.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -7,24 +9,10 @@
 namespace vorli::ui {
 namespace {
 
-struct HaloStop {
-  double position, opacity;
-};
 constexpr double haloRadius = 96.0;
-constexpr std::array haloStops{HaloStop{0.0, 0.0},   HaloStop{0.34, 0.0},  HaloStop{0.44, 0.35},
-                               HaloStop{0.52, 0.85}, HaloStop{0.57, 1.0},  HaloStop{0.63, 0.72},
-                               HaloStop{0.72, 0.34}, HaloStop{0.84, 0.10}, HaloStop{1.0, 0.0}};
-
-double haloAt(double position) {
-  for (std::size_t i = 1; i < haloStops.size(); ++i) {
-    const auto &from = haloStops[i - 1], &to = haloStops[i];
-    if (position < to.position) {
-      return from.opacity +
-             (to.opacity - from.opacity) * (position - from.position) / (to.position - from.position);
-    }
-  }
-  return 0.0;
-}
+constexpr std::array haloStops{OpacityStop{0.0, 0.0},   OpacityStop{0.34, 0.0},  OpacityStop{0.44, 0.35},
+                               OpacityStop{0.52, 0.85}, OpacityStop{0.57, 1.0},  OpacityStop{0.63, 0.72},
+                               OpacityStop{0.72, 0.34}, OpacityStop{0.84, 0.10}, OpacityStop{1.0, 0.0}};
 
 constexpr double invisible = 0.002;  // half a step of 255 at the most
 
@@ -95,7 +83,8 @@ void RingLight::addHalo(const PopoverPicture& picture, const PopoverPalette& pal
   const auto count = static_cast<std::size_t>(std::ceil(reach * samplesPerPoint));
   if (samples_.size() < count) samples_.resize(count);
   for (std::size_t i = 0; i < count; ++i) {
-    const double opacity = haloAt((static_cast<double>(i) + 0.5) / samplesPerPoint / reach) * strength;
+    const double opacity =
+        opacityAt(haloStops, (static_cast<double>(i) + 0.5) / samplesPerPoint / reach) * strength;
     samples_[i] = Premultiplied::of(picture.ring.stateColour, opacity).over(samples_[i]);
   }
 }

@@ -1,7 +1,9 @@
 #include "ui/popover/RingPainter.h"
 
+#include "ambient/PopoverView.h"
 #include "base/Animated.h"
 #include "ui/QtColour.h"
+#include "ui/QtText.h"
 #include "ui/popover/PopoverLayout.h"
 #include "ui/popover/TextStyle.h"
 
@@ -22,7 +24,6 @@ constexpr double labelBaseline = 4.75;  // below the centre: half the height of 
 constexpr double beadRadius = 1.5, beadFrom = 0.03;
 constexpr double tailPaleness = 0.42;
 constexpr double focusRadius = 45.5, focusWidth = 2.0;
-constexpr double dotsRadius = 15.0, dotDiameter = 2.2;
 
 // Mixes colour and opacity apart, which keeps the brown of a white-to-brown rim.
 QBrush vertical(double halfHeight, const Colour& top, const Colour& bottom) {
@@ -90,7 +91,7 @@ class RingDrawing {
     if (ring_.labelOpacity <= invisible) return;
     const auto& styles = PopoverTextStyles::shared();
     const TextStyle& style = ring_.labelReady ? styles.label : styles.labelResting;
-    const QString text = QStringLiteral("Polish");
+    const QString text = qtText(PopoverView::polishTitle);
     const Colour colour = ring_.labelReady ? palette_.label : palette_.labelResting;
     style.draw(painter_, text, {-style.width(text) / 2.0, labelBaseline},
                colour.withAlpha(ring_.labelOpacity));
@@ -103,8 +104,8 @@ class RingDrawing {
       if (dot.opacity <= 0.0) continue;
       painter_.setBrush(qtColour(ink_.withAlpha(dot.opacity)));
       const double turns = static_cast<double>(i) / static_cast<double>(ring_.dots.size());
-      const double radius = dotDiameter / 2.0 * dot.scale;
-      painter_.drawEllipse(onCircle(dotsRadius, turns) * ring_.dotsScale, radius, radius);
+      const double radius = DottedReassuranceRing::dotSize / 2.0 * dot.scale;
+      painter_.drawEllipse(onCircle(DottedReassuranceRing::radius, turns) * ring_.dotsScale, radius, radius);
     }
   }
 

@@ -1,42 +1,30 @@
 #include "ui/popover/SparkPainter.h"
 
 #include "ui/popover/LitPaper.h"
+#include "ui/popover/OpacityStops.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <span>
 #include <vector>
 
 namespace vorli::ui {
 namespace {
 
-constexpr double discRadius = 1.6, shadowRadius = 5.2, glowRadius = 7.0;
+constexpr double discRadius = WhiteSparkShower{}.sparkSize / 2.0, shadowReach = 5.2, glowRadius = 7.0;
 constexpr int samplesPerPixel = 4;
 constexpr Colour white{1.0, 1.0, 1.0};
 
-struct Stop {
-  double position, opacity;
-};
-constexpr std::array glowStops{Stop{0.0, 0.36}, Stop{0.4, 0.18}, Stop{1.0, 0.0}};
-constexpr std::array shadowStops{Stop{0.0, 0.8}, Stop{0.3, 0.62}, Stop{0.6, 0.2}, Stop{1.0, 0.0}};
-
-double opacityAt(std::span<const Stop> stops, double position) {
-  for (std::size_t i = 1; i < stops.size(); ++i) {
-    const auto &from = stops[i - 1], &to = stops[i];
-    if (position < to.position) {
-      return from.opacity +
-             (to.opacity - from.opacity) * (position - from.position) / (to.position - from.position);
-    }
-  }
-  return 0.0;
-}
+constexpr std::array glowStops{OpacityStop{0.0, 0.36}, OpacityStop{0.4, 0.18}, OpacityStop{1.0, 0.0}};
+// A disc that is blurred by the shadow's radius, as a gradient.
+constexpr std::array shadowStops{OpacityStop{0.0, WhiteSparkShower::shadowOpacity}, OpacityStop{0.3, 0.62},
+                                 OpacityStop{0.6, 0.2}, OpacityStop{1.0, 0.0}};
 
 // One spark along its radius, in device pixels; the disc's edge is as soft as one of them.
 std::vector<Premultiplied> lightOf(double pointPixels, double opacity, const PopoverPalette& palette,
                                    Appearance appearance) {
   const bool onPaper = appearance == Appearance::light;
-  const double reach = (onPaper ? glowRadius : shadowRadius) * pointPixels;
+  const double reach = (onPaper ? glowRadius : shadowReach) * pointPixels;
   std::vector<Premultiplied> samples(static_cast<std::size_t>(std::ceil(reach * samplesPerPixel)));
   for (std::size_t i = 0; i < samples.size(); ++i) {
     const double radius = (static_cast<double>(i) + 0.5) / samplesPerPixel;
@@ -44,7 +32,7 @@ std::vector<Premultiplied> lightOf(double pointPixels, double opacity, const Pop
     Premultiplied light;
     if (onPaper)
       light = Premultiplied::of(palette.focus, opacityAt(glowStops, points / glowRadius) * opacity);
-    const double shadow = opacityAt(shadowStops, points / shadowRadius) * opacity * palette.sparkShadowShare;
+    const double shadow = opacityAt(shadowStops, points / shadowReach) * opacity * palette.sparkShadowShare;
     light = Premultiplied::of(white, shadow).over(light);
     const double covered = std::clamp(discRadius * pointPixels - radius + 0.5, 0.0, 1.0);
     samples[i] = Premultiplied::of(white, covered * opacity).over(light);
