@@ -104,26 +104,23 @@ void LitPaper::lay(std::span<const Premultiplied> light) {
   std::fill(table_.begin() + static_cast<std::ptrdiff_t>(light.size()), table_.end(), laid({}));
 }
 
-void LitPaper::measure(const QRect& area, int twiceCentreX, int twiceCentreY, float samplesPerPixel) {
-  const int parity = (twiceCentreX & 1) << 1 | (twiceCentreY & 1);
-  const auto reach = [](int first, int last, int twiceCentre) {
-    return std::max(twiceCentre - 2 * first, 2 * last + 1 - twiceCentre) / 2 + 2;
+void LitPaper::measure(const QRect& area, QPoint centre, float samplesPerPixel) {
+  const auto reach = [](int first, int last, int middle) {
+    return std::max(middle - first, last + 1 - middle);
   };
-  const int columns = reach(area.left(), area.right(), twiceCentreX);
-  const int rows = reach(area.top(), area.bottom(), twiceCentreY);
-  const bool isSame = parity == parity_ && samplesPerPixel == samplesPerPixel_ && columns <= columns_;
-  if (isSame && rows <= rows_) return;
-  columns_ = isSame ? columns_ : columns;
+  const int columns = reach(area.left(), area.right(), centre.x());
+  const int rows = reach(area.top(), area.bottom(), centre.y());
+  const bool isWideEnough = samplesPerPixel == samplesPerPixel_ && columns <= columns_;
+  if (isWideEnough && rows <= rows_) return;
+  if (!isWideEnough) columns_ = columns;
   rows_ = rows;
-  parity_ = parity;
   samplesPerPixel_ = samplesPerPixel;
-  const auto offset = [](int twiceCentre) { return (twiceCentre & 1) != 0 ? 0.0F : 0.5F; };
   distances_.clear();
   distances_.reserve(static_cast<std::size_t>(columns_) * static_cast<std::size_t>(rows_));
   for (int row = 0; row < rows_; ++row) {
-    const float dy = static_cast<float>(row) + offset(twiceCentreY);
+    const float dy = static_cast<float>(row) + 0.5F;
     for (int column = 0; column < columns_; ++column) {
-      const float dx = static_cast<float>(column) + offset(twiceCentreX);
+      const float dx = static_cast<float>(column) + 0.5F;
       const float samples = std::sqrt(dx * dx + dy * dy) * samplesPerPixel;
       distances_.push_back(static_cast<std::uint16_t>(std::min(samples, 65535.0F)));
     }
@@ -135,12 +132,10 @@ void LitPaper::paint(QImage& image, const QRect& area, const LitPaperPlace& plac
                      int samplesPerPoint) {
   const QRect drawn = area & image.rect();
   if (drawn.isEmpty()) return;
-  const int twiceCentreX = static_cast<int>(std::lround(2.0 * place.centre.x()));
-  const int twiceCentreY = static_cast<int>(std::lround(2.0 * place.centre.y()));
-  measure(drawn, twiceCentreX, twiceCentreY, static_cast<float>(samplesPerPoint / place.pixelRatio));
+  measure(drawn, place.centre, static_cast<float>(samplesPerPoint / place.pixelRatio));
   lay(light);
-  const int right = twiceCentreX / 2, below = twiceCentreY / 2;
-  const int left = twiceCentreX - 1 - right, above = twiceCentreY - 1 - below;
+  const int right = place.centre.x(), below = place.centre.y();
+  const int left = right - 1, above = below - 1;
   for (int y = drawn.top(); y <= drawn.bottom(); ++y) {
     const Row row{reinterpret_cast<QRgb*>(image.scanLine(y)), drawn.left(), drawn.right() + 1,
                   paperAt(y, place, palette), &dither[static_cast<std::size_t>(y & 7)]};

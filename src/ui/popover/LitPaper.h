@@ -5,6 +5,7 @@
 #include "ui/popover/PopoverPalette.h"
 
 #include <QImage>
+#include <QPoint>
 #include <QPointF>
 #include <QRect>
 #include <cstdint>
@@ -17,7 +18,7 @@ namespace vorli::ui {
 struct LitPaperPlace {
   double pixelRatio = 1.0;
   double paperTop = 0.0;  // device pixels, as the centre
-  QPointF centre;         // on whole or half pixels
+  QPoint centre;          // of the light: where four pixels meet
 };
 
 /// A sample of light along the radius, ready to be laid over a pixel: its own colour, then how much of the
@@ -33,13 +34,12 @@ class LitPaper {
              std::span<const Premultiplied> light, int samplesPerPoint);
 
  private:
-  void measure(const QRect& area, int twiceCentreX, int twiceCentreY, float samplesPerPixel);
+  void measure(const QRect& area, QPoint centre, float samplesPerPixel);
   void lay(std::span<const Premultiplied> light);
 
   // Of a quarter of the plane, in samples: the light is round.
   std::vector<std::uint16_t> distances_;
   int columns_ = 0, rows_ = 0;
-  int parity_ = 0;  // whether the centre lies on half pixels
   float samplesPerPixel_ = 0.0F;
   std::vector<LaidLight> table_;
 };

@@ -28,7 +28,7 @@ class Setter {
       : words_(words), pixelRatio_(pixelRatio), styles_(PopoverTextStyles::shared()) {}
 
   PopoverLayout run() {
-    y_ = std::round(words_.headlineTop * pixelRatio_) / pixelRatio_;
+    y_ = onPixel(words_.headlineTop);
     const auto [headline, aside] = voicesOf(words_.sentence.text);
     layout_.headline = setLines(styles_.headline, headline, headlineLine, headlineBaseline);
     layout_.aside = setLines(styles_.aside, aside, asideLine, asideBaseline);
@@ -50,7 +50,7 @@ class Setter {
   }
 
  private:
-  double onPixel(double x) const { return std::round(x * pixelRatio_) / pixelRatio_; }
+  double onPixel(double place) const { return std::round(place * pixelRatio_) / pixelRatio_; }
 
   PlacedText centred(const TextStyle& style, const QString& text, double centre, double baseline) const {
     return {text, {onPixel(centre - style.width(text) / 2.0), baseline}};

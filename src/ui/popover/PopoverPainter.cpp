@@ -16,6 +16,11 @@ double onPixel(double value, double pixelRatio) {
   return std::round(value * pixelRatio) / pixelRatio;
 }
 
+// All that the points touch.
+QRect pixelsOf(const QRectF& points, double pixelRatio) {
+  return QRectF(points.topLeft() * pixelRatio, points.size() * pixelRatio).toAlignedRect();
+}
+
 }  // namespace
 
 QRectF PopoverPainter::cardOf(const QPointF& origin, const PopoverPicture& picture, double pixelRatio) {
@@ -39,7 +44,7 @@ void PopoverPainter::paint(QPainter& painter, const QPointF& origin, const Popov
   painter.setClipRect(dirty, Qt::IntersectClip);
   paintAround(painter, card, picture.appearance, frame, dirty, pixelRatio);
   const QRectF drawn = (dirty & card).translated(-card.topLeft());
-  const QRect area = QRectF(drawn.topLeft() * pixelRatio, drawn.size() * pixelRatio).toAlignedRect();
+  const QRect area = pixelsOf(drawn, pixelRatio);
   compose(picture, origin - card.topLeft(), area, pixelRatio);
   card_.paintContent(painter, card, dirty, composed_, pixelRatio);
   if (!card.adjusted(2.0, 2.0, -2.0, -2.0).contains(dirty)) {
@@ -74,8 +79,8 @@ void PopoverPainter::compose(const PopoverPicture& picture, const QPointF& conte
 
   const auto& palette = PopoverPalette::of(picture.appearance);
   // On whole pixels, where the picture of the ring lies as well.
-  const QPointF centre(std::round(Metrics::centreX * pixelRatio),
-                       std::round((content.y() + picture.ringCentreY) * pixelRatio));
+  const QPoint centre(qRound(Metrics::centreX * pixelRatio),
+                      qRound((content.y() + picture.ringCentreY) * pixelRatio));
   paper_.paint(composed_, area, {pixelRatio, content.y() * pixelRatio, centre}, palette,
                light_.sample(picture), RingLight::samplesPerPoint);
   if (picture.contentOpacity <= 0.0) return;
@@ -84,7 +89,7 @@ void PopoverPainter::compose(const PopoverPicture& picture, const QPointF& conte
     painter.setClipRect(area);
     painter.setOpacity(picture.contentOpacity);
     const QImage& ring = ring_.draw(picture.ring, picture.appearance, pixelRatio);
-    painter.drawImage(centre - QPointF(ring.width(), ring.height()) / 2.0, ring);
+    painter.drawImage(centre - QPoint(ring.width() / 2, ring.height() / 2), ring);
   }
   if (const auto& sparks = picture.aurora.sparks) {
     paintSparks(composed_, area, centre, pixelRatio, *sparks, picture.contentOpacity, picture.appearance);
@@ -94,7 +99,7 @@ void PopoverPainter::compose(const PopoverPicture& picture, const QPointF& conte
   painter.setOpacity(picture.contentOpacity);
   const auto words = words_.draw(picture.words, picture.appearance, pixelRatio);
   for (const QRectF& part : words.parts) {
-    const QRect source = QRectF(part.topLeft() * pixelRatio, part.size() * pixelRatio).toAlignedRect();
+    const QRect source = pixelsOf(part, pixelRatio);
     const QPoint target =
         source.topLeft() + QPoint(0, static_cast<int>(std::lround(content.y() * pixelRatio)));
     painter.drawImage(target, words.image, source);

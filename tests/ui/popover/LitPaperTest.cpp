@@ -12,7 +12,7 @@ constexpr int samplesPerPoint = 4;
 QImage paper(const QSize& size, std::span<const Premultiplied> light, double pixelRatio = 1.0,
              Appearance appearance = Appearance::dark) {
   QImage image(size, QImage::Format_RGB32);
-  LitPaper().paint(image, image.rect(), {pixelRatio, 0.0, {size.width() / 2.0, size.height() / 2.0}},
+  LitPaper().paint(image, image.rect(), {pixelRatio, 0.0, {size.width() / 2, size.height() / 2}},
                    PopoverPalette::of(appearance), light, samplesPerPoint);
   return image;
 }
@@ -82,11 +82,31 @@ TEST(LitPaper, lightIsAsWideAtEveryPixelRatio) {
 TEST(LitPaper, onlyTheAskedAreaIsTouched) {
   QImage image(32, 32, QImage::Format_RGB32);
   image.fill(Qt::green);
-  LitPaper().paint(image, {8, 8, 8, 8}, {1.0, 0.0, {16.0, 16.0}}, PopoverPalette::of(Appearance::dark), {},
+  LitPaper().paint(image, {8, 8, 8, 8}, {1.0, 0.0, {16, 16}}, PopoverPalette::of(Appearance::dark), {},
                    samplesPerPoint);
   EXPECT_EQ(image.pixelColor(7, 8), QColor(Qt::green));
   EXPECT_EQ(image.pixelColor(8, 16), QColor(Qt::green));
   EXPECT_NE(image.pixelColor(8, 8), QColor(Qt::green));
+}
+
+// The centre may lie beyond any side of what is painted, and what is kept for one area serves the next.
+TEST(LitPaper, everyAreaIsThatOfTheWholePicture) {
+  std::vector<Premultiplied> light;
+  for (int i = 0; i < 40 * samplesPerPoint; ++i) {
+    light.push_back(Premultiplied::of({1.0, 0.5, 0.2}, 1.0 - i / (40.0 * samplesPerPoint)));
+  }
+  const LitPaperPlace place{1.0, 0.0, {30, 21}};
+  const auto& palette = PopoverPalette::of(Appearance::dark);
+  QImage whole(64, 48, QImage::Format_RGB32);
+  LitPaper().paint(whole, whole.rect(), place, palette, light, samplesPerPoint);
+  LitPaper kept;
+  for (const QRect& area : {QRect(2, 3, 9, 7), QRect(40, 30, 13, 11), QRect(5, 20, 50, 3),
+                            QRect(29, 1, 2, 40), QRect(30, 21, 1, 1), QRect(0, 0, 64, 48)}) {
+    QImage image(64, 48, QImage::Format_RGB32);
+    image.fill(Qt::green);
+    kept.paint(image, area, place, palette, light, samplesPerPoint);
+    EXPECT_EQ(image.copy(area), whole.copy(area)) << area.x() << ' ' << area.y();
+  }
 }
 
 TEST(LitPaper, roundLightIsCutAtTheEdgesOfTheImage) {
