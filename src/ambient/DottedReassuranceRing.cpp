@@ -41,9 +41,8 @@ void DottedReassuranceRing::jumpTo(bool visible) {
   });
 }
 
-std::array<DottedReassuranceRing::Dot, DottedReassuranceRing::count> DottedReassuranceRing::dots(
-    double time, Movement movement) const {
-  std::array<Dot, count> dots;
+DottedReassuranceRing::Dots DottedReassuranceRing::dots(double time, Movement movement) const {
+  Dots dots;
   for (std::size_t i = 0; i < count; ++i) {
     const double turn = static_cast<double>(i) / static_cast<double>(count);
     const double angle = turn * 2.0 * std::numbers::pi - std::numbers::pi / 2.0;

@@ -24,6 +24,8 @@ class DottedReassuranceRing {
     double x = 0.0, y = 0.0;
     double opacity = 0.0;
     double scale = 1.0;
+
+    bool operator==(const Dot&) const = default;
   };
 
   explicit DottedReassuranceRing(const Scheduler& clock);
@@ -34,7 +36,8 @@ class DottedReassuranceRing {
   /// As `setVisible`, without the motion.
   void jumpTo(bool visible);
 
-  std::array<Dot, count> dots(double time, Movement movement = Movement::kept) const;
+  using Dots = std::array<Dot, count>;
+  Dots dots(double time, Movement movement = Movement::kept) const;
   /// Of all dots together, about their common centre.
   double scale(double time, Movement movement = Movement::kept) const;
 

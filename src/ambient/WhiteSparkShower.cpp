@@ -32,9 +32,4 @@ std::optional<WhiteSparkShower::Sparks> WhiteSparkShower::sparks(double time) co
   return sparks;
 }
 
-double WhiteSparkShower::restsAt() const {
-  if (!startDate) return -1.0;
-  return *startDate + staggerDelay * static_cast<double>(sparkCount - 1) + sparkDuration;
-}
-
 }  // namespace vorli

@@ -45,9 +45,6 @@ struct WhiteSparkShower {
 
   /// The sparks at a time of the scheduler; none before they are lit.
   std::optional<Sparks> sparks(double time) const;
-
-  /// When the last spark has gone out; in the past without a start.
-  double restsAt() const;
 };
 
 }  // namespace vorli

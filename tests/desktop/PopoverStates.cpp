@@ -78,7 +78,10 @@ class State {
   }
   State& dots() {
     ring().labelOpacity = 0.0;
-    ring().dots.fill({0.88, 1.0});
+    const fakes::ManualScheduler clock;
+    DottedReassuranceRing model(clock);
+    model.jumpTo(true);
+    ring().dots = model.dots(clock.now());
     return *this;
   }
 

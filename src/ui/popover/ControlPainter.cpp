@@ -14,7 +14,7 @@
 namespace vorli::ui {
 namespace {
 
-constexpr double focusWidth = 2.0, focusGap = 3.0;
+constexpr double focusGap = 3.0;
 
 // As the fill of a control goes from rest to hovered, and from there to pressed.
 Colour fillOf(const ControlColours& colours, const ControlPicture& state) {
@@ -31,7 +31,7 @@ void paintCapsule(QPainter& painter, const QRectF& shape, const Colour& fill) {
 void paintCapsuleFocus(QPainter& painter, const QRectF& shape, const PopoverPalette& palette) {
   const QRectF ring = shape.adjusted(-focusGap, -focusGap, focusGap, focusGap);
   painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(qtColour(palette.focus), focusWidth));
+  painter.setPen(QPen(qtColour(palette.focus), PopoverMetrics::focusWidth));
   painter.drawRoundedRect(ring, ring.height() / 2.0, ring.height() / 2.0);
 }
 
@@ -123,7 +123,7 @@ void paintGear(QPainter& painter, const ControlPicture& state, const PopoverPale
   }
   painter.setBrush(Qt::NoBrush);
   if (state.focused) {
-    painter.setPen(QPen(qtColour(palette.focus), focusWidth));
+    painter.setPen(QPen(qtColour(palette.focus), PopoverMetrics::focusWidth));
     painter.drawRoundedRect(frame.adjusted(1.0, 1.0, -1.0, -1.0), plateRadius - 1.0, plateRadius - 1.0);
   }
   static const QPainterPath shape = gearShape();

@@ -11,7 +11,6 @@ namespace {
 
 constexpr double hoverScale = 1.06, pressScale = 0.92;
 constexpr double plateRadius = 5.0;
-constexpr double focusWidth = 2.0;
 
 enum class Layer { plate, text };
 
@@ -36,7 +35,7 @@ void paintName(QPainter& painter, const PlacedName& name, const ControlPicture& 
   }
   if (state.focused) {
     painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(qtColour(palette.focus), focusWidth));
+    painter.setPen(QPen(qtColour(palette.focus), PopoverMetrics::focusWidth));
     painter.drawRoundedRect(name.plate().adjusted(0.0, -0.5, 0.0, 0.5), plateRadius, plateRadius);
   }
   painter.restore();

@@ -22,6 +22,7 @@ struct PopoverMetrics {
   static constexpr double ringWidth = 6.0;
   static constexpr double ringHitRadius = 56.0;
   static constexpr double lensRadius = 42.0;
+  static constexpr double focusWidth = 2.0;  // of the ring round what has the focus
   static constexpr QRectF gear{234.0, 8.0, 28.0, 28.0};
 };
 

@@ -7,7 +7,6 @@
 
 #include <QList>
 #include <QString>
-#include <array>
 #include <optional>
 #include <vector>
 
@@ -33,11 +32,7 @@ struct RingPicture {
   bool labelReady = false;  // the word in its heavier face
   ControlPicture button;
   double labelOpacity = 1.0;
-  struct Dot {
-    double opacity = 0.0, scale = 1.0;
-    bool operator==(const Dot&) const = default;
-  };
-  std::array<Dot, DottedReassuranceRing::count> dots{};
+  DottedReassuranceRing::Dots dots{};
   double dotsScale = 1.0;
 
   bool operator==(const RingPicture&) const = default;

@@ -193,8 +193,7 @@ RingPicture PopoverScene::ring(double time) const {
   ring.labelReady = labelReady_;
   ring.button = control(PopoverControlId::polish, time);
   ring.labelOpacity = label_.shown(time) * labelOverDots_.shown(time);
-  const auto dots = view_.reassuranceDots().dots(time, view_.movement());
-  for (std::size_t i = 0; i < dots.size(); ++i) ring.dots[i] = {dots[i].opacity, dots[i].scale};
+  ring.dots = view_.reassuranceDots().dots(time, view_.movement());
   ring.dotsScale = view_.reassuranceDots().scale(time, view_.movement());
   return ring;
 }

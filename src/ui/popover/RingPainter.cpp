@@ -23,7 +23,7 @@ constexpr double lensShrink = 0.025;    // of the lens and its word, when held d
 constexpr double labelBaseline = 4.75;  // below the centre: half the height of a capital
 constexpr double beadRadius = 1.5, beadFrom = 0.03;
 constexpr double tailPaleness = 0.42;
-constexpr double focusRadius = 45.5, focusWidth = 2.0;
+constexpr double focusRadius = 45.5;
 
 // Mixes colour and opacity apart, which keeps the brown of a white-to-brown rim.
 QBrush vertical(double halfHeight, const Colour& top, const Colour& bottom) {
@@ -82,7 +82,7 @@ class RingDrawing {
   void focus() const {
     if (!ring_.button.focused) return;
     painter_.setBrush(Qt::NoBrush);
-    painter_.setPen(QPen(qtColour(palette_.focus), focusWidth));
+    painter_.setPen(QPen(qtColour(palette_.focus), Metrics::focusWidth));
     painter_.drawEllipse(QPointF(), focusRadius, focusRadius);
   }
 
@@ -99,13 +99,11 @@ class RingDrawing {
 
   void dots() const {
     painter_.setPen(Qt::NoPen);
-    for (std::size_t i = 0; i < ring_.dots.size(); ++i) {
-      const auto& dot = ring_.dots[i];
+    for (const auto& dot : ring_.dots) {
       if (dot.opacity <= 0.0) continue;
       painter_.setBrush(qtColour(ink_.withAlpha(dot.opacity)));
-      const double turns = static_cast<double>(i) / static_cast<double>(ring_.dots.size());
       const double radius = DottedReassuranceRing::dotSize / 2.0 * dot.scale;
-      painter_.drawEllipse(onCircle(DottedReassuranceRing::radius, turns) * ring_.dotsScale, radius, radius);
+      painter_.drawEllipse(QPointF(dot.x, dot.y) * ring_.dotsScale, radius, radius);
     }
   }
 

@@ -1,3 +1,4 @@
+#include "tests/fakes/ManualScheduler.h"
 #include "ui/popover/RingPainter.h"
 
 #include <cmath>
@@ -142,7 +143,10 @@ TEST(RingPainter, beadSitsOnTheEndOfTheArc) {
 
 TEST(RingPainter, dotsStandOnTheirCircleInTheInkOfTheRing) {
   auto ring = glass(0.0);
-  for (auto& dot : ring.dots) dot = {.opacity = 0.88, .scale = 1.0};
+  const fakes::ManualScheduler clock;
+  DottedReassuranceRing model(clock);
+  model.jumpTo(true);
+  ring.dots = model.dots(clock.now());
   const QImage image = drawn(ring);
   for (const auto& [x, y] : {std::pair(0.0, -15.0), std::pair(15.0, 0.0), std::pair(-7.5, 12.99)}) {
     EXPECT_NEAR(alphaAt(image, x, y), 0.88, 0.01);
@@ -150,7 +154,8 @@ TEST(RingPainter, dotsStandOnTheirCircleInTheInkOfTheRing) {
     EXPECT_EQ(alphaAt(image, x + 1.5, y), 0.0);
     EXPECT_NEAR(at(image, x, y).redF(), 0.9 * 0.7873, 0.01);
   }
-  ring.dots[0] = {.opacity = 0.44, .scale = 0.6};
+  ring.dots[0].opacity = 0.44;
+  ring.dots[0].scale = 0.6;
   const QImage coming = drawn(ring);
   EXPECT_NEAR(alphaAt(coming, 0.0, -15.0), 0.44, 0.01);
   EXPECT_EQ(alphaAt(coming, 1.0, -15.0), 0.0);
