@@ -113,6 +113,7 @@ void PopoverWindow::appear() {
   widget_->show();
   widget_->raise();
   shapeTo(widget_->card());
+  widget_->paintAhead();
   screenChange_ =
       QObject::connect(widget_->screen(), &QScreen::geometryChanged, widget_.get(), [this] { placeAgain(); });
 }

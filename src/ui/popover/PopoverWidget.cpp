@@ -58,6 +58,7 @@ PopoverWidget::~PopoverWidget() {
 }
 
 void PopoverWidget::begin() {
+  isSeen_ = false;
   usesKeyboard_ = false;
   asksToQuit_ = false;  // a question that is still open takes the focus anew
   scene_.releaseControls();
@@ -67,8 +68,22 @@ void PopoverWidget::begin() {
   shownCard_ = {};
 }
 
+void PopoverWidget::paintAhead() {
+  if (isSeen_) return;
+  const double ratio = devicePixelRatioF();
+  QImage image((QSizeF(size()) * ratio).toSize(), QImage::Format_ARGB32_Premultiplied);
+  image.setDevicePixelRatio(ratio);
+  image.fill(Qt::transparent);
+  QPainter painter(&image);
+  paint(painter, rect());
+  painter.end();
+  ahead_ = std::move(image);
+  update();
+}
+
 void PopoverWidget::end() {
   scheduler_.cancel(std::exchange(frameTimer_, 0));
+  ahead_ = {};
   if (auto* focused = focusWidget()) focused->clearFocus();
   scene_.releaseControls();
   if (view_.hovered) view_.hovered = false;
@@ -96,7 +111,7 @@ QRect PopoverWidget::restingCard() const {
 }
 
 void PopoverWidget::wake() {
-  if (!isVisible()) return;
+  if (!isVisible() || !ahead_.isNull()) return;
   const double now = scheduler_.now();
   if (frameTimer_ != 0 && nextFrame_ <= now + quickFrame) return;
   scheduler_.cancel(std::exchange(frameTimer_, 0));
@@ -106,7 +121,7 @@ void PopoverWidget::wake() {
 
 void PopoverWidget::frame() {
   frameTimer_ = 0;
-  if (!isVisible()) return;
+  if (!isVisible() || !ahead_.isNull()) return;
   const double now = scheduler_.now();
   PopoverPicture next = scene_.picture(now);
   const bool isTurned = placedEdge_ != scene_.edge();  // all of it lies elsewhere in the window
@@ -144,10 +159,18 @@ void PopoverWidget::armNextFrame(double now) {
 
 void PopoverWidget::paintEvent(QPaintEvent* event) {
   ++framesPainted_;
+  isSeen_ = true;
   QPainter painter(this);
+  if (ahead_.isNull()) return paint(painter, event->region().boundingRect());
+  painter.setCompositionMode(QPainter::CompositionMode_Source);
+  painter.drawImage(QPointF(), std::exchange(ahead_, {}));
+  wake();
+}
+
+void PopoverWidget::paint(QPainter& painter, const QRectF& dirty) {
   const auto frame =
       compositing_ == Compositing::present ? PopoverPainter::Frame::shadow : PopoverPainter::Frame::hairline;
-  painter_.paint(painter, origin(), shown_, frame, event->region().boundingRect(), devicePixelRatioF());
+  painter_.paint(painter, origin(), shown_, frame, dirty, devicePixelRatioF());
 }
 
 PopoverControl* PopoverWidget::makeControl(Id id, std::function<void()> action) {

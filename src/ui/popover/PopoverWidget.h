@@ -6,6 +6,7 @@
 #include "ui/popover/PopoverPainter.h"
 #include "ui/popover/PopoverScene.h"
 
+#include <QImage>
 #include <QMargins>
 #include <QWidget>
 #include <array>
@@ -34,6 +35,9 @@ class PopoverWidget final : public QWidget {
 
   /// Before the window is shown: the content as it is now, at rest.
   void begin();
+  /// After it was told to show: paints its first frame while others bring the window up. Nothing moves before
+  /// that frame is seen.
+  void paintAhead();
   /// After it has been hidden.
   void end();
 
@@ -53,6 +57,7 @@ class PopoverWidget final : public QWidget {
   bool focusNextPrevChild(bool next) override;
   bool event(QEvent* event) override;
 
+  void paint(QPainter& painter, const QRectF& dirty);
   void wake();
   void frame();
   void armNextFrame(double now);
@@ -76,6 +81,8 @@ class PopoverWidget final : public QWidget {
   PopoverPicture shown_;
   QRect shownCard_;
   PopoverScene::Edge placedEdge_ = PopoverScene::Edge::top;  // for which the controls lie
+  QImage ahead_;  // the first frame, until it is seen
+  bool isSeen_ = false;
   Scheduler::TimerId frameTimer_ = 0;
   double nextFrame_ = 0.0;
   std::uint64_t framesPainted_ = 0;

@@ -423,6 +423,42 @@ TEST_F(PopoverFramesTest, cardUnfoldsFromItsStripAndOvershoots) {
   EXPECT_LE(tallest, 304 + 6);  // for which the window has room
 }
 
+TEST_F(PopoverFramesTest, nothingMovesBeforeTheFirstFrameIsSeen) {
+  widget->scene().setCardHeight(24.0);
+  widget->begin();
+  widget->show();
+  widget->paintAhead();
+  widget->scene().moveCard(304.0, Animation::timingCurve({0.22, 0.9, 0.28, 1.06}, 0.34));
+  scheduler.advance(0.1);
+  EXPECT_EQ(widget->card().height(), 24);
+  EXPECT_EQ(widget->framesPainted(), 0U);
+  QApplication::processEvents();
+  EXPECT_EQ(widget->framesPainted(), 1U);
+  scheduler.advance(0.05);
+  EXPECT_GT(widget->card().height(), 100);
+}
+
+TEST_F(PopoverFramesTest, frameThatWasPaintedAheadIsThatOfItsTime) {
+  widget->begin();
+  widget->show();
+  widget->paintAhead();
+  const QImage ahead = widget->grab().toImage();
+  const QImage inTime = widget->grab().toImage();
+  EXPECT_EQ(widget->framesPainted(), 2U);
+  EXPECT_EQ(ahead, inTime);
+}
+
+TEST_F(PopoverFramesTest, whatWasSeenAlreadyIsNotPaintedAhead) {
+  widget->scene().setCardHeight(24.0);
+  widget->begin();
+  widget->show();
+  QApplication::processEvents();
+  widget->paintAhead();
+  widget->scene().moveCard(304.0, Animation::timingCurve({0.22, 0.9, 0.28, 1.06}, 0.34));
+  scheduler.advance(0.05);
+  EXPECT_GT(widget->card().height(), 100);
+}
+
 TEST_F(PopoverFramesTest, withLessMovementTheCardStandsAtOnce) {
   motion.setReduced(true);
   open();
