@@ -19,7 +19,7 @@ using Id = PopoverControlId;
 
 // The card's own motions are short and quick, and so are sparks; the other light of a polish is soft, and the
 // breath slow.
-constexpr double quickFrame = 1.0 / 60.0, lightFrame = 1.0 / 30.0, breathFrame = 1.0 / 12.0;
+constexpr double quickFrame = 1.0 / 60.0, lightFrame = 1.0 / 30.0, breathFrame = 1.0 / 10.0;
 
 // A tool tip follows what looks like markup, as the name of an application may.
 QString asToolTip(const QString& text) {

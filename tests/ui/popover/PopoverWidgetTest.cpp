@@ -350,10 +350,10 @@ struct PopoverFramesTest : PopoverWidgetTest {
   }
 };
 
-TEST_F(PopoverFramesTest, restingPopoverPaintsTwelveTimesASecond) {
+TEST_F(PopoverFramesTest, restingPopoverPaintsTenTimesASecond) {
   open();
   scheduler.advance(5.0);
-  EXPECT_NEAR(static_cast<double>(framesIn(2.0)), 24.0, 2.0);
+  EXPECT_NEAR(static_cast<double>(framesIn(2.0)), 20.0, 1.0);
 }
 
 TEST_F(PopoverFramesTest, sparksFlyAtThePaceOfTheScreenAndTheRestOfAPolishAtHalfOfIt) {
@@ -366,7 +366,7 @@ TEST_F(PopoverFramesTest, sparksFlyAtThePaceOfTheScreenAndTheRestOfAPolishAtHalf
   EXPECT_NEAR(static_cast<double>(framesIn(0.5)), 15.0, 2.0);
   // At rest but for the breath; the sparks, which are put away later, are out.
   framesIn(0.1);
-  EXPECT_NEAR(static_cast<double>(framesIn(0.5)), 6.0, 2.0);
+  EXPECT_NEAR(static_cast<double>(framesIn(0.5)), 5.0, 2.0);
 }
 
 TEST_F(PopoverFramesTest, nothingIsPaintedWhileItIsShut) {
@@ -374,7 +374,7 @@ TEST_F(PopoverFramesTest, nothingIsPaintedWhileItIsShut) {
   widget->hide();
   widget->end();
   EXPECT_EQ(framesIn(3.0), 0U);
-  EXPECT_EQ(scheduler.earliestDeadline() < scheduler.now() + 1.0 / 12.0, false);
+  EXPECT_EQ(scheduler.earliestDeadline() < scheduler.now() + 1.0 / 10.0, false);
 }
 
 TEST_F(PopoverFramesTest, nothingMovesAtRestForWhoAskedForLessMovement) {
@@ -395,7 +395,7 @@ TEST_F(PopoverFramesTest, calmThatLeavesIsPaintedThoughNothingElseMoves) {
   std::uint64_t frames = 0;
   for (int i = 0; i < 6; ++i) {
     clearState.calmIntensity = 0.8 - i * 0.1;
-    frames += framesIn(1.0 / 12.0);
+    frames += framesIn(1.0 / 10.0);
   }
   EXPECT_NEAR(static_cast<double>(frames), 6.0, 1.0);
 }
