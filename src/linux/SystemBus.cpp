@@ -1,12 +1,11 @@
 #include "linux/SystemBus.h"
 
 #include "base/Assert.h"
+#include "posix/HeldSignals.h"
 
 #include <array>
-#include <csignal>
 #include <mutex>
 #include <poll.h>
-#include <pthread.h>
 #include <sdbus-c++/sdbus-c++.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
@@ -22,14 +21,9 @@ namespace {
 // return is told, instead of asking.
 constexpr int reconnectMilliseconds = 10'000;
 
-// Signals are the main thread's.
-std::thread startWithoutSignals(auto body) {
-  sigset_t all, before;
-  sigfillset(&all);
-  pthread_sigmask(SIG_SETMASK, &all, &before);
-  std::thread thread(std::move(body));
-  pthread_sigmask(SIG_SETMASK, &before, nullptr);
-  return thread;
+std::thread startThread(auto body) {
+  const posix::HeldSignals held;
+  return std::thread(std::move(body));
 }
 
 }  // namespace
@@ -205,7 +199,7 @@ class SystemBus::Loop {
 };
 
 SystemBus::SystemBus()
-    : loop_(std::make_shared<Loop>()), thread_(startWithoutSignals([loop = loop_] { loop->serve(); })) {}
+    : loop_(std::make_shared<Loop>()), thread_(startThread([loop = loop_] { loop->serve(); })) {}
 
 SystemBus::~SystemBus() {
   if (loop_->stop() == Loop::End::waitsForTheBus) {

@@ -1,8 +1,8 @@
 #include "posix/BackgroundWork.h"
 
 #include "base/Assert.h"
+#include "posix/HeldSignals.h"
 
-#include <csignal>
 #include <system_error>
 #include <utility>
 
@@ -47,16 +47,12 @@ void BackgroundWork::abandon() {
 }
 
 bool BackgroundWork::makeThread() {
-  sigset_t all;
-  sigset_t before;
-  sigfillset(&all);
-  pthread_sigmask(SIG_SETMASK, &all, &before);  // a thread starts with the mask of its maker
+  const HeldSignals held;
   try {
     thread_ = std::thread([this] { run(); });
   } catch (const std::system_error&) {
     // The user may have no more of them now; the next piece tries again.
   }
-  pthread_sigmask(SIG_SETMASK, &before, nullptr);
   return thread_.joinable();
 }
 

@@ -1,0 +1,20 @@
+#include "posix/HeldSignals.h"
+
+#include <initializer_list>
+#include <pthread.h>
+
+namespace vorli::posix {
+
+HeldSignals::HeldSignals() {
+  sigset_t held;
+  sigfillset(&held);
+  // Held back, these would end the process past every handler.
+  for (const int fault : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGTRAP, SIGABRT, SIGSYS}) sigdelset(&held, fault);
+  pthread_sigmask(SIG_SETMASK, &held, &before_);
+}
+
+HeldSignals::~HeldSignals() {
+  pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+}
+
+}  // namespace vorli::posix
