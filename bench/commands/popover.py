@@ -57,10 +57,7 @@ def _open(report, ratio, result):
         report.add(f"open {ratio}{name}, X server", "ms/min", server, digits=0)
         limits = gates("popover", f"open {ratio}") if kind == "installed" else {}
         report.add(f"open {ratio}{name}, both", "ms/min", program + server, digits=0, **limits)
-    frames = result["watched"]["rest"]
-    report.add(f"frames a second, open {ratio}", "1/s", frames, digits=0)
-    report.add(f"frames a second while the ring stands still {ratio}", "1/s", min(frames), digits=0,
-               **gates("popover", "frames at rest"))
+    report.add(f"frames at rest {ratio}", "1/s", result["watched"]["rest"], digits=0, **gates("popover", "frames at rest"))
     report.add(f"frames while shut {ratio}", "", result["watched"]["shut"], digits=0, **gates("popover", "frames while shut"))
 
 

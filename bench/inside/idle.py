@@ -1,4 +1,4 @@
-"""idle.py PREFIX OUT WINDOWS SECONDS FLOOR: the installed program while nothing happens, then a bare tray program."""
+"""idle.py PREFIX OUT WINDOWS SECONDS FLOOR: the installed program while nothing happens, and a bare tray program beside."""
 
 import os
 import subprocess
@@ -27,12 +27,14 @@ def let_the_dial_rest(vorli):
         print("idle: the dial did not come to rest", file=sys.stderr)
 
 
-def windows(pid, count, seconds):
-    results = []
+def windows(pids, count, seconds):
+    """The same spans of time for all of them; a list for each."""
+    results = [[] for _ in pids]
     for _ in range(count):
-        window = Window(pid)
+        begun = [Window(pid) for pid in pids]
         let_pass(seconds)
-        results.append(window.result())
+        for window, result in zip(begun, results):
+            result.append(window.result())
     return results
 
 
@@ -41,17 +43,16 @@ def main():
     vorli = started()
     openings = sum(open_and_shut_popover(vorli) for _ in range(3))
     let_pass(SETTLE)
-    let_the_dial_rest(vorli)
-    result = {"openings": openings, "idle": windows(vorli.process.pid, count, seconds),
-              "memory": memory_mb(vorli.process.pid), "processes": sum(name.isdigit() for name in os.listdir("/proc"))}
-    if vorli.end() != 0:
-        raise SystemExit("the program did not end well")
+    result = {"openings": openings, "memory": memory_mb(vorli.process.pid)}  # before another program shares its toolkit
     icon = TrayIcon()
-    until(lambda: not icon.items(), "an empty tray")
     with subprocess.Popen([floor], stdin=subprocess.DEVNULL) as bare:
-        icon.appear()
+        until(lambda: len(icon.items()) == 2, "both icons")
         let_pass(SETTLE)
-        result["floor"] = windows(bare.pid, 1, seconds)
+        let_the_dial_rest(vorli)
+        result["idle"], result["floor"] = windows((vorli.process.pid, bare.pid), count, seconds)
+        result["processes"] = sum(name.isdigit() for name in os.listdir("/proc"))
+        if vorli.end() != 0:
+            raise SystemExit("the program did not end well")
         result["floor_memory"] = memory_mb(bare.pid)
         bare.terminate()
     write(result)

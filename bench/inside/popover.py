@@ -5,6 +5,7 @@ that tells its frames: from the click to the first of them, how many come at res
 the bare program.
 """
 
+import contextlib
 import os
 import re
 import subprocess
@@ -136,20 +137,31 @@ def watched(pointer, openings):
     return result
 
 
-def bare(pointer, openings, seconds):
-    log = os.path.join(OUT, "bare.log")
+@contextlib.contextmanager
+def bare_program(pointer, log, *arguments):
     with open(log, "w", encoding="utf-8") as file:
-        program = subprocess.Popen([os.path.join(PREFIX, "bin", "vorli_bare_popover")], stdin=subprocess.DEVNULL, stdout=file)
+        program = subprocess.Popen([os.path.join(PREFIX, "bin", "vorli_bare_popover"), *arguments],
+                                   stdin=subprocess.DEVNULL, stdout=file)
+    icon = TrayIcon()
     try:
-        item = TrayIcon().appear()[0]
+        item = icon.appear()[0]
         let_pass(SETTLE)
-        clicked = Clicked(program.pid, pointer)
-        return {"times": clicked.times_to_first_frame(log, openings + 1),
-                "calls": clicked.times_to_first_frame(log, openings, item), "open": clicked.open_for(seconds),
-                "many": memory_mb(program.pid)}
+        yield Clicked(program.pid, pointer), item
     finally:
         program.terminate()
         program.wait(10)
+    until(lambda: not icon.items(), "an empty tray")
+
+
+def bare(pointer, openings, seconds):
+    log = os.path.join(OUT, "bare.log")
+    with bare_program(pointer, log) as (clicked, _item):
+        clicked.openings(openings)
+        result = {"open": clicked.open_for(seconds), "many": memory_mb(clicked.pid)}
+    with bare_program(pointer, log, "--watched") as (clicked, item):  # what it tells of its frames costs it something
+        result["times"] = clicked.times_to_first_frame(log, openings + 1)
+        result["calls"] = clicked.times_to_first_frame(log, openings, item)
+    return result
 
 
 def main():

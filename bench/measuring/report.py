@@ -21,9 +21,9 @@ class Row:
     def verdict(self):
         if self.gate is not None and self.median > self.gate:
             return "MISSED"
-        if self.aim is not None:
-            return "aim" if self.median <= self.aim else "gate"
-        return "gate" if self.gate is not None else ""
+        if self.aim is not None and self.median <= self.aim:
+            return "aim"
+        return "gate" if self.gate is not None else "" if self.aim is None else "above aim"
 
     def cells(self):
         def number(value):
