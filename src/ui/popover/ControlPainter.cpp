@@ -22,6 +22,11 @@ Colour fillOf(const ControlColours& colours, const ControlPicture& state) {
   return mix(mix(colours.rest, colours.hover, state.hover), colours.pressed, press);
 }
 
+// A key presses without the pointer: what is held down is raised all the same.
+double raised(const ControlPicture& state) {
+  return std::max(state.hover, std::clamp(state.press, 0.0, 1.0));
+}
+
 void paintCapsule(QPainter& painter, const QRectF& shape, const Colour& fill) {
   painter.setPen(Qt::NoPen);
   painter.setBrush(qtColour(fill));
@@ -89,8 +94,8 @@ void paintLink(QPainter& painter, const PlacedLabel& link, const QRectF& symbol,
   painter.translate(middle);
   painter.scale(scale, scale);
   painter.translate(-middle);
-  const Colour colour = blend(palette.link, palette.linkHover, state.hover);
-  paintCapsule(painter, link.capsule, mix(palette.linkPlate, palette.linkPlateHover, state.hover));
+  const Colour colour = blend(palette.link, palette.linkHover, raised(state));
+  paintCapsule(painter, link.capsule, mix(palette.linkPlate, palette.linkPlateHover, raised(state)));
   if (state.focused) paintCapsuleFocus(painter, link.capsule, palette);
   PopoverTextStyles::shared().link.draw(painter, link.text.text, link.text.origin, colour);
   paintArrowSquare(painter, symbol.topLeft(), colour);
@@ -114,9 +119,9 @@ void paintQuit(QPainter& painter, const PlacedQuit& placed, const QuitPicture& p
 void paintGear(QPainter& painter, const ControlPicture& state, const PopoverPalette& palette) {
   constexpr double plateRadius = 8.0, stroke = 1.2;
   const QRectF& frame = PopoverMetrics::gear;
-  if (state.hover > 0.0) {
+  if (raised(state) > 0.0) {
     Colour plate = mix(palette.plate.rest, palette.plate.pressed, std::clamp(state.press, 0.0, 1.0));
-    plate.alpha *= state.hover;
+    plate.alpha *= raised(state);
     painter.setPen(Qt::NoPen);
     painter.setBrush(qtColour(plate));
     painter.drawRoundedRect(frame, plateRadius, plateRadius);
@@ -127,7 +132,7 @@ void paintGear(QPainter& painter, const ControlPicture& state, const PopoverPale
     painter.drawRoundedRect(frame.adjusted(1.0, 1.0, -1.0, -1.0), plateRadius - 1.0, plateRadius - 1.0);
   }
   static const QPainterPath shape = gearShape();
-  const Colour colour = blend(palette.gear, palette.gearHover, state.hover);
+  const Colour colour = blend(palette.gear, palette.gearHover, raised(state));
   painter.setPen(QPen(qtColour(colour), stroke, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
   painter.drawPath(shape.translated(frame.center()));
 }

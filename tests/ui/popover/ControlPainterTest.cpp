@@ -42,6 +42,11 @@ TEST(GearPainter, hasAPlateOnlyUnderThePointer) {
   EXPECT_EQ(alphaAt(gear({.hover = 1.0}), 262, 22), 0.0);
 }
 
+TEST(GearPainter, keyRaisesItAsThePointerDoes) {
+  EXPECT_EQ(gear({.press = 1.0}), gear({.hover = 1.0, .press = 1.0}));
+  EXPECT_EQ(gear({.press = -0.1}), gear({}));
+}
+
 TEST(GearPainter, wheelHasEightTeethAndAHole) {
   const QImage image = gear({});
   EXPECT_EQ(alphaAt(image, 248, 22), 0.0);          // in the hole
@@ -117,7 +122,12 @@ TEST(LinkPainter, capsuleLightsUpUnderThePointerAndShrinksWhenPressed) {
   EXPECT_NEAR(alphaAt(link({.hover = 1.0}, dark), 130, 250), 0.19, tolerance);
   EXPECT_NEAR(alphaAt(link({}), 78, 252), 0.10, 0.02);
   EXPECT_NEAR(alphaAt(link({.hover = 1.0, .press = 1.0}), 78, 252), 0.0, 0.01);  // 0.98 of 113
-  EXPECT_NEAR(alphaAt(link({.press = 1.0, .scales = false}), 78, 252), 0.10, 0.02);
+  EXPECT_NEAR(alphaAt(link({.press = 1.0, .scales = false}), 78, 252), 0.18, 0.02);
+}
+
+TEST(LinkPainter, keyRaisesItAsThePointerDoes) {
+  EXPECT_EQ(link({.press = 1.0}), link({.hover = 1.0, .press = 1.0}));
+  EXPECT_EQ(link({.press = -0.1, .scales = false}), link({.scales = false}));  // a spring on its way back
 }
 
 TEST(LinkPainter, arrowStandsInItsSquare) {
