@@ -61,7 +61,7 @@ void PopoverWidget::begin() {
   isSeen_ = false;
   usesKeyboard_ = false;
   asksToQuit_ = false;  // a question that is still open takes the focus anew
-  scene_.releaseControls();
+  releaseControls();
   scene_.jumpToContent();
   updateControls();
   shown_ = scene_.picture(scheduler_.now());
@@ -85,6 +85,11 @@ void PopoverWidget::end() {
   scheduler_.cancel(std::exchange(frameTimer_, 0));
   ahead_ = {};
   if (auto* focused = focusWidget()) focused->clearFocus();
+  releaseControls();
+}
+
+// The pointer comes anew to a window that opens under it.
+void PopoverWidget::releaseControls() {
   scene_.releaseControls();
   if (view_.hovered) view_.hovered = false;
 }

@@ -61,6 +61,7 @@ class PopoverWidget final : public QWidget {
   void wake();
   void frame();
   void armNextFrame(double now);
+  void releaseControls();
   void makeControls();
   PopoverControl* makeControl(PopoverControlId id, std::function<void()> action);
   void updateControls();
@@ -81,7 +82,7 @@ class PopoverWidget final : public QWidget {
   PopoverPicture shown_;
   QRect shownCard_;
   PopoverScene::Edge placedEdge_ = PopoverScene::Edge::top;  // for which the controls lie
-  QImage ahead_;  // the first frame, until it is seen
+  QImage ahead_;                                             // the first frame, until it is seen
   bool isSeen_ = false;
   Scheduler::TimerId frameTimer_ = 0;
   double nextFrame_ = 0.0;

@@ -298,6 +298,17 @@ TEST_F(PopoverWidgetTest, pointerOnTheRingIsToldToTheView) {
   EXPECT_FALSE(view->hovered);
 }
 
+TEST_F(PopoverWidgetTest, windowThatTakesThePlaceOfAnotherWaitsForThePointer) {
+  open();
+  QEnterEvent enter({1, 1}, {1, 1}, {1, 1});
+  QApplication::sendEvent(control(Id::polish), &enter);
+  ASSERT_TRUE(view->hovered);
+  widget.emplace(scheduler, *view, Compositing::absent,
+                 PopoverWidget::Callbacks{[] {}, [] {}, [](const QRect&) {}});
+  widget->begin();
+  EXPECT_FALSE(view->hovered);
+}
+
 TEST_F(PopoverWidgetTest, nameThatLeavesWhileItIsHeldDownComesBackReleased) {
   open();
   auto* name = control(Id::secondName);
