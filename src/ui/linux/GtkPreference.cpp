@@ -10,9 +10,13 @@ GtkPreference GtkPreference::read(const QString& file) {
   const auto value = [&settings](const char* key) {
     return settings.value(QStringLiteral("Settings/") + QLatin1String(key)).toString();
   };
-  const QString dark = value("gtk-application-prefer-dark-theme");
-  return {value("gtk-theme-name"),
-          dark == QLatin1String("1") || dark.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0};
+  const auto says = [&value](const char* key, const char* number, const char* word) {
+    const QString said = value(key);
+    return said == QLatin1String(number) || said.compare(QLatin1String(word), Qt::CaseInsensitive) == 0;
+  };
+  return {.theme = value("gtk-theme-name"),
+          .prefersDark = says("gtk-application-prefer-dark-theme", "1", "true"),
+          .dropsAnimations = says("gtk-enable-animations", "0", "false")};
 }
 
 GtkPreference GtkPreference::ofThisUser() {

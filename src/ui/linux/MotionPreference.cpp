@@ -2,16 +2,19 @@
 
 #include "ui/linux/XSettings.h"
 
+#include <utility>
+
 namespace vorli::ui {
 
-MotionPreference::MotionPreference(ManagerSelections& selections)
-    : selections_(selections), settings_(selections.subscribe([this] { update(); })) {
+MotionPreference::MotionPreference(ManagerSelections& selections, GtkPreference gtk)
+    : selections_(selections), gtk_(std::move(gtk)), settings_(selections.subscribe([this] { update(); })) {
   reduced_ = derive();
 }
 
 bool MotionPreference::derive() const {
-  const auto& published = selections_.published(ManagerSelections::Selection::settings);
-  return xSettingsNumber(published, "Gtk/EnableAnimations") == 0;
+  const auto published =
+      xSettingsNumber(selections_.published(ManagerSelections::Selection::settings), "Gtk/EnableAnimations");
+  return published ? *published == 0 : gtk_.dropsAnimations;
 }
 
 void MotionPreference::update() {

@@ -30,6 +30,13 @@ TEST(GtkPreferenceTest, readsTheWishForDarkWindows) {
   EXPECT_FALSE(preferenceIn("[Settings]\ngtk-application-prefer-dark-theme=false\n").prefersDark);
 }
 
+TEST(GtkPreferenceTest, readsTheWishForStillWindows) {
+  EXPECT_TRUE(preferenceIn("[Settings]\ngtk-enable-animations=0\n").dropsAnimations);
+  EXPECT_TRUE(preferenceIn("[Settings]\ngtk-enable-animations=FALSE\n").dropsAnimations);
+  EXPECT_FALSE(preferenceIn("[Settings]\ngtk-enable-animations=1\n").dropsAnimations);
+  EXPECT_FALSE(preferenceIn("[Settings]\n").dropsAnimations);
+}
+
 TEST(GtkPreferenceTest, otherSectionsDoNotCount) {
   const auto preference =
       preferenceIn("[Other]\ngtk-theme-name=Arc-Dark\ngtk-application-prefer-dark-theme=1\n");
@@ -40,6 +47,7 @@ TEST(GtkPreferenceTest, otherSectionsDoNotCount) {
 TEST(GtkPreferenceTest, damagedOrMissingFileSaysNothing) {
   EXPECT_EQ(preferenceIn(QByteArray("\0\xff[[[=\n=\n]", 10)).theme, "");
   const auto preference = GtkPreference::read(QStringLiteral("/nonexistent/settings.ini"));
+  EXPECT_FALSE(preference.dropsAnimations);
   EXPECT_EQ(preference.theme, "");
   EXPECT_FALSE(preference.prefersDark);
 }
