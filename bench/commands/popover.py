@@ -45,7 +45,7 @@ def _clicks(report, ratio, result):
         report.add(f"panel's call to first paint {ratio}{name}, 95 of 100", "ms", p95, gate=own.get("gate"))
         report.add(f"panel's call until the X server has it {ratio}{name}", "ms", [time[1] for time in result[kind]["calls"]])
         first, *times = [time[0] for time in result[kind]["times"]]
-        report.add(f"click to first paint {ratio}{name}", "ms", times)
+        report.add(f"click to first paint {ratio}{name}", "ms", times, **own)
         report.add(f"first click to first paint {ratio}{name}", "ms", first,
                    **(gates("popover", "first opening") if own else {}))
 
