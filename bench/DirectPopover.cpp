@@ -1,9 +1,9 @@
 #include "bench/DirectPopover.h"
 
 #include "ui/QtColour.h"
-#include "ui/popover/BlurredProfile.h"
 #include "ui/popover/PopoverLayout.h"
 #include "ui/popover/PopoverPalette.h"
+#include "ui/popover/RadialProfile.h"
 #include "ui/popover/TextStyle.h"
 
 #include <QConicalGradient>

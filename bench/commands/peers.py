@@ -48,7 +48,8 @@ def _add_programs(report, result):
         for label, key in (("idle processor time", "cpu_ms_per_minute"), ("wake-ups", "wakeups_per_minute")):
             if own[key] >= figures[key]:
                 report.fail(f"not ahead of {name} in {label}")
-        if name in WITH_TABLE and own["Pss"] >= figures["Pss"]:
+        # Proportional memory is no measure here: the panel shares its toolkit's pages with some, and with others not.
+        if name in WITH_TABLE and any(own[key] >= figures[key] for key in ("Rss", "Private_Dirty")):
             report.fail(f"not below {name} in memory")
 
 

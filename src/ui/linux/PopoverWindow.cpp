@@ -4,6 +4,7 @@
 #include "ui/linux/X11Window.h"
 
 #include <QCursor>
+#include <QGuiApplication>
 #include <QPainterPath>
 #include <QScreen>
 #include <QWindow>
@@ -114,8 +115,9 @@ void PopoverWindow::appear() {
   widget_->raise();
   shapeTo(widget_->card());
   widget_->paintAhead();
-  screenChange_ =
-      QObject::connect(widget_->screen(), &QScreen::geometryChanged, widget_.get(), [this] { placeAgain(); });
+  const auto again = [this] { placeAgain(); };
+  screenChanges_ = {QObject::connect(widget_->screen(), &QScreen::geometryChanged, widget_.get(), again),
+                    QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, widget_.get(), again)};
 }
 
 void PopoverWindow::moveTo(const PopoverPlace& place) {
@@ -127,10 +129,9 @@ void PopoverWindow::moveTo(const PopoverPlace& place) {
   widget_->move(x, y);
 }
 
-// The screen has another size: the panel has gone with its edge, and the icon with the panel.
+// The screen has another size, or has gone: the panel has gone with its edge, and the icon with the panel.
 void PopoverWindow::placeAgain() {
   if (!shown_) return;
-  const auto screens = screenPlaces();
   const bool isLost = openedFrom_ && !widget_->screen()->geometry().contains(openedFrom_->point);
   if (isLost) openedFrom_.reset();
   if (const auto place = findPlace()) moveTo(*place);
@@ -160,7 +161,7 @@ void PopoverWindow::performClose() {
 void PopoverWindow::hide() {
   shown_ = false;
   rawPresses_.stop();
-  QObject::disconnect(screenChange_);
+  for (const auto& change : screenChanges_) QObject::disconnect(change);
   widget_->hide();
   widget_->end();
   forgetLater();

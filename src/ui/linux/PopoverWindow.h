@@ -13,6 +13,7 @@
 
 #include <QMetaObject>
 #include <QPoint>
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -83,7 +84,7 @@ class PopoverWindow final : public ports::PopoverWindow {
   std::function<bool()> shouldClose_;
   std::function<void()> didShow_;
   SubscriberList<> presses_;
-  QMetaObject::Connection screenChange_;
+  std::array<QMetaObject::Connection, 2> screenChanges_;
   Subscription appearanceSubscription_, compositingSubscription_;
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);  // for what waits on the main loop
 };

@@ -62,7 +62,7 @@ void RawPresses::process() {
   if (xcb_connection_has_error(connection_)) notifier_->setEnabled(false);
   if (!pressed || !listens_) return;
   const auto handler = handler_;
-  handler(pointer());
+  if (const auto place = pointer()) handler(*place);
 }
 
 // True for a press; what else comes, and what came under an earlier selection, is dropped on the way to it.
@@ -79,10 +79,11 @@ bool RawPresses::takePress() {
 }
 
 // A raw event has no position.
-QPoint RawPresses::pointer() {
+std::optional<QPoint> RawPresses::pointer() {
   const X11Reply<xcb_query_pointer_reply_t> reply(
       xcb_query_pointer_reply(connection_, xcb_query_pointer(connection_, root_), nullptr));
-  return reply ? QPoint(reply->root_x, reply->root_y) : QPoint();
+  if (!reply) return std::nullopt;
+  return QPoint(reply->root_x, reply->root_y);
 }
 
 }  // namespace vorli::ui

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 
 struct xcb_connection_t;
 
@@ -33,7 +34,7 @@ class RawPresses {
   void select(std::uint32_t events);
   void process();
   bool takePress();
-  QPoint pointer();
+  std::optional<QPoint> pointer();
 
   Handler handler_;
   xcb_connection_t* connection_ = nullptr;

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "ui/popover/BlurredProfile.h"
 #include "ui/popover/PixelWords.h"
 #include "ui/popover/PopoverPalette.h"
+#include "ui/popover/RadialProfile.h"
 
 #include <QImage>
 #include <QPoint>

@@ -1,6 +1,6 @@
 #include "ui/popover/RingArc.h"
 
-#include "ui/popover/BlurredProfile.h"
+#include "ui/popover/RadialProfile.h"
 
 #include <algorithm>
 #include <array>

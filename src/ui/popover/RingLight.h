@@ -1,9 +1,9 @@
 #pragma once
 
 #include "base/Colour.h"
-#include "ui/popover/BlurredProfile.h"
 #include "ui/popover/PopoverPalette.h"
 #include "ui/popover/PopoverPicture.h"
+#include "ui/popover/RadialProfile.h"
 
 #include <map>
 #include <vector>

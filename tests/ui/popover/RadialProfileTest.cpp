@@ -1,6 +1,6 @@
 #include "ambient/AuroraField.h"
 #include "tests/fakes/ManualScheduler.h"
-#include "ui/popover/BlurredProfile.h"
+#include "ui/popover/RadialProfile.h"
 
 #include <array>
 #include <gtest/gtest.h>

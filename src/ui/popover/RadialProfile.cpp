@@ -1,4 +1,4 @@
-#include "ui/popover/BlurredProfile.h"
+#include "ui/popover/RadialProfile.h"
 
 #include <algorithm>
 #include <cmath>
