@@ -117,7 +117,7 @@ def collect(program, path):
 
 def wait_for_room():
     """At twice its processors' load a machine's ring stands at its end, and shows nothing."""
-    until(lambda: os.getloadavg()[0] < 1.5 * (os.cpu_count() or 1), "a machine that is not full already", QUIET_SECONDS)
+    until(lambda: os.getloadavg()[0] < 1.9 * (os.cpu_count() or 1), "a machine that is not full already", QUIET_SECONDS)
 
 
 def main():
