@@ -55,14 +55,13 @@ void RawPresses::select(std::uint32_t events) {
   xcb_flush(connection_);
 }
 
-// The handler may end this object: it is called once, and nothing is touched after it.
+// However many presses have come, the handler hears of them once.
 void RawPresses::process() {
   bool pressed = false;
   while (takePress()) pressed = true;
   if (xcb_connection_has_error(connection_)) notifier_->setEnabled(false);
-  if (!pressed || !listens_) return;
-  const auto handler = handler_;
-  if (const auto place = pointer()) handler(*place);
+  if (!pressed) return;
+  if (const auto place = pointer()) handler_(*place);
 }
 
 // True for a press; what else comes, and what came under an earlier selection, is dropped on the way to it.

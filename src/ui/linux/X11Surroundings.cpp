@@ -7,6 +7,7 @@
 #include <array>
 
 namespace vorli::ui {
+
 Appearance X11Surroundings::appearance() const {
   return desktop_.isDark() ? Appearance::dark : Appearance::light;
 }
