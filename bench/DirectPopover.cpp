@@ -1,9 +1,9 @@
 #include "bench/DirectPopover.h"
 
-#include "ui/QtColour.h"
+#include "ui/kit/QtColour.h"
+#include "ui/light/RadialProfile.h"
 #include "ui/popover/PopoverLayout.h"
 #include "ui/popover/PopoverPalette.h"
-#include "ui/popover/RadialProfile.h"
 #include "ui/popover/TextStyle.h"
 
 #include <QConicalGradient>
@@ -27,7 +27,7 @@ QBrush vertical(double top, double bottom, const Colour& first, const Colour& la
   return gradient;
 }
 
-// Worked out once for a blur: only the painting is measured.
+// Computed once for each blur, so that only the painting is measured.
 const RadialProfile& profileOf(const AuroraLayer& layer) {
   static std::map<std::pair<double, double>, RadialProfile> known;
   const auto key = std::pair(layer.gradient.stops[1].colour.green, layer.blur);

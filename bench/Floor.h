@@ -7,9 +7,8 @@
 
 namespace vorli::bench {
 
-/// The least that a look at every process costs in this system's terms: one listing of /proc, and opening,
-/// reading and closing PID/stat of each, with nothing done about what was read. Everything else is measured
-/// against it.
+/// The least that a look at every process can cost on this system: one listing of /proc, then opening,
+/// reading and closing each PID/stat without using what was read. Everything else is measured against it.
 class Floor {
  public:
   Floor();

@@ -3,7 +3,7 @@
 #include <atomic>
 #include <cstddef>
 
-// The C library lets a program bring its own allocator under these names; this one counts and hands on.
+// The C library lets a program replace its allocator under these names. This one counts and forwards.
 extern "C" {
 void* __libc_malloc(std::size_t);
 void* __libc_calloc(std::size_t, std::size_t);

@@ -4,7 +4,7 @@
 
 namespace vorli::bench {
 
-/// Allocations from the heap so far, by this program and every library in it.
+/// Number of heap allocations so far, by this program and every library in it.
 std::uint64_t heapAllocations();
 
 }  // namespace vorli::bench

@@ -7,7 +7,7 @@ namespace vorli::bench {
 
 namespace {
 
-// A full desktop: so many running applications, the first of them this process.
+// The number of running applications on a full desktop; the first one is this process.
 constexpr std::int32_t applicationCount = 12;
 
 std::vector<ports::RunningApplication> applications() {
@@ -25,12 +25,13 @@ std::vector<ports::RunningApplication> applications() {
 
 }  // namespace
 
-Machine::Machine()
-    : monitor_({scheduler_, calendar_, memory_, cpu_, thermal_, power_, processes_, workspace_, bundle_,
+Machine::Machine(ports::Workspace* workspace)
+    : workspace_(workspace ? *workspace : fullDesktop_),
+      monitor_({scheduler_, calendar_, memory_, cpu_, thermal_, power_, processes_, workspace_, bundle_,
                 background_},
                settings_, idleTracker_) {
-  workspace_.applications = applications();
-  workspace_.windowOwners = {getpid()};
+  fullDesktop_.applications = applications();
+  fullDesktop_.windowOwners = {getpid()};
 }
 
 void Machine::enumerate() {

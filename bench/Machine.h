@@ -1,15 +1,16 @@
 #pragma once
 
-#include "app/AppSettings.h"
 #include "insights/IdleAppTracker.h"
 #include "insights/ProcessEnumerator.h"
-#include "linux/CPUCounters.h"
-#include "linux/MemoryCounters.h"
-#include "linux/PowerSources.h"
-#include "linux/ProcessTable.h"
-#include "linux/ThermalSensors.h"
+#include "linux/kernel/CPUCounters.h"
+#include "linux/kernel/MemoryCounters.h"
+#include "linux/kernel/PowerSources.h"
+#include "linux/kernel/ProcessTable.h"
+#include "linux/kernel/ThermalSensors.h"
+#include "ports/Workspace.h"
 #include "posix/CalendarClock.h"
 #include "sampling/SystemMonitor.h"
+#include "settings/AppSettings.h"
 #include "tests/fakes/ApplicationBundle.h"
 #include "tests/fakes/BackgroundWork.h"
 #include "tests/fakes/KeyValueStore.h"
@@ -18,11 +19,11 @@
 
 namespace vorli::bench {
 
-/// The sampling of the program on this machine's real counters. Desktop, settings and time are fakes: a tick
-/// spends nothing there that the number of processes could change.
+/// The program's sampling on this machine's real counters. Settings, time and, without a `workspace`, the
+/// desktop are fakes: the number of processes does not change what a tick spends on them.
 class Machine {
  public:
-  Machine();
+  explicit Machine(ports::Workspace* workspace = nullptr);
 
   void enumerate();
   void refresh() { monitor_.refresh(); }
@@ -30,7 +31,8 @@ class Machine {
  private:
   fakes::ManualScheduler scheduler_;
   fakes::KeyValueStore defaults_;
-  fakes::Workspace workspace_;
+  fakes::Workspace fullDesktop_;
+  ports::Workspace& workspace_;
   fakes::ApplicationBundle bundle_;
   fakes::BackgroundWork background_{scheduler_};
   posix::CalendarClock calendar_;

@@ -16,7 +16,7 @@ long long microseconds() {
   return std::chrono::duration_cast<std::chrono::microseconds>(now).count();
 }
 
-// Until the X server has done all that it was asked for.
+// Waits until the X server has handled all earlier requests.
 void roundTrip() {
   auto* connection = qApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
   std::free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
@@ -33,7 +33,7 @@ bool PaintWatch::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() != QEvent::Paint || !widget || !widget->isWindow()) return false;
   watched->event(event);
   const auto painted = microseconds();
-  // What was painted goes to the X server when this event is done with.
+  // The painted frame is sent to the X server when this event has been handled.
   QMetaObject::invokeMethod(
       this,
       [painted, size = widget->size()] {

@@ -4,7 +4,7 @@
 
 namespace vorli::bench {
 
-/// Tells every frame that any window of this program paints, in a line of standard output:
+/// Prints a line on standard output for every frame that any window of this program paints:
 ///   frame PAINTED SHOWN WIDTHxHEIGHT
 /// Both times are microseconds of the monotonic clock: when it was painted, and when the X server had it.
 class PaintWatch final : public QObject {

@@ -1,18 +1,21 @@
 // vorli_bare_calls serve                         a service with one method; prints its address on the bus
 // vorli_bare_calls call NAME OBJECT INTERFACE COUNT
-//                                                calls NAME's Ping so often, one call after the other; prints
-//                                                microseconds as JSON
-// vorli_bare_calls first NAME OBJECT INTERFACE   one call, without any before it
+//                                                calls NAME's Ping COUNT times, one call after the other;
+//                                                prints microseconds as JSON
+// vorli_bare_calls first NAME OBJECT INTERFACE   makes a single call, with none before it
 //
-// Both on the bus that DBUS_SYSTEM_BUS_ADDRESS names.
+// All of them use the bus that DBUS_SYSTEM_BUS_ADDRESS names.
+
+#include "linux/bus/Library.h"
 
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <sdbus-c++/sdbus-c++.h>
 #include <string>
 #include <string_view>
 #include <vector>
+
+namespace bus = vorli::linuxhost::bus;
 
 namespace {
 
@@ -21,9 +24,9 @@ constexpr int warmUps = 50;
 
 int serve() {
   const auto connection = sdbus::createSystemBusConnection();
-  const auto object = sdbus::createObject(*connection, "/floor");
-  object->registerMethod("Ping").onInterface("test.Floor").implementedAs([] { return std::string("pong"); });
-  object->finishRegistration();
+  const auto object = bus::object(*connection, "/floor");
+  bus::addMethod(*object, "test.Floor", "Ping", [] { return std::string("pong"); });
+  bus::publish(*object);
   std::printf("%s\n", connection->getUniqueName().c_str());
   std::fflush(stdout);
   connection->enterEventLoop();
@@ -32,7 +35,8 @@ int serve() {
 
 int call(const std::string& name, const std::string& path, const std::string& interface, int unmeasured,
          int count) {
-  const auto proxy = sdbus::createProxy(sdbus::createSystemBusConnection(), name, path);
+  const auto proxy =
+      sdbus::createProxy(sdbus::createSystemBusConnection(), bus::ServiceName(name), sdbus::ObjectPath(path));
   std::vector<double> microseconds;
   for (int i = 0; i < unmeasured + count; ++i) {
     const auto start = std::chrono::steady_clock::now();

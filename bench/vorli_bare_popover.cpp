@@ -1,6 +1,6 @@
-// vorli_bare_popover: the least that a Qt program costs which opens a window at a click on its icon in the
-// tray, and paints a part of it ten times a second. One flat colour is all that it shows. With --watched it
-// tells of each frame.
+// vorli_bare_popover: the least cost of a Qt program that opens a window at a click on its icon in the tray
+// and paints a part of it ten times a second. It shows only one flat colour. With --watched it reports each
+// frame.
 
 #include "bench/PaintWatch.h"
 

@@ -1,5 +1,5 @@
-// vorli_bare_tray: the least that a Qt program with a live icon in the tray costs. One of a few ready
-// pictures is shown, and another one every 15 seconds.
+// vorli_bare_tray: the least cost of a Qt program with a live icon in the tray. It shows a few ready pictures
+// in turn, a new one every 15 seconds.
 
 #include <QApplication>
 #include <QIcon>

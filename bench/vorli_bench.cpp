@@ -1,4 +1,5 @@
 // vorli_bench tick ROUNDS               the floor, enumerate() and refresh() in turn, as JSON
+// vorli_bench session ROUNDS            refresh() with this session's applications and with none, as JSON
 // vorli_bench passes KIND COUNT         KIND is floor, enumerate or refresh; for strace and callgrind
 //
 // bench/run drives it and prints the tables.
@@ -6,7 +7,11 @@
 #include "bench/Floor.h"
 #include "bench/HeapCount.h"
 #include "bench/Machine.h"
+#include "linux/applications/Workspace.h"
+#include "tests/fakes/ManualScheduler.h"
+#include "tests/fakes/Workspace.h"
 
+#include <QCoreApplication>
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -21,9 +26,9 @@ namespace {
 using namespace vorli::bench;
 
 constexpr int exitWrongCall = 64;
-constexpr int warmUps = 2;  // fill the caches of both sides
+constexpr int warmUps = 2;  // to fill the caches of both sides
 
-// Processor time of all threads, in microseconds. It runs through what other programs take.
+// Processor time of all threads, in microseconds. The load of other programs does not count.
 double processorMicroseconds() {
   timespec time{};
   clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
@@ -65,7 +70,8 @@ int tick(int rounds) {
     series.microseconds.reserve(static_cast<std::size_t>(rounds));
     series.allocations.reserve(static_cast<std::size_t>(rounds));
   }
-  // In every order in turn: who follows finds the kernel's caches warm, and its own if its like went before.
+  // Runs the series in every order in turn: a series that follows another one finds the kernel's caches warm,
+  // and its own caches too if the series before was of the same kind.
   std::array<std::size_t, 3> order{0, 1, 2};
   for (int round = 0; round < rounds; ++round) {
     for (const std::size_t i : order) run(all[i]);
@@ -76,6 +82,29 @@ int tick(int rounds) {
     print(series.name, "us", series.microseconds);
     print(series.name, "allocations", series.allocations);
   }
+  std::printf("}\n");
+  return EXIT_SUCCESS;
+}
+
+// Does not wait for the session bus, so icons there are not known.
+int session(int& argc, char** argv, int rounds) {
+  const QCoreApplication application(argc, argv);
+  vorli::fakes::ManualScheduler scheduler;
+  vorli::linuxhost::Workspace workspace(scheduler);
+  scheduler.advance(2.0);  // the first look for icons in the X11 tray is delayed
+  vorli::fakes::Workspace empty;
+  Machine bare(&empty), full(&workspace);
+  std::array<Series, 2> both{Series{"none", [&] { bare.refresh(); }, {}, {}},
+                             Series{"session", [&] { full.refresh(); }, {}, {}}};
+  for (int i = 0; i < warmUps; ++i) {
+    for (auto& series : both) series.pass();
+  }
+  for (int round = 0; round < rounds; ++round) {
+    for (auto& series : both) run(series);
+    std::ranges::reverse(both);
+  }
+  std::printf("{\"applications\": %zu", workspace.runningApplications().size());
+  for (const auto& series : both) print(series.name, "us", series.microseconds);
   std::printf("}\n");
   return EXIT_SUCCESS;
 }
@@ -97,7 +126,8 @@ int passes(std::string_view kind, int count) {
 int main(int argc, char** argv) {
   const std::string_view command = argc > 1 ? argv[1] : "";
   if (command == "tick" && argc == 3) return tick(std::atoi(argv[2]));
+  if (command == "session" && argc == 3) return session(argc, argv, std::atoi(argv[2]));
   if (command == "passes" && argc == 4) return passes(argv[2], std::atoi(argv[3]));
-  std::fprintf(stderr, "vorli_bench: tick ROUNDS | passes floor|enumerate|refresh COUNT\n");
+  std::fprintf(stderr, "vorli_bench: tick ROUNDS | session ROUNDS | passes floor|enumerate|refresh COUNT\n");
   return exitWrongCall;
 }

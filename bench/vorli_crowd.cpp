@@ -1,5 +1,5 @@
-// vorli_crowd COUNT: so many sleeping children with one thread and 64 KiB of used memory each. Prints "ready"
-// when all are there; they and it end when its input does.
+// vorli_crowd COUNT: starts COUNT sleeping children with one thread and 64 KiB of used memory each. Prints
+// "ready" when all are running. All of them end when the input of this program ends.
 
 #include <csignal>
 #include <cstdio>
@@ -16,7 +16,7 @@ constexpr std::size_t pageBytes = 4096;
 
 [[noreturn]] void sleepAsChild(pid_t parent) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
-  if (getppid() != parent) _exit(0);  // it ended before the line above
+  if (getppid() != parent) _exit(0);  // the parent ended before the line above
   close(STDIN_FILENO);
   close(STDOUT_FILENO);
   auto* const memory = static_cast<volatile char*>(std::malloc(usedBytes));

@@ -1,6 +1,6 @@
-// vorli_popover_bench ROUNDS: processor time of one frame of the popover, painted as the program paints it
-// and in the plain way, in turn, as JSON: at rest, and where a polish has most to paint. Each round begins
-// with a painter that has kept nothing. bench/run drives it.
+// vorli_popover_bench ROUNDS: processor time of one frame of the popover, as JSON. Frames are painted in turn
+// as the program paints them and in the plain way, at rest and where a polish has most to paint. Each round
+// begins with a painter whose caches are empty. bench/run drives it.
 
 #include "ambient/RingGradient.h"
 #include "bench/DirectPopover.h"
@@ -32,7 +32,8 @@ double processorMicroseconds() {
 }
 
 constexpr double secondsPerFrame = 1.0 / 60.0;
-constexpr double busiestFrom = 0.9, busiestTo = 1.5;  // of a polish: all three lights, and all sparks
+// The busiest time of a polish, when all three lights and all sparks are shown.
+constexpr double busiestFrom = 0.9, busiestTo = 1.5;
 
 // The popover's frames from the start of a polish until after its busiest time, or of the breath at rest.
 std::vector<ui::PopoverPicture> frames(bool polishes, int count) {
@@ -87,8 +88,8 @@ void print(const char* name, const std::vector<double>& values) {
 struct Series {
   std::vector<double> first, own, direct;
 
-  // One run through the pictures with nothing kept from before. The first frame draws what is kept; of the
-  // others those from `begin` on count.
+  // Paints all pictures once with empty caches. The first frame fills the caches; the frames from `begin` on
+  // are counted.
   void run(const std::vector<ui::PopoverPicture>& pictures, double ratio, std::size_t begin) {
     Window window(ratio);
     ui::PopoverPainter popover;

@@ -1,6 +1,7 @@
-// vorli_popover_watched: the whole program, which tells each frame that it paints, and how long one tick
-// takes it: "tick MICROSECONDS".
+// vorli_popover_watched: the whole program, which prints each frame that it paints, and the duration of each
+// tick as "tick MICROSECONDS".
 
+#include "app/Services.h"
 #include "bench/PaintWatch.h"
 #include "main/LinuxProgram.h"
 #include "sampling/SystemMonitor.h"
@@ -34,7 +35,7 @@ int main(int argc, char** argv) {
   using namespace vorli;
   std::unique_ptr<bench::PaintWatch> watch;
   return runLinuxProgram(argc, argv, SamplingBackEnds::ofThisMachine(),
-                         [&watch](const WatchedServices& services) {
+                         [&watch](Services& services, AppDelegate&) {
                            watch = std::make_unique<bench::PaintWatch>();
                            QTimer::singleShot(settledMilliseconds, watch.get(),
                                               [&monitor = services.systemMonitor] { tellTick(monitor); });

@@ -1,6 +1,7 @@
-// vorli_soak PERIOD_MILLISECONDS: the whole program, with ticks of that period beside its own and a load that
-// moves the dial from one end to the other and back. It reads the real machine for everything else.
+// vorli_soak PERIOD_MILLISECONDS: the whole program with extra ticks of that period, and a load that moves
+// the dial from one end to the other and back. Everything else is read from the real machine.
 
+#include "app/Services.h"
 #include "main/LinuxProgram.h"
 #include "sampling/SystemMonitor.h"
 
@@ -44,7 +45,7 @@ int soak(int argc, char** argv, int periodMilliseconds) {
   auto backEnds = SamplingBackEnds::ofThisMachine();
   backEnds.cpu = std::make_unique<WavingCPU>(std::move(backEnds.cpu));
   std::unique_ptr<QTimer> timer;
-  const int status = runLinuxProgram(argc, argv, std::move(backEnds), [&](const WatchedServices& services) {
+  const int status = runLinuxProgram(argc, argv, std::move(backEnds), [&](Services& services, AppDelegate&) {
     timer = std::make_unique<QTimer>();
     QObject::connect(timer.get(), &QTimer::timeout, [&monitor = services.systemMonitor, &timer = *timer] {
       if (monitor.hasTimer()) {

@@ -4,31 +4,35 @@
 #   desktop-session.sh [options] [--] command [argument...]
 #
 #   --size WxH             size of the screen                                  (1920x1080)
-#   --dpi N                dots per inch, told to the X server and as Xft.dpi  (96)
+#   --dpi N                dots per inch of the X server and of Xft.dpi        (96)
 #   --wm NAME              xfwm4 | openbox | none                              (xfwm4)
 #   --compositor NAME      none | xfwm4 | picom                                (none)
 #   --panel NAME           xfce4 (status notifier and XEmbed) | tint2 (XEmbed) | trayer (XEmbed) | none  (xfce4)
 #   --panel-pos PLACE      top | bottom                                        (top)
-#   --dark                 a desktop that was set to dark: its theme by XSETTINGS, and the panel
-#   --portal               the desktop portal, which the bus starts for who asks it; nobody does without
+#   --dark                 a dark theme, by XSETTINGS, and a dark panel
+#   --portal               the desktop portal, started by the bus on demand; there is none without this option
 #   --notify NAME          xfce4 | dunst | none                                (xfce4)
 #   --audio NAME           pulse | pipewire | none                             (pulse)
 #   --audio-idle           let the sink suspend after a second of silence
-#   --a11y                 an accessibility bus, and Qt told to use it
-#   --no-activation        the session bus starts no service by itself
-#   --system-bus PREFIX    a private system bus with the daemon installed under PREFIX and the real polkitd, which
-#                          takes the session's user for one who sits at the machine (root only); PREFIX/share is
-#                          among the session's data folders
+#   --a11y                 an accessibility bus that Qt uses
+#   --no-activation        the session bus starts no services on demand
+#   --system-bus PREFIX    a private system bus with the daemon installed under PREFIX and the real polkitd, for which
+#                          the session's user sits at the machine (root only); PREFIX/share is among the session's
+#                          data folders
+#   --unregistered         with --system-bus: the daemon is not registered yet, and registering it under /usr/local
+#                          affects this session only. session/administrator.py shows and answers the password windows
+#                          when the command asks it to.
 #   --user NAME            run the session as this user (root only; "nobody" with --system-bus)
 #   --home DIR             a home folder to use and keep, instead of a fresh one
 #   --keep-logs DIR        copy the logs of the session there at its end
-#   --timeout SECONDS      end the command after that time                     (never)
+#   --timeout SECONDS      end the command after this time                      (never)
 #
 # The command sees DISPLAY, HOME and the XDG folders, DBUS_SESSION_BUS_ADDRESS, PULSE_SERVER, with --system-bus also
-# DBUS_SYSTEM_BUS_ADDRESS, and VORLI_SESSION_DIR with logs/ in it. The exit code is the command's; 124 when its time
-# ran out, 70 when the session did not come up, 64 for a wrong call.
+# DBUS_SYSTEM_BUS_ADDRESS, and VORLI_SESSION_DIR with logs/ in it. The exit code is the command's; it is 124 if the
+# command's time ran out, 70 if the session did not start, 64 for wrong arguments. The session's user has finished
+# Vorli's first steps: a fresh home folder has a $XDG_CONFIG_HOME/Vorli/Vorli.ini that says only this.
 #
-# Everything started here carries VORLI_SESSION_MARK in its environment. What carries it at the end is ended by
+# Everything started here has VORLI_SESSION_MARK in its environment. At the end, the remaining processes are ended by
 # process id; nothing is ever ended by name.
 set -u
 
@@ -38,10 +42,10 @@ here=$(dirname "$(readlink -f "$0")")
 
 parse_options() {
   size=1920x1080 dpi=96 wm=xfwm4 compositor=none panel=xfce4 panel_place=top dark=no notify=xfce4 audio=pulse
-  audio_idle=no accessible=no activation=yes portal=no system_prefix='' user='' home='' kept_logs='' limit=0
+  audio_idle=no accessible=no activation=yes portal=no registered=yes system_prefix='' user='' home='' kept_logs='' limit=0
   while [ $# -gt 0 ]; do
     case $1 in
-      --dark | --portal | --audio-idle | --a11y | --no-activation | --) ;;
+      --dark | --portal | --unregistered | --audio-idle | --a11y | --no-activation | --) ;;
       --*) [ $# -ge 2 ] || fail_call "$1 lacks its value" ;;
     esac
     case $1 in
@@ -60,6 +64,7 @@ parse_options() {
       --timeout) limit=$2 ;;
       --dark) dark=yes && shift && continue ;;
       --portal) portal=yes && shift && continue ;;
+      --unregistered) registered=no && shift && continue ;;
       --audio-idle) audio_idle=yes && shift && continue ;;
       --a11y) accessible=yes && shift && continue ;;
       --no-activation) activation=no && shift && continue ;;
@@ -76,6 +81,7 @@ parse_options() {
   one_of --notify "$notify" xfce4 dunst none
   one_of --audio "$audio" pulse pipewire none
   [ "$compositor" != xfwm4 ] || [ "$wm" = xfwm4 ] || fail_call "--compositor xfwm4 needs --wm xfwm4"
+  [ $registered = yes ] || [ -n "$system_prefix" ] || fail_call "--unregistered needs --system-bus"
   command=("$@")
   [ ${#command[@]} -gt 0 ] || fail_call "no command given"
 }
@@ -99,12 +105,12 @@ marked_processes() {
   grep -lzxF "VORLI_SESSION_MARK=$VORLI_SESSION_MARK" /proc/[0-9]*/environ 2>/dev/null | sed 's|/proc/||; s|/environ||'
 }
 
-# Asks each process once to end, and ends after two seconds what has not.
+# Asks each process once to end, and kills those that are left after two seconds.
 finish() {
   local status=$? round process left
   local -A asked=()
   trap - EXIT INT TERM HUP
-  export -n VORLI_SESSION_MARK # or the look would find itself
+  export -n VORLI_SESSION_MARK # otherwise the search would find itself
   for round in {1..60}; do
     left=$(marked_processes)
     [ -n "$left" ] || break
@@ -128,7 +134,7 @@ make_session_folder() {
   mkdir "$VORLI_SESSION_DIR"/{logs,run,home}
   chmod 700 "$VORLI_SESSION_DIR/run"
   chmod 711 "$VORLI_SESSION_DIR"
-  cp -r "$here/session" "$VORLI_SESSION_DIR/tools" # the session's user may not look into the folder of this script
+  cp -r "$here/session" "$VORLI_SESSION_DIR/tools" # the user may not be allowed to read this folder
   [ -z "$home" ] || mkdir -p "$home"
   if [ -n "$user" ]; then
     chown -R "$user:" "$VORLI_SESSION_DIR"/{logs,run,home}
@@ -145,7 +151,7 @@ if [ -n "$user$system_prefix" ]; then
   id "$user" >/dev/null 2>&1 || fail "there is no user $user"
 fi
 
-# A mount namespace of its own: what is mounted for the session vanishes with it.
+# Runs in its own mount namespace, so that the mounts of the session end with it.
 if [ -n "$system_prefix" ] && [ -z "${VORLI_SESSION_UNSHARED:-}" ]; then
   VORLI_SESSION_UNSHARED=yes exec unshare --mount --propagation private "$0" "$@"
 fi

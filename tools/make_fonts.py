@@ -1,9 +1,9 @@
 #!/usr/bin/python3
-"""make_fonts.py NODE_MODULES OUT: the faces that Vorli draws with, and their licences, into OUT.
+"""make_fonts.py NODE_MODULES OUT: writes the fonts that Vorli uses, and their licences, to OUT.
 
-The text face is published as ready static files. The display face is published as one variable font with an axis of
-optical sizes, whose 9 point end is the design that Vorli uses; no package holds it as static files, so three
-instances are cut from it here.
+The text face is published as static files. The display face is published as one variable font with an axis of optical
+sizes; Vorli uses its design for 9 points. No package has that design as static files, so this script makes three
+instances of it.
 """
 
 import pathlib
@@ -20,13 +20,13 @@ DISPLAY_FACES = (  # style of the source, weight, name of the face
     ("normal", 400, "Regular"),
     ("italic", 300, "Light Italic"),
 )
-# Records that name the family and the face; the source's own name the variable font.
+# Records of the name table for the family and the face; in the source they name the variable font.
 COPIED_NAMES = {0, 5, 8, 9, 11, 13, 14}
 WINDOWS_ENGLISH = (3, 1, 0x409)
 
 
 def rename(font, face, italic):
-    """Gives the instance names of its own: Qt finds it by family, weight and slope."""
+    """Renames the instance: Qt finds it by family, weight and slope."""
     postscript = DISPLAY_FAMILY.replace(" ", "") + "-" + face.replace(" ", "")
     light = face.startswith("Light")
     names = font["name"]

@@ -1,8 +1,8 @@
 #!/usr/bin/python3
-"""visit.py PREFIX OUT: lives with the installed Vorli for a few minutes in a private desktop session.
+"""visit.py PREFIX OUT: uses the installed Vorli for a few minutes in a private desktop session.
 
-Looks at the dial at rest and under load, opens the menu, polishes once through the real daemon, opens the about panel,
-and leaves pictures, OUT/report.json and a summary.
+Goes through the first steps as a new user, looks at the dial at rest and under load, opens the menu, polishes once
+through the real daemon, opens the about panel, and leaves pictures, OUT/report.json and a summary.
 """
 
 import json
@@ -12,12 +12,11 @@ import sys
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.realpath(__file__)), "session"))
 
 from vorli import (  # noqa: E402
-    Load, Missing, PanelMenu, TrayIcon, Vorli, free_memory_bytes, is_painted, picture, screen_width, until,
-    window_picture, windows_of,
+    FirstSteps, Load, Missing, PanelMenu, TrayIcon, Vorli, become_new_user, free_memory_bytes, installed_at_home,
+    is_painted, is_stored, picture, screen_width, wait_for, window_picture, windows_of,
 )
 
 WARMING, RESTING = 0.55, 0.35
-ABOUT_ROW = 5  # of the menu, separators left out
 
 
 def tell(text):
@@ -27,7 +26,8 @@ def tell(text):
 class Visit:
     def __init__(self, prefix, out):
         self.out = out
-        self.vorli = Vorli(os.path.join(prefix, "bin", "vorli"), os.path.join(out, "vorli.log"))
+        become_new_user()
+        self.vorli = Vorli(installed_at_home(prefix), os.path.join(out, "vorli.log"))
         self.icon = TrayIcon()
         self.report = {}
 
@@ -40,35 +40,46 @@ class Visit:
 
     def rest(self):
         self.icon.appear()
-        until(lambda: self.vorli.ticks >= 1, "the first look at the machine")
-        until(lambda: self.vorli.helper_status == "enabled", "the enabled helper", 20)
+        wait_for(lambda: self.vorli.ticks >= 1, "the first look at the machine")
+        wait_for(lambda: self.vorli.helper_status == "enabled", "the enabled helper", 20)
         self.report["helperStatus"] = self.vorli.helper_status
+        self.first_steps()
         self.let_the_machine_rest()
         self.settle()
         self.picture_of_panel("rest.png")
         tell(f"at rest: ring {self.vorli.ring:.3f}, helper {self.report['helperStatus']}")
 
+    def first_steps(self):
+        steps = FirstSteps(self.vorli.process.pid)
+        window_picture(self.path("first-steps.png"), steps.window)
+        steps.press("Return")
+        wait_for(lambda: is_stored("hasCompletedOnboarding"), "the end of the helper step")
+        steps.press("Return")
+        steps.gone()
+        wait_for(lambda: is_stored("hasSeenDoneScreen"), "the end of the first steps")
+        tell("went through the first steps")
+
     def load(self):
         tell("all processors busy until the dial warms")
         with Load():
-            until(lambda: self.vorli.ring >= WARMING, "the warming dial", 180, pause=0.5)
+            wait_for(lambda: self.vorli.ring >= WARMING, "the warming dial", 180, pause=0.5)
             self.settle()
             self.picture_of_panel("load.png")
             tell(f"under load: ring {self.vorli.ring:.3f}")
         self.let_the_machine_rest()
 
     def let_the_machine_rest(self):
-        """A build just before, or the load of the visit itself, shows in the dial for a while."""
+        """Waits until the dial is cool: it still shows a build just before, or the load of the visit itself."""
         if self.vorli.ring < RESTING:
             return
         tell(f"ring {self.vorli.ring:.3f}: letting the machine rest, three minutes at most")
         try:
-            until(lambda: self.vorli.ring < RESTING, "the cool dial", 180, pause=0.5)
+            wait_for(lambda: self.vorli.ring < RESTING, "the cool dial", 180, pause=0.5)
         except Missing:
             tell("something else keeps the processors busy")
 
     def settle(self):
-        """Until the panel's picture stands still: it follows the value, at most four times a second."""
+        """Waits until the panel's picture no longer changes: it follows the value, at most four times a second."""
         seen = []
 
         def still():
@@ -77,7 +88,7 @@ class Visit:
                 seen.append(file.read())
             return len(seen) > 2 and seen[-1] == seen[-2] == seen[-3]
 
-        until(still, "a dial that stands still", pause=0.3)
+        wait_for(still, "a dial at rest", pause=0.3)
         os.unlink(self.path("settling.png"))
 
     def polish(self):
@@ -87,18 +98,18 @@ class Visit:
         left = max(0, min(menu.x, x) - 40)
         picture(self.path("menu.png"), left, 0, screen_width() - left, menu.y + menu.height + 30, zoom=2)
         free, ticks = free_memory_bytes(), self.vorli.ticks
-        menu.press_first()
+        menu.choose("Polish Now")
         tell("pressed Polish Now")
-        self.report["purge"] = until(lambda: self.vorli.reply("purgeMemory"), "the answer to purgeMemory", 25)
+        self.report["purge"] = wait_for(lambda: self.vorli.reply("purgeMemory"), "the answer to purgeMemory", 25)
         self.report["freedBytes"] = free_memory_bytes() - free
-        self.report["flush"] = until(lambda: self.vorli.reply("flushDNS"), "the answer to flushDNS", 6)
-        until(lambda: self.vorli.ticks > ticks, "the look at the machine after the polish")
+        self.report["flush"] = wait_for(lambda: self.vorli.reply("flushDNS"), "the answer to flushDNS", 6)
+        wait_for(lambda: self.vorli.ticks > ticks, "the look at the machine after the polish")
         self.report["ringAfter"] = self.vorli.ring
 
     def about(self):
-        PanelMenu(self.icon).choose(ABOUT_ROW)
-        window = until(lambda: windows_of(self.vorli.process.pid), "the about panel")[0]
-        until(lambda: is_painted(window), "the about panel's contents")
+        PanelMenu(self.icon).choose("About Vorli")
+        window = wait_for(lambda: windows_of(self.vorli.process.pid), "the about panel")[0]
+        wait_for(lambda: is_painted(window), "the about panel's contents")
         window_picture(self.path("about.png"), window)
 
     def cost(self):

@@ -1,1 +1,1 @@
-"""The commands of bench/run, one a file: SUMMARY, and measure(build, quick) which returns a Report."""
+"""The commands of bench/run, one per file, each with a SUMMARY and a measure(build, quick) that returns a Report."""

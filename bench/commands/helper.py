@@ -1,4 +1,4 @@
-"""The root daemon on a bus of its own, beside the least that a service of the same library costs."""
+"""The root daemon on a private bus, compared with the smallest service that uses the same library."""
 
 import json
 import os
@@ -6,15 +6,15 @@ import re
 import signal
 import subprocess
 import tempfile
-import time
 
 from measuring.gates import gates
 from measuring.process import machine_ticks, memory_mb
 from measuring.report import Report
+from waiting import wait_for
 
 SUMMARY = "ping beside a bare service, cold start, load and memory of the root daemon"
 NAME, OBJECT = "com.kv.vorli.helper", "/com/kv/vorli/helper"
-# Of the kind "system", by which the daemon knows the bus that has started it for its own.
+# The type is "system": the daemon uses it to recognise the bus that started it.
 CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig>
@@ -58,13 +58,13 @@ class Bus:
         return subprocess.run(command, env=self.environment, check=True, capture_output=True, text=True).stdout
 
     def _ask(self, method):
-        """What the bus says of the daemon's name."""
+        """Asks the bus about the daemon's name and returns the answer."""
         return self.run("dbus-send", f"--bus={self.environment['DBUS_SYSTEM_BUS_ADDRESS']}", "--print-reply=literal",
                         "--dest=org.freedesktop.DBus", "/org/freedesktop/DBus", f"org.freedesktop.DBus.{method}",
                         f"string:{NAME}")
 
     def daemon(self):
-        """The process identifier of the daemon that runs now."""
+        """Process identifier of the running daemon."""
         return int(re.search(r"uint32 (\d+)", self._ask("GetConnectionUnixProcessID"))[1])
 
     def is_daemon_there(self):
@@ -102,13 +102,12 @@ def _add_pings(report, bus, calls, rounds, count):
 
 
 def _cold_starts(bus, calls, count):
-    """Milliseconds of a ping whose daemon has to be started."""
+    """Milliseconds that a ping takes when the daemon has to be started for it."""
     times = []
     for _ in range(count):
         pid = bus.daemon()
         os.kill(pid, signal.SIGKILL)
-        while bus.is_daemon_there():
-            time.sleep(0.001)
+        wait_for(lambda: not bus.is_daemon_there(), "the end of the daemon", pause=0.001)
         times.append(json.loads(bus.run(calls, "first", NAME, OBJECT, NAME))[0] / 1000)
     return times
 
@@ -116,7 +115,7 @@ def _cold_starts(bus, calls, count):
 def measure(build, quick):
     report = Report("the root daemon; floor: a service of the same bus library with one method that does nothing")
     daemon, calls = build.program("vorli-helper", "src/vorli-helper"), build.program("vorli_bare_calls", "bench/vorli_bare_calls")
-    load = build.program("vorli_helper_load", "tests/helper/tools/vorli_helper_load")
+    load = build.program("vorli_helper_load", "tests/daemon/tools/vorli_helper_load")
     before = machine_ticks()
     with tempfile.TemporaryDirectory(prefix="vorli-bench.") as folder:
         bus = Bus(folder, daemon)
@@ -124,7 +123,7 @@ def measure(build, quick):
             _add_pings(report, bus, calls, 10 if quick else 40, 500)
             many = dict(line.split() for line in bus.run(load, "many", "20", "500").splitlines())
             report.add("calls a second of 20 clients", "1/s", float(many["rate"]), digits=0)
-            report.add("p99 of the unluckiest of them", "ms", float(many["worst_p99"]) * 1000, digits=1)
+            report.add("p99 of the slowest of them", "ms", float(many["worst_p99"]) * 1000, digits=1)
             report.add("resident after them", "MiB", memory_mb(bus.daemon())["Rss"], digits=1, **gates("helper", "resident"))
             batches = [_cold_starts(bus, calls, 10 if quick else 70) for _ in range(3)]
             report.add("cold start with its first ping", "ms", [start for batch in batches for start in batch], digits=1)
@@ -133,7 +132,7 @@ def measure(build, quick):
         finally:
             bus.end()
     busy, whole = (now - then for now, then in zip(machine_ticks(), before))
-    report.note(f"all times are wall, and what else runs only adds to them: hence the quietest; the machine's processors "
-                f"were busy {100 * busy / whole:.0f} % of the time")
-    report.note("tests/helper/run shows what the daemon promises, with its figures")
+    report.note(f"all times are wall times, which other programs can only lengthen, so the quietest rounds count; the "
+                f"machine's processors were busy {100 * busy / whole:.0f} % of the time")
+    report.note("tests/daemon/run checks what the daemon promises and prints its figures")
     return report

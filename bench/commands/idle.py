@@ -1,4 +1,4 @@
-"""The installed program while nothing happens, beside a bare Qt program with an icon in the tray."""
+"""The installed program while nothing happens, compared with a bare Qt program with an icon in the tray."""
 
 import os
 
@@ -13,7 +13,7 @@ MEMORY = {"resident": "Rss", "proportional": "Pss", "private dirty": "Private_Di
 
 
 def _qt_programs():
-    """How many programs share Qt's pages at this moment: with each, the proportional memory of the others falls."""
+    """Number of programs that share Qt's pages now: each one lowers the proportional memory of the others."""
     count = 0
     for pid in filter(str.isdigit, os.listdir("/proc")):
         try:
@@ -33,11 +33,11 @@ def _note_conditions(report, result, others_with_qt):
         report.note(f"memory after {result['openings']} openings of the popover")
     else:
         report.note("this build has no popover: memory is that of a program that was never opened")
-    report.note(f"{others_with_qt} other Qt programs ran at the start; proportional memory is told alone when that is 0")
+    report.note(f"{others_with_qt} other Qt programs ran at the start; they lower the proportional memory")
 
 
 def measure(build, quick):
-    report = Report("idle, popover shut; floor: a bare Qt tray program with 13 ready pictures, one each 15 s")
+    report = Report("idle, popover shut; floor: a bare Qt tray program with 13 ready pictures, a new one every 15 s")
     floor = build.program("vorli_bare_tray", "bench/vorli_bare_tray")
     others_with_qt = _qt_programs()
     with Stage(build) as stage, Crowd(build, PROCESSES):

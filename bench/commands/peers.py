@@ -1,4 +1,4 @@
-"""Beside the programs that people use today: one refresh of the process table, and life in a desktop."""
+"""Comparison with popular programs: one refresh of the process table, and idling in a desktop session."""
 
 import statistics
 
@@ -11,7 +11,7 @@ from measuring.stage import Stage
 
 SUMMARY = "one refresh of the process table by other programs, and tray and desktop monitors side by side"
 SIZES = (300, 2000, 10000)
-WITH_TABLE = ("xfce4-taskmanager", "qps", "gnome-system-monitor")  # windows with a table of processes
+WITH_TABLE = ("xfce4-taskmanager", "qps", "gnome-system-monitor")  # they show a window with a table of processes
 COLUMNS = (("start, wall", "ms", "start_wall_ms"), ("start, processor", "ms", "start_cpu_ms"),
            ("idle processor", "ms/min", "cpu_ms_per_minute"), ("idle wake-ups", "1/min", "wakeups_per_minute"),
            ("resident", "MiB", "Rss"), ("proportional", "MiB", "Pss"), ("private dirty", "MiB", "Private_Dirty"))
@@ -20,7 +20,7 @@ COLUMNS = (("start, wall", "ms", "start_wall_ms"), ("start, processor", "ms", "s
 def _add_refreshes(report, refreshes, size, rounds):
     times = {name: [] for name in (*refreshes.quick, *refreshes.slow)}
     for _ in range(rounds):
-        for name, one in refreshes.quick.items():  # in turn: what disturbs hits all of them
+        for name, one in refreshes.quick.items():  # in turn, so that a disturbance affects all of them
             times[name].append(one())
     for name, one in refreshes.slow.items():
         times[name].append(one())
@@ -48,7 +48,7 @@ def _add_programs(report, result):
         for label, key in (("idle processor time", "cpu_ms_per_minute"), ("wake-ups", "wakeups_per_minute")):
             if own[key] >= figures[key]:
                 report.fail(f"not ahead of {name} in {label}")
-        # Proportional memory is no measure here: the panel shares its toolkit's pages with some, and with others not.
+        # Proportional memory would mislead: the panel shares its toolkit's pages with only some of these programs.
         if name in WITH_TABLE and any(own[key] >= figures[key] for key in ("Rss", "Private_Dirty")):
             report.fail(f"not below {name} in memory")
 
@@ -68,9 +68,9 @@ def measure(build, quick):
         _add_programs(report, result)
     finally:
         refreshes.close()
-    report.note("start: until the icon or a window is there. It is looked for every some hundredths of a second, which is "
-                "coarse for the wall time, and processor time runs on until then")
+    report.note("start: until the icon or a window is there, which is checked every few hundredths of a second: wall times "
+                "are coarse, and processor time includes the wait for the next check")
     report.note("ps: one whole run; top, htop and btop draw what they read; the loops and Vorli do not")
-    report.note("the monitors run one after the other with their own settings; proportional memory is told without "
-                "another program of the same toolkit beside, but for the panel, which is GTK")
+    report.note("the monitors run one after the other with their own settings; proportional memory is measured while no "
+                "other program of the same toolkit runs, except the panel, which uses GTK")
     return report

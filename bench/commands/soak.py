@@ -1,6 +1,7 @@
-"""The whole program in fast motion for a long time, while its daemon is killed at random."""
+"""Runs the whole program for a long time in fast motion, and kills its daemon at random."""
 
 import functools
+import math
 import operator
 import os
 import random
@@ -13,26 +14,27 @@ from collections import Counter
 from measuring.gates import gates
 from measuring.report import Report
 from measuring.stage import Stage
+from waiting import wait_for
 
 SUMMARY = ("10,000 fast ticks with a changing dial, openings and polishes while the daemon is killed, then ten minutes of "
-           "everything at once for the daemon: nothing grows")
+           "everything at once for the daemon, attackers included: nothing grows")
 PERIOD_MILLISECONDS = 60
 LONGEST_PAUSE = 12.0  # seconds between two kills, at most
 SEED = 1
 SIZE_FILE = re.compile(r"/proc/\d+/statm$")
-EARLY = slice(2, 5)  # of the samples: two slices fill every cache
-LEAST_SWING = 0.5  # of the ring, or the dial did not change
+EARLY = slice(2, 5)  # of the samples: the first two fill the caches
+LEAST_SWING = 0.5  # of the ring; with less, the dial did not change
 
 
 def _lasting(sample):
-    """Descriptors by what they stand for, without those of the largest processes' sizes, of which there are as many as
-    there are such."""
+    """Counts descriptors by their targets. Leaves out the open size files of the largest processes, whose number varies
+    with the processes."""
     return Counter(file for file in sample["files"] if not SIZE_FILE.match(file))
 
 
 def _add_growth(report, samples):
-    """What one early sample may have had for a moment, such as the way to a daemon, must not hide what is kept: so the
-    least of several is what the end is compared with."""
+    """Compares the end with the lowest of several early samples: what one of them had for a moment, such as a connection
+    to the daemon, must not hide growth."""
     early, end = samples[EARLY], samples[-1]
     dirty = [sample["Private_Dirty"] for sample in samples]
     report.add("private dirty", "MiB", dirty, digits=2)
@@ -44,18 +46,18 @@ def _add_growth(report, samples):
     report.add("threads", "", [sample["threads"] for sample in samples], digits=0)
     cpu, ticks = (end[key] - samples[0][key] for key in ("cpu_ms", "ticks"))
     report.add("processor time of a tick", "ms", cpu / ticks, digits=2)
-    before = functools.reduce(operator.and_, map(_lasting, early))  # the least of each kind
+    before = functools.reduce(operator.and_, map(_lasting, early))  # the lowest count of each kind
     if kept := _lasting(end) - before:
         report.note("descriptors more than before: " + ", ".join(f"{count} x {file}" for file, count in kept.items()))
     most = max(sample["processes"] for sample in samples)
-    report.note(f"{early[0]['processes']:,} processes on the machine when it was warm, {most:,} at most: each takes its row")
+    report.note(f"{early[0]['processes']:,} processes on the machine when it was warm, {most:,} at most: each needs a row")
 
 
 def _add_events(report, result, asked, killed):
-    """A soak in which something did not happen proves nothing of it."""
+    """Fails the soak when something happened less often than requested: then it proves nothing."""
     for name, count in asked.items():
         if result[name] < count:
-            report.fail(f"{result[name]} of {count} {name} came")
+            report.fail(f"only {result[name]} of {count} {name} happened")
     swing = max(result["rings"]) - min(result["rings"])
     report.note(f"{result['openings']} openings of the popover, {result['polishes']} polishes, "
                 f"{result['replies']} purges answered, {killed} daemons killed, {result['seconds']:.0f} s; "
@@ -67,7 +69,7 @@ def _add_events(report, result, asked, killed):
     if result["replies"] == 0:
         report.fail("no purge was answered")
     if result["exit"] != 0:
-        report.fail(f"the program left with {result['exit']}")
+        report.fail(f"the program exited with {result['exit']}")
 
 
 def _daemons(program):
@@ -80,9 +82,11 @@ def _daemons(program):
 
 
 def _kill_at_random(session, program, ready):
-    """Until the session has ended; how many daemons were killed."""
+    """Waits for the end of the session; returns how many daemons were killed."""
     dice, killed, due = random.Random(SEED), 0, 0.0
-    while session.poll() is None:
+
+    def has_ended():
+        nonlocal killed, due
         if os.path.exists(ready) and time.monotonic() > due:
             due = time.monotonic() + dice.uniform(0.0, LONGEST_PAUSE)
             for pid in _daemons(program):
@@ -91,24 +95,26 @@ def _kill_at_random(session, program, ready):
                     killed += 1
                 except ProcessLookupError:
                     pass
-        time.sleep(0.2)
+        return session.poll() is not None
+
+    wait_for(has_ended, "the end of the session", math.inf, pause=0.2)
     return killed
 
 
 def _soak_the_daemon(report, build, seconds):
-    """What the daemon's own rung says of it, on a bus and with an authority of its own."""
-    words = ["tests/helper/run", "--soak", str(seconds)] + ([] if build.may_build else ["--no-build"])
+    """Result of the daemon's own soak, on a private bus with a private polkit."""
+    words = ["tests/daemon/run", "--soak", str(seconds)] + ([] if build.may_build else ["--no-build"])
     done = subprocess.run(words, capture_output=True, text=True, errors="replace", check=False)
     figures = [line.split(maxsplit=1)[1] for line in done.stdout.splitlines() if line.lstrip().startswith(("kept ", "BROKEN "))]
     for figure in figures:
         report.note(f"the daemon in {seconds} s: {figure}")
     if done.returncode != 0 or not figures:
-        report.fail(f"the daemon's soak left with {done.returncode}:\n" + (done.stdout + done.stderr)[-2000:])
+        report.fail(f"the daemon's soak exited with {done.returncode}:\n" + (done.stdout + done.stderr)[-2000:])
 
 
 def measure(build, quick):
     ticks, openings, polishes = (1000, 20, 5) if quick else (10000, 200, 50)
-    report = Report(f"{ticks:,} ticks, one each {PERIOD_MILLISECONDS} ms and those of the program itself")
+    report = Report(f"{ticks:,} ticks, one every {PERIOD_MILLISECONDS} ms and the program's own")
     program = build.program("vorli_soak", "bench/vorli_soak")
     with Stage(build) as stage:
         stage.add(program)

@@ -1,4 +1,4 @@
-"""From the start of the program until the tray has a dial made of a real look at the machine."""
+"""Time from the start of the program until the tray shows a dial with real values."""
 
 from measuring.crowd import Crowd
 from measuring.gates import gates

@@ -1,4 +1,4 @@
-"""enumerate() and refresh() beside the floor, at three numbers of processes."""
+"""enumerate() and refresh(), compared with the floor, with 300, 2,000 and 10,000 processes."""
 
 import json
 import statistics
@@ -14,8 +14,8 @@ SUMMARY = "one look at all processes, and one whole tick, beside the floor of th
 
 KINDS = ("enumerate", "refresh")
 SIZES = (300, 2000, 10000)
-ATTEMPTS = 3  # what else runs on the machine disturbs; the best of them counts
-ROUNDS = {300: 60, 2000: 24, 10000: 18}  # of all six orders
+ATTEMPTS = 3  # the best one counts: other programs disturb the measurement
+ROUNDS = {300: 60, 2000: 24, 10000: 18}  # each with all six orders
 
 
 def _ratios(run, name):
@@ -28,7 +28,7 @@ def _attempt(bench, rounds):
 
 
 def _best(bench, size, rounds):
-    """The attempt with the least ratios; it ends early when every aim is reached."""
+    """The attempt with the lowest ratios. Stops early when every aim is reached."""
     attempts = []
     for _ in range(ATTEMPTS):
         attempts.append(_attempt(bench, rounds))
@@ -38,7 +38,7 @@ def _best(bench, size, rounds):
     return min(attempts, key=lambda run: statistics.median(_ratios(run, "refresh")))
 
 
-def _add_times(report, run, size):  # the gates are those of the size that was asked for
+def _add_times(report, run, size):  # with the gates of the requested size
     of = f"at {run['processes']:,}"
     report.add(f"floor {of}", "us", run["floor_us"], digits=0)
     for name in KINDS:

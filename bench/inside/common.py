@@ -1,4 +1,4 @@
-"""What the scripts in the sessions share."""
+"""Functions that the scripts in the sessions share."""
 
 import json
 import os
@@ -6,21 +6,22 @@ import sys
 import time
 
 import dbus
-from vorli import BUS_NAME, OBJECT, Missing, TrayIcon, Vorli, run, until, windows_of
+from vorli import Missing, TrayIcon, Vorli, choose_row, run, wait_for, windows_of
 
 PREFIX, OUT, *ARGUMENTS = sys.argv[1:]
+REST = 240  # seconds at most until the dial is at rest: it shows earlier load for minutes
 
 
 def started(program="vorli", arguments=()):
-    """The program, with its icon in the panel, its first look at the machine done and its helper enabled."""
+    """Starts the program, and returns when its icon is in the panel, its first tick is over and its helper enabled."""
     path = os.path.join(PREFIX, "bin", program)
-    if arguments:  # Vorli takes one word
+    if arguments:  # Vorli accepts one word
         path = _with_arguments(path, arguments)
     vorli = Vorli(path, os.path.join(OUT, "vorli.log"))
     icon = TrayIcon()
     vorli.item = icon.appear()[0]
-    until(lambda: vorli.ticks >= 1, "the first look at the machine", 30)
-    until(lambda: vorli.helper_status == "enabled", "the enabled helper", 30)
+    wait_for(lambda: vorli.ticks >= 1, "the first look at the machine", 30)
+    wait_for(lambda: vorli.helper_status == "enabled", "the enabled helper", 30)
     return vorli
 
 
@@ -32,23 +33,23 @@ def _with_arguments(path, arguments):
     return script
 
 
-def toggle_popover():
-    """As a second start of the program does."""
-    application = dbus.Interface(dbus.SessionBus().get_object(BUS_NAME, OBJECT, introspect=False),
-                                 "org.freedesktop.Application")
-    application.Activate(dbus.Dictionary({}, signature="sv"))
+def toggle_popover(vorli):
+    """Calls the program as the panel does at a click."""
+    name, path = vorli.item.split("/", 1)
+    item = dbus.SessionBus().get_object(name, "/" + path, introspect=False)
+    item.Activate(*map(dbus.Int32, TrayIcon.centre()), dbus_interface="org.kde.StatusNotifierItem")
 
 
 def open_and_shut_popover(vorli):
-    """True when a window came; False in a build without one."""
+    """Returns whether a window appeared; a build without a popover has none."""
     before = set(windows_of(vorli.process.pid))
-    toggle_popover()
+    toggle_popover(vorli)
     try:
-        until(lambda: set(windows_of(vorli.process.pid)) - before, "the popover", 2)
+        wait_for(lambda: set(windows_of(vorli.process.pid)) - before, "the popover", 2)
     except Missing:
         return False
-    toggle_popover()
-    until(lambda: set(windows_of(vorli.process.pid)) <= before, "the end of the popover", 10)
+    toggle_popover(vorli)
+    wait_for(lambda: set(windows_of(vorli.process.pid)) <= before, "the end of the popover", 10)
     return True
 
 
@@ -60,16 +61,26 @@ def x_server():
 
 def choose(vorli, label):
     """Presses a row of the icon's menu."""
-    name = vorli.item.split("/")[0]
-    menu = dbus.Interface(dbus.SessionBus().get_object(name, "/Menu", introspect=False), "com.canonical.dbusmenu")
-    menu.AboutToShow(0)
-    _, (_, _, rows) = menu.GetLayout(0, -1, ["label"])
-    row = next(row for row in rows if row[1].get("label") == label)
-    menu.Event(row[0], "clicked", dbus.String("", variant_level=1), dbus.UInt32(0))
+    choose_row(vorli.item, label)
 
 
 def let_pass(seconds):
     time.sleep(seconds)
+
+
+def let_the_dial_rest(vorli):
+    """Waits until the dial no longer changes: a program that sends new pictures to the panel is not idle."""
+    seen = {}
+
+    def still():
+        seen[vorli.ticks] = vorli.ring
+        last = [seen[tick] for tick in sorted(seen)][-3:]
+        return len(last) == 3 and max(last) - min(last) < 0.002
+
+    try:
+        wait_for(still, "a dial at rest", REST, pause=1)
+    except Missing:
+        print("the dial did not come to rest", file=sys.stderr)
 
 
 def write(result):

@@ -2,33 +2,16 @@
 
 import os
 import subprocess
-import sys
 
-from common import ARGUMENTS, let_pass, open_and_shut_popover, started, write
+from common import ARGUMENTS, let_pass, let_the_dial_rest, open_and_shut_popover, started, write
 from measuring.process import Window, memory_mb
-from vorli import Missing, TrayIcon, until
+from vorli import TrayIcon, wait_for
 
 SETTLE = 20  # seconds
-REST = 240  # seconds at most until the dial stands still: what ran before shows in it for minutes
-
-
-def let_the_dial_rest(vorli):
-    """Each new picture of the dial is sent to the panel, which asks for it: that is not an idle program."""
-    seen = {}
-
-    def still():
-        seen[vorli.ticks] = vorli.ring
-        last = [seen[tick] for tick in sorted(seen)][-3:]
-        return len(last) == 3 and max(last) - min(last) < 0.002
-
-    try:
-        until(still, "a dial at rest", REST, pause=1)
-    except Missing:
-        print("idle: the dial did not come to rest", file=sys.stderr)
 
 
 def windows(pids, count, seconds):
-    """The same spans of time for all of them; a list for each."""
+    """Measures all programs over the same spans of time; returns a list for each program."""
     results = [[] for _ in pids]
     for _ in range(count):
         begun = [Window(pid) for pid in pids]
@@ -46,13 +29,13 @@ def main():
     result = {"openings": openings, "memory": memory_mb(vorli.process.pid)}  # before another program shares its toolkit
     icon = TrayIcon()
     with subprocess.Popen([floor], stdin=subprocess.DEVNULL) as bare:
-        until(lambda: len(icon.items()) == 2, "both icons")
+        wait_for(lambda: len(icon.items()) == 2, "both icons")
         let_pass(SETTLE)
         let_the_dial_rest(vorli)
         result["idle"], result["floor"] = windows((vorli.process.pid, bare.pid), count, seconds)
         result["processes"] = sum(name.isdigit() for name in os.listdir("/proc"))
         if vorli.end() != 0:
-            raise SystemExit("the program did not end well")
+            raise SystemExit("the program did not exit cleanly")
         result["floor_memory"] = memory_mb(bare.pid)
         bare.terminate()
     write(result)

@@ -7,12 +7,12 @@ import time
 
 from common import ARGUMENTS, PREFIX, let_pass, write
 from measuring.process import Window, cpu_ms, descendants, memory_mb
-from vorli import Missing, TrayIcon, until
+from vorli import Missing, TrayIcon, wait_for
 
 SETTLE = 8  # seconds
 LONGEST = 20
-CONKY = "conky"  # its window does not tell whose it is, and is there before anything stands in it
-CONKY_EMPTY = 5  # pixels: its height until then
+CONKY = "conky"  # its window names no process, and exists before it shows anything
+CONKY_EMPTY = 5  # height in pixels of the empty window
 
 
 def visible_windows(*conditions):
@@ -27,7 +27,7 @@ def height_of(window):
 
 def shown(name, process, is_in_tray):
     if process.poll() is not None:
-        raise Missing(f"it left with {process.returncode}")
+        raise Missing(f"it exited with {process.returncode}")
     if is_in_tray:
         return bool(TrayIcon().items())
     if name == CONKY:
@@ -36,11 +36,11 @@ def shown(name, process, is_in_tray):
 
 
 def measured(name, command, is_in_tray, seconds):
-    until(lambda: not TrayIcon().items(), "an empty tray")
+    wait_for(lambda: not TrayIcon().items(), "an empty tray")
     begun = time.monotonic()
     process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     try:
-        until(lambda: shown(name, process, is_in_tray), "its window", LONGEST, pause=0.01)
+        wait_for(lambda: shown(name, process, is_in_tray), "its window", LONGEST, pause=0.01)
         result = {"start_wall_ms": (time.monotonic() - begun) * 1000, "start_cpu_ms": cpu_ms(process.pid)}
         let_pass(SETTLE)
         window = Window(process.pid)
@@ -56,7 +56,7 @@ def measured(name, command, is_in_tray, seconds):
 
 
 def programs(floor, status_icon):
-    """Name, command, and whether it shows itself as an item of the tray."""
+    """Name and command of each program, and whether it appears as an item of the tray."""
     yield "Vorli", [os.path.join(PREFIX, "bin", "vorli")], True
     yield "bare Qt tray program", [floor], True
     yield "bare GTK status icon", [status_icon], False

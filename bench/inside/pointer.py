@@ -1,4 +1,4 @@
-"""Clicks whose moment is known: made in this process, and not by a program that has to start first."""
+"""Clicks at a known time: this process makes them itself, so no program has to start first."""
 
 import ctypes
 import time
@@ -17,7 +17,7 @@ class Pointer:
         self._x11.XSync(self._display, 0)
 
     def click(self):
-        """When the button went down, in microseconds of the monotonic clock. It comes up at once."""
+        """Presses and releases the button. Returns the time of the press in microseconds of the monotonic clock."""
         moment = time.monotonic_ns() / 1000
         for is_down in (1, 0):
             self._test.XTestFakeButtonEvent(self._display, 1, is_down, ctypes.c_ulong(0))

@@ -1,21 +1,22 @@
-"""polish.py PREFIX OUT CEREMONIES WINDOW_SECONDS: the cost of polishes, then wake-ups beside those of an idle time.
+"""polish.py PREFIX OUT CEREMONIES WINDOW_SECONDS: the cost of polishes, then wake-ups compared with an idle program's.
 
-Both kinds: those of the menu, and the popover's with all that it draws. A press on the popover's ring polishes only
-when the ring is not calm, so the processors are kept busy before it.
+Measures polishes from the menu, and those in the popover with all that it draws. A press on the popover's ring
+polishes only when the ring is not calm, so the processors are kept busy before it.
 """
 
-from common import ARGUMENTS, choose, let_pass, started, toggle_popover, write, x_server
+from common import ARGUMENTS, choose, let_pass, started, write, x_server
 from measuring.process import Window
-from vorli import Load, run, until, windows_of
+from vorli import Load, TrayIcon, run, wait_for, windows_of
 
 CEREMONY = 15.0  # seconds: the longest polish with its flash
 BETWEEN = 6.0  # seconds: the daemon does not purge more often than every 5 s
 SETTLE = 20.0
-WARM = 0.65  # not calm, nor after the tick that may come before the press
-AFTER = 9.0  # seconds: the hold, and the rise of the ring
+WARM = 0.65  # not calm, and still not after the tick that may come before the press
+UNROLLED = 1.0  # seconds until the popover has its whole height
+AFTER = 9.0  # seconds of the hold and the rise of the ring
 BEGINS, ENDS = "setting isReleasing=true", "posted auto-close notification"
 POPOVER_WIDTH = 318
-RING_X, RING_Y = 24 + 135, 16 + 96  # in the popover's window, whose shadow lies around the card
+RING_X, RING_Y = 24 + 135, 16 + 96  # in the popover's window below the icon, whose shadow lies around the card
 
 
 def popover_place(vorli):
@@ -27,20 +28,21 @@ def popover_place(vorli):
 
 
 def press_the_ring(vorli):
-    x, y = until(lambda: popover_place(vorli), "the popover")
+    x, y = wait_for(lambda: popover_place(vorli), "the popover")
     run("xdotool", "mousemove", str(x + RING_X), str(y + RING_Y), "click", "1")
 
 
 def ceremony(vorli, pids):
-    """One in the popover, from the press until the ring has risen again after it."""
-    toggle_popover()
+    """Measures a polish in the popover, from the press until the ring has risen again."""
+    TrayIcon().click(1)
+    let_pass(UNROLLED)
     with Load():
-        until(lambda: vorli.ring >= WARM, "a warm ring", 180, pause=0.5)
+        wait_for(lambda: vorli.ring >= WARM, "a warm ring", 180, pause=0.5)
     begun, ended = (vorli.log_text().count(line) for line in (BEGINS, ENDS))
     windows = [Window(pid) for pid in pids]
     press_the_ring(vorli)
-    until(lambda: vorli.log_text().count(BEGINS) > begun, "the start of the ceremony")
-    until(lambda: vorli.log_text().count(ENDS) > ended, "the end of the ceremony", 40)
+    wait_for(lambda: vorli.log_text().count(BEGINS) > begun, "the start of the ceremony")
+    wait_for(lambda: vorli.log_text().count(ENDS) > ended, "the end of the ceremony", 40)
     let_pass(AFTER)
     return [window.result() for window in windows]
 
@@ -64,7 +66,7 @@ def main():
         choose(vorli, "Polish Now")
         let_pass(CEREMONY)
         result["ceremonies"].append([window.result() for window in windows])
-        until(lambda: vorli.log_text().count("purgeMemory reply") > answers, "the answer to purgeMemory", 25)
+        wait_for(lambda: vorli.log_text().count("purgeMemory reply") > answers, "the answer to purgeMemory", 25)
         let_pass(BETWEEN)
     result["popover"] = []
     for _ in range(min(ceremonies, 3)):

@@ -1,8 +1,8 @@
 """popover.py PREFIX OUT OPENINGS SECONDS: the popover by clicks on the icon in the panel.
 
-The installed program first: its memory after 3 openings and after all, and what an open popover costs. Then the one
-that tells its frames: from the click to the first of them, how many come at rest, and how many while it is shut. Then
-the bare program.
+Measures three programs in turn. The installed one: its memory after 3 and after all openings, and the cost of an open
+popover. The one that reports its frames: the time from a click to the first frame, and the frames at rest and while
+the popover is shut. Then the bare one.
 """
 
 import contextlib
@@ -15,27 +15,27 @@ import dbus
 from common import ARGUMENTS, OUT, PREFIX, let_pass, started, write, x_server
 from measuring.process import Window, memory_mb
 from pointer import Pointer
-from vorli import TrayIcon, until, windows_of
+from vorli import TrayIcon, wait_for, windows_of
 
 ITEM = "org.kde.StatusNotifierItem"
 FEW = 3
-UNFOLDED = 0.7  # seconds: after it only the halo breathes
-PAUSE = 0.6  # longer than what makes two clicks a double one
+UNFOLDED = 0.7  # seconds until nothing moves but the halo
+PAUSE = 0.6  # longer than the pause within a double click
 SETTLE = 3.0
-AT_REST = 12  # seconds, each counted by itself: a tick may move the ring
-SHUT = 20.0  # a tick at the least
+AT_REST = 12  # seconds, each counted on its own, because a tick may move the ring
+SHUT = 20.0  # seconds: long enough for a tick
 AWAY = (5, 500)
 
 
 def frames_of(log):
-    """(painted, shown) of every frame so far, in microseconds."""
+    """The times (painted, shown) of every frame so far, in microseconds."""
     with open(log, encoding="utf-8", errors="replace") as file:
         found = re.findall(r"^frame (\d+) (\d+) ", file.read(), re.MULTILINE)
     return [(int(painted), int(shown)) for painted, shown in found]
 
 
 class Clicked:
-    """A program in the tray that opens and shuts its window at clicks."""
+    """A program in the tray whose window opens and closes at clicks."""
 
     def __init__(self, pid, pointer):
         self.pid, self._pointer, self._icon = pid, pointer, TrayIcon.centre()
@@ -45,7 +45,7 @@ class Clicked:
         return self._pointer.click()
 
     def call(self, item):
-        """What the panel sends at a click, without the panel's way to it."""
+        """Sends what the panel sends at a click, without the panel's own work. Returns the time of the call."""
         name, path = item.split("/", 1)
         proxy = dbus.SessionBus().get_object(name, "/" + path, introspect=False)
         self._pointer.move(*self._icon)
@@ -55,12 +55,12 @@ class Clicked:
 
     def open(self, item=None):
         moment = self.call(item) if item else self.click()
-        until(lambda: windows_of(self.pid), "the window")
+        wait_for(lambda: windows_of(self.pid), "the window")
         return moment
 
     def shut(self):
         self.click()
-        until(lambda: not windows_of(self.pid), "the end of the window")
+        wait_for(lambda: not windows_of(self.pid), "the end of the window")
         let_pass(PAUSE)
 
     def openings(self, count):
@@ -70,19 +70,19 @@ class Clicked:
             self.shut()
 
     def times_to_first_frame(self, log, count, item=None):
-        """In milliseconds, each as (painted, shown): from a click, or from the panel's call to that item."""
+        """Times as (painted, shown) in milliseconds, counted from a click or from the panel's call to `item`."""
         times = []
         for _ in range(count):
             before = len(frames_of(log))
             moment = self.open(item)
-            painted, shown = until(lambda: frames_of(log)[before:], "the first frame")[0]
+            painted, shown = wait_for(lambda: frames_of(log)[before:], "the first frame")[0]
             times.append(((painted - moment) / 1000, (shown - moment) / 1000))
             let_pass(UNFOLDED)
             self.shut()
         return times
 
     def open_for(self, seconds):
-        """What a time with the open window costs the program and the X server."""
+        """Cost of an open window for the program and for the X server."""
         self.open()
         self._pointer.move(*AWAY)
         let_pass(SETTLE)
@@ -93,7 +93,7 @@ class Clicked:
         return result
 
     def frames_at_rest(self, log):
-        """Of each second."""
+        """Number of frames in each second."""
         self.open()
         self._pointer.move(*AWAY)
         let_pass(SETTLE)
@@ -120,20 +120,20 @@ def installed(pointer, openings, seconds):
     result["many"] = memory_mb(vorli.process.pid)
     result["open"] = clicked.open_for(seconds)
     if vorli.end() != 0:
-        raise SystemExit("the program did not end well")
+        raise SystemExit("the program did not exit cleanly")
     return result
 
 
 def watched(pointer, openings):
     vorli = started("vorli_popover_watched")
-    tick = until(lambda: re.search(r"^tick (\d+)$", vorli.log_text(), re.MULTILINE), "the time of a tick", 20)
+    tick = wait_for(lambda: re.search(r"^tick (\d+)$", vorli.log_text(), re.MULTILINE), "the time of a tick", 20)
     clicked = Clicked(vorli.process.pid, pointer)
     result = {"tick": int(tick[1]) / 1000, "times": clicked.times_to_first_frame(vorli.log, openings + 1)}
     result["calls"] = clicked.times_to_first_frame(vorli.log, openings, vorli.item)
     result["rest"] = clicked.frames_at_rest(vorli.log)
     result["shut"] = clicked.frames_while_shut(vorli.log)
     if vorli.end() != 0:
-        raise SystemExit("the watched program did not end well")
+        raise SystemExit("the watched program did not exit cleanly")
     return result
 
 
@@ -150,7 +150,7 @@ def bare_program(pointer, log, *arguments):
     finally:
         program.terminate()
         program.wait(10)
-    until(lambda: not icon.items(), "an empty tray")
+    wait_for(lambda: not icon.items(), "an empty tray")
 
 
 def bare(pointer, openings, seconds):
@@ -158,7 +158,7 @@ def bare(pointer, openings, seconds):
     with bare_program(pointer, log) as (clicked, _item):
         clicked.openings(openings)
         result = {"open": clicked.open_for(seconds), "many": memory_mb(clicked.pid)}
-    with bare_program(pointer, log, "--watched") as (clicked, item):  # what it tells of its frames costs it something
+    with bare_program(pointer, log, "--watched") as (clicked, item):  # reporting its frames has a cost
         result["times"] = clicked.times_to_first_frame(log, openings + 1)
         result["calls"] = clicked.times_to_first_frame(log, openings, item)
     return result
@@ -168,9 +168,9 @@ def main():
     openings, seconds = int(ARGUMENTS[0]), float(ARGUMENTS[1])
     pointer, icon = Pointer(), TrayIcon()
     result = {"installed": installed(pointer, openings, seconds)}
-    until(lambda: not icon.items(), "an empty tray")
+    wait_for(lambda: not icon.items(), "an empty tray")
     result["watched"] = watched(pointer, openings)
-    until(lambda: not icon.items(), "an empty tray")
+    wait_for(lambda: not icon.items(), "an empty tray")
     result["bare"] = bare(pointer, openings, seconds)
     write(result)
 

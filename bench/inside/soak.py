@@ -1,6 +1,6 @@
 """soak.py PREFIX OUT TICKS OPENINGS POLISHES PERIOD_MILLISECONDS: the whole program in fast motion.
 
-What it has taken is looked at ten times on the way, and once more when only the ticks have gone on for a while.
+Takes ten samples of memory, threads and descriptors on the way, and a last one after a while of ticks alone.
 """
 
 import os
@@ -11,7 +11,7 @@ from measuring.process import cpu_ms, descriptors, memory_mb
 from vorli import Missing
 
 SLICES = 10
-REST = 45  # seconds: the last polish and its calls are over by then
+REST = 45  # seconds after which the last polish and its calls are over
 
 
 class Soak:
@@ -29,13 +29,13 @@ class Soak:
                              "threads": len(os.listdir(f"/proc/{pid}/task")), **memory_mb(pid)})
 
     def files(self):
-        """What its descriptors stand for; the numbers of sockets and the like change and say nothing."""
+        """Targets of the program's descriptors, without the changing numbers of sockets and pipes."""
         folder = f"/proc/{self.vorli.process.pid}/fd"
         found = []
         for name in os.listdir(folder):
             try:
                 found.append(os.readlink(os.path.join(folder, name)).split(":[")[0])
-            except OSError:  # closed in between
+            except OSError:  # closed in the meantime
                 continue
         return found
 
@@ -43,7 +43,7 @@ class Soak:
         if self.opened < done * self.openings:
             self.rings.append(self.vorli.ring)
             if not open_and_shut_popover(self.vorli):
-                raise Missing(f"the popover of opening {self.opened + 1} did not come")
+                raise Missing(f"the popover of opening {self.opened + 1} did not appear")
             self.opened += 1
         if self.polished < done * self.polishes:
             choose(self.vorli, "Polish Now")
@@ -51,11 +51,11 @@ class Soak:
 
     def run(self):
         with open(os.path.join(OUT, "ready"), "w", encoding="utf-8") as file:
-            file.write("the daemon may be ended from now on\n")
+            file.write("the daemon may be killed from now on\n")
         begun, last = time.monotonic(), 0
         while last < self.ticks:
             if self.vorli.process.poll() is not None:
-                raise Missing(f"a program that lives: it left with {self.vorli.process.returncode}")
+                raise Missing(f"a running program: it exited with {self.vorli.process.returncode}")
             self.turn(min(1.0, last / self.ticks + 1 / self.ticks))
             if last * SLICES >= len(self.samples) * self.ticks:
                 self.sample()

@@ -1,4 +1,4 @@
-"""start.py PREFIX OUT ROUNDS FLOOR: from the start of a program until the tray has its picture, in turn with a bare one.
+"""start.py PREFIX OUT ROUNDS FLOOR: the time until the tray has a program's picture, in turn with a bare program.
 
 This script is the tray itself: a program counts as started when it has answered with its picture.
 """
@@ -31,7 +31,7 @@ class Tray(dbus.service.Object):
 
     @dbus.service.method(dbus.INTROSPECTABLE_IFACE, out_signature="s", path_keyword="path", connection_keyword="bus")
     def Introspect(self, path, bus):
-        """With the property that Qt wants to see before it believes in a tray."""
+        """Sets the property without which Qt does not recognise a tray."""
         start = f'<interface name="{WATCHER}">'
         return super().Introspect(path, bus).replace(
             start, start + '<property name="IsStatusNotifierHostRegistered" type="b" access="read"/>')
@@ -95,7 +95,7 @@ class Start:
         if ticks >= 1:
             self._end(taken)
         else:
-            self._again()  # the picture was none of a real look at the machine
+            self._again()  # that picture did not yet show real values
 
     def _end(self, taken):
         self.result = taken
@@ -114,7 +114,7 @@ def main():
         let_pass(0.2)
         second = Start(bus, tray, vorli, True).result
         let_pass(0.2)
-        if turn > 0:  # the first one reads files that nobody had read
+        if turn > 0:  # the first start fills the file cache
             result["floor"].append(first)
             result["vorli"].append(second)
     write(result)

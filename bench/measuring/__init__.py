@@ -1,1 +1,1 @@
-"""What the commands of bench/run share."""
+"""Modules that the commands of bench/run share."""

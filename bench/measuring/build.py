@@ -6,7 +6,7 @@ import sys
 
 
 class Build:
-    """A build tree of one preset; each program is brought up to date when it is first asked for."""
+    """A build tree of one preset. Builds each program when it is first needed."""
 
     def __init__(self, preset, may_build):
         self.preset, self.may_build, self._built = preset, may_build, set()

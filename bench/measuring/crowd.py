@@ -1,4 +1,4 @@
-"""A machine with as many processes as a measure asks for."""
+"""Fills the machine with as many processes as a measurement needs."""
 
 import os
 import subprocess
@@ -10,13 +10,13 @@ def process_count():
 
 
 class Crowd:
-    """Fills the machine up to `total` processes with sleeping ones, for as long as the block lasts."""
+    """Adds sleeping processes up to `total` for as long as the block lasts."""
 
     def __init__(self, build, total):
         self._program, self._total, self._process = build.crowd(), total, None
 
     def __enter__(self):
-        missing = max(0, self._total - process_count() - 2)  # itself, and the program that is measured
+        missing = max(0, self._total - process_count() - 2)  # the crowd's own process and the measured program
         self._process = subprocess.Popen(
             [self._program, str(missing)], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True
         )

@@ -1,4 +1,4 @@
-"""What each measure may be at most, and what it should be: bench/gates.json."""
+"""Limit (gate) and goal (aim) of each measurement, from bench/gates.json."""
 
 import json
 import os
@@ -9,6 +9,6 @@ with open(os.path.join(os.path.dirname(os.path.dirname(os.path.realpath(__file__
 
 
 def gates(command, measure):
-    """The options of Report.add for a measure of that file; a name that is not in it is a mistake."""
+    """The options of Report.add for a measurement of that file. Raises an error for an unknown name."""
     entry = _GATES[command][measure]
     return {"gate": entry.get("gate"), "aim": entry.get("aim")}

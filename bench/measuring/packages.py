@@ -1,4 +1,4 @@
-"""What a command needs from Debian."""
+"""The Debian packages that a command needs."""
 
 import os
 import subprocess
@@ -12,7 +12,7 @@ def _installed(package):
 
 
 def need(command):
-    """Installs what bench/packages lists for the command and is missing."""
+    """Installs the missing packages that bench/packages lists for the command."""
     with open("bench/packages", encoding="utf-8") as file:
         lines = [line.split() for line in file if line.strip() and not line.startswith("#")]
     missing = [package for wanted, package in lines if wanted == command and not _installed(package)]

@@ -1,4 +1,4 @@
-"""One refresh of the process table, by programs and libraries that people use."""
+"""One refresh of the process table by popular programs and libraries."""
 
 import os
 import subprocess
@@ -7,32 +7,46 @@ import time
 
 from measuring.terminal import InTerminal
 
-SHORT, LONG = 2, 8  # the difference of two runs is that of the refreshes alone
-TERMINAL_DELAY = 2.0  # seconds between two refreshes of those that draw in a terminal
+SHORT, LONG = 2, 8  # subtracting two runs leaves only the refreshes
+TERMINAL_DELAY = 2.0  # seconds between two refreshes of a program that draws in a terminal
 TERMINAL_REFRESHES = 8
 
 
-def _cpu_ms(command):
-    """Processor time of a whole run, that of its children too."""
+def cpu_ms(command):
+    """Processor time of a whole run, including its children."""
     with open(os.devnull, "wb") as nothing:
         process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=nothing, stderr=nothing)
     _, status, usage = os.wait4(process.pid, 0)
     process.returncode = os.waitstatus_to_exitcode(status)
     if process.returncode != 0:
-        raise RuntimeError(f"{command[0]} left with {process.returncode}")
+        raise RuntimeError(f"{command[0]} exited with {process.returncode}")
     return (usage.ru_utime + usage.ru_stime) * 1000
 
 
-def _loop(*command):
+def difference_of_runs(command, *more):
+    """Measures one pass of a program whose argument is the number of passes."""
+
     def measure():
-        return (_cpu_ms([*command, str(LONG)]) - _cpu_ms([*command, str(SHORT)])) / (LONG - SHORT)
+        return (cpu_ms([*command, str(LONG), *more]) - cpu_ms([*command, str(SHORT), *more])) / (LONG - SHORT)
 
     return measure
 
 
+def _loop(*command):
+    return difference_of_runs(command)
+
+
+def compile_peer(folder, name, library):
+    """The command that runs a program of bench/peers."""
+    program = os.path.join(folder, name)
+    flags = subprocess.run(["pkg-config", "--cflags", "--libs", library], check=True, capture_output=True, text=True)
+    subprocess.run(["cc", "-O2", "-o", program, f"bench/peers/{name}.c", *flags.stdout.split()], check=True)
+    return [program]
+
+
 def _top():
     def run(count):
-        return _cpu_ms(["top", "-b", "-d", "0.1", "-n", str(count)])
+        return cpu_ms(["top", "-b", "-d", "0.1", "-n", str(count)])
 
     return (run(LONG) - run(SHORT)) / (LONG - SHORT)
 
@@ -47,7 +61,7 @@ def _in_terminal(command):
 
 
 class Refreshes:
-    """What is measured, by name; the loops are compiled first."""
+    """The measured programs by name. Compiles the loops first."""
 
     def __init__(self, bench):
         self._folder = tempfile.TemporaryDirectory(prefix="vorli-bench.")
@@ -65,16 +79,13 @@ class Refreshes:
             "libgtop loop": _loop(gtop),
             "psutil loop": _loop("/usr/bin/python3", "bench/peers/psutil_loop.py"),
             "top": _top,
-            "ps": lambda: _cpu_ms(["ps", "-axo", "pid,ppid,rss,time,comm"]),
+            "ps": lambda: cpu_ms(["ps", "-axo", "pid,ppid,rss,time,comm"]),
         }
-        # Their rhythm is their own: each is left to it for some seconds.
+        # These refresh at their own pace, so each runs for some seconds.
         self.slow = {"htop": _in_terminal(["htop", "-d", f"{TERMINAL_DELAY * 10:.0f}"]), "btop": _in_terminal(btop)}
 
     def _compile(self, name, library):
-        program = os.path.join(self._folder.name, name)
-        flags = subprocess.run(["pkg-config", "--cflags", "--libs", library], check=True, capture_output=True, text=True)
-        subprocess.run(["cc", "-O2", "-o", program, f"bench/peers/{name}.c", *flags.stdout.split()], check=True)
-        return program
+        return compile_peer(self._folder.name, name, library)[0]
 
     def status_icon(self):
         return self._compile("bare_status_icon", "gtk+-3.0")

@@ -7,7 +7,7 @@ import time
 
 
 class Row:
-    """One measure: its values, and how large its median may be at most (gate) and should be (aim)."""
+    """One measurement: its values, and the limit (gate) and goal (aim) of their median."""
 
     def __init__(self, name, unit, values, gate=None, aim=None, digits=2):
         self.name, self.unit, self.gate, self.aim, self.digits = name, unit, gate, aim, digits
@@ -53,7 +53,7 @@ class Report:
         self.notes.append(text)
 
     def fail(self, text):
-        """Something that is worse than a gate that is missed."""
+        """Records something worse than a missed gate."""
         self.failures.append(text)
 
     def missed(self):

@@ -9,7 +9,7 @@ import tempfile
 
 
 class Stage:
-    """An installation where any user can read it, and a folder that the scripts of bench/inside write to."""
+    """An installation that any user can read, and a folder for the results of the scripts in bench/inside."""
 
     def __init__(self, build):
         if os.geteuid() != 0:
@@ -31,7 +31,7 @@ class Stage:
         shutil.rmtree(self.folder)
 
     def add(self, program):
-        """Puts another program beside the installed one; its path."""
+        """Puts another program beside the installed one and returns its path."""
         return shutil.copy(program, os.path.join(self.prefix, "bin"))
 
     def start(self, script, *arguments, options=(), seconds=3600):
@@ -49,7 +49,7 @@ class Stage:
             if os.path.exists(log):
                 with open(log, encoding="utf-8", errors="replace") as file:
                     print(file.read()[-3000:], file=sys.stderr)
-            sys.exit("bench: the session did not end well")
+            sys.exit("bench: the session failed")
         with open(os.path.join(self.out, "result.json"), encoding="utf-8") as file:
             return json.load(file)
 

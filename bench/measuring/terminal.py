@@ -15,7 +15,7 @@ ROWS, COLUMNS = 50, 160
 
 
 class InTerminal:
-    """A program in a terminal of its own, whose drawing is read and dropped for as long as the block lasts."""
+    """A program in a terminal of its own. Its output is read and discarded for as long as the block lasts."""
 
     def __init__(self, command):
         self._command = command
@@ -29,7 +29,7 @@ class InTerminal:
         return self
 
     def cpu_ms_of(self, seconds):
-        """Its processor time over the next seconds."""
+        """Processor time of the program over the next seconds."""
         before, end = cpu_ms(self.pid), time.monotonic() + seconds
         self.drain(end)
         return cpu_ms(self.pid) - before

@@ -1,4 +1,4 @@
-// gtop_loop COUNT: so many looks at all processes with the library of two desktops' system monitors.
+// gtop_loop COUNT: lists all processes COUNT times with the library of two desktops' system monitors.
 
 #include <glib.h>
 #include <glibtop.h>

@@ -1,4 +1,4 @@
-// procps_loop COUNT: so many looks at all processes with the library of ps and top, as a monitor would take them.
+// procps_loop COUNT: lists all processes COUNT times with the library of ps and top, as a monitor would.
 
 #include <libproc2/pids.h>
 #include <stdio.h>

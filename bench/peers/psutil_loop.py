@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""psutil_loop.py COUNT: so many looks at all processes with the library that most monitors in Python use."""
+"""psutil_loop.py COUNT: lists all processes COUNT times with the library that most monitors in Python use."""
 
 import sys
 

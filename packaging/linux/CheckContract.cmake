@@ -1,4 +1,4 @@
-# Stops the build when the contract or what was generated from it is not what both sides count on.
+# Stops the build if the contract, or the code generated from it, is not what both sides expect.
 set(methods Ping Version PurgeMemory FlushDNS KillPID DumpBTM MoveLaunchAgentPlist)
 set(slow_methods PurgeMemory FlushDNS KillPID DumpBTM MoveLaunchAgentPlist)
 

@@ -1,4 +1,5 @@
-# Writes at install time, as the prefix may be another than the configured one, what names the program's path.
+# Writes the files that name the program's path. This happens at install time, because the prefix may differ from the
+# configured one.
 set(VORLI_PROGRAM_PATH ${CMAKE_INSTALL_PREFIX}/bin/vorli)
 foreach(name com.kv.vorli.desktop com.kv.vorli.service)
   configure_file(${VORLI_PACKAGING_DIR}/${name}.in ${VORLI_INSTALL_WORK_DIR}/${name} @ONLY)

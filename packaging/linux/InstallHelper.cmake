@@ -1,6 +1,6 @@
-# Puts the daemon's files where the system looks for them. Under /usr and /usr/local that is enough to register
-# it; under any other prefix no bus finds them, and the script that registers it lies beside the program. Written
-# at install time, as the prefix may be another than the configured one.
+# Puts the daemon's files where the system looks for them. Under /usr and /usr/local that registers the daemon. Under
+# any other prefix no bus finds them, and a script beside the program registers it. The files are written at install
+# time, because the prefix may differ from the configured one.
 set(VORLI_HELPER_PATH ${CMAKE_INSTALL_PREFIX}/libexec/vorli/vorli-helper)
 foreach(name com.kv.vorli.helper.service vorli-helper.service vorli-helper-install)
   configure_file(${VORLI_PACKAGING_DIR}/${name}.in ${VORLI_INSTALL_WORK_DIR}/${name} @ONLY)
@@ -14,7 +14,7 @@ set(unit ${VORLI_INSTALL_WORK_DIR}/vorli-helper.service)
 set(bus_policy_folder ${CMAKE_INSTALL_PREFIX}/share/dbus-1/system.d)
 set(polkit_folder ${CMAKE_INSTALL_PREFIX}/share/polkit-1/actions)
 if(CMAKE_INSTALL_PREFIX MATCHES "^/usr(/local)?/?$")
-  # polkit reads its actions from no other place, and the bus no rules from /usr/local.
+  # polkit reads actions from no other place, and the bus reads no rules from /usr/local.
   set(polkit_folder /usr/share/polkit-1/actions)
   if(CMAKE_INSTALL_PREFIX MATCHES "local")
     set(bus_policy_folder /etc/dbus-1/system.d)

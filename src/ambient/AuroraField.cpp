@@ -21,16 +21,14 @@ constexpr double leakScaleAtRest = 0.3;
 
 constexpr double secondsOfATurn = 18.0;
 
-// Of the sequence, from its trigger.
-struct Timings {
+// Moments and durations of the sequence, in seconds; the moments count from its trigger.
+struct AuroraTimings {
   static constexpr double sparks = 0.4;
   static constexpr double toRest = 2.6;
   static constexpr double bloomLeavesAfter = 0.1;
   static constexpr double rest = 0.75;
   static constexpr double sparksOut = 4.2;
 };
-
-constexpr Colour white{1.0, 1.0, 1.0, 1.0};
 
 AuroraGradient warmGradient(const Colour& stateColor) {
   return {{{{0.0, stateColor.withAlpha(0.55)},
@@ -47,13 +45,13 @@ AuroraGradient bloomGradient() {
 }
 
 AuroraGradient leakGradient() {
-  return {{{{0.0, white.withAlpha(0.88)},
+  return {{{{0.0, palette::white.withAlpha(0.88)},
             {0.35, palette::paleGreenWhite.withAlpha(0.55)},
-            {0.8, white.withAlpha(0.0)}}},
+            {0.8, palette::white.withAlpha(0.0)}}},
           leakRadius};
 }
 
-// The calm after a polish dims the cloud, and leaves this much of it.
+// Fraction of the cloud's opacity that is left by the calm after a polish.
 double calmFactor(double calmIntensity) {
   return std::max(1.0 - calmIntensity * 0.55, 0.15);
 }
@@ -61,85 +59,85 @@ double calmFactor(double calmIntensity) {
 }  // namespace
 
 AuroraField::AuroraField(Scheduler& scheduler)
-    : rotation(scheduler, 0.0),
-      warmScale(scheduler, 1.0),
-      warmOpacity(scheduler, 1.0),
-      warmBlur(scheduler, warmBlurAtRest),
-      bloomScale(scheduler, bloomScaleAtRest),
-      bloomOpacity(scheduler, 0.0),
-      bloomBlur(scheduler, bloomBlurAtRest),
-      leakScale(scheduler, leakScaleAtRest),
-      leakOpacity(scheduler, 0.0),
-      scheduler_(scheduler),
+    : scheduler_(scheduler),
+      rotation_(scheduler, 0.0),
+      warmScale_(scheduler, 1.0),
+      warmOpacity_(scheduler, 1.0),
+      warmBlur_(scheduler, warmBlurAtRest),
+      bloomScale_(scheduler, bloomScaleAtRest),
+      bloomOpacity_(scheduler, 0.0),
+      bloomBlur_(scheduler, bloomBlurAtRest),
+      leakScale_(scheduler, leakScaleAtRest),
+      leakOpacity_(scheduler, 0.0),
       tasks_(scheduler) {}
 
 void AuroraField::appear() {
   withAnimation(Animation::linear(secondsOfATurn).repeatedForever(Animation::Reversal::none),
-                [this] { rotation = 360.0; });
+                [this] { rotation_ = 360.0; });
 }
 
 void AuroraField::clearTriggered() {
   setOut();
-  withAnimation(Animation::easeOut(0.1), [this] { warmScale = 1.08; });
+  withAnimation(Animation::easeOut(0.1), [this] { warmScale_ = 1.08; });
   withAnimation(Animation::easeOut(0.7).delayed(0.1), [this] {
-    warmScale = 1.5;
-    warmOpacity = 0.3;
-    warmBlur = 48.0;
+    warmScale_ = 1.5;
+    warmOpacity_ = 0.3;
+    warmBlur_ = 48.0;
   });
   withAnimation(Animation::easeInOut(0.4).delayed(0.5), [this] {
-    leakOpacity = 0.95;
-    leakScale = 1.0;
+    leakOpacity_ = 0.95;
+    leakScale_ = 1.0;
   });
   withAnimation(Animation::easeOut(0.6).delayed(0.9), [this] {
-    leakOpacity = 0.0;
-    leakScale = 1.6;
+    leakOpacity_ = 0.0;
+    leakScale_ = 1.6;
   });
   withAnimation(Animation::easeOut(0.9).delayed(0.8), [this] {
-    bloomOpacity = 1.0;
-    bloomScale = 1.0;
-    bloomBlur = bloomBlurOpen;
+    bloomOpacity_ = 1.0;
+    bloomScale_ = 1.0;
+    bloomBlur_ = bloomBlurOpen;
   });
   withAnimation(Animation::easeIn(0.5).delayed(1.7), [this] {
-    warmOpacity = 0.0;
-    warmScale = 1.65;
+    warmOpacity_ = 0.0;
+    warmScale_ = 1.65;
   });
-  sparkStartDate = scheduler_.now() + Timings::sparks;
+  sparkStartDate_ = scheduler_.now() + AuroraTimings::sparks;
   tasks_.spawn(lateSteps());
-  restsAt_ = scheduler_.now() + Timings::toRest + Timings::bloomLeavesAfter + Timings::rest;
+  restsAt_ = scheduler_.now() + AuroraTimings::toRest + AuroraTimings::bloomLeavesAfter + AuroraTimings::rest;
 }
 
 void AuroraField::setOut() {
   withoutAnimation([this] {
-    warmScale = 1.0;
-    warmOpacity = 1.0;
-    warmBlur = warmBlurAtRest;
-    bloomScale = bloomScaleAtRest;
-    bloomOpacity = 0.0;
-    bloomBlur = bloomBlurAtRest;
-    leakScale = leakScaleAtRest;
-    leakOpacity = 0.0;
+    warmScale_ = 1.0;
+    warmOpacity_ = 1.0;
+    warmBlur_ = warmBlurAtRest;
+    bloomScale_ = bloomScaleAtRest;
+    bloomOpacity_ = 0.0;
+    bloomBlur_ = bloomBlurAtRest;
+    leakScale_ = leakScaleAtRest;
+    leakOpacity_ = 0.0;
   });
 }
 
-// Not cancelled by the next trigger: they then act on its sequence.
+// Runs on when a new sequence is triggered: its steps then act on the new one.
 Task<> AuroraField::lateSteps() {
-  co_await sleepFor(scheduler_, Timings::toRest);
+  co_await sleepFor(scheduler_, AuroraTimings::toRest);
   leaveToRest();
-  co_await sleepFor(scheduler_, Timings::sparksOut - Timings::toRest);
-  sparkStartDate = std::nullopt;
+  co_await sleepFor(scheduler_, AuroraTimings::sparksOut - AuroraTimings::toRest);
+  sparkStartDate_ = std::nullopt;
 }
 
 void AuroraField::leaveToRest() {
-  const Animation leaving = Animation::easeInOut(Timings::rest);
+  const Animation leaving = Animation::easeInOut(AuroraTimings::rest);
   withAnimation(leaving, [this] {
-    warmScale = 1.0;
-    warmOpacity = 1.0;
-    warmBlur = warmBlurAtRest;
+    warmScale_ = 1.0;
+    warmOpacity_ = 1.0;
+    warmBlur_ = warmBlurAtRest;
   });
-  withAnimation(leaving.delayed(Timings::bloomLeavesAfter), [this] {
-    bloomOpacity = 0.0;
-    bloomBlur = bloomBlurAtRest;
-    bloomScale = bloomScaleAtRest;
+  withAnimation(leaving.delayed(AuroraTimings::bloomLeavesAfter), [this] {
+    bloomOpacity_ = 0.0;
+    bloomBlur_ = bloomBlurAtRest;
+    bloomScale_ = bloomScaleAtRest;
   });
 }
 
@@ -148,20 +146,20 @@ AuroraPicture AuroraField::picture(double time, const Colour& stateColor, double
   const bool moves = movement == Movement::kept;
   return {
       .warmCloud = {.gradient = warmGradient(stateColor),
-                    .blur = moves ? warmBlur.shown(time) : warmBlurAtRest,
-                    .scale = moves ? warmScale.shown(time) : 1.0,
-                    .opacity = warmOpacity.shown(time) * calmFactor(calmIntensity),
-                    .rotationDegrees = rotation.shown(time)},
+                    .blur = moves ? warmBlur_.shown(time) : warmBlurAtRest,
+                    .scale = moves ? warmScale_.shown(time) : 1.0,
+                    .opacity = warmOpacity_.shown(time) * calmFactor(calmIntensity),
+                    .rotationDegrees = rotation_.shown(time)},
       .bloom = {.gradient = bloomGradient(),
-                .blur = moves ? bloomBlur.shown(time) : bloomBlurOpen,
-                .scale = moves ? bloomScale.shown(time) : 1.0,
-                .opacity = bloomOpacity.shown(time),
-                .rotationDegrees = -rotation.shown(time)},
+                .blur = moves ? bloomBlur_.shown(time) : bloomBlurOpen,
+                .scale = moves ? bloomScale_.shown(time) : 1.0,
+                .opacity = bloomOpacity_.shown(time),
+                .rotationDegrees = -rotation_.shown(time)},
       .leak = {.gradient = leakGradient(),
                .blur = leakBlur,
-               .scale = moves ? leakScale.shown(time) : 1.0,
-               .opacity = leakOpacity.shown(time)},
-      .sparks = moves ? WhiteSparkShower{.startDate = sparkStartDate}.sparks(time) : std::nullopt,
+               .scale = moves ? leakScale_.shown(time) : 1.0,
+               .opacity = leakOpacity_.shown(time)},
+      .sparks = moves ? WhiteSparkShower{.startDate = sparkStartDate_}.sparks(time) : std::nullopt,
   };
 }
 

@@ -12,7 +12,7 @@
 
 namespace vorli {
 
-/// A radial gradient, from the centre outwards; stops at shares of its radius.
+/// A radial gradient from the centre outwards; its stops are fractions of the radius.
 struct AuroraGradient {
   struct Stop {
     double at = 0.0;
@@ -33,10 +33,10 @@ struct AuroraLayer {
   double blur = 0.0;
   double scale = 1.0;
   double opacity = 0.0;
-  double rotationDegrees = 0.0;  // of a layer that is round: it changes no pixel
+  double rotationDegrees = 0.0;  // changes no pixel: the layer is round
 };
 
-/// All of the aurora at one moment, from back to front.
+/// The whole aurora at one moment, from back to front.
 struct AuroraPicture {
   AuroraLayer warmCloud;
   AuroraLayer bloom;
@@ -45,33 +45,23 @@ struct AuroraPicture {
 };
 
 /// The light behind the popover's ring: at rest a warm cloud in the ring's colour; after a polish the cloud
-/// swells and leaves, a white light leaks through, a cool bloom comes up and sparks fly. Main thread.
+/// swells and fades, a white light leaks through, a cool bloom appears and sparks fly. Main thread.
 class AuroraField {
  public:
   explicit AuroraField(Scheduler& scheduler);
 
-  /// The view has appeared: the cloud begins to turn, for good.
+  /// Call when the view appears: the cloud starts to rotate and never stops.
   void appear();
 
-  /// Starts the sequence of a polish, from its beginning. The late steps of one that still runs are kept.
+  /// Starts the sequence of a polish from its beginning. The late steps of a sequence that is still running
+  /// are kept.
   void clearTriggered();
 
   AuroraPicture picture(double time, const Colour& stateColor, double calmIntensity,
                         Movement movement = Movement::kept) const;
 
-  /// When the sequence is over; the turning, which nobody sees, does not count.
+  /// Time at which the sequence is over; the rotation, which is invisible, does not count.
   double restsAt() const { return restsAt_; }
-
-  Animated<double> rotation;  // degrees
-  Animated<double> warmScale;
-  Animated<double> warmOpacity;
-  Animated<double> warmBlur;
-  Animated<double> bloomScale;
-  Animated<double> bloomOpacity;
-  Animated<double> bloomBlur;
-  Animated<double> leakScale;
-  Animated<double> leakOpacity;
-  std::optional<double> sparkStartDate;  // the scheduler's time, set while sparks fly
 
  private:
   void setOut();
@@ -79,6 +69,16 @@ class AuroraField {
   void leaveToRest();
 
   Scheduler& scheduler_;
+  Animated<double> rotation_;  // degrees
+  Animated<double> warmScale_;
+  Animated<double> warmOpacity_;
+  Animated<double> warmBlur_;
+  Animated<double> bloomScale_;
+  Animated<double> bloomOpacity_;
+  Animated<double> bloomBlur_;
+  Animated<double> leakScale_;
+  Animated<double> leakOpacity_;
+  std::optional<double> sparkStartDate_;  // the scheduler's time, set while sparks fly
   double restsAt_ = -1.0;
   TaskScope tasks_;
 };

@@ -13,8 +13,8 @@ constexpr Colour clear{0.0, 0.0, 0.0, 0.0};
 constexpr double bandDepthPoints = 140.0;
 constexpr double fullIntensity = 0.55;
 
-// All from the start of the flash, which is over after 2.8 seconds.
-struct Timings {
+// Seconds; delays count from the start of the flash, which is over after 2.8 seconds.
+struct CelebrationGlowTimings {
   static constexpr double rise = 0.4;
   static constexpr double calmDelay = 0.4;
   static constexpr double calm = 1.5;
@@ -37,10 +37,10 @@ void CelebrationGlowController::celebrate(Colour colour) {
     state_.currentColor = colour;
     state_.intensity = 0.0;
   });
-  withAnimation(Animation::easeOut(Timings::rise), [&] { state_.intensity = fullIntensity; });
-  withAnimation(Animation::easeInOut(Timings::calm).delayed(Timings::calmDelay),
+  withAnimation(Animation::easeOut(CelebrationGlowTimings::rise), [&] { state_.intensity = fullIntensity; });
+  withAnimation(Animation::easeInOut(CelebrationGlowTimings::calm).delayed(CelebrationGlowTimings::calmDelay),
                 [&] { state_.currentColor = palette::calm; });
-  withAnimation(Animation::easeIn(Timings::leave).delayed(Timings::leaveDelay),
+  withAnimation(Animation::easeIn(CelebrationGlowTimings::leave).delayed(CelebrationGlowTimings::leaveDelay),
                 [&] { state_.intensity = 0.0; });
 
   if (!hasWindow_) return;

@@ -3,22 +3,21 @@
 #include "base/Animated.h"
 #include "base/Colour.h"
 #include "base/Scheduler.h"
-#include "base/SharedInstance.h"
 #include "ports/GlowOverlay.h"
 
 namespace vorli {
 
-/// What the celebration's view shows.
+/// State shown by the celebration's view.
 struct CelebrationGlowState {
   explicit CelebrationGlowState(const Scheduler& clock);
 
-  Animated<Colour> currentColor;  // clear at the start
+  Animated<Colour> currentColor;  // transparent at the start
   Animated<double> intensity;     // opacity at the edge of the screen
 };
 
-/// Flashes a gentle light from the edges of the screen at the moment of a polish: it comes up in the ring's
-/// colour, turns calm, and leaves. Main thread.
-class CelebrationGlowController : public SharedInstance<CelebrationGlowController> {
+/// Flashes a gentle light from the edges of the screen during a polish: it fades in with the ring's colour,
+/// turns to the calm colour and fades out. Main thread.
+class CelebrationGlowController {
  public:
   CelebrationGlowController(const Scheduler& clock, ports::GlowOverlay& window);
 

@@ -1,31 +1,24 @@
 #pragma once
 
-#include "base/Observable.h"
+#include "ambient/CalmIntensity.h"
 #include "base/Scheduler.h"
-#include "base/SharedInstance.h"
-#include "base/TaskScope.h"
 
 namespace vorli {
 
-/// The calm after a polish: one number that rises to 1 and decays over minutes, and holds down everything
-/// that shows the state. Main thread.
-class ClearState : public SharedInstance<ClearState> {
+/// The calm after a polish: one number that rises to 1, decays over minutes, and softens everything that
+/// shows the state. Main thread.
+class ClearState {
  public:
-  explicit ClearState(Scheduler& scheduler);
+  explicit ClearState(Scheduler& scheduler) : calmIntensity(scheduler), scheduler_(scheduler) {}
 
-  Observable<double> calmIntensity{0.0};
+  CalmIntensity calmIntensity;
 
-  /// Raises the calm from where it stands to 1, then lets it fall to 0, 60 steps a second. A running ceremony
-  /// ends at its next frame.
+  /// Raises the calm from its current value to 1, then lowers it to 0. A ceremony in progress stops at its
+  /// current value. Both durations are kept however busy the machine is.
   void runCeremony(double riseDuration, double decayDuration);
 
  private:
-  Task<> ceremony(double riseDuration, double decayDuration);
-  Task<> moveTo(double target, double durationSeconds);
-
-  Scheduler& scheduler_;
-  TaskHandle ceremonyTask_;
-  TaskScope tasks_;
+  const Scheduler& scheduler_;
 };
 
 }  // namespace vorli

@@ -3,7 +3,6 @@
 #include "ambient/ClearState.h"
 #include "ambient/EdgeGlowView.h"
 #include "base/Scheduler.h"
-#include "base/SharedInstance.h"
 #include "base/Subscription.h"
 #include "base/TaskScope.h"
 #include "ports/GlowOverlay.h"
@@ -16,23 +15,27 @@
 
 namespace vorli {
 
-/// What the edge glow works with.
+/// Dependencies of the edge glow.
 struct EdgeGlowNeeds {
   Scheduler& scheduler;
   ports::GlowOverlay& window;
   ports::Workspace& workspace;
   ports::MotionPreference& motion;
   const SystemMonitor& systemMonitor;
-  const ClearState& clearState;
+  ClearState& clearState;
 };
 
-/// Lights the edges of the screen that the user works on while the ring stands at 0.9 or above. Main thread.
-class EdgeGlowController : public SharedInstance<EdgeGlowController> {
+/// Lights the edges of the screen that the user works on while the ring is at 0.9 or above. Main thread.
+class EdgeGlowController {
  public:
   explicit EdgeGlowController(const EdgeGlowNeeds& needs);
+  ~EdgeGlowController();
+  EdgeGlowController(const EdgeGlowController&) = delete;
+  EdgeGlowController& operator=(const EdgeGlowController&) = delete;
 
   bool enabled() const { return enabled_; }
-  /// Nothing when it is enabled already. Without a screen there is no light until it is enabled anew.
+  /// Does nothing when already enabled. Without a screen there is no light until it is disabled and enabled
+  /// again.
   void enable();
   void disable();
 
@@ -41,9 +44,11 @@ class EdgeGlowController : public SharedInstance<EdgeGlowController> {
  private:
   void buildWindow();
   void followState();
+  void followCalm();
   void observeScreens();
   void show();
   void animate();
+  void extendAt(double time);
   void preferenceChanged();
   EdgeGlowView::Breathing breathing() const;
   void checkScreenSoon();
@@ -54,9 +59,12 @@ class EdgeGlowController : public SharedInstance<EdgeGlowController> {
   bool hasWindow_ = false;
   EdgeGlowState state_;
   std::optional<EdgeGlowView> view_;
-  double animatedUntil_ = -1.0;             // what the window was told
-  std::vector<Subscription> cancellables_;  // the monitor and the calm
-  std::vector<Subscription> observers_;     // screens, applications and workspaces
+  std::optional<double> animatedUntil_;     // end time last given to the window; empty for a new window
+  Scheduler::TimerId extension_ = 0;        // timer that gives the window a later one
+  std::vector<Subscription> cancellables_;  // the monitor
+  std::optional<CalmPace> calmPace_;
+  Subscription calm_;
+  std::vector<Subscription> observers_;  // screens, applications and workspaces
   TaskScope tasks_;
 };
 

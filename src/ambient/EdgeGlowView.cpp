@@ -13,13 +13,13 @@ constexpr double reddening = 0.96;
 constexpr double leastOpacity = 0.22;
 constexpr double opacitySpan = 0.23;
 constexpr double mostOpacity = 0.45;
-constexpr double calmShare = 0.7;    // that a full calm takes away
-constexpr double heldBreath = 0.85;  // of the opacity, at the bottom of a breath
+constexpr double calmShare = 0.7;    // share that a full calm takes away
+constexpr double heldBreath = 0.85;  // share of the opacity that is left at the bottom of a breath
 
 constexpr double changeSeconds = 1.2;
 constexpr double breathSeconds = 4.5;  // one way
 
-// The part of a change that has not been made yet.
+// Part of a change that is still missing.
 double missing(double from, double to, double share) {
   return (from - to) * (1.0 - share);
 }

@@ -2,7 +2,7 @@
 
 #include "base/Animated.h"
 #include "base/Colour.h"
-#include "base/Observable.h"
+#include "base/Published.h"
 #include "base/Scheduler.h"
 #include "ports/GlowOverlay.h"
 
@@ -10,39 +10,42 @@
 
 namespace vorli {
 
-/// What the edge glow's view follows.
+class EdgeGlowController;
+
+/// Inputs of the edge glow's view.
 struct EdgeGlowState {
-  Observable<double> progress{0.0};
-  Observable<double> calm{0.0};
+  Published<double, EdgeGlowController> progress{0.0};
+  Published<double, EdgeGlowController> calm{0.0};
 };
 
-/// The warning at the edges of the screen as a picture of the time: nothing below a progress of 0.9, above it
-/// a light that grows, reddens and breathes. Main thread.
+/// The warning at the edges of the screen, as a picture that depends on the time: nothing below a progress of
+/// 0.9, above it a light that grows, reddens and breathes. Main thread.
 class EdgeGlowView {
  public:
   static constexpr double bandDepthPoints = 100.0;
 
-  // What a steady state gives.
+  // Values for a steady state.
   static Colour glowColour(double progress);
   static double bandOpacity(double progress);
-  /// Of the whole view at the height of a breath.
+  /// Opacity of the view at the peak of a breath.
   static double viewOpacity(double progress, double calm);
 
   EdgeGlowView(const Scheduler& clock, const EdgeGlowState& state);
 
-  /// The view is on the screen: it begins to breathe.
+  /// Call when the view is on the screen: it starts to breathe.
   void appear();
 
-  /// The state has changed: moves there from what is shown. Changes under way go on beneath, so that a state
-  /// that changes all the time is followed at a distance and not left behind. False when the picture stays.
+  /// Call when the state has changed: starts a transition from the current picture. Transitions in progress
+  /// continue underneath, so that the picture follows a state that changes all the time, with a delay. False
+  /// when the picture does not change.
   bool stateChanged();
 
   enum class Breathing { running, held };
 
   ports::GlowPicture picture(double time, Breathing breathing) const;
-  /// From when on only the breath moves the picture.
+  /// The time after which only the breathing changes the picture.
   double settlesAt() const;
-  /// Whether there is light once the picture has settled.
+  /// True when there is light once the picture has settled.
   bool isLit() const { return target_.bandOpacity > 0.0; }
 
  private:
@@ -53,7 +56,7 @@ class EdgeGlowView {
 
     bool operator==(const Shown&) const = default;
   };
-  // What is still missing of a change that began at `start`.
+  // A transition that began at `start`.
   struct Change {
     double start;
     Shown from, to;
@@ -66,7 +69,7 @@ class EdgeGlowView {
   const EdgeGlowState& state_;
   Animated<double> breath_;
   Shown target_;
-  std::vector<Change> changes_;  // under way, in order of their start
+  std::vector<Change> changes_;  // in progress, in order of their start
 };
 
 }  // namespace vorli

@@ -1,5 +1,6 @@
 #include "ambient/MenuBarTickDial.h"
 
+#include "ambient/Palette.h"
 #include "base/Assert.h"
 #include "sampling/RingState.h"
 
@@ -17,15 +18,13 @@ struct ByAppearance {
   constexpr const Colour& pick(bool isDark) const { return isDark ? dark : light; }
 };
 
-constexpr ByAppearance healthyColour{{0.18, 0.478, 0.302}, {0.369, 0.796, 0.533}};
-constexpr ByAppearance warmingColour{{0.824, 0.502, 0.145}, {0.945, 0.525, 0.125}};
-constexpr ByAppearance criticalColour{{0.784, 0.22, 0.157}, {0.902, 0.235, 0.157}};
-constexpr ByAppearance calmColour{{0.239, 0.463, 0.447}, {0.423, 0.659, 0.643}};
+constexpr ByAppearance healthyColour{{0.18, 0.478, 0.302}, palette::green};
+constexpr ByAppearance warmingColour{{0.824, 0.502, 0.145}, palette::orange};
+constexpr ByAppearance criticalColour{{0.784, 0.22, 0.157}, palette::red};
+constexpr ByAppearance calmColour{palette::calmForLight, palette::calm};
 
-constexpr Colour black{0.0, 0.0, 0.0, 1.0};
-constexpr Colour white{1.0, 1.0, 1.0, 1.0};
-constexpr ByAppearance emptyColour{black.withAlpha(0.22), white.withAlpha(0.85)};
-constexpr ByAppearance dimmedColour{black.withAlpha(0.16), white.withAlpha(0.32)};
+constexpr ByAppearance emptyColour{palette::black.withAlpha(0.22), palette::white.withAlpha(0.85)};
+constexpr ByAppearance dimmedColour{palette::black.withAlpha(0.16), palette::white.withAlpha(0.32)};
 
 constexpr double leastVisibleCalm = 0.001;
 
@@ -42,7 +41,7 @@ const ByAppearance& colourOf(RingState state) {
 }
 
 double clampedProgress(double progress) {
-  return progress > 0.0 ? std::min(progress, 1.0) : 0.0;  // what is no number counts as 0
+  return progress > 0.0 ? std::min(progress, 1.0) : 0.0;  // NaN counts as 0
 }
 
 }  // namespace

@@ -19,10 +19,10 @@ struct MenuBarTickDial {
   double minFilledAlpha = 0.7;
   double maxFilledAlpha = 1.0;
 
-  /// The progress to show: the ring's, drawn towards 0.2 by the calm after a polish.
+  /// Progress to show: the ring's, moved towards 0.2 by the calm after a polish.
   static double calmedProgress(double ringProgress, double calmIntensity);
 
-  /// The dial in a frame of `sidePoints`, with `padding` free on every side.
+  /// Draws the dial in a square of `sidePoints`, with `padding` points free on every side.
   ports::StatusPicture picture(double sidePoints, double padding) const;
 
  private:

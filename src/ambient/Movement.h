@@ -2,7 +2,7 @@
 
 namespace vorli {
 
-/// Whether things move, or only fade: what a user who asked for less movement gets.
+/// Whether things move, or only fade, as for users who asked for reduced motion.
 enum class Movement { kept, dropped };
 
 }  // namespace vorli

@@ -2,8 +2,11 @@
 
 #include "base/Colour.h"
 
+/// The colours that several parts of the program share; each part names them by purpose.
 namespace vorli::palette {
 
+inline constexpr Colour white{1.0, 1.0, 1.0, 1.0};
+inline constexpr Colour black{0.0, 0.0, 0.0, 1.0};
 inline constexpr Colour teal{0.494, 0.82, 0.804};  // the low end
 inline constexpr Colour calm{0.423, 0.659, 0.643};
 inline constexpr Colour green{0.369, 0.796, 0.533};
@@ -15,13 +18,10 @@ inline constexpr Colour calmForLight{0.239, 0.463, 0.447};
 inline constexpr Colour paleGreenWhite{0.749, 0.878, 0.8};
 inline constexpr Colour ink{0.102, 0.102, 0.11};
 inline constexpr Colour secondaryInk{0.29, 0.29, 0.306};
-inline constexpr Colour tertiaryInk{0.471, 0.463, 0.463};
 inline constexpr Colour mutedInkForDark{0.627, 0.62, 0.604};
-inline constexpr Colour amberForLight{0.894, 0.643, 0.345};
-inline constexpr Colour redForLight{0.894, 0.392, 0.329};
-inline constexpr Colour goldForLight{0.71, 0.494, 0.212};
-inline constexpr Colour whiteWash{1.0, 1.0, 1.0, 0.32};
-inline constexpr Colour strongWhiteWash{1.0, 1.0, 1.0, 0.45};
-inline constexpr Colour brownWash{0.549, 0.431, 0.275, 0.14};
+inline constexpr Colour amber{0.894, 0.643, 0.345};
+inline constexpr Colour softRed{0.894, 0.392, 0.329};
+inline constexpr Colour gold{0.71, 0.494, 0.212};
+inline constexpr Colour brown{0.549, 0.431, 0.275};
 
 }  // namespace vorli::palette

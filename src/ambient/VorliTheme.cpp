@@ -7,7 +7,6 @@
 namespace vorli {
 namespace {
 
-constexpr Colour white{1.0, 1.0, 1.0, 1.0};
 constexpr Colour cream{0.949, 0.941, 0.925, 1.0};
 constexpr double plateOpacity = 0.16;
 
@@ -36,7 +35,7 @@ Colour VorliTheme::polishResting() const {
   return isDark ? Colour{0.843, 0.835, 0.816} : Colour{0.38, 0.373, 0.369};
 }
 Colour VorliTheme::culpritText() const {
-  return isDark ? white.withAlpha(0.66) : palette::secondaryInk;
+  return isDark ? palette::white.withAlpha(0.66) : palette::secondaryInk;
 }
 Colour VorliTheme::chip() const {
   return isDark ? Colour{0.91, 0.875, 0.816} : Colour{0.227, 0.184, 0.141};
@@ -61,7 +60,7 @@ Colour VorliTheme::accent() const {
 }
 
 Colour VorliTheme::ringInk(const Colour& stateColor) const {
-  if (isDark) return blend(stateColor, white, 0.75 * std::max(0.0, 0.44 - luma(stateColor)));
+  if (isDark) return blend(stateColor, palette::white, 0.75 * std::max(0.0, 0.44 - luma(stateColor)));
   const double factor = 1.0 - std::max(0.0, luma(stateColor) - 0.42);
   return {stateColor.red * factor, stateColor.green * factor, stateColor.blue * factor, 1.0};
 }

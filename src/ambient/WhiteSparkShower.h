@@ -6,7 +6,7 @@
 
 namespace vorli {
 
-/// Twelve white sparks that fly out from the middle of the ring, each some time after the one before. A pure
+/// Twelve white sparks that fly out from the middle of the ring, each a little after the one before. A pure
 /// function of time; lengths in points, y downwards.
 struct WhiteSparkShower {
   struct Offset {
@@ -37,13 +37,13 @@ struct WhiteSparkShower {
   }};
   static constexpr double shadowOpacity = 0.8;
 
-  std::optional<double> startDate;  // the scheduler's time; none shows nothing
+  std::optional<double> startDate;  // the scheduler's time; nothing is shown without it
   std::span<const Offset, sparkCount> destinations = allDestinations;
   double sparkDuration = 1.8;
   double staggerDelay = 0.07;
   double sparkSize = 3.2;  // diameter at scale 1
 
-  /// The sparks at a time of the scheduler; none before they are lit.
+  /// The sparks at a time of the scheduler; empty before they are lit.
   std::optional<Sparks> sparks(double time) const;
 };
 

@@ -3,9 +3,8 @@
 #include "ambient/MenuBarTickDial.h"
 #include "app/StatusMenu.h"
 #include "app/StatusSentence.h"
-#include "app/UserDefaults.h"
-#include "base/AnyChange.h"
-#include "helper/HelperLaunchTask.h"
+#include "base/OnceReply.h"
+#include "insights/CulpritSentence.h"
 
 namespace vorli {
 
@@ -16,158 +15,162 @@ constexpr double statusIconPadding = 1.0;
 
 }  // namespace
 
-AppDelegate::AppDelegate(const AppDelegateNeeds& needs)
-    : scheduler_(needs.scheduler),
-      notifications_(needs.notifications),
-      defaults_(needs.defaults),
-      bundle_(needs.bundle),
-      statusItem_(needs.statusItem),
-      host_(needs.host),
-      desktop_(needs.desktop),
-      helperManager_(needs.helperManager),
-      systemMonitor_(needs.systemMonitor),
-      settings_(needs.settings),
-      suspendedAppsManager_(needs.suspendedAppsManager),
-      clearState_(needs.clearState),
-      quietPolish_(needs.quietPolish),
-      edgeGlow_(needs.edgeGlow),
-      popoverServices_(needs.popoverServices),
-      popover_(needs.popover),
-      installContent_(needs.installContent),
-      popoverHost_({scheduler_, notifications_, popover_, host_, helperManager_, systemMonitor_}),
-      tasks_(needs.scheduler) {}
+AppDelegate::AppDelegate(Services& services)
+    : services_(services),
+      host_(services.host),
+      reactions_(services, {.updateStatusIcon = [this] { updateStatusIcon(); },
+                            .applyEdgeGlow = [this] { applyEdgeGlow(); },
+                            .registerHotkey = [this](const std::string& combo) { registerHotkey(combo); }}),
+      tasks_(services.host.scheduler) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
-  createStatusItem();
-  updateStatusIcon();
-  popoverHost_.createPopover();
-
-  systemMonitor_.refresh();
-  systemMonitor_.restartTimer();
-
-  helperManager_.lastError = std::nullopt;
-  helperManager_.refreshStatus();
-  const Reinstall force = buildChanged(bundle_, defaults_) ? Reinstall::forced : Reinstall::ifStale;
-  tasks_.spawn(helperLaunchTask(scheduler_, helperManager_, force, [] {}));
-
-  activation_ = notifications_.observe<ApplicationDidBecomeActive>(
-      [this](const auto&) { helperManager_.refreshStatus(); });
-
-  subscribeToMonitorAndTheme();
-  subscribeToMemory();
-  subscribeToSettings();
-  applyEdgeGlow();
-  mountPopoverContent();
+  for (const auto& step : launchSequence()) step.take();
 }
 
 AppDelegate::TerminateReply AppDelegate::applicationShouldTerminate() {
-  if (suspendedAppsManager_.suspendedPIDs->empty()) return TerminateReply::now;
+  if (services_.suspendedAppsManager.suspendedPIDs->empty()) return TerminateReply::now;
   tasks_.spawn(resumeSuspendedAppsAndQuit());
   return TerminateReply::later;
 }
 
 Task<> AppDelegate::resumeSuspendedAppsAndQuit() {
-  co_await suspendedAppsManager_.resumeAll();
-  host_.replyToTermination();
+  co_await services_.suspendedAppsManager.resumeAll();
+  host_.application.replyToTermination();
 }
 
 void AppDelegate::applicationWillTerminate() {
-  systemMonitor_.stopTimer();
-  cancellables_.clear();
+  services_.systemMonitor.stopTimer();
+  reactions_.drop();
 }
 
 void AppDelegate::createStatusItem() {
-  if (!statusItem_.create()) return;
-  statusItem_.setClickHandler([this](const ports::StatusClick& click) { handleStatusClick(click); });
-  statusItem_.setMenuProvider([this] { return contextMenu(); });
-  statusItem_.setToolTip("Vorli");
-  statusItem_.setAccessibilityLabel("Vorli");
+  if (!host_.statusItem.create()) return;
+  host_.statusItem.setClickHandler([this](const ports::StatusClick& click) { handleStatusClick(click); });
+  host_.statusItem.setMenuProvider([this] { return contextMenu(); });
+  host_.statusItem.setToolTip("Vorli");
+  host_.statusItem.setAccessibilityLabel("Vorli");
 }
 
-void AppDelegate::subscribeToMonitorAndTheme() {
-  cancellables_.push_back(onAnyChange(
-      scheduler_, [this] { updateStatusIcon(); }, systemMonitor_.memory, systemMonitor_.thermal,
-      systemMonitor_.cpu));
-  cancellables_.push_back(
-      clearState_.calmIntensity.subscribeOnMainLoop(scheduler_, [this](double) { updateStatusIcon(); }));
-  statusItem_.setAppearanceHandler([this] { updateStatusIcon(); });
-  popoverHost_.observeContent();
-}
-
-void AppDelegate::subscribeToMemory() {
-  cancellables_.push_back(systemMonitor_.memory.subscribeOnMainLoop(
-      scheduler_, [this](const MemorySnapshot& memory) { quietPolish_.checkPressure(memory); }));
-}
-
-void AppDelegate::subscribeToSettings() {
-  cancellables_.push_back(
-      settings_.edgeGlow().subscribeOnMainLoop(scheduler_, [this](bool) { applyEdgeGlow(); }));
+void AppDelegate::registerHotkey(const std::string& combo) {
+  services_.hotkeys.registerCombo(combo, [this] { polishNow(); });
 }
 
 void AppDelegate::applyEdgeGlow() {
-  if (settings_.edgeGlow())
-    edgeGlow_.enable();
+  if (services_.settings.edgeGlow())
+    services_.edgeGlow.enable();
   else
-    edgeGlow_.disable();
+    services_.edgeGlow.disable();
 }
 
 void AppDelegate::mountPopoverContent() {
-  popover_.setContentSize(PopoverHost::mountedSize);
-  popoverView_.emplace(popoverServices_);
-  installContent_(*popoverView_);
+  host_.popover.setContentSize(PopoverHost::mountedSize);
+  popoverView_.emplace(services_.popover);
+  popoverView_->setGearHandler([this] { showSettings(std::nullopt); });
+  host_.views.installPopoverContent(*popoverView_);
+}
+
+void AppDelegate::showSettings(std::optional<VorliSettingsTab> tab) {
+  if (tab) services_.settingsView.select(*tab);
+  services_.notifications.post(VorliClosePopover{});
+  host_.views.showSettings(services_.settingsView);
 }
 
 void AppDelegate::updateStatusIcon() {
-  if (!statusItem_.hasButton()) return;
-  const double ring = systemMonitor_.ringProgress;
-  const double calm = clearState_.calmIntensity;
+  if (!host_.statusItem.hasButton()) return;
+  const double ring = services_.systemMonitor.ringProgress;
+  const double calm = services_.clearState.calmIntensity;
+  const bool isSetUp = services_.onboardingFlowState.isSetupComplete();
 
   MenuBarTickDial dial;
   dial.progress = MenuBarTickDial::calmedProgress(ring, calm);
-  dial.isDark = statusItem_.hasDarkAppearance();
+  dial.isDark = isOnDarkPanel();
   dial.calmOverlay = calm;
-  statusItem_.setPicture(dial.picture(statusIconSide, statusIconPadding));
-  statusItem_.setAccessibilityValue(statusSentence(SetupState::finished, ring));
+  dial.dimmed = !isSetUp;
+  host_.statusItem.setPicture(dial.picture(statusIconSide, statusIconPadding));
+  host_.statusItem.setAccessibilityValue(
+      statusSentence(isSetUp ? SetupState::finished : SetupState::incomplete, ring));
+}
+
+// The user's choice comes first, because some panels do not publish their colour.
+bool AppDelegate::isOnDarkPanel() const {
+  const std::string& wish = services_.settings.dialPanel().get();
+  if (wish == "light") return false;
+  return wish == "dark" || host_.statusItem.hasDarkAppearance();
 }
 
 void AppDelegate::handleStatusClick(const ports::StatusClick& click) {
   if (click.button == ports::StatusClick::Button::right ||
       click.control == ports::StatusClick::Control::held) {
-    statusItem_.showMenu(contextMenu());
+    host_.statusItem.showMenu(contextMenu());
     return;
   }
-  togglePopover();
+  if (showUnfinishedFirstSteps() == FirstSteps::finished) togglePopover();
+}
+
+// Brings an open window to the front as it is: in the preview, it shows whatever step was picked.
+AppDelegate::FirstSteps AppDelegate::showUnfinishedFirstSteps() {
+  auto& onboarding = services_.onboarding;
+  if (onboarding.isOpen()) {
+    onboarding.bringToFront();
+  } else {
+    onboarding.showIfNeeded();
+  }
+  return onboarding.isOpen() ? FirstSteps::shown : FirstSteps::finished;
 }
 
 void AppDelegate::togglePopover() {
-  if (statusItem_.hasButton()) popoverHost_.togglePopover();
+  if (host_.statusItem.hasButton()) services_.popoverHost.togglePopover();
+}
+
+void AppDelegate::reopen() {
+  if (showUnfinishedFirstSteps() == FirstSteps::shown) return;
+  if (host_.statusItem.hasButton()) services_.popoverHost.showPopover();
 }
 
 std::vector<ports::MenuRow> AppDelegate::contextMenu() {
-  return statusMenu({
-                        .menuClearNow = [this] { polishNow(); },
-                        .menuRestartDock = [this] { desktop_.restartDock(); },
-                        .menuRestartFinder = [this] { desktop_.restartFinder(); },
-                        .menuCheckForUpdates = nullptr,
-                        .menuOpenLoginItems = [this] { helperManager_.openLoginItems(); },
-                        .menuAbout = [this] { menuAbout(); },
-                        .menuQuit = [this] { host_.terminate(); },
-                    },
-                    UpdatesState::unconfigured);
+  return statusMenu(
+      {
+          .menuClearNow = [this] { polishNow(); },
+          .menuRestartDock = [this] { host_.desktop.restartDock(); },
+          .menuRestartFinder = [this] { menuRestartFinder(); },
+          .menuCheckForUpdates = [this] { services_.updaterManager.checkForUpdates(); },
+          .menuOpenLoginItems = [this] { services_.helperManager.openLoginItems(); },
+          .menuAbout = [this] { menuAbout(); },
+          .menuQuit = [this] { host_.application.terminate(); },
+      },
+      services_.updaterManager.isConfigured ? UpdatesState::configured : UpdatesState::unconfigured);
+}
+
+void AppDelegate::menuRestartFinder() {
+  host_.desktop.restartFinder(OnceReply<std::string>([this, life = std::weak_ptr(life_)](const auto& name) {
+    if (life.lock()) showInfoAlert(CulpritSentence::closedByHandText(name));
+  }));
 }
 
 void AppDelegate::menuAbout() {
-  host_.activateIgnoringOtherApps();
-  host_.openAboutPanel();
+  host_.application.activateIgnoringOtherApps();
+  host_.application.openAboutPanel();
 }
 
 void AppDelegate::polishNow() {
-  if (quietPolish_.polishNow() == QuietPolish::Start::started) return;
+  if (services_.quietPolish.polishNow() == QuietPolish::Start::started) return;
   showInfoAlert("Helper not installed. Open Vorli to finish setup.");
 }
 
+// The settings show the helper's state but no error; the first steps show some of them.
+void AppDelegate::showHelperPage() {
+  const auto& helper = services_.helperManager;
+  const bool hasError = helper.lastError.get().has_value();
+  if (showUnfinishedFirstSteps() == FirstSteps::finished) {
+    showSettings(VorliSettingsTab::about);
+  } else if (helper.lacksPrompt) {
+    return;
+  }
+  if (hasError) showInfoAlert(helper.stateText());
+}
+
 void AppDelegate::showInfoAlert(const std::string& text) {
-  host_.showInfoAlert("Vorli", text);
+  host_.application.showInfoAlert("Vorli", text);
 }
 
 }  // namespace vorli

@@ -1,26 +1,13 @@
 #pragma once
 
-#include "ambient/ClearState.h"
-#include "ambient/EdgeGlowController.h"
-#include "ambient/PopoverView.h"
-#include "app/AppSettings.h"
-#include "app/PopoverHost.h"
-#include "base/NotificationCenter.h"
+#include "app/LaunchSequence.h"
+#include "app/Reactions.h"
+#include "app/Services.h"
 #include "base/TaskScope.h"
-#include "helper/HelperManager.h"
-#include "insights/SuspendedAppsManager.h"
-#include "polish/QuietPolish.h"
-#include "ports/ApplicationBundle.h"
-#include "ports/ApplicationHost.h"
-#include "ports/DesktopShell.h"
-#include "ports/KeyValueStore.h"
-#include "ports/PopoverWindow.h"
-#include "ports/StatusItem.h"
-#include "sampling/SystemMonitor.h"
 
-#include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace vorli {
@@ -28,87 +15,74 @@ namespace vorli {
 /// Posted when the application becomes the active one.
 struct ApplicationDidBecomeActive {};
 
-/// What the root object works with. The services stand in the order in which they are built.
-struct AppDelegateNeeds {
-  Scheduler& scheduler;
-  NotificationCenter& notifications;
-  ports::KeyValueStore& defaults;
-  const ports::ApplicationBundle& bundle;
-  ports::StatusItem& statusItem;
-  ports::ApplicationHost& host;
-  ports::DesktopShell& desktop;
-  HelperManager& helperManager;
-  SystemMonitor& systemMonitor;
-  AppSettings& settings;
-  SuspendedAppsManager& suspendedAppsManager;
-  ClearState& clearState;
-  QuietPolish& quietPolish;
-  EdgeGlowController& edgeGlow;
-  const PopoverServices& popoverServices;
-  ports::PopoverWindow& popover;
-  /// Puts the view into the panel.
-  std::function<void(PopoverView&)> installContent;
-};
-
-/// The root object of the process: runs the launch sequence, holds the subscriptions that turn samples into
-/// reactions, and answers clicks, menu rows and the question whether the process may end. Main thread.
+/// The root object of the process: takes the steps of the launch, handles clicks and menu rows, and decides
+/// whether the process may terminate. Main thread.
 class AppDelegate {
  public:
   enum class TerminateReply { now, later };
 
-  explicit AppDelegate(const AppDelegateNeeds& needs);
+  explicit AppDelegate(Services& services);
+
+  /// The steps of `applicationDidFinishLaunching`.
+  LaunchSequence launchSequence();
 
   // The platform calls these.
   void applicationDidFinishLaunching();
-  /// `later` while applications that stand stopped are resumed; the host is told when that is done.
+  /// Returns `later` while stopped applications are being resumed; the host is notified when that is done.
   TerminateReply applicationShouldTerminate();
   void applicationWillTerminate();
 
   void handleStatusClick(const ports::StatusClick& click);
   void togglePopover();
+  /// Shows the popover for a second start of the program or a launcher, or the first steps while they are
+  /// unfinished; never closes either.
+  void reopen();
 
-  /// Purges memory and flushes the DNS cache, without ceremony, audio check or cooldown. Tells the user when
-  /// the helper is not installed.
+  /// Purges memory and flushes the DNS cache, without animation, audio check or cooldown. Shows the user an
+  /// alert when the helper is not installed.
   void polishNow();
+
+  /// Shows what the helper needs, for a user who wants to allow it: in the first steps while they are
+  /// unfinished, in the settings afterwards, and also in an alert where neither shows the error.
+  void showHelperPage();
+
+  /// Opens the settings on a tab, or on the one that was shown last.
+  void showSettings(std::optional<VorliSettingsTab> tab);
 
   void updateStatusIcon();
 
-  /// The popover's content, from the end of the launch on.
+  /// The popover's content; null until the launch has finished.
   PopoverView* popoverView() { return popoverView_ ? &*popoverView_ : nullptr; }
 
  private:
+  struct Life {};
+
+  void beginFirstSteps();
   void createStatusItem();
-  void subscribeToMonitorAndTheme();
-  void subscribeToMemory();
-  void subscribeToSettings();
+  bool isOnDarkPanel() const;
+  void readHelperStatus();
+  void startHelperLaunchTask();
+  void observeActivation();
+  void askForNotices();
+  void registerHotkey(const std::string& combo);
   void applyEdgeGlow();
   void mountPopoverContent();
+  void scheduleCrashReportCheck();
+  Task<> offerCrashReports();
+  enum class FirstSteps { shown, finished };
+  FirstSteps showUnfinishedFirstSteps();
   std::vector<ports::MenuRow> contextMenu();
+  void menuRestartFinder();
   void menuAbout();
   void showInfoAlert(const std::string& text);
   Task<> resumeSuspendedAppsAndQuit();
 
-  Scheduler& scheduler_;
-  NotificationCenter& notifications_;
-  ports::KeyValueStore& defaults_;
-  const ports::ApplicationBundle& bundle_;
-  ports::StatusItem& statusItem_;
-  ports::ApplicationHost& host_;
-  ports::DesktopShell& desktop_;
-  HelperManager& helperManager_;
-  SystemMonitor& systemMonitor_;
-  AppSettings& settings_;
-  SuspendedAppsManager& suspendedAppsManager_;
-  ClearState& clearState_;
-  QuietPolish& quietPolish_;
-  EdgeGlowController& edgeGlow_;
-  PopoverServices popoverServices_;
-  ports::PopoverWindow& popover_;
-  std::function<void(PopoverView&)> installContent_;
-  PopoverHost popoverHost_;
+  Services& services_;
+  const HostPorts& host_;
   std::optional<PopoverView> popoverView_;
-  std::vector<Subscription> cancellables_;
-  Subscription activation_;  // not among `cancellables_`: only the delegate's own end ends it
+  Reactions reactions_;
+  Subscription activation_;  // not among the reactions: lives as long as the delegate
+  std::shared_ptr<Life> life_ = std::make_shared<Life>();
   TaskScope tasks_;
 };
 

@@ -3,8 +3,8 @@
 namespace vorli {
 namespace {
 
-ports::MenuRow action(std::string title, std::function<void()> act, std::string keyEquivalent = {}) {
-  return {ports::MenuRow::Kind::action, std::move(title), std::move(keyEquivalent), std::move(act)};
+ports::MenuRow action(std::string_view title, std::function<void()> act, std::string keyEquivalent = {}) {
+  return {ports::MenuRow::Kind::action, std::string(title), std::move(keyEquivalent), std::move(act)};
 }
 
 ports::MenuRow separator() {
@@ -13,18 +13,19 @@ ports::MenuRow separator() {
 
 }  // namespace
 
-std::vector<ports::MenuRow> statusMenu(const StatusMenuActions& actions, UpdatesState updates) {
+std::vector<ports::MenuRow> statusMenu(const StatusMenuActions& actions, UpdatesState updates,
+                                       const StatusTexts& texts) {
   std::vector<ports::MenuRow> rows{
       action("Polish Now", actions.menuClearNow),
       separator(),
-      action("Restart Dock", actions.menuRestartDock),
-      action("Restart Finder", actions.menuRestartFinder),
+      action(texts.restartDock, actions.menuRestartDock),
+      action(texts.restartFinder, actions.menuRestartFinder),
       separator(),
   };
   if (updates == UpdatesState::configured) {
     rows.push_back(action("Check for Updates…", actions.menuCheckForUpdates));
   }
-  rows.push_back(action("Open Login Items", actions.menuOpenLoginItems));
+  rows.push_back(action(texts.openLoginItems, actions.menuOpenLoginItems));
   rows.push_back(separator());
   rows.push_back(action("About Vorli", actions.menuAbout));
   rows.push_back(separator());

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/StatusTexts.h"
+#include "base/HostSystem.h"
 #include "ports/StatusItem.h"
 
 #include <functional>
@@ -7,7 +9,7 @@
 
 namespace vorli {
 
-/// What the rows of the status item's menu do.
+/// Actions of the rows in the status item's menu.
 struct StatusMenuActions {
   std::function<void()> menuClearNow;
   std::function<void()> menuRestartDock;
@@ -20,7 +22,8 @@ struct StatusMenuActions {
 
 enum class UpdatesState { unconfigured, configured };
 
-/// The rows for one opening of the menu. The row for updates is there only when they are configured.
-std::vector<ports::MenuRow> statusMenu(const StatusMenuActions& actions, UpdatesState updates);
+/// The rows for one opening of the menu. Includes the row for updates only when they are configured.
+std::vector<ports::MenuRow> statusMenu(const StatusMenuActions& actions, UpdatesState updates,
+                                       const StatusTexts& texts = ofThisSystem<StatusTexts>());
 
 }  // namespace vorli

@@ -7,16 +7,16 @@
 
 namespace vorli {
 
-std::string statusSentence(SetupState setup, double ringProgress) {
+std::string statusSentence(SetupState setup, double ringProgress, const StatusTexts& texts) {
   if (setup == SetupState::incomplete) return "Setup not finished. Tap to return to onboarding.";
   const auto percent = std::to_string(std::lround(ringProgress * 100.0));
   switch (ringState(ringProgress)) {
     case RingState::critical:
-      return "Your Mac is under heavy pressure. " + percent + " percent. Tap to polish.";
+      return std::string(texts.critical) + percent + " percent. Tap to polish.";
     case RingState::warming:
-      return "Your Mac is warming up. " + percent + " percent under pressure.";
+      return std::string(texts.warming) + percent + " percent under pressure.";
     case RingState::healthy:
-      return "Your Mac is feeling great. " + percent + " percent under pressure.";
+      return std::string(texts.healthy) + percent + " percent under pressure.";
   }
   VORLI_ASSERT(false);
 }

@@ -10,6 +10,7 @@
 #include <functional>
 #include <optional>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace vorli {
@@ -22,20 +23,40 @@ inline Colour mix(const Colour& from, const Colour& to, double share) {
           mix(from.alpha, to.alpha, share)};
 }
 
-/// A model value whose shown value follows by animation. Setting it inside `withAnimation` adds a segment
-/// that starts, after its delay, from whatever is shown by then; a delayed one leaves the motion before it
-/// alone until then, and one that waits for a later moment than a newer one starts is dropped. Setting it
-/// outside drops all segments. It comes to rest on the value set last. Main thread.
+/// A model value whose shown value follows it by animation. Setting it inside `withAnimation` adds a segment
+/// that starts after its delay, from the value shown at that time; until then, earlier motion continues. A
+/// pending segment is dropped when a newer one starts before it. Setting the value outside `withAnimation`
+/// drops all segments. The animation always ends at the value set last. Read-only; `Animated` and
+/// `PublishedAnimated` have the assignment. Main thread.
 template <typename T>
-class Animated {
+class AnimatedValue {
  public:
-  Animated(const Scheduler& clock, T initial) : clock_(clock), base_(initial), model_(initial) {}
+  AnimatedValue(const Scheduler& clock, T initial) : clock_(clock), base_(initial), model_(initial) {}
 
-  /// The value last set, wherever the shown one is.
+  /// The value set last, whatever is shown at the moment.
   const T& model() const { return model_; }
   operator const T&() const { return model_; }
 
-  Animated& operator=(T value) {
+  /// The value to show at the clock's time `t`, which must not be before the last assignment.
+  T shown(double t) const { return evaluate(t, segments_.size()); }
+  T shown() const { return shown(clock_.now()); }
+
+  /// True when a segment is running or pending at time `t`.
+  bool isMoving(double t) const { return t < restsAt(); }
+
+  /// The clock's time after which the shown value does not change: in the past when it is at rest, infinite
+  /// when the last segment repeats forever.
+  double restsAt() const {
+    return segments_.empty() ? -1.0 : segments_.back().start + segments_.back().animation.activeSeconds();
+  }
+
+  /// Called inside each assignment with the new model value.
+  Subscription subscribe(std::function<void(const T&)> handler) const {
+    return changed_.add(std::move(handler));
+  }
+
+ protected:
+  void assign(T value) {
     if (const auto& animation = detail::currentAnimation()) {
       const double now = clock_.now();
       const double start = now + std::max(animation->delaySeconds, 0.0);
@@ -48,29 +69,11 @@ class Animated {
     }
     model_ = std::move(value);
     changed_.deliver(model_);
-    return *this;
-  }
-
-  /// The value to show at time `t` of the clock, not before the last assignment.
-  T shown(double t) const { return evaluate(t, segments_.size()); }
-  T shown() const { return shown(clock_.now()); }
-
-  /// True while a segment runs or waits at time `t`.
-  bool isMoving(double t) const { return t < restsAt(); }
-
-  /// The clock's time from which the shown value stays; in the past when it is at rest, infinite when the
-  /// last segment repeats for ever.
-  double restsAt() const {
-    return segments_.empty() ? -1.0 : segments_.back().start + segments_.back().animation.activeSeconds();
-  }
-
-  /// Called inside each assignment with the new model value.
-  Subscription subscribe(std::function<void(const T&)> handler) const {
-    return changed_.add(std::move(handler));
   }
 
  private:
-  // Where a segment took over, and how fast the value moved there, in ways per second.
+  // The value at which a segment took over, and its velocity there: 1 is the segment's whole distance per
+  // second.
   struct Origin {
     T from;
     double velocity;
@@ -79,11 +82,11 @@ class Animated {
     double start;
     Animation animation;
     T target;
-    std::optional<Origin> origin;  // known once the segments before it are forgotten
+    std::optional<Origin> origin;  // known once the segments before it are dropped
   };
 
-  // Value at `t` from the first `count` segments, which stand in order of their start. A later one takes over
-  // where the earlier ones stand.
+  // Value at `t` from the first `count` segments, which are sorted by start time. Each segment takes over at
+  // the value that the earlier ones have reached.
   T evaluate(double t, std::size_t count) const {
     if (count == 0) return base_;
     const Segment& segment = segments_[count - 1];
@@ -101,7 +104,7 @@ class Animated {
     return {from, startVelocity(segment, from, index)};
   }
 
-  // A spring goes on with the speed that the value had; of a colour it does not keep it.
+  // A spring keeps the velocity that the value had, but not for colours.
   double startVelocity(const Segment& segment, const T& from, std::size_t index) const {
     if constexpr (std::is_same_v<T, double>) {
       if (segment.animation.kind != Animation::Kind::spring) return 0.0;
@@ -114,8 +117,8 @@ class Animated {
     }
   }
 
-  // Drops all segments before the one that rules at `now`, so that the list holds that one and those that
-  // wait.
+  // Drops all segments before the one in effect at `now`, so that the list holds that one and the pending
+  // ones.
   void forgetBefore(double now) {
     std::size_t started = 0;
     while (started < segments_.size() && segments_[started].start <= now) ++started;
@@ -131,6 +134,34 @@ class Animated {
   T model_;
   std::vector<Segment> segments_;
   mutable SubscriberList<T> changed_;
+};
+
+/// An animated value that everybody who has it can set.
+template <typename T>
+class Animated : public AnimatedValue<T> {
+ public:
+  using AnimatedValue<T>::AnimatedValue;
+
+  Animated& operator=(T value) {
+    this->assign(std::move(value));
+    return *this;
+  }
+};
+
+/// An animated value that only `Owner` can set.
+template <typename T, typename Owner>
+class PublishedAnimated : public AnimatedValue<T> {
+ public:
+  using AnimatedValue<T>::AnimatedValue;
+
+ private:
+  friend Owner;
+  friend class PublisherForTests;
+
+  PublishedAnimated& operator=(T value) {
+    this->assign(std::move(value));
+    return *this;
+  }
 };
 
 }  // namespace vorli

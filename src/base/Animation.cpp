@@ -9,7 +9,7 @@ namespace vorli {
 
 namespace {
 
-// A spring counts as at rest when it stays this near to its end.
+// A spring counts as at rest once it stays this close to its end value.
 constexpr double springTolerance = 0.001;
 
 double bezier(double a, double b, double t) {
@@ -22,7 +22,7 @@ double bezierSlope(double a, double b, double t) {
   return 3.0 * u * u * a + 6.0 * u * t * (b - a) + 3.0 * t * t * (1.0 - b);
 }
 
-// The closed solution of the damped oscillator that starts at 0 with velocity `v` and rests at 1.
+// The closed-form solution of a damped oscillator that starts at 0 with velocity `v` and comes to rest at 1.
 double springAt(double response, double damping, double v, double t) {
   const double omega = 2.0 * std::numbers::pi / response;
   const double zeta = std::clamp(damping, 0.0, 1.0);

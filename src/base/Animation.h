@@ -5,8 +5,8 @@
 
 namespace vorli {
 
-/// A timing curve from (0, 0) to (1, 1) with two control points, as in CSS and Core Animation. The x of both
-/// lies in 0..1; their y may lie outside, and the curve then overshoots.
+/// A timing curve from (0, 0) to (1, 1) with two control points, as in CSS and Core Animation. Both x values
+/// lie in 0..1. The y values may lie outside; the curve then overshoots.
 struct CubicBezier {
   double x1, y1, x2, y2;
 
@@ -16,7 +16,7 @@ struct CubicBezier {
   bool operator==(const CubicBezier&) const = default;
 };
 
-/// How a value moves from the one shown to the one set. A plain value: pass it to `withAnimation`.
+/// Describes how a value moves from the one shown to the one set. A plain value: pass it to `withAnimation`.
 struct Animation {
   enum class Kind { curve, spring };
   enum class Reversal { none, autoreverse };
@@ -27,7 +27,7 @@ struct Animation {
   double responseSeconds = 0.0;  // a spring's period when it is not damped
   double dampingFraction = 1.0;  // 1 is critical damping, less overshoots; more than 1 counts as 1
   double delaySeconds = 0.0;
-  int passes = 1;  // 0 repeats for ever
+  int passes = 1;  // 0 repeats forever
   Reversal reversal = Reversal::none;
 
   static Animation linear(double seconds);
@@ -43,16 +43,16 @@ struct Animation {
   Animation repeated(int passes, Reversal reversal) const;
   Animation repeatedForever(Reversal reversal) const { return repeated(0, reversal); }
 
-  /// The share of the way, `elapsed` seconds after the delay has passed: 0 before the start, exactly 1 from
-  /// `activeSeconds` on, and outside of 0..1 where the curve or spring overshoots. `startVelocity` is in ways
-  /// per second and matters to a spring only.
+  /// The fraction of the distance covered `elapsed` seconds after the end of the delay: 0 before the start,
+  /// exactly 1 from `activeSeconds` on, and outside 0..1 where the curve or spring overshoots.
+  /// `startVelocity` is in distances per second and only affects a spring.
   double progress(double elapsed, double startVelocity = 0.0) const;
 
   /// Length of one pass: a curve's duration, or the time after which a spring from rest stays within a
   /// thousandth.
   double passSeconds() const;
 
-  /// Time from the end of the delay to rest; infinite for one that repeats for ever.
+  /// Time from the end of the delay to rest; infinite for an animation that repeats forever.
   double activeSeconds() const;
 
   bool operator==(const Animation&) const = default;
@@ -62,8 +62,8 @@ namespace detail {
 std::optional<Animation>& currentAnimation();
 }
 
-/// Runs `body`; every Animated value set inside moves by `animation` instead of jumping. Nests: the innermost
-/// wins.
+/// Runs `body`; every Animated value set inside moves by `animation` instead of jumping. When calls are
+/// nested, the innermost wins.
 template <typename Body>
 void withAnimation(const Animation& animation, Body&& body) {
   auto outer = std::exchange(detail::currentAnimation(), animation);
@@ -71,7 +71,7 @@ void withAnimation(const Animation& animation, Body&& body) {
   detail::currentAnimation() = outer;
 }
 
-/// As `withAnimation`, but every value set inside jumps, whatever surrounds the call.
+/// Like `withAnimation`, but every value set inside jumps, even when the call is nested in `withAnimation`.
 template <typename Body>
 void withoutAnimation(Body&& body) {
   auto outer = std::exchange(detail::currentAnimation(), std::nullopt);

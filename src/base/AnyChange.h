@@ -8,8 +8,8 @@
 
 namespace vorli {
 
-/// Watches several observables at once: `handler` is put on the main loop once for their present values, then
-/// once for each change of any of them, and reads what it needs itself. Ends with the token.
+/// Watches several observables at once: `handler` is posted to the main loop once for their current values,
+/// then once for each change of any of them. It reads the values it needs itself. Ends with the token.
 template <typename... Observables>
 Subscription onAnyChange(Scheduler& scheduler, std::function<void()> handler,
                          const Observables&... observables) {

@@ -10,6 +10,6 @@ namespace vorli::detail {
 }
 }  // namespace vorli::detail
 
-/// Stops the process on a programming error, in every build. Never for data from outside.
+/// Aborts the process on a programming error, in every build. Not for validating external data.
 #define VORLI_ASSERT(condition) \
   ((condition) ? static_cast<void>(0) : ::vorli::detail::assertionFailed(#condition, __FILE__, __LINE__))

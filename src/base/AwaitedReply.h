@@ -10,9 +10,9 @@
 
 namespace vorli {
 
-/// One reply that a flow waits for as long as it takes. Hand out `reply()` once, then await the object. A
-/// reply that is dropped unanswered leaves the flow waiting until its owner goes. The answer may come from
-/// any thread; everything else belongs to the main thread.
+/// One reply that a flow awaits without a deadline. Hand out `reply()` once, then await the object. If the
+/// reply is dropped unanswered, the flow waits until its owner is destroyed. The answer may come from any
+/// thread; everything else runs on the main thread.
 template <typename T>
 class AwaitedReply {
  public:

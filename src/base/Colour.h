@@ -14,8 +14,8 @@ struct Colour {
   bool operator==(const Colour&) const = default;
 };
 
-/// From `from` (factor 0) to `to` (factor 1), linear in the sRGB components. The factor is clamped to 0..1,
-/// and the result is opaque whatever the two were.
+/// Interpolates from `from` (factor 0) to `to` (factor 1), linearly in the sRGB components. The factor is
+/// clamped to 0..1. The result is always opaque.
 Colour blend(const Colour& from, const Colour& to, double factor);
 
 }  // namespace vorli

@@ -4,12 +4,12 @@
 
 namespace vorli {
 
-/// A moment of the calendar, in seconds since 1970-01-01 00:00 UTC. Delays are measured with the Scheduler's
-/// monotonic clock instead: a Date jumps when somebody sets the clock.
+/// A moment in calendar time, in seconds since 1970-01-01 00:00 UTC. Measure delays with the Scheduler's
+/// monotonic clock instead: a Date jumps when the clock is set.
 struct Date {
   double secondsSince1970 = 0.0;
 
-  /// The first of January of the year 1: before any real reading. Marks an empty snapshot.
+  /// The first of January of the year 1, earlier than any real reading. Marks an empty snapshot.
   static constexpr Date distantPast() { return Date{-62135596800.0}; }
 
   // NOLINTNEXTLINE(modernize-use-nullptr): where two dates are compared, it takes the zero for a pointer

@@ -11,9 +11,10 @@
 
 namespace vorli {
 
-/// One reply against one deadline; exactly one of the two wins, and the loser does nothing. The deadline runs
-/// from construction. Hand out `reply()` once, then await the race: it gives the answer, or nothing when time
-/// ran out. The answer may come from any thread; everything else belongs to the main thread.
+/// A race between one reply and one deadline: exactly one of them wins, and the other has no effect. The
+/// deadline counts from construction. Hand out `reply()` once, then await the race: it returns the answer, or
+/// nothing when the deadline passed first. The answer may come from any thread; everything else runs on the
+/// main thread.
 template <typename T>
 class DeadlineRace {
  public:

@@ -34,7 +34,7 @@ void readAnnotations(std::string_view list, Placeholder& placeholder) {
   }
 }
 
-// `rest` stands behind the percent sign; what belongs to the placeholder is taken off it.
+// `rest` begins after the percent sign; the placeholder's characters are removed from its front.
 Placeholder readPlaceholder(std::string_view& rest) {
   Placeholder placeholder;
   if (rest.starts_with('{')) {

@@ -11,7 +11,7 @@ namespace vorli {
 
 enum class LogLevel { debug, info, standard, error, fault };
 
-/// One finished line, with dynamic texts that were not marked public already hidden.
+/// One finished line. Dynamic texts that were not marked public are already hidden.
 struct LogRecord {
   LogLevel level;
   std::string_view subsystem;
@@ -39,11 +39,11 @@ class LogArgument {
 
 /// Fills a format in the notation of the platform log: printf's conversions, each with an optional list of
 /// annotations in braces (`%{public}s`, `%{bool,public}d`, `%{private}d`). A text without `public` becomes
-/// `<private>`; numbers are public unless told otherwise; `bool` prints true or false. Length modifiers are
-/// accepted and not needed. A placeholder without a value becomes `<missing>`.
+/// `<private>`; numbers are public unless marked private; `bool` prints true or false. Length modifiers are
+/// accepted but not needed. A placeholder without a value becomes `<missing>`.
 std::string formatLogMessage(std::string_view format, const std::vector<LogArgument>& arguments);
 
-/// Where one class writes its log lines. Any thread.
+/// The log of one class. Thread-safe.
 class Logger {
  public:
   using Sink = std::function<void(const LogRecord&)>;
@@ -72,8 +72,8 @@ class Logger {
     write(LogLevel::fault, format, {LogArgument(arguments)...});
   }
 
-  /// Sends every line of the process to `sink`, which must bear any thread. Without one, lines are dropped.
-  /// Returns the sink that was in force.
+  /// Sends every line of the process to `sink`, which must be thread-safe. Without a sink, lines are dropped.
+  /// Returns the previous sink.
   static Sink setSink(Sink sink);
 
  private:

@@ -9,8 +9,8 @@
 
 namespace vorli {
 
-/// In-process notifications with typed payloads: a notification is a struct, its type is its name. Observers
-/// are called in the order in which they came, inside `post`. Main thread only.
+/// In-process notifications with typed payloads: a notification is a struct, and its type serves as its name.
+/// Observers are called inside `post`, in the order in which they subscribed. Main thread only.
 class NotificationCenter {
  public:
   NotificationCenter() = default;

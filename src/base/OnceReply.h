@@ -6,8 +6,8 @@
 
 namespace vorli {
 
-/// The right to answer a request once. Answering uses it up, so a second answer does not compile by accident
-/// and does nothing by force; dropping it unanswered tells nobody.
+/// The right to answer a request once. Answering consumes it: an accidental second answer does not compile,
+/// and a forced one does nothing. Dropping it unanswered notifies nobody.
 template <typename T>
 class [[nodiscard]] OnceReply {
  public:

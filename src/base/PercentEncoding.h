@@ -5,11 +5,11 @@
 
 namespace vorli {
 
-/// What stands as it is in the host of a link, letters and digits apart.
+/// Characters, besides letters and digits, that need no encoding in the host of a link.
 inline constexpr std::string_view hostPunctuation = "!$&'()*+,-.:;=[]_~";
 
-/// The text with each byte that is neither an ASCII letter, a digit nor one of `allowedPunctuation` written
-/// as a percent sign and two upper-case hex digits.
+/// Encodes each byte that is not an ASCII letter, a digit or in `allowedPunctuation` as a percent sign and
+/// two upper-case hex digits.
 std::string percentEncoded(std::string_view text, std::string_view allowedPunctuation);
 
 }  // namespace vorli

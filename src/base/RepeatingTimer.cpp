@@ -29,7 +29,7 @@ void RepeatingTimer::arm() {
         const double late = scheduler_.now() - nextDue_;
         nextDue_ += period_ * (1.0 + std::floor(std::max(late, 0.0) / period_));
         arm();
-        if (!fire_) return;  // inside its own firing, in a nested loop
+        if (!fire_) return;  // a nested loop inside an earlier firing
         bool destroyed = false;
         destroyedDuringFire_ = &destroyed;
         auto fire = std::move(fire_);

@@ -4,8 +4,9 @@
 
 namespace vorli {
 
-/// Fires every `period` seconds until it is destroyed; first after one whole period. Firings that the loop
-/// was too busy for are dropped, and the rhythm stays. Dropped too is one inside an earlier one. Main thread.
+/// Fires every `period` seconds until it is destroyed, first after one whole period. Firings that the loop is
+/// too busy for are dropped without shifting the later ones. So is a firing that comes while an earlier one
+/// is still running. Main thread.
 class RepeatingTimer {
  public:
   RepeatingTimer(Scheduler& scheduler, double periodSeconds, UniqueFunction<void()> fire,

@@ -4,7 +4,7 @@
 
 namespace vorli {
 
-/// Lets exactly one of several parties go on, from whatever threads they come.
+/// Lets exactly one of several callers proceed. Thread-safe.
 class ResumeState {
  public:
   /// True for the first caller, false for every later one.

@@ -8,8 +8,7 @@
 
 namespace vorli {
 
-/// Immutable text that many rows share: copying it copies a pointer. Default-constructed, it is the empty
-/// text.
+/// Immutable text shared by many rows: copying it only copies a pointer. Empty when default-constructed.
 class SharedText {
  public:
   SharedText() = default;

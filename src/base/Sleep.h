@@ -15,7 +15,7 @@ class SleepAwaiter {
  public:
   SleepAwaiter(Scheduler& scheduler, double seconds) : scheduler_(scheduler), seconds_(seconds) {}
   ~SleepAwaiter() {
-    if (timer_ != 0) scheduler_.cancel(timer_);  // the flow was destroyed in its sleep
+    if (timer_ != 0) scheduler_.cancel(timer_);  // the flow was destroyed while asleep
   }
   SleepAwaiter(const SleepAwaiter&) = delete;
   SleepAwaiter& operator=(const SleepAwaiter&) = delete;
@@ -64,14 +64,14 @@ struct CancellationAwaiter {
 
 }  // namespace detail
 
-/// Suspends the flow for `seconds`. A cancelled flow's sleep ends at once, and the flow goes on: one that
-/// must not looks at the result.
+/// Suspends the flow for `seconds`. Cancelling the flow ends its sleep at once and the flow continues; check
+/// the result to stop instead.
 [[nodiscard]] inline detail::SleepAwaiter sleepFor(Scheduler& scheduler, double seconds) {
   return {scheduler, seconds};
 }
 
-/// `co_await isCancelled()` tells, without suspending, whether this flow was cancelled. Not inside a
-/// condition: see Task.
+/// `co_await isCancelled()` returns, without suspending, whether this flow was cancelled. Not allowed inside
+/// a condition: see Task.
 [[nodiscard]] inline detail::CancellationAwaiter isCancelled() {
   return {};
 }

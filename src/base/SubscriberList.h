@@ -10,8 +10,9 @@
 
 namespace vorli {
 
-/// The subscribers of one source, called in the order in which they came. Subscribing and leaving are allowed
-/// while a value is being delivered: a newcomer waits for the next value, one who left gets nothing more.
+/// The subscribers of one source, called in subscription order. Subscribing and unsubscribing are allowed
+/// while a value is being delivered: a new subscriber first receives the next value, and a removed one
+/// receives nothing more.
 template <typename... Args>
 class SubscriberList {
  public:
@@ -29,7 +30,7 @@ class SubscriberList {
     const auto state = state_;  // keeps the list while a handler destroys its owner
     const auto snapshot = state->entries;
     for (const auto& entry : snapshot) {
-      if (state.use_count() == 1) return;  // the source is gone, and maybe the value with it
+      if (state.use_count() == 1) return;  // the source is destroyed, and possibly the value too
       if (entry->active) entry->handler(args...);
     }
   }
@@ -50,7 +51,8 @@ class SubscriberList {
       const auto found =
           std::find_if(entries.begin(), entries.end(), [id](const auto& entry) { return entry->id == id; });
       if (found == entries.end()) return;
-      // Out of the list before it dies: its handler may own further subscriptions to this source.
+      // Removed from the list before it is destroyed: its handler may own further subscriptions to this
+      // source.
       const auto gone = std::move(*found);
       entries.erase(found);
       gone->active = false;

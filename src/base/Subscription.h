@@ -3,12 +3,11 @@
 #include "base/UniqueFunction.h"
 
 #include <utility>
-#include <vector>
 
 namespace vorli {
 
-/// Keeps one subscriber registered. The subscription ends with the token: destroy it, assign over it or call
-/// `cancel`. It may outlive what it was made from.
+/// A token that keeps one subscriber registered. Destroy it, assign over it or call `cancel` to end the
+/// subscription. It may outlive the source.
 class [[nodiscard]] Subscription {
  public:
   Subscription() = default;
@@ -26,13 +25,6 @@ class [[nodiscard]] Subscription {
 
   void cancel() {
     if (auto end = std::exchange(cancel_, nullptr)) end();
-  }
-
-  /// Lets the subscription live for the rest of the process, as an observer whose token nobody keeps.
-  void detach() {
-    // Kept and not dropped: the function may own what the subscription consists of.
-    static auto& detached = *new std::vector<UniqueFunction<void()>>;
-    if (cancel_) detached.push_back(std::exchange(cancel_, nullptr));
   }
 
  private:

@@ -70,12 +70,12 @@ struct TaskPromise<void> : TaskPromiseBase {
 
 }  // namespace detail
 
-/// A flow on the main thread that reads top to bottom. It does nothing until it is awaited by another flow or
-/// spawned in a TaskScope; destroying it destroys everything that it holds. A flow is a member or free
-/// function with parameters by value, never a capturing lambda, and no lambda is written on a co_await line:
-/// GCC 12 destroys the captures of such a lambda twice. Nor does `co_await` stand in the condition of an if,
-/// while or switch: GCC 12 then puts the condition before the promise in the frame, and every handle made
-/// from the promise is off by 8 bytes. Write `const bool done = co_await isCancelled();` first.
+/// A coroutine on the main thread, called a flow. It does nothing until another flow awaits it or a TaskScope
+/// spawns it; destroying it destroys everything that it holds. A flow must be a member or free function with
+/// parameters by value, never a capturing lambda. Do not write a lambda on a co_await line either: GCC 12
+/// destroys its captures twice. Do not use `co_await` in the condition of an if, while or switch: GCC 12 then
+/// puts the condition before the promise in the frame, and every handle made from the promise is off by 8
+/// bytes. Write `const bool done = co_await isCancelled();` first.
 template <typename T = void>
 class [[nodiscard]] Task {
  public:
@@ -135,8 +135,8 @@ inline Task<void> TaskPromise<void>::get_return_object() {
 }
 }  // namespace detail
 
-/// What a suspended flow leaves with whoever will wake it. Move-only: the flow goes on at most once. Dropping
-/// it unused abandons the wait; when nobody else holds the flow, it is destroyed. Main thread.
+/// Resumes a suspended flow; held by whatever will wake it. Move-only, so the flow is resumed at most once.
+/// Dropping it unused abandons the wait: the flow is destroyed unless something else holds it. Main thread.
 class Resumption {
  public:
   Resumption() = default;

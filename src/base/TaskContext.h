@@ -8,8 +8,8 @@
 
 namespace vorli {
 
-/// The state that a spawned flow and everything it awaits share: whether it is cancelled, who waits for its
-/// end, and the one frame that owns all others. Main thread.
+/// State shared by a spawned flow and every flow that it awaits: whether it is cancelled, the callbacks for
+/// its end, and the frame that owns all others. Main thread.
 class TaskContext : public std::enable_shared_from_this<TaskContext> {
  public:
   TaskContext() = default;
@@ -18,21 +18,20 @@ class TaskContext : public std::enable_shared_from_this<TaskContext> {
   TaskContext& operator=(const TaskContext&) = delete;
 
   bool isCancelled() const { return cancelled_; }
-  /// True once the flow has run to its end, or is no more to go on.
+  /// True once the flow has finished or was abandoned.
   bool hasEnded() const { return finished_ || abandoned_; }
 
-  /// Marks the flow cancelled and wakes the sleep that it is in. The flow itself goes on, and decides what to
-  /// do.
+  /// Marks the flow as cancelled and ends its current sleep. The flow continues and decides what to do.
   void cancel();
 
-  /// Destroys the flow where it stands, or at its next suspension when it is the one running.
+  /// Destroys the flow where it is suspended, or at its next suspension if it is running now.
   void abandon();
 
-  /// Called once when the flow ends by itself, before its frame is destroyed; at once if it has. Dropped
-  /// uncalled when the flow is abandoned.
+  /// Calls `callback` once when the flow finishes, before its frame is destroyed; immediately if it has
+  /// already finished. The callback is dropped when the flow is abandoned.
   void onFinished(UniqueFunction<void()> callback);
 
-  /// For a sleep: what `cancel` has to do to end it early. Replaced by each sleep.
+  /// Used by a sleep: sets the function by which `cancel` ends it early. Each sleep replaces it.
   void setCancelHandler(UniqueFunction<void()> wake) { wakeSleep_ = std::move(wake); }
 
   void adoptRoot(std::coroutine_handle<> root) { root_ = root; }

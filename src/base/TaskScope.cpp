@@ -6,7 +6,7 @@
 namespace vorli {
 
 TaskScope::~TaskScope() {
-  while (!contexts_.empty()) {  // what a flow holds may spawn another when it is destroyed
+  while (!contexts_.empty()) {  // destroying a flow may spawn another
     for (const auto& weak : std::exchange(contexts_, {})) {
       if (const auto context = weak.lock()) context->abandon();
     }

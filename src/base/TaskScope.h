@@ -8,13 +8,13 @@
 
 namespace vorli {
 
-/// Refers to a spawned flow. An empty handle behaves as one whose flow has ended.
+/// Refers to a spawned flow. An empty handle behaves like that of a finished flow.
 class TaskHandle {
  public:
   TaskHandle() = default;
   explicit TaskHandle(std::weak_ptr<TaskContext> context) : context_(std::move(context)) {}
 
-  /// True until the flow has run to its end or was destroyed.
+  /// True until the flow has finished or was destroyed.
   bool isRunning() const {
     const auto context = context_.lock();
     return context && !context->hasEnded();
@@ -24,8 +24,8 @@ class TaskHandle {
     if (const auto context = context_.lock()) context->cancel();
   }
 
-  /// Suspends the awaiting flow until this one has ended; goes on at once when it has. A flow that waits for
-  /// one whose scope goes away is destroyed with it.
+  /// Suspends the awaiting flow until this one has finished; does not suspend if it already has. When this
+  /// flow's scope is destroyed first, the awaiting flow is destroyed too.
   auto finished() const { return FinishedAwaiter{context_.lock()}; }
 
  private:
@@ -45,8 +45,8 @@ class TaskHandle {
   std::weak_ptr<TaskContext> context_;
 };
 
-/// Owns the flows of one object: those that still wait when the scope goes are destroyed where they stand, so
-/// a flow may use its owner freely. Declare it as the owner's last member. Main thread.
+/// Owns the flows of one object. Destroying the scope destroys its suspended flows, so a flow may use its
+/// owner freely. Declare it as the owner's last member. Main thread.
 class TaskScope {
  public:
   explicit TaskScope(Scheduler& scheduler) : scheduler_(scheduler) {}

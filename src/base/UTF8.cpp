@@ -8,11 +8,11 @@ namespace vorli {
 namespace {
 
 struct Sequence {
-  std::size_t length;  // of the character, or of the ill-formed piece; at least 1
+  std::size_t length;  // of the character or the ill-formed piece; at least 1
   bool wellFormed;
 };
 
-// How many bytes follow a leading byte, and what the first of them may be.
+// The number of bytes that follow a leading byte, and the allowed range of the first of them.
 struct Lead {
   std::size_t following;
   unsigned char lowest, highest;
@@ -77,6 +77,28 @@ std::string repairedUTF8(std::string_view bytes) {
     bytes.remove_prefix(length);
   }
   return repaired;
+}
+
+void appendUTF8(std::string& text, char32_t character) {
+  const auto put = [&text](char32_t byte) { text += static_cast<char>(byte); };
+  const auto putFollowing = [&](int shift) { put(0x80 | (character >> shift & 0x3F)); };
+  if (character > 0x10FFFF || (character >= 0xD800 && character <= 0xDFFF)) {
+    text += replacementCharacter;
+  } else if (character < 0x80) {
+    put(character);
+  } else if (character < 0x800) {
+    put(0xC0 | character >> 6);
+    putFollowing(0);
+  } else if (character < 0x10000) {
+    put(0xE0 | character >> 12);
+    putFollowing(6);
+    putFollowing(0);
+  } else {
+    put(0xF0 | character >> 18);
+    putFollowing(12);
+    putFollowing(6);
+    putFollowing(0);
+  }
 }
 
 }  // namespace vorli

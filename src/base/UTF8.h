@@ -5,7 +5,7 @@
 
 namespace vorli {
 
-/// U+FFFD, which stands where bytes could not be read as text.
+/// U+FFFD, which replaces bytes that are not valid text.
 inline constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";
 
 bool isASCII(std::string_view bytes);
@@ -13,8 +13,11 @@ bool isASCII(std::string_view bytes);
 /// True for well-formed UTF-8: no overlong form, no surrogate, nothing above U+10FFFF.
 bool isUTF8(std::string_view bytes);
 
-/// The text with each ill-formed piece replaced by U+FFFD; a piece is the longest start of a character that
-/// could still have become well-formed, or one byte.
+/// Replaces each ill-formed piece with U+FFFD. A piece is the longest prefix of a well-formed character, or
+/// one byte.
 std::string repairedUTF8(std::string_view bytes);
+
+/// Appends one character; U+FFFD for a surrogate or anything above U+10FFFF.
+void appendUTF8(std::string& text, char32_t character);
 
 }  // namespace vorli

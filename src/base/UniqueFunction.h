@@ -11,9 +11,8 @@ namespace vorli {
 template <typename Signature>
 class UniqueFunction;
 
-/// A callable that is moved and never copied, so it may own move-only captures. Empty after a move; calling
-/// an empty one is a programming error. (std::move_only_function is missing from one of the two libraries we
-/// build on.)
+/// A move-only callable, which may own move-only captures. Empty after a move; calling an empty one is a
+/// programming error. (std::move_only_function is missing from one of the two libraries we build on.)
 template <typename R, typename... Args>
 class UniqueFunction<R(Args...)> {
  public:

@@ -7,8 +7,8 @@
 
 namespace vorli::daemon {
 
-/// What became of the question whether a caller may. `none`: the method asks nobody. `error`: no answer, or
-/// one that makes no sense, which is a refusal.
+/// Result of an authorisation check. `none`: the method needs no authorisation. `error`: no answer or an
+/// invalid one, which counts as a refusal.
 enum class Verdict { none, granted, authenticationNeeded, denied, error };
 
 constexpr std::string_view nameOf(Verdict verdict) {
@@ -27,13 +27,13 @@ constexpr std::string_view nameOf(Verdict verdict) {
   return "error";
 }
 
-/// Decides what a caller may do, by the system's policy. Never asks the user for anything.
+/// Decides what a caller may do, by the system's policy. Never prompts the user.
 class Authority {
  public:
   virtual ~Authority() = default;
 
-  /// `subject` is the name of what is acted on, for rules and logs; may be empty. Never answers
-  /// `Verdict::none`. Answered on the main thread, in the end always.
+  /// Checks whether `caller` may perform `action`. `subject` names the object of the action, for rules and
+  /// logs; may be empty. Always answers, on the main thread, and never with `Verdict::none`.
   virtual void check(const std::string& caller, std::string_view action, const std::string& subject,
                      OnceReply<Verdict> reply) = 0;
 };

@@ -1,15 +1,15 @@
 #pragma once
 
 #include "base/OnceReply.h"
+#include "contract/HelperProtocol.h"
 #include "daemon/MoveOrder.h"
 #include "daemon/Permit.h"
-#include "helper/HelperProtocol.h"
 
 #include <cstdint>
 
 namespace vorli::daemon {
 
-/// What the daemon can do. Called and answered on the main thread; nothing blocks it.
+/// The daemon's commands. Called and answered on the main thread, which they never block.
 class Commands {
  public:
   virtual ~Commands() = default;

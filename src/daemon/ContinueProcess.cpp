@@ -10,7 +10,7 @@ HelperReply continueProcess(ProcessControl& control, const Permit& permit, std::
   if (!process) return toReply(process.error());
 
   const auto users = (*process)->users();
-  // Asked after the users: still the pinned process, so what was read was its own.
+  // Checked after reading the users: if the pinned process is still there, the users were its own.
   if (!(*process)->isThere()) return {ESRCH, "The process has ended"};
   if (!users) return {exit_code::refused, "The users of the process cannot be read"};
   if (!std::ranges::all_of(*users, [&](UserId user) { return user == permit.user(); }))

@@ -12,7 +12,8 @@ namespace vorli::daemon {
 
 namespace {
 
-// No exception leaves a worker's thread: it would end the process in the middle of other callers' work.
+// Keeps exceptions inside the worker's thread: they would end the process in the middle of other callers'
+// work.
 HelperReply guarded(UniqueFunction<HelperReply()>& work) {
   try {
     return work();

@@ -11,11 +11,11 @@
 
 namespace vorli::daemon {
 
-/// The commands on top of what the system offers. What blocks runs on a worker; purges and flushes run one at
-/// a time. Main thread.
+/// Implements the commands with the system's operations. Blocking work runs on a worker; purges and flushes
+/// run one at a time. Main thread.
 class DaemonCommands final : public Commands {
  public:
-  /// A purge that ended less than this ago is answer enough.
+  /// The result of a purge that ended less than this many seconds ago is reused.
   static constexpr double freshPurgeSeconds = 5.0;
 
   struct System {

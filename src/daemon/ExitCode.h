@@ -1,14 +1,13 @@
 #pragma once
 
-#include "helper/HelperProtocol.h"
+#include "contract/HelperProtocol.h"
 
 #include <cstdint>
 #include <string>
 
 namespace vorli::daemon {
 
-/// What the daemon itself decides, told apart from the errno values (2 to 199) that stand for the kernel's
-/// word.
+/// Codes of the daemon's own decisions. Values from 2 to 199 are errno values from the kernel.
 namespace exit_code {
 inline constexpr std::int32_t done = 0;
 inline constexpr std::int32_t refused = 1;

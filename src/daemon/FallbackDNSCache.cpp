@@ -10,8 +10,7 @@ void FallbackDNSCache::flush(double seconds, OnceReply<Outcome> reply) {
                  second_.flush(seconds,
                                OnceReply<Outcome>([first = std::move(first),
                                                    reply = std::move(reply)](Outcome second) mutable {
-                                 // What the first one said of its failure tells more than that the second
-                                 // found nothing.
+                                 // The first one's error is more useful than an absent second one.
                                  const bool found = second.state != Outcome::State::absent;
                                  std::move(reply)(found ? std::move(second) : std::move(first));
                                }));

@@ -7,7 +7,7 @@ namespace vorli::daemon {
 /// One server that can be reached in two ways: the second is tried when the first does not work.
 class FallbackDNSCache final : public DNSCache {
  public:
-  /// Both outlive this object.
+  /// Both caches must outlive this object.
   FallbackDNSCache(DNSCache& first, DNSCache& second) : first_(first), second_(second) {}
 
   std::string_view name() const override { return first_.name(); }

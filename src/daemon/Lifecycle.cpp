@@ -15,7 +15,6 @@ Lifecycle::Lifecycle(Scheduler& scheduler, Link& link, std::function<std::size_t
 
 Lifecycle::~Lifecycle() {
   scheduler_.cancel(idleTimer_);
-  scheduler_.cancel(barrierTimer_);
   scheduler_.cancel(drainTimer_);
 }
 
@@ -24,7 +23,7 @@ void Lifecycle::start() {
   watchIdleness(idleSeconds_);
 }
 
-// The timer is left alone by the calls and looks at their traces when it is due, so a call costs no timer.
+// Calls do not restart the timer: when due, it checks the time of the last call. So a call costs no timer.
 void Lifecycle::watchIdleness(double seconds) {
   idleTimer_ = scheduler_.after(seconds, [this] {
     const double left = lastActivity_ + idleSeconds_ - scheduler_.now();
@@ -46,18 +45,16 @@ void Lifecycle::requestEnded() {
 void Lifecycle::leave() {
   if (std::exchange(leaving_, true)) return;
   scheduler_.cancel(idleTimer_);
-  // From here on the bus starts a new process for new calls. The service manager is told nothing besides: it
-  // sees the name go. When it hears of the end before it has seen the start, it takes the next call's start
-  // for done.
+  // From here on the bus starts a new process for new calls. The service manager is not notified separately:
+  // it sees that the name is released. If it heard of the exit before it had seen the start, it would take
+  // the start for the next call as already done.
   link_.releaseName();
-  const auto received = [this, alive = std::weak_ptr(alive_)] {
+  drainTimer_ = scheduler_.after(Timing::drainSeconds, [this] { link_.stop(); });
+  link_.barrier(OnceReply<bool>([this, alive = std::weak_ptr(alive_)](bool) {
     if (alive.expired()) return;
     everythingReceived_ = true;
     stopIfDrained();
-  };
-  barrierTimer_ = scheduler_.after(Timing::barrierSeconds, received);
-  drainTimer_ = scheduler_.after(Timing::drainSeconds, [this] { link_.stop(); });
-  link_.barrier(OnceReply<bool>([received](bool) { received(); }));
+  }));
 }
 
 void Lifecycle::stopIfDrained() {

@@ -9,17 +9,17 @@
 
 namespace vorli::daemon {
 
-/// When and how the daemon leaves: idle, told to, or replaced on disk. No call that was sent to it is lost:
-/// the name is given back first, what the bus had already sent is served, and only then does the process end.
-/// Main thread.
+/// Decides when and how the daemon exits: when idle, on request, or when replaced on disk. No call is lost:
+/// the daemon first releases its name, then serves every call that the bus has already sent, and only then
+/// ends the process. Main thread.
 class Lifecycle {
  public:
-  /// What leaving needs of the connection to the bus.
+  /// The part of the bus connection that is needed to exit.
   class Link {
    public:
     virtual ~Link() = default;
     virtual void releaseName() = 0;
-    /// Answered when everything that the bus sent before this call has been handled.
+    /// Answers when everything that the bus sent before this call has been handled.
     virtual void barrier(OnceReply<bool> reply) = 0;
     /// Ends the main loop.
     virtual void stop() = 0;
@@ -27,21 +27,21 @@ class Lifecycle {
 
   struct Timing {
     static constexpr double defaultIdleSeconds = 30.0;
-    /// Work that takes longer is left to itself; the service manager kills at 30.
+    /// Time allowed for work in progress. Longer work is abandoned, because the service manager kills the
+    /// process after 30 seconds.
     static constexpr double drainSeconds = 25.0;
-    static constexpr double barrierSeconds = 2.0;
   };
 
   Lifecycle(Scheduler& scheduler, Link& link, std::function<std::size_t()> inFlight, double idleSeconds);
   ~Lifecycle();
 
-  /// Begins to wait for idleness.
+  /// Starts to watch for idleness.
   void start();
-  /// A call came in.
+  /// Notes that a call has arrived.
   void touch() { lastActivity_ = scheduler_.now(); }
-  /// A request has ended.
+  /// Notes that a request has ended.
   void requestEnded();
-  /// Leave as soon as what was sent so far is served.
+  /// Stops the main loop as soon as all calls sent so far are served.
   void leave();
 
  private:
@@ -56,7 +56,6 @@ class Lifecycle {
   bool leaving_ = false;
   bool everythingReceived_ = false;
   Scheduler::TimerId idleTimer_ = 0;
-  Scheduler::TimerId barrierTimer_ = 0;
   Scheduler::TimerId drainTimer_ = 0;
   std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
 };

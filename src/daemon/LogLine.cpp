@@ -9,7 +9,7 @@ namespace {
 constexpr std::size_t longestArgument = 150;
 constexpr std::size_t longestText = 120;
 constexpr std::size_t longestCaller = 40;
-constexpr std::size_t longestAnswer = 1024;
+constexpr std::size_t longestAnswer = 384;
 constexpr std::string_view cutMark = "...";
 
 bool isPlain(char c) {

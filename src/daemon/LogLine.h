@@ -1,8 +1,8 @@
 #pragma once
 
+#include "contract/HelperProtocol.h"
 #include "daemon/Authority.h"
 #include "daemon/Request.h"
-#include "helper/HelperProtocol.h"
 
 #include <cstdint>
 #include <optional>
@@ -11,7 +11,7 @@
 
 namespace vorli::daemon {
 
-/// What is written down of one request.
+/// Data logged about one request.
 struct LogEntry {
   std::uint64_t serial = 0;
   const Request& request;
@@ -21,13 +21,14 @@ struct LogEntry {
   double seconds = 0.0;
 };
 
-/// One line of printable ASCII, at most 600 bytes, whatever the caller sent.
+/// Formats one line of printable ASCII, at most 600 bytes, whatever the caller sent.
 std::string logLine(const LogEntry& entry);
 
-/// `text` between double quotes, everything but plain printable ASCII as `\xNN`, cut to `longest` bytes.
+/// Returns `text` in double quotes, with all bytes but plain printable ASCII as `\xNN`, cut to `longest`
+/// bytes.
 std::string quoted(std::string_view text, std::size_t longest);
 
-/// The first 1,024 bytes of `text` with everything unprintable as a blank: what may stand in an answer.
+/// Makes `text` safe for an answer: its first 1,024 bytes, with unprintable characters replaced by blanks.
 std::string answerText(std::string_view text);
 
 }  // namespace vorli::daemon

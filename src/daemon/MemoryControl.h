@@ -11,19 +11,20 @@ namespace vorli::daemon {
 struct MemoryReading {
   std::uint64_t freeBytes = 0;
   std::uint64_t availableBytes = 0;
-  /// Pages of files, buffers included.
+  /// Pages of files, including buffers.
   std::uint64_t pageCacheBytes = 0;
   std::uint64_t reclaimableSlabBytes = 0;
 };
 
-/// The kernel's levers on its caches. Every call blocks; none is made on the main thread.
+/// The kernel's controls for its caches. Every call blocks; never call on the main thread.
 class MemoryControl {
  public:
   virtual ~MemoryControl() = default;
 
-  /// Nothing when it cannot be read.
+  /// Empty when it cannot be read.
   virtual std::optional<MemoryReading> read() = 0;
-  /// Writes what is not yet on disk. False when that takes longer than `seconds`; it then goes on by itself.
+  /// Writes unsaved data to disk. False when that takes longer than `seconds`; it then continues in the
+  /// background.
   virtual bool syncWithin(double seconds) = 0;
   virtual std::expected<void, SystemError> dropPageCache() = 0;
   virtual std::expected<void, SystemError> dropSlab() = 0;

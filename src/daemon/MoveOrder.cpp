@@ -22,7 +22,7 @@ bool isAllowedCharacter(char c) {
          std::string_view("._@:+-\\").contains(c);
 }
 
-// Nothing is normalised: a path that is not already in its plainest form is not taken.
+// Paths are not normalised: a path that is not in its plainest form is refused.
 std::optional<Path> split(std::string_view path) {
   const auto slash = path.rfind('/');
   if (slash == std::string_view::npos || slash == 0) return std::nullopt;
@@ -55,16 +55,16 @@ std::unexpected<HelperReply> refused(std::string_view text) {
 
 }  // namespace
 
-std::expected<MoveOrder, HelperReply> decodeMove(std::string_view from, std::string_view to) {
+std::expected<MoveOrder, HelperReply> decodeMove(std::string_view from, std::string_view to,
+                                                 HostSystem system) {
   const auto source = split(from);
   const auto target = split(to);
   if (!source || !target) return malformed("Not a path of a startup item");
   if (source->folder != target->folder) return refused("The two paths are not in the same folder");
 
-  const auto folder =
-      std::ranges::find(helper::systemStartupFolders, source->folder, &helper::SystemStartupFolder::path);
-  if (folder == helper::systemStartupFolders.end())
-    return refused("The folder is not one that the helper changes");
+  const auto folders = helper::systemFoldersOf(system);
+  const auto folder = std::ranges::find(folders, source->folder, &helper::SystemStartupFolder::path);
+  if (folder == folders.end()) return refused("The folder is not one that the helper changes");
 
   MoveOrder order{&*folder, std::string(source->name), std::string(target->name),
                   MoveOrder::Direction::putAway};

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "helper/HelperProtocol.h"
-#include "helper/SystemStartupFolders.h"
+#include "base/HostSystem.h"
+#include "contract/HelperProtocol.h"
+#include "contract/SystemStartupFolders.h"
 
 #include <expected>
 #include <string>
@@ -13,7 +14,7 @@ namespace vorli::daemon {
 struct MoveOrder {
   enum class Direction { putAway, bringBack };
 
-  /// Points into the constant list.
+  /// Points into the constant list of folders.
   const helper::SystemStartupFolder* folder;
   std::string fromName;
   std::string toName;
@@ -22,7 +23,9 @@ struct MoveOrder {
   bool operator==(const MoveOrder&) const = default;
 };
 
-/// Judges the two paths by their text alone, without a look at the disk. Error: the answer for the caller.
-std::expected<MoveOrder, HelperReply> decodeMove(std::string_view from, std::string_view to);
+/// Checks the two paths by their text alone, without access to the disk. `system` decides which folders are
+/// allowed. Error: the answer for the caller.
+std::expected<MoveOrder, HelperReply> decodeMove(std::string_view from, std::string_view to,
+                                                 HostSystem system = hostSystem);
 
 }  // namespace vorli::daemon

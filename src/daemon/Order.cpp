@@ -8,8 +8,8 @@ namespace vorli::daemon {
 
 namespace {
 
-// The number is the contract's name for "continue"; on some systems the kernel's signal of that number stops
-// a process. So no other is taken, and this one is never handed on.
+// The contract's number for "continue"; on some systems the kernel's signal of that number stops a process.
+// So no other number is accepted, and this one is never passed to the kernel.
 std::expected<Order, HelperReply> decodeKill(const KillArguments& arguments) {
   if (arguments.signal != helper::continueSignal)
     return std::unexpected(HelperReply{EINVAL, "Only the continue signal (19) is delivered"});

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "contract/HelperProtocol.h"
 #include "daemon/MoveOrder.h"
 #include "daemon/Request.h"
-#include "helper/HelperProtocol.h"
 
 #include <expected>
 #include <variant>
@@ -16,10 +16,10 @@ struct ContinueOrder {
 };
 struct DumpOrder {};
 
-/// A request whose arguments have passed every rule that can be told from them alone.
+/// A request whose arguments have passed every check that needs only the arguments.
 using Order = std::variant<PurgeOrder, FlushOrder, ContinueOrder, DumpOrder, MoveOrder>;
 
-/// Error: the answer for the caller.
+/// Checks a request's arguments. Error: the answer for the caller.
 std::expected<Order, HelperReply> decode(const Request& request);
 
 }  // namespace vorli::daemon

@@ -4,7 +4,7 @@
 
 namespace vorli::daemon {
 
-/// Proof that a request was let through, for one user. Only the request desk makes one, and every command
+/// Proof that a request of one user was allowed. Only the request desk creates permits and every command
 /// takes one, so no command can run unchecked.
 class Permit {
  public:

@@ -11,17 +11,17 @@
 
 namespace vorli::daemon {
 
-/// One process, held so that its number cannot pass to another unnoticed.
+/// One process, held so that a reuse of its number is noticed.
 class PinnedProcess {
  public:
   virtual ~PinnedProcess() = default;
 
-  /// Real, effective, saved and file system user of whatever bears the number now; nothing when they are
+  /// Real, effective, saved and file system user of the process that has the number now; empty when they are
   /// hidden.
   virtual std::optional<std::array<UserId, 4>> users() = 0;
   /// False once the process has ended.
   virtual bool isThere() = 0;
-  /// Lets a stopped process go on; does nothing to a running one.
+  /// Resumes a stopped process; does nothing to a running one.
   virtual std::expected<void, SystemError> resume() = 0;
 };
 

@@ -7,7 +7,7 @@
 
 namespace vorli::daemon {
 
-/// As the bus tells it: 32 bits without a sign, all values but the last are real users.
+/// A user id as the bus reports it: 32 bits, unsigned; all values but the last are real users.
 using UserId = std::uint32_t;
 
 /// The methods that pass through the request desk. Ping and Version are answered before it.
@@ -15,9 +15,9 @@ enum class Method { purgeMemory, flushDNS, killPID, dumpBTM, moveLaunchAgentPlis
 
 struct MethodRules {
   std::string_view name;
-  /// What polkit is asked for; empty when the method needs no authorisation.
+  /// Action that polkit must grant; empty when the method needs no authorisation.
   std::string_view action;
-  /// The answer is given within this time, whatever the work does; the application's own limit is later.
+  /// Longest time until the answer, however long the work takes; the application's own limit is longer.
   double deadlineSeconds;
 };
 
@@ -47,7 +47,8 @@ struct MoveArguments {
   std::string to;
 };
 
-/// One call as it came off the bus. Owned by value until it is answered: what was checked is what is done.
+/// One call as received from the bus. Held by value until it is answered, so that what was checked is what is
+/// done.
 struct Request {
   Method method;
   /// The caller's unique name on the bus.

@@ -23,21 +23,39 @@ HelperReply refusalFor(Verdict verdict) {
   }
 }
 
-// No sound request comes near this. One that does is not kept for as long as it takes to ask whose it is:
-// the bus lets 32 MiB through.
+constexpr UserId root = 0;
+
+HelperReply strangerReply() {
+  return {exit_code::notAuthorised, "Not authorised: the caller's process has ended or is another user's"};
+}
+
+using Admission = RequestLimits::Admission;
+
+HelperReply busyReply(Admission admission) {
+  const bool isFull = admission == Admission::full;
+  return {exit_code::busy, isFull ? "Too many requests at once" : "Too many requests of this user at once"};
+}
+
+// No valid request is this large. A larger one is not kept in memory while its user is looked up: the bus
+// allows messages of 32 MiB.
 bool isLarge(const Request& request) {
   constexpr std::size_t largestArgument = 4096;
   const auto* move = std::get_if<MoveArguments>(&request.arguments);
   return move && (move->from.size() > largestArgument || move->to.size() > largestArgument);
 }
 
-// What rules and logs may know of the order.
+LogImportance importanceOf(bool isGranted, const HelperReply& answer) {
+  if (answer.exitCode != exit_code::done) return LogImportance::warning;
+  return isGranted ? LogImportance::notice : LogImportance::detail;
+}
+
+// The part of the order that is shown to rules and logs.
 std::string subjectOf(const Order& order) {
   const auto* move = std::get_if<MoveOrder>(&order);
   return move ? move->fromName : std::string();
 }
 
-// The work keeps its place until it ends, even when its answer is long given.
+// Holds the request's place until the work ends, even if the answer was sent long before.
 OnceReply<HelperReply> holding(std::shared_ptr<RequestLimits::Place> place, OnceReply<HelperReply> reply) {
   return OnceReply<HelperReply>([place = std::move(place), reply = std::move(reply)](
                                     HelperReply value) mutable { std::move(reply)(std::move(value)); });
@@ -52,6 +70,7 @@ RequestDesk::RequestDesk(Scheduler& scheduler, Callers& callers, Authority& auth
       authority_(authority),
       commands_(commands),
       log_(std::move(log)),
+      budget_(scheduler, [this](LogBudget::User user, std::size_t count) { tellLeftOut(user, count); }),
       limits_(scheduler),
       tasks_(scheduler) {}
 
@@ -59,7 +78,7 @@ void RequestDesk::submit(Request request, OnceReply<HelperReply> reply) {
   auto entry = std::make_shared<Case>();
   entry->request = std::move(request);
   entry->user = book_.userOf(entry->request.caller);
-  entry->place = entry->user ? limits_.admit() : limits_.admitUnidentified(entry->request.caller);
+  entry->place = limits_.admit();
   entry->serial = ++lastSerial_;
   entry->startedAt = scheduler_.now();
   tasks_.spawn(serve(std::move(entry), std::move(reply)));
@@ -75,22 +94,28 @@ Task<> RequestDesk::serve(SharedCase entry, OnceReply<HelperReply> reply) {
 Task<HelperReply> RequestDesk::decide(SharedCase entry) {
   const auto order = decode(entry->request);
   if (!order) {
-    // Whose it was is still worth writing down.
-    if (entry->place && !isLarge(entry->request)) co_await identify(entry);
+    // The user is still looked up, for the log.
+    if (!isLarge(entry->request)) co_await identify(entry);
     co_return order.error();
   }
 
-  if (!entry->place) co_return HelperReply{exit_code::busy, "Too many requests at once"};
   co_await identify(entry);
   if (!entry->user) co_return HelperReply{exit_code::notAuthorised, "The bus does not tell who is calling"};
-  if (!entry->place->assignTo(*entry->user))
-    co_return HelperReply{exit_code::busy, "Too many requests of this user at once"};
+  if (const auto admission = entry->place->assignTo(*entry->user); admission != Admission::admitted)
+    co_return busyReply(admission);
 
   if (!rulesOf(entry->request.method).action.empty()) {
     if (!entry->place->countPrivileged())
       co_return HelperReply{exit_code::busy, "Too many requests of this user lately"};
+    co_await holdProcess(entry);
+    if (!hasOwnProcess(*entry)) co_return strangerReply();
     co_await authorise(entry, subjectOf(*order));
     if (entry->verdict != Verdict::granted) co_return refusalFor(entry->verdict);
+    // If the held process has ended, polkit may have judged another process with the same number.
+    if (!hasOwnProcess(*entry)) {
+      entry->verdict = Verdict::denied;
+      co_return strangerReply();
+    }
   }
 
   DeadlineRace<HelperReply> work(scheduler_, left(*entry));
@@ -108,6 +133,20 @@ Task<> RequestDesk::identify(SharedCase entry) {
   if (!told || !*told) co_return;
   entry->user = *told;
   book_.note(entry->request.caller, **told);
+}
+
+// Polkit judges the process whose number the bus recorded when the caller connected. Root is not judged.
+Task<> RequestDesk::holdProcess(SharedCase entry) {
+  if (*entry->user == root) co_return;
+  DeadlineRace<std::shared_ptr<CallerProcess>> answer(scheduler_,
+                                                      std::min(Timing::identitySeconds, left(*entry)));
+  callers_.processOf(entry->request.caller, *entry->user, answer.reply());
+  auto process = co_await answer;
+  if (process) entry->process = std::move(*process);
+}
+
+bool RequestDesk::hasOwnProcess(const Case& entry) {
+  return *entry.user == root || (entry.process && entry.process->isThere());
 }
 
 Task<> RequestDesk::authorise(SharedCase entry, std::string subject) {
@@ -135,14 +174,21 @@ void RequestDesk::act(const Order& order, Permit permit, OnceReply<HelperReply> 
   }
 }
 
+// Granted requests are always logged: polkit and the limit of privileged requests already bound their number.
 void RequestDesk::close(const Case& entry, const HelperReply& answer) {
-  const auto importance = answer.exitCode == exit_code::done ? LogImportance::notice : LogImportance::warning;
-  log_(importance, logLine({.serial = entry.serial,
-                            .request = entry.request,
-                            .user = entry.user,
-                            .verdict = entry.verdict,
-                            .reply = answer,
-                            .seconds = scheduler_.now() - entry.startedAt}));
+  const bool isGranted = entry.verdict == Verdict::granted;
+  if (!isGranted && !budget_.take(entry.user)) return;
+  log_(importanceOf(isGranted, answer), logLine({.serial = entry.serial,
+                                                 .request = entry.request,
+                                                 .user = entry.user,
+                                                 .verdict = entry.verdict,
+                                                 .reply = answer,
+                                                 .seconds = scheduler_.now() - entry.startedAt}));
+}
+
+void RequestDesk::tellLeftOut(LogBudget::User user, std::size_t count) {
+  const auto whose = user ? "user " + std::to_string(*user) : std::string("unknown users");
+  log_(LogImportance::warning, std::to_string(count) + " more of " + whose);
 }
 
 }  // namespace vorli::daemon

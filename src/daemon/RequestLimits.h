@@ -9,35 +9,34 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <string>
 
 namespace vorli::daemon {
 
-/// Keeps one caller from taking the daemon away from the others. Main thread.
+/// Keeps one user from blocking the daemon for the others. Main thread.
 class RequestLimits {
  public:
+  /// Places for requests whose user is known. Requests whose user is still being looked up are counted
+  /// separately: when their places are used up, no request is refused, but the daemon reads no further call
+  /// until one is free.
   static constexpr std::size_t mostInFlight = 64;
   static constexpr std::size_t mostInFlightPerUser = 8;
-  /// The bus's word on a caller waits behind all that it sends us before, so one who sends much could fill
-  /// every place before it is known who that is.
   static constexpr std::size_t mostUnidentified = 32;
-  static constexpr std::size_t mostUnidentifiedPerCaller = 8;
   static constexpr std::size_t mostPrivilegedPerUser = 20;
   static constexpr double privilegedWindowSeconds = 10.0;
 
   explicit RequestLimits(const Scheduler& clock) : state_(std::make_shared<State>(clock)) {}
 
-  /// One place among the requests in flight, given back when its last holder lets go.
+  /// One place among the requests in flight, released when its last holder is destroyed.
   class Place;
+  enum class Admission { admitted, full, userHasTooMany };
 
-  /// Null when all places are taken.
-  [[nodiscard]] std::shared_ptr<Place> admit();
-  /// For a caller whose user is yet to be found out. Null also when too many such wait, or too many of this
-  /// caller's.
-  [[nodiscard]] std::shared_ptr<Place> admitUnidentified(const std::string& caller);
+  /// Returns a place for a request whose user is not known yet.
+  std::shared_ptr<Place> admit();
+  /// False while as many users are being looked up as are allowed.
+  bool hasRoomForUnidentified() const { return state_->unidentified < mostUnidentified; }
 
-  std::size_t inFlight() const { return state_->inFlight; }
-  /// Called whenever a place is given back.
+  std::size_t inFlight() const { return state_->unidentified + state_->identified; }
+  /// Sets the function to call whenever a place is released.
   void onRelease(std::function<void()> handler) { state_->onRelease = std::move(handler); }
 
  private:
@@ -45,9 +44,8 @@ class RequestLimits {
     explicit State(const Scheduler& clock) : clock(clock) {}
 
     const Scheduler& clock;
-    std::size_t inFlight = 0;
     std::size_t unidentified = 0;
-    std::map<std::string, std::size_t> unidentifiedPerCaller;
+    std::size_t identified = 0;
     std::map<UserId, std::size_t> perUser;
     /// Start times of each user's privileged requests within the window.
     std::map<UserId, std::deque<double>> recent;
@@ -65,20 +63,17 @@ class RequestLimits::Place {
   Place& operator=(const Place&) = delete;
   ~Place();
 
-  /// Counts the place on the user's account, once. False when the user has as many as are allowed.
-  [[nodiscard]] bool assignTo(UserId user);
-  /// Notes a privileged request of that user. False when there were too many lately; those do not count.
+  /// Assigns the place to the user, once.
+  [[nodiscard]] Admission assignTo(UserId user);
+  /// Counts a privileged request of that user. False when there were too many recently; refused requests do
+  /// not count.
   [[nodiscard]] bool countPrivileged();
 
  private:
   friend class RequestLimits;
-  Place(std::shared_ptr<State> state, std::string unidentifiedCaller);
-
-  void leaveUnidentified();
+  explicit Place(std::shared_ptr<State> state);
 
   std::shared_ptr<State> state_;
-  /// Empty once the user is known.
-  std::string unidentifiedCaller_;
   std::optional<UserId> user_;
 };
 

@@ -2,7 +2,7 @@
 
 #include "base/OnceReply.h"
 #include "base/Scheduler.h"
-#include "helper/HelperProtocol.h"
+#include "contract/HelperProtocol.h"
 
 #include <memory>
 #include <optional>
@@ -10,7 +10,7 @@
 
 namespace vorli::daemon {
 
-/// A piece of work that runs once at a time: who asks while it runs gets the same answer. Main thread.
+/// A piece of work that runs once at a time: requests made while it runs get the same answer. Main thread.
 class SingleFlight {
  public:
   using Work = UniqueFunction<void(OnceReply<HelperReply>)>;
@@ -23,8 +23,8 @@ class SingleFlight {
 
   explicit SingleFlight(const Scheduler& clock) : clock_(clock) {}
 
-  /// Starts `work`, or drops it and waits for the one that runs. The answer of the work comes on the main
-  /// thread and after this object's end does nothing.
+  /// Starts `work`, or drops it and waits for the work that is already running. The work must answer on the
+  /// main thread; an answer after this object's destruction is ignored.
   void join(OnceReply<HelperReply> reply, Work work);
 
   bool isRunning() const { return state_->running; }

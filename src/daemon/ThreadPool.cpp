@@ -5,7 +5,7 @@
 namespace vorli::daemon {
 
 void ThreadPool::stop() {
-  std::deque<UniqueFunction<void()>> dropped;  // ends outside the lock
+  std::deque<UniqueFunction<void()>> dropped;  // destroyed outside the lock
   {
     const std::lock_guard guard(lock_);
     stopping_ = true;
@@ -36,7 +36,7 @@ void ThreadPool::work() {
     queue_.pop_front();
     guard.unlock();
     next();
-    next = nullptr;  // its captures end on this thread, outside the lock
+    next = nullptr;  // destroys its captures on this thread, outside the lock
     guard.lock();
   }
 }

@@ -10,14 +10,14 @@
 
 namespace vorli::daemon {
 
-/// A few threads, each started when there is first work for it.
+/// A few threads, each started when it is first needed.
 class ThreadPool final : public Workers {
  public:
   explicit ThreadPool(std::size_t mostThreads) : mostThreads_(mostThreads) {}
   ~ThreadPool() override { stop(); }
 
   void post(UniqueFunction<void()> work) override;
-  /// Waits for the work that runs and drops what waits; takes no more.
+  /// Waits for running work, drops pending work and accepts no more.
   void stop();
 
  private:

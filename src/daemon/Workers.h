@@ -4,12 +4,12 @@
 
 namespace vorli::daemon {
 
-/// Threads for what blocks.
+/// Threads for blocking work.
 class Workers {
  public:
   virtual ~Workers() = default;
 
-  /// Runs `work` on some thread, in the order of posting as far as threads are free. Any thread.
+  /// Runs `work` on some thread. Work starts in the order of posting, as threads become free. Any thread.
   virtual void post(UniqueFunction<void()> work) = 0;
 };
 

@@ -1,34 +1,25 @@
 #include "helper/ApplicationsFolder.h"
 
-#include "base/HostSystem.h"
-
 #include <algorithm>
-#include <array>
 #include <string>
 
 namespace vorli {
 
 namespace {
 
-using namespace std::string_view_literals;
+constexpr std::string_view macOSFolders[] = {"/Applications/"};
+constexpr std::string_view macOSHomeFolders[] = {"/Applications/"};
 
-constexpr std::array macOSFolders{"/Applications/"sv};
-constexpr std::array macOSHomeFolders{"/Applications/"sv};
-
-// What a package manager installs lies in /usr or /opt; the rest are the roots of flatpak and snap, and
-// /app is a flatpak's own view of itself.
-constexpr std::array linuxFolders{
-    "/usr/"sv, "/opt/"sv, "/app/"sv, "/var/lib/flatpak/"sv, "/snap/"sv, "/var/lib/snapd/snap/"sv};
-constexpr std::array linuxHomeFolders{"/.local/"sv, "/Applications/"sv};
+// Package managers install into /usr or /opt. The rest are the roots of flatpak and snap; /app is where a
+// flatpak sees itself.
+constexpr std::string_view linuxFolders[] = {
+    "/usr/", "/opt/", "/app/", "/var/lib/flatpak/", "/snap/", "/var/lib/snapd/snap/"};
+constexpr std::string_view linuxHomeFolders[] = {"/.local/", "/Applications/"};
 
 }  // namespace
 
 constexpr ApplicationsFolders ApplicationsFolders::macOS{macOSFolders, macOSHomeFolders};
 constexpr ApplicationsFolders ApplicationsFolders::linuxDesktop{linuxFolders, linuxHomeFolders};
-
-const ApplicationsFolders& ApplicationsFolders::ofThisSystem() {
-  return hostSystem == HostSystem::macOS ? macOS : linuxDesktop;
-}
 
 bool isAppInApplicationsFolder(const ports::ApplicationBundle& bundle, const ApplicationsFolders& folders) {
   const std::string path = bundle.bundlePath();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/HostSystem.h"
 #include "ports/ApplicationBundle.h"
 
 #include <span>
@@ -7,20 +8,19 @@
 
 namespace vorli {
 
-/// Where a system keeps installed applications, as prefixes of a path with a slash at both ends.
+/// Folders in which a system keeps installed applications, as path prefixes with a slash at both ends.
 struct ApplicationsFolders {
   std::span<const std::string_view> everybodys;
-  /// Below the user's home folder.
+  /// Folders below the user's home folder.
   std::span<const std::string_view> inHome;
 
   static const ApplicationsFolders macOS;
   static const ApplicationsFolders linuxDesktop;
-  static const ApplicationsFolders& ofThisSystem();
 };
 
-/// True when the program lies in one of the folders, at any depth. A plain test of the path's beginning: no
-/// link is followed.
+/// True when the program lies in one of the folders, at any depth. Compares path prefixes only; links are not
+/// followed.
 bool isAppInApplicationsFolder(const ports::ApplicationBundle& bundle,
-                               const ApplicationsFolders& folders = ApplicationsFolders::ofThisSystem());
+                               const ApplicationsFolders& folders = ofThisSystem<ApplicationsFolders>());
 
 }  // namespace vorli

@@ -102,7 +102,7 @@ Task<HelperReply> HelperCalls::perform(Request request, Send send) {
     co_return HelperReply{callFailed, "No helper connection"};
   }
 
-  // The timer starts before the request leaves.
+  // The timer starts before the request is sent.
   DeadlineRace<HelperReply> race(scheduler_, request.limitSeconds);
   send(*proxy, race.reply());
   auto reply = co_await race;

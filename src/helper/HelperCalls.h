@@ -3,8 +3,8 @@
 #include "base/Scheduler.h"
 #include "base/Task.h"
 #include "base/UniqueFunction.h"
+#include "contract/HelperProtocol.h"
 #include "helper/HelperLink.h"
-#include "helper/HelperProtocol.h"
 
 #include <cstdint>
 #include <memory>
@@ -13,9 +13,9 @@
 
 namespace vorli {
 
-/// The daemon's requests, each with a time limit and always with a result. The reply and the timer race;
-/// exactly one of them ends the call, and the other leaves no trace. A failing connection does not end a
-/// call: its timer does. Main thread.
+/// The daemon's requests, each with a time limit and always with a result. The reply races the timer; exactly
+/// one of them ends the call, and the other is ignored. A failing connection does not end a call: its timer
+/// does. Main thread.
 class HelperCalls {
  public:
   HelperCalls(Scheduler& scheduler, std::shared_ptr<HelperLink> link);
@@ -33,8 +33,8 @@ class HelperCalls {
     double limitSeconds;
     std::string_view logRequested;
     std::string_view logNoProxy;
-    std::string_view logTimeout;  // may show the subject
-    std::string_view logReply;    // shows exit code and output
+    std::string_view logTimeout;  // may contain the subject
+    std::string_view logReply;    // contains the exit code and the output
     std::string_view timeoutOutput;
     std::int32_t subject = 0;
   };

@@ -1,8 +1,9 @@
 #include "helper/HelperLaunchTask.h"
 
-#include "app/UserDefaults.h"
 #include "base/Sleep.h"
 #include "helper/HelperTimings.h"
+#include "settings/SetupRecord.h"
+#include "settings/UserDefaults.h"
 
 #include <string>
 
@@ -11,7 +12,6 @@ namespace vorli {
 namespace {
 
 constexpr const char* buildKey = "CFBundleVersion";
-constexpr const char* lastLaunchedBuildKey = "vorli.lastLaunchedBuild";
 
 }  // namespace
 

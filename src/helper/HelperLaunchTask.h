@@ -9,12 +9,12 @@
 
 namespace vorli {
 
-/// Compares the running build with the one of the last launch, and stores it as the new last one. True when a
-/// build was stored and is another; the first launch is no change. Main thread.
+/// Compares the running build with that of the last launch, and stores it for the next one. True when a
+/// different build was stored; the first launch does not count as a change. Main thread.
 bool buildChanged(const ports::ApplicationBundle& bundle, ports::KeyValueStore& defaults);
 
-/// Sees to it at start that the daemon answers: a repair, a forced one when that did not help, and
-/// `notifyHelperBroken` when neither did. Never leads to a password prompt. Main thread.
+/// Makes sure at launch that the daemon answers: repairs it if it is stale, then forces a repair, and calls
+/// `notifyHelperBroken` if neither helped. Never causes a password prompt. Main thread.
 Task<> helperLaunchTask(Scheduler& scheduler, HelperManager& manager, Reinstall force,
                         UniqueFunction<void()> notifyHelperBroken);
 

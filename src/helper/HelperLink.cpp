@@ -8,8 +8,8 @@
 namespace vorli {
 
 HelperLink::HelperLink(Scheduler& scheduler, ports::HelperService& service, ports::HelperTransport& transport,
-                       Observable<std::optional<std::string>>& lastError)
-    : scheduler_(scheduler), service_(service), transport_(transport), lastError_(lastError) {}
+                       std::function<void(std::string)> reportError)
+    : scheduler_(scheduler), service_(service), transport_(transport), reportError_(std::move(reportError)) {}
 
 std::shared_ptr<HelperProtocol> HelperLink::proxy() {
   if (connection_) {
@@ -39,19 +39,19 @@ void HelperLink::close() {
 
 void HelperLink::proxyFailed(const std::string& description) {
   helperLog.error("XPC proxy error: %{public}s", description);
-  lastError_ = "XPC error: " + description;
+  reportError_("XPC error: " + description);
   close();
 }
 
 void HelperLink::reusedProxyFailed(const std::string& description) {
   helperLog.error("XPC proxy error (reused): %{public}s", description);
-  lastError_ = "XPC error: " + description;
+  reportError_("XPC error: " + description);
   close();
 }
 
 void HelperLink::invalidated() {
   helperLog.error("XPC connection invalidated");
-  lastError_ = "Helper connection invalidated.";
+  reportError_("Helper connection invalidated.");
   close();
 }
 

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <expected>
 #include <string_view>
+#include <utility>
 
 namespace vorli {
 
@@ -27,16 +28,27 @@ bool containsIgnoringCase(std::string_view text, std::string_view word) {
 }  // namespace
 
 HelperManager::HelperManager(Scheduler& scheduler, ports::HelperService& service,
-                             ports::HelperTransport& transport, const ports::ApplicationBundle& bundle)
+                             ports::HelperTransport& transport, const ports::ApplicationBundle& bundle,
+                             const HelperTexts& texts)
     : scheduler_(scheduler),
       service_(service),
       bundle_(bundle),
-      link_(std::make_shared<HelperLink>(scheduler, service, transport, lastError)),
+      texts_(texts),
+      link_(std::make_shared<HelperLink>(scheduler, service, transport,
+                                         [this](std::string text) { lastError = std::move(text); })),
       calls_(scheduler, link_),
       tasks_(scheduler) {
-  service_.setChangeHandler([this] { refreshStatus(); });
+  service_.setChangeHandler([this] {
+    hasReadStatus_ = true;
+    refreshStatus();
+  });
   service_.setFailureHandler([this](const std::string& text) {
+    setApprovalObstacle(text);
     registrationFailed(text);
+    refreshStatus();
+  });
+  service_.setNoPromptHandler([this] {
+    setLacksPrompt(true);
     refreshStatus();
   });
 }
@@ -44,17 +56,55 @@ HelperManager::HelperManager(Scheduler& scheduler, ports::HelperService& service
 HelperManager::~HelperManager() {
   service_.setChangeHandler(nullptr);
   service_.setFailureHandler(nullptr);
+  service_.setNoPromptHandler(nullptr);
 }
 
 void HelperManager::refreshStatus() {
   status = InstallStatus::fromRawValue(service_.status());
-  if (isStatus(InstallStatus::Case::enabled)) lastError = std::nullopt;
+  const bool isOther = isStatus(InstallStatus::Case::enabled) && service_.isOtherBuildRegistered();
+  if (isOtherBuildInstalled != isOther) isOtherBuildInstalled = isOther;
+  if (!isStatus(InstallStatus::Case::enabled)) return;
+  lastError = std::nullopt;
+  setLacksPrompt(false);
+}
+
+void HelperManager::setLacksPrompt(bool lacks) {
+  if (lacksPrompt != lacks) lacksPrompt = lacks;
+}
+
+void HelperManager::setApprovalObstacle(std::optional<std::string> obstacle) {
+  if (approvalObstacle.get() != obstacle) approvalObstacle = std::move(obstacle);
+}
+
+void HelperManager::forgetLastRequest() {
+  setLacksPrompt(false);
+  setApprovalObstacle(std::nullopt);
+}
+
+void HelperManager::openLoginItems() {
+  forgetLastRequest();
+  service_.openSystemSettingsLoginItems(AskedBy::user);
+}
+
+void HelperManager::askForStartupItemConsent() {
+  forgetLastRequest();
+  service_.askForStartupItemConsent(OnceReply<std::expected<void, std::string>>(
+      [this, life = std::weak_ptr(life_)](const std::expected<void, std::string>& result) {
+        if (life.lock() && !result) setApprovalObstacle(result.error());
+      }));
+}
+
+std::string HelperManager::stateText() const {
+  std::string text = "Background helper: " + status->description(texts_) + ".";
+  if (const auto& error = lastError.get()) text += "\n\n" + *error;
+  return text;
 }
 
 void HelperManager::registerDaemon(AskedBy asker) {
   const bool isInstalledProperly = isAppInApplicationsFolder(bundle_);
   helperLog.log("register() called. App bundle: %{public}s. App in /Applications: %{bool,public}d",
                 bundle_.bundlePath(), isInstalledProperly);
+  if (asker == AskedBy::user) forgetLastRequest();
 
   if (const auto result = service_.registerDaemon(asker)) {
     lastError = std::nullopt;
@@ -68,8 +118,7 @@ void HelperManager::registerDaemon(AskedBy asker) {
 void HelperManager::registrationFailed(const std::string& text) {
   helperLog.error("service.register() failed: %{public}s", text);
   if (containsIgnoringCase(text, "operation not permitted") && !isAppInApplicationsFolder(bundle_)) {
-    lastError =
-        "Vorli needs to live in your Applications folder. Drag Vorli there from the DMG, then reopen.";
+    lastError = std::string(texts_.needsInstallation);
   } else {
     lastError = "Couldn't set up the helper. " + text;
   }
@@ -88,7 +137,7 @@ Task<> HelperManager::reinstallIfStale(Reinstall force, AskedBy asker) {
 }
 
 Task<> HelperManager::performReinstall(Reinstall force) {
-  co_await awaitFreshStatus();
+  co_await awaitFreshStatus(reinstallAskedBy_);
   refreshStatus();
   if (isStatus(InstallStatus::Case::requiresApproval)) {
     helperLog.log("performReinstall: daemon awaiting approval; guiding to Settings, NOT re-registering");
@@ -112,19 +161,19 @@ Task<> HelperManager::performReinstall(Reinstall force) {
   registerDaemon(reinstallAskedBy_);
   co_await sleepFor(scheduler_, HelperTimings::registrationSettles);
 
+  co_await awaitFreshStatus(reinstallAskedBy_);
   refreshStatus();
   const bool alive = co_await pingWithTimeout(HelperTimings::ping);
   helperLog.log("Post-reinstall liveness: status=%{public}s alive=%{bool,public}d force=%{bool,public}d",
-                status->description(), alive, force == Reinstall::forced);
-  if (!alive || !isStatus(InstallStatus::Case::enabled))
-    service_.openSystemSettingsLoginItems(reinstallAskedBy_);
+                status->description(texts_), alive, force == Reinstall::forced);
+  if (!alive || isStatusBroken()) service_.openSystemSettingsLoginItems(reinstallAskedBy_);
   isInstalling = false;
 }
 
 Task<bool> HelperManager::needsReinstall() {
   const std::string installed = co_await versionWithTimeout(HelperTimings::version);
   const bool versionStale = installed != helper::version;
-  const bool statusBroken = !isStatus(InstallStatus::Case::enabled);
+  const bool statusBroken = isStatusBroken();
   if (!versionStale && !statusBroken) {
     helperLog.log("Helper healthy at v%{public}s; no reinstall needed", installed);
     co_return false;
@@ -132,7 +181,7 @@ Task<bool> HelperManager::needsReinstall() {
   helperLog.log(
       "Helper needs reinstall: versionStale=%{bool,public}d statusBroken=%{bool,public}d "
       "installed=%{public}s expected=%{public}s status=%{public}s",
-      versionStale, statusBroken, installed, helper::version, status->description());
+      versionStale, statusBroken, installed, helper::version, status->description(texts_));
   co_return true;
 }
 
@@ -143,19 +192,28 @@ Task<> HelperManager::unregisterDaemon() {
   if (!result) helperLog.error("Helper unregister failed: %{public}s", result.error());
 }
 
-Task<> HelperManager::awaitFreshStatus() {
-  DeadlineRace<int> race(scheduler_, HelperTimings::freshStatus);
+// The system may answer late while it starts, and a status that was never read says nothing. A user does not
+// wait for it.
+Task<> HelperManager::awaitFreshStatus(AskedBy asker) {
+  const bool isPatient = asker == AskedBy::program && !hasReadStatus_;
+  DeadlineRace<int> race(scheduler_, isPatient ? HelperTimings::firstStatus : HelperTimings::freshStatus);
   service_.readStatus(race.reply());
-  co_await race;
+  const auto status = co_await race;
+  if (status) hasReadStatus_ = true;
+}
+
+bool HelperManager::isStatusBroken() const {
+  return hasReadStatus_ && !isStatus(InstallStatus::Case::enabled);
 }
 
 Task<HelperReachability> HelperManager::ensureHelperAlive() {
   bool alive = co_await pingWithTimeout(HelperTimings::ping);
   if (alive) co_return co_await askForConsentIfMissing();
 
+  co_await awaitFreshStatus(AskedBy::user);
   refreshStatus();
   if (isStatus(InstallStatus::Case::requiresApproval)) {
-    service_.openSystemSettingsLoginItems(AskedBy::user);
+    openLoginItems();
     co_return HelperReachability::needsApproval;
   }
 
@@ -163,13 +221,14 @@ Task<HelperReachability> HelperManager::ensureHelperAlive() {
   alive = co_await pingWithTimeout(HelperTimings::ping);
   if (alive) co_return co_await askForConsentIfMissing();
 
+  co_await awaitFreshStatus(AskedBy::user);
   refreshStatus();
   co_return isStatus(InstallStatus::Case::requiresApproval) ? HelperReachability::needsApproval
                                                             : HelperReachability::unreachable;
 }
 
-// Some systems let a living daemon touch startup items only after the user has said so. A service that does
-// not answer is no reason to hold the action back: the daemon asks again itself.
+// Some systems let a running daemon change startup items only with the user's consent. A service that does
+// not answer does not block the action: the daemon checks again itself.
 Task<HelperReachability> HelperManager::askForConsentIfMissing() {
   DeadlineRace<ports::Consent> race(scheduler_, HelperTimings::consent);
   service_.startupItemConsent(race.reply());
@@ -177,7 +236,7 @@ Task<HelperReachability> HelperManager::askForConsentIfMissing() {
   if (consent != ports::Consent::missing) co_return HelperReachability::reachable;
 
   refreshStatus();
-  service_.openSystemSettingsLoginItems(AskedBy::user);
+  askForStartupItemConsent();
   co_return HelperReachability::needsApproval;
 }
 

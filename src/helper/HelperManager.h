@@ -1,13 +1,14 @@
 #pragma once
 
-#include "base/Observable.h"
+#include "base/HostSystem.h"
+#include "base/Published.h"
 #include "base/Scheduler.h"
-#include "base/SharedInstance.h"
 #include "base/Task.h"
 #include "base/TaskScope.h"
+#include "contract/HelperProtocol.h"
 #include "helper/HelperCalls.h"
 #include "helper/HelperLink.h"
-#include "helper/HelperProtocol.h"
+#include "helper/HelperTexts.h"
 #include "helper/InstallStatus.h"
 #include "ports/ApplicationBundle.h"
 #include "ports/HelperService.h"
@@ -23,34 +24,46 @@ namespace vorli {
 
 enum class HelperReachability { reachable, needsApproval, unreachable };
 
-/// Whether a repair happens at any rate, or only when something is wrong.
+/// Whether to repair only when something is wrong, or always.
 enum class Reinstall { ifStale, forced };
 
 /// The only owner of the daemon's registration and of the connection to it. Every call has a time limit and
 /// always returns a value; nothing here throws or hangs. Main thread.
-class HelperManager : public SharedInstance<HelperManager> {
+class HelperManager {
  public:
   using AskedBy = ports::AskedBy;
 
   HelperManager(Scheduler& scheduler, ports::HelperService& service, ports::HelperTransport& transport,
-                const ports::ApplicationBundle& bundle);
+                const ports::ApplicationBundle& bundle,
+                const HelperTexts& texts = ofThisSystem<HelperTexts>());
   ~HelperManager();
 
-  Observable<InstallStatus> status{InstallStatus::Case::notRegistered};
-  /// A text for the views; empty when there is nothing to tell.
-  Observable<std::optional<std::string>> lastError;
-  /// True from the start of an unregister until it is known whether the daemon lives.
-  Observable<bool> isInstalling{false};
+  Published<InstallStatus, HelperManager> status{InstallStatus::Case::notRegistered};
+  /// Text for the views; empty when there is no error.
+  Published<std::optional<std::string>, HelperManager> lastError;
+  void forgetLastError() { lastError = std::nullopt; }
+  /// True from the start of a re-registration until it is known whether the daemon answers.
+  Published<bool, HelperManager> isInstalling{false};
+
+  /// True while the daemon in use is not the one that came with the program; a reinstallation replaces it.
+  Published<bool, HelperManager> isOtherBuildInstalled{false};
+
+  /// Why the user cannot give the approval that was asked for last; empty when nothing is known to prevent
+  /// it.
+  Published<std::optional<std::string>, HelperManager> approvalObstacle;
+  /// True when the user's last request needed a password and no program of the desktop could ask for it.
+  Published<bool, HelperManager> lacksPrompt{false};
 
   void refreshStatus();
   void registerDaemon(AskedBy asker = AskedBy::user);
 
-  /// One repair at a time: a second caller waits for the first one's repair, whatever it asked for.
+  /// Repairs the registration, one repair at a time: a second caller waits for the one in progress, even if
+  /// it asked for a forced repair.
   Task<> reinstallIfStale(Reinstall force, AskedBy asker = AskedBy::user);
-  /// For an action of the user's: may lead to where the daemon is approved.
+  /// Call before a user's action: may open the place where the daemon is approved.
   Task<HelperReachability> ensureHelperAlive();
 
-  /// True when any reply came in time.
+  /// True when any reply arrived in time.
   Task<bool> pingWithTimeout(double seconds) { return calls_.ping(seconds); }
   /// The daemon's version, or "unknown".
   Task<std::string> versionWithTimeout(double seconds) { return calls_.version(seconds); }
@@ -61,28 +74,43 @@ class HelperManager : public SharedInstance<HelperManager> {
     return calls_.moveLaunchAgentPlist(std::move(from), std::move(to));
   }
 
-  /// Leads the user, who asked for it, to where the daemon is approved.
-  void openLoginItems() { service_.openSystemSettingsLoginItems(AskedBy::user); }
+  /// Opens the place where the daemon is approved, at the user's request.
+  void openLoginItems();
+  /// Asks the user for the consent that `ensureHelperAlive` found missing.
+  void askForStartupItemConsent();
+
+  /// The status and the last error as one text for the user.
+  std::string stateText() const;
 
  private:
+  struct Life {};
+
   bool isStatus(InstallStatus::Case which) const { return status.get() == which; }
+  /// True when the system says that the daemon is anything but enabled.
+  bool isStatusBroken() const;
 
   void registrationFailed(const std::string& text);
+  void setLacksPrompt(bool lacks);
+  void setApprovalObstacle(std::optional<std::string> obstacle);
+  void forgetLastRequest();
 
   Task<> performReinstall(Reinstall force);
-  /// Logs its verdict either way.
+  /// Logs the result either way.
   Task<bool> needsReinstall();
   Task<> unregisterDaemon();
-  Task<> awaitFreshStatus();
+  Task<> awaitFreshStatus(AskedBy asker);
   Task<HelperReachability> askForConsentIfMissing();
 
   Scheduler& scheduler_;
   ports::HelperService& service_;
   const ports::ApplicationBundle& bundle_;
+  const HelperTexts& texts_;
   std::shared_ptr<HelperLink> link_;
   HelperCalls calls_;
   TaskHandle inFlightReinstall_;
   AskedBy reinstallAskedBy_ = AskedBy::program;
+  bool hasReadStatus_ = false;  // false while `status` is only the value that it starts with
+  std::shared_ptr<Life> life_ = std::make_shared<Life>();
   TaskScope tasks_;
 };
 

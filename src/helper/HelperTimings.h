@@ -14,11 +14,12 @@ struct HelperTimings {
 
   // How long a flow waits for the registration service's own answers.
   static constexpr double freshStatus = 0.5;
+  static constexpr double firstStatus = 10.0;  // by a repair that nobody waits for
   static constexpr double consent = 2.0;
 
-  // What the system gets to notice a changed registration.
+  // Time allowed for the system to notice a changed registration.
   static constexpr double registrationSettles = 0.4;
-  // Between the two attempts at start.
+  // Pause between the two attempts at launch.
   static constexpr double launchRetry = 3.0;
 };
 

@@ -17,14 +17,14 @@ InstallStatus InstallStatus::fromRawValue(int rawValue) {
   }
 }
 
-std::string InstallStatus::description() const {
+std::string InstallStatus::description(const HelperTexts& texts) const {
   switch (case_) {
     case Case::unknown:
       return "Unknown (" + std::to_string(payload_) + ")";
     case Case::notRegistered:
       return "Not registered";
     case Case::requiresApproval:
-      return "Awaiting approval in System Settings";
+      return std::string(texts.requiresApproval);
     case Case::enabled:
       return "Enabled";
     case Case::notFound:

@@ -4,17 +4,14 @@
 #include "base/UnicodeText.h"
 
 #include <algorithm>
-#include <array>
 
 namespace vorli {
 
 namespace {
 
-using namespace std::string_view_literals;
-
-constexpr std::array identifierPrefixes{"com."sv, "io."sv, "org."sv, "net."sv, "co."sv, "app."sv, "dev."sv};
-constexpr std::array helperSuffixes{" Helper (Renderer)"sv, " Helper (GPU)"sv, " Helper (Plugin)"sv,
-                                    " Helper"sv};
+constexpr std::string_view identifierPrefixes[] = {"com.", "io.", "org.", "net.", "co.", "app.", "dev."};
+constexpr std::string_view helperSuffixes[] = {" Helper (Renderer)", " Helper (GPU)", " Helper (Plugin)",
+                                               " Helper"};
 constexpr std::string_view maker = "Google ";
 constexpr std::string_view namelessProcess = "pid ";
 
@@ -33,7 +30,8 @@ bool isHelper(std::string_view name) {
   return std::ranges::any_of(helperSuffixes, [=](auto suffix) { return name.ends_with(suffix); });
 }
 
-// "Worker (Notes)" works for Notes. A helper's parentheses tell its kind instead, and go with it.
+// "Worker (Notes)" belongs to Notes. A helper's parentheses contain its kind instead, so they are part of the
+// helper suffix.
 std::string_view nameInParentheses(std::string_view name) {
   const auto open = name.find(" (");
   if (open == std::string_view::npos || !name.ends_with(')') || isHelper(name)) return name;
@@ -50,6 +48,19 @@ std::string_view withoutHelperSuffix(std::string_view name) {
   return name;
 }
 
+std::string_view withoutMaker(std::string_view name) {
+  return name.starts_with(maker) ? name.substr(maker.size()) : name;
+}
+
+// Keeps slashes, parentheses and dots, which the author chose. Only a name that repeats the identifier is not
+// a name.
+std::optional<std::string> wholeName(std::string_view name, std::string_view identifier) {
+  name = trimmed(name);
+  if (name.empty() || name.contains(replacementCharacter)) return std::nullopt;
+  if (isIdentifier(name) && lowercased(name) == lowercased(identifier)) return std::nullopt;
+  return capitalizingFirst(trimmed(withoutMaker(name)));
+}
+
 }  // namespace
 
 std::optional<std::string> cleanedApplicationName(std::string_view name) {
@@ -57,10 +68,17 @@ std::optional<std::string> cleanedApplicationName(std::string_view name) {
   if (name.empty() || name.contains('/') || isIdentifier(name)) return std::nullopt;
   if (name.contains(replacementCharacter) || isProcessNumber(name)) return std::nullopt;
 
-  name = trimmed(withoutHelperSuffix(nameInParentheses(name)));
-  if (name.starts_with(maker)) name.remove_prefix(maker.size());
+  name = withoutMaker(trimmed(withoutHelperSuffix(nameInParentheses(name))));
   if (name.empty() || name.contains('/') || isIdentifier(name)) return std::nullopt;
   return capitalizingFirst(name);
+}
+
+std::optional<std::string> shownApplicationName(const ports::RunningApplication& application,
+                                                ApplicationPathRules::Kind kind) {
+  if (!application.localizedName) return std::nullopt;
+  const bool isWritten = kind == ApplicationPathRules::Kind::folders && application.bundleIdentifier;
+  return isWritten ? wholeName(*application.localizedName, *application.bundleIdentifier)
+                   : cleanedApplicationName(*application.localizedName);
 }
 
 }  // namespace vorli

@@ -1,60 +1,54 @@
 #include "insights/ApplicationPathRules.h"
 
-#include "base/HostSystem.h"
-
-#include <array>
-
 namespace vorli {
 
 namespace {
 
-using namespace std::string_view_literals;
 using Kind = ApplicationPathRules::Kind;
 
 namespace macOSRules {
-constexpr std::array applications{"/Applications/"sv};
-constexpr std::array applicationsInHome{"/Applications/"sv};
-constexpr std::array systemApplications{"/System/Applications/"sv};
-constexpr std::array excludedPrefixes{"/System/"sv, "/usr/"sv, "/Library/Apple/"sv, "/private/var/db/"sv};
-constexpr std::array excludedWords{"Sparkle"sv, "Autoupdate"sv, "Installer"sv, "com.kv.vorli.helper"sv};
+constexpr std::string_view applications[] = {"/Applications/"};
+constexpr std::string_view applicationsInHome[] = {"/Applications/"};
+constexpr std::string_view systemApplications[] = {"/System/Applications/"};
+constexpr std::string_view excludedPrefixes[] = {"/System/", "/usr/", "/Library/Apple/", "/private/var/db/"};
+constexpr std::string_view excludedWords[] = {"Sparkle", "Autoupdate", "Installer", "com.kv.vorli.helper"};
 }  // namespace macOSRules
 
 namespace linuxRules {
-// The last is where an AppImage mounts itself. A flatpak's processes see their own program below /app, and
-// end with it; its files on the host lie below the flatpak folders.
-constexpr std::array applications{
-    "/opt/"sv, "/snap/"sv, "/var/lib/snapd/snap/"sv, "/var/lib/flatpak/app/"sv, "/tmp/.mount_"sv,
+// The last one is where an AppImage mounts itself. Processes of a flatpak see their own program below /app
+// and end with it; its files on the host are below the flatpak folders.
+constexpr std::string_view applications[] = {
+    "/opt/", "/snap/", "/var/lib/snapd/snap/", "/var/lib/flatpak/app/", "/tmp/.mount_",
 };
-constexpr std::array applicationsInHome{
-    "/Applications/"sv, "/.local/opt/"sv,   "/.local/share/flatpak/app/"sv,
-    "/.local/bin/"sv,   "/.local/share/"sv, "/.local/lib/"sv,
+constexpr std::string_view applicationsInHome[] = {
+    "/Applications/", "/.local/opt/",   "/.local/share/flatpak/app/",
+    "/.local/bin/",   "/.local/share/", "/.local/lib/",
 };
-constexpr std::array systemApplications{
-    "/app/"sv,
-    "/usr/bin/"sv,
-    "/usr/games/"sv,
-    "/usr/lib/"sv,
-    "/usr/lib/aarch64-linux-gnu/"sv,
-    "/usr/lib/i386-linux-gnu/"sv,
-    "/usr/lib/x86_64-linux-gnu/"sv,
-    "/usr/lib64/"sv,
-    "/usr/libexec/"sv,
-    "/usr/local/bin/"sv,
-    "/usr/local/lib/"sv,
-    "/usr/local/share/"sv,
-    "/usr/share/"sv,
+constexpr std::string_view systemApplications[] = {
+    "/app/",
+    "/usr/bin/",
+    "/usr/games/",
+    "/usr/lib/",
+    "/usr/lib/aarch64-linux-gnu/",
+    "/usr/lib/i386-linux-gnu/",
+    "/usr/lib/x86_64-linux-gnu/",
+    "/usr/lib64/",
+    "/usr/libexec/",
+    "/usr/local/bin/",
+    "/usr/local/lib/",
+    "/usr/local/share/",
+    "/usr/share/",
 };
-constexpr std::array excludedPrefixes{
-    "/usr/"sv,         "/bin/"sv,         "/sbin/"sv,        "/lib/"sv,
-    "/snap/bare/"sv,   "/snap/core/"sv,   "/snap/core18/"sv, "/snap/core20/"sv,
-    "/snap/core22/"sv, "/snap/core24/"sv, "/snap/snapd/"sv,
+constexpr std::string_view excludedPrefixes[] = {
+    "/usr/",         "/bin/",         "/sbin/",        "/lib/",         "/snap/bare/",  "/snap/core/",
+    "/snap/core18/", "/snap/core20/", "/snap/core22/", "/snap/core24/", "/snap/snapd/",
 };
-constexpr std::array excludedWords{
-    "Sparkle"sv,      "Autoupdate"sv, "Installer"sv, "com.kv.vorli.helper"sv,
-    "vorli-helper"sv, "autoupdate"sv, "installer"sv, "updater"sv,
+constexpr std::string_view excludedWords[] = {
+    "Sparkle",      "Autoupdate", "Installer", "com.kv.vorli.helper",
+    "vorli-helper", "autoupdate", "installer", "updater",
 };
-// The user's service manager, and a session that makes itself the parent of what its programs leave.
-constexpr std::array adopters{"systemd"sv, "lxqt-session"sv};
+// The user's service manager, and a session that adopts the orphaned processes of its programs.
+constexpr std::string_view adopters[] = {"systemd", "lxqt-session"};
 }  // namespace linuxRules
 
 }  // namespace
@@ -77,9 +71,5 @@ constexpr ApplicationPathRules ApplicationPathRules::linuxDesktop{
     linuxRules::excludedWords,
     linuxRules::adopters,
 };
-
-const ApplicationPathRules& ApplicationPathRules::ofThisSystem() {
-  return hostSystem == HostSystem::macOS ? macOS : linuxDesktop;
-}
 
 }  // namespace vorli

@@ -20,13 +20,13 @@ std::string_view withoutLastComponent(std::string_view path) {
   return slash == std::string_view::npos ? std::string_view() : path.substr(0, slash);
 }
 
-// A name that is nothing but the extension has none.
+// A name that consists of only ".app" is not a bundle.
 bool isBundle(std::string_view path) {
   const auto name = lastComponent(path);
   return name.size() > bundleExtension.size() && name.ends_with(bundleExtension);
 }
 
-// The folders around a program, the innermost first, as far as they go on behind the first `prefix`
+// Appends the folders around a program, innermost first, as long as they are longer than the first `prefix`
 // characters.
 void appendFolders(std::vector<std::string_view>& places, std::string_view path, std::size_t prefix) {
   for (auto folder = withoutLastComponent(path); folder.size() > prefix;

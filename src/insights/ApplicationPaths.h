@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/HostSystem.h"
 #include "insights/ApplicationPathRules.h"
 
 #include <optional>
@@ -9,40 +10,40 @@
 
 namespace vorli {
 
-/// Reads from a program's path which application it belongs to, by one system's rules. Looks at the text
-/// alone, never at the disk.
+/// Finds the application that a program belongs to from its path, by one system's rules. Only reads the text,
+/// never the disk.
 class ApplicationPaths {
  public:
-  /// `home` is the user's home folder, without a slash at its end.
+  /// `home` is the user's home folder, without a trailing slash.
   explicit ApplicationPaths(const std::string& home,
-                            const ApplicationPathRules& rules = ApplicationPathRules::ofThisSystem());
+                            const ApplicationPathRules& rules = ofThisSystem<ApplicationPathRules>());
 
   const ApplicationPathRules& rules() const { return rules_; }
 
-  /// True for a program that is not judged as left behind.
+  /// True for a program that is never treated as left behind.
   bool isExcluded(std::string_view executablePath) const;
 
-  /// Where the application around this program is installed; of several places the first that proves to hold
-  /// one counts. They are pieces of `executablePath`. With bundles that is the innermost one, and only when
-  /// it lies in an Applications folder itself; with folders each one below the Applications folder, the
-  /// innermost first.
+  /// Candidate install locations of the application around this program; the first one that contains an
+  /// application counts. They are parts of `executablePath`. With bundles: the innermost bundle, if it is
+  /// directly in an Applications folder. With folders: each folder below the Applications folder, innermost
+  /// first.
   std::vector<std::string_view> enclosingApplications(std::string_view executablePath) const;
 
-  /// With bundles: the name of the outermost bundle, when it lies anywhere in an Applications folder, the
-  /// system's included.
+  /// With bundles: the name of the outermost bundle, if it is anywhere in an Applications folder, including
+  /// the system's.
   std::optional<std::string_view> bundleName(std::string_view executablePath) const;
 
-  /// With folders: the program itself wherever it lies, then each folder around it, the innermost first, when
-  /// it lies in an Applications folder, the system's included. The first application that one of them proves
-  /// to hold is the program's.
+  /// With folders: the program itself, wherever it is. If it is in an Applications folder, including the
+  /// system's, the folders around it follow, innermost first. The program belongs to the first application
+  /// found at one of these places.
   std::vector<std::string_view> namingPlaces(std::string_view executablePath) const;
 
  private:
-  // Length of the longest of the prefixes that the path goes on behind; 0 when there is none.
+  // Length of the longest prefix that the path continues after; 0 when there is none.
   std::size_t longestPrefix(std::string_view path, bool withSystemApplications) const;
 
   const ApplicationPathRules& rules_;
-  std::vector<std::string> inHome_;  // the rules' prefixes behind the home folder
+  std::vector<std::string> inHome_;  // the rules' prefixes, with the home folder in front
 };
 
 }  // namespace vorli

@@ -1,6 +1,7 @@
 #include "insights/CulpritFormatter.h"
 
 #include "base/Assert.h"
+#include "base/Logger.h"
 #include "base/PercentEncoding.h"
 #include "base/UnicodeText.h"
 #include "insights/ApplicationName.h"
@@ -11,7 +12,10 @@ namespace vorli {
 
 namespace {
 
+constexpr Logger culpritLog{logSubsystem, "culprits"};
+
 constexpr std::size_t maxNames = 2;
+constexpr std::string_view noApplication = "belongs to no application";
 
 std::string link(const std::string& name) {
   return "[**" + name + "**](vorli-quit://" + percentEncoded(name, hostPunctuation) + ")";
@@ -57,8 +61,11 @@ std::vector<std::string> CulpritFormatter::rankedNames(const std::vector<Process
   };
   std::vector<Total> totals;
   for (const auto& process : processes) {
-    auto name = applicationName(process);
-    if (!name) continue;
+    auto name = resolve(process);
+    if (!name) {
+      culpritLog.debug("skipped %{public}s: %{public}s", process.name, name.error());
+      continue;
+    }
     const auto known = std::ranges::find(totals, *name, &Total::name);
     if (known == totals.end()) {
       totals.push_back({std::move(*name), process.residentBytes});
@@ -74,32 +81,65 @@ std::vector<std::string> CulpritFormatter::rankedNames(const std::vector<Process
 }
 
 std::optional<std::string> CulpritFormatter::applicationName(const ProcessSnapshot& process) const {
-  if (systemProcesses_.contains(lowercased(process.name))) return std::nullopt;
-  if (process.executablePath) {
-    if (auto name = nameInPath(*process.executablePath)) return name;
-  }
-  if (process.activationPolicy && isShown(*process.activationPolicy)) {
-    if (auto name = cleanedApplicationName(process.displayName)) return name;
-  }
-  return process.bundleIdentifier ? runningName(*process.bundleIdentifier) : std::nullopt;
+  auto name = resolve(process);
+  return name ? std::optional(std::move(*name)) : std::nullopt;
 }
 
-// With bundles the path spells the name. Otherwise it leads to the application, and only one that runs can
-// have put the process there.
-std::optional<std::string> CulpritFormatter::nameInPath(std::string_view executablePath) const {
-  if (const auto name = paths_.bundleName(executablePath)) return cleanedApplicationName(*name);
+CulpritFormatter::Naming CulpritFormatter::resolve(const ProcessSnapshot& process) const {
+  if (systemProcesses_.contains(lowercased(process.name))) return std::unexpected("part of the system");
+  return paths_.rules().kind == ApplicationPathRules::Kind::bundles ? nameOfBundle(process)
+                                                                    : nameByRecords(process);
+}
+
+CulpritFormatter::Naming CulpritFormatter::nameOfBundle(const ProcessSnapshot& process) const {
+  if (process.executablePath) {
+    const auto bundle = paths_.bundleName(*process.executablePath);
+    const auto name = bundle ? cleanedApplicationName(*bundle) : std::nullopt;
+    if (name) return *name;
+  }
+  if (process.activationPolicy && isShown(*process.activationPolicy)) {
+    if (auto name = cleanedApplicationName(process.displayName)) return *name;
+  }
+  if (process.bundleIdentifier) return runningName(*process.bundleIdentifier);
+  return std::unexpected(noApplication);
+}
+
+// A program file proves little where several applications share it: two web applications over one browser, or
+// two sandboxes with equal paths. The process's own record comes first, then its kinship, then its path.
+CulpritFormatter::Naming CulpritFormatter::nameByRecords(const ProcessSnapshot& process) const {
+  if (process.activationPolicy) {
+    const ports::RunningApplication own{.localizedName = SharedText(process.displayName),
+                                        .bundleIdentifier = process.bundleIdentifier,
+                                        .activationPolicy = *process.activationPolicy};
+    return shownName(&own);
+  }
+  if (const auto helped = workspace_.applicationHelpedBy(process.id)) {
+    return shownName(workspace_.withProcessIdentifier(*helped));
+  }
+  return process.executablePath ? nameByPath(*process.executablePath) : std::unexpected(noApplication);
+}
+
+// The path leads to an application, which counts only if it is running: no other can have started the
+// process.
+CulpritFormatter::Naming CulpritFormatter::nameByPath(std::string_view executablePath) const {
   for (const auto place : paths_.namingPlaces(executablePath)) {
     const auto application = workspace_.applicationAt(place);
     if (!application) continue;
-    return application->bundleIdentifier ? runningName(*application->bundleIdentifier) : std::nullopt;
+    if (!application->bundleIdentifier) return std::unexpected(noApplication);
+    return runningName(*application->bundleIdentifier);
   }
-  return std::nullopt;
+  return std::unexpected(noApplication);
 }
 
-std::optional<std::string> CulpritFormatter::runningName(std::string_view bundleIdentifier) const {
-  const auto* application = workspace_.firstWithIdentifier(bundleIdentifier);
-  if (!application || !isShown(application->activationPolicy)) return std::nullopt;
-  return application->localizedName ? cleanedApplicationName(*application->localizedName) : std::nullopt;
+CulpritFormatter::Naming CulpritFormatter::runningName(std::string_view bundleIdentifier) const {
+  return shownName(workspace_.firstWithIdentifier(bundleIdentifier));
+}
+
+CulpritFormatter::Naming CulpritFormatter::shownName(const ports::RunningApplication* application) const {
+  if (!application) return std::unexpected("its application is not running");
+  if (!isShown(application->activationPolicy)) return std::unexpected("its application is never shown");
+  auto name = shownApplicationName(*application, paths_.rules().kind);
+  return name ? Naming(std::move(*name)) : std::unexpected("its application has no name to show");
 }
 
 }  // namespace vorli

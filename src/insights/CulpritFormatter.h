@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/HostSystem.h"
 #include "insights/ApplicationPaths.h"
 #include "insights/ProcessSnapshot.h"
 #include "insights/SystemProcessNames.h"
@@ -7,6 +8,7 @@
 #include "sampling/RingState.h"
 
 #include <cstdint>
+#include <expected>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,11 +22,10 @@ inline constexpr std::string_view culpritSentenceEnd = " using the most right no
 /// "a", "a and b", or "a, b, and c".
 std::string joinedAsList(const std::vector<std::string>& items);
 
-/// Turns the largest processes into the names of the applications that they belong to, as a person would say
-/// them. Main thread.
+/// Maps the largest processes to the display names of their applications. Main thread.
 class CulpritFormatter {
  public:
-  /// Who uses the most memory.
+  /// The applications that use the most memory.
   struct CulpritData {
     std::vector<std::string> names;  // one or two, biggest first
     std::string verb;                // "is" for one name, else "are"
@@ -34,20 +35,28 @@ class CulpritFormatter {
   };
 
   CulpritFormatter(ports::Workspace& workspace, ApplicationPaths paths,
-                   const SystemProcessNames& systemProcesses = SystemProcessNames::ofThisSystem())
+                   const SystemProcessNames& systemProcesses = ofThisSystem<SystemProcessNames>())
       : workspace_(workspace), paths_(std::move(paths)), systemProcesses_(systemProcesses) {}
 
-  /// Empty in the healthy state, and when no process has a name that may be told.
+  /// Empty in the healthy state, and when no process has a name that may be shown.
   std::optional<CulpritData> culpritData(const std::vector<ProcessSnapshot>& processes,
                                          RingState state) const;
 
-  /// The name of the application that the process belongs to; empty when it is the system's, or has none.
+  /// The name of the application that the process belongs to; empty when the process belongs to the system or
+  /// has no application.
   std::optional<std::string> applicationName(const ProcessSnapshot& process) const;
 
  private:
+  /// A name, or why there is none.
+  using Naming = std::expected<std::string, std::string_view>;
+
   std::vector<std::string> rankedNames(const std::vector<ProcessSnapshot>& processes) const;
-  std::optional<std::string> nameInPath(std::string_view executablePath) const;
-  std::optional<std::string> runningName(std::string_view bundleIdentifier) const;
+  Naming resolve(const ProcessSnapshot& process) const;
+  Naming nameOfBundle(const ProcessSnapshot& process) const;
+  Naming nameByRecords(const ProcessSnapshot& process) const;
+  Naming nameByPath(std::string_view executablePath) const;
+  Naming runningName(std::string_view bundleIdentifier) const;
+  Naming shownName(const ports::RunningApplication* application) const;
 
   ports::Workspace& workspace_;
   const ApplicationPaths paths_;

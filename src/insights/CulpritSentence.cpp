@@ -21,4 +21,18 @@ CulpritSentence::CulpritSentence(const CulpritFormatter::CulpritData& data) {
   }
 }
 
+std::vector<CulpritSentence::Segment> CulpritSentence::closedByHand(const std::string& name) {
+  std::vector<Segment> segments{{Segment::Kind::text, name}};
+  for (const char* word : {" has", " to", " be", " closed", " by", " hand", " on", " this", " desktop."}) {
+    segments.push_back({Segment::Kind::text, word});
+  }
+  return segments;
+}
+
+std::string CulpritSentence::closedByHandText(const std::string& name) {
+  std::string sentence;
+  for (const auto& segment : closedByHand(name)) sentence += segment.text;
+  return sentence;
+}
+
 }  // namespace vorli

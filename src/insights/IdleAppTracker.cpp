@@ -13,13 +13,13 @@ namespace vorli {
 
 namespace {
 
-constexpr Logger logger(logSubsystem, "idle-apps");
+constexpr Logger idleAppLog{logSubsystem, "idle-apps"};
 
 constexpr const char* defaultsKey = "bundleLastActivation";
 constexpr std::size_t maxEntries = 200;
 constexpr double saveDelay = 30.0;
 
-// A number stands for seconds since 1970.
+// Reads a stored date; a number counts as seconds since 1970.
 std::optional<Date> dateFrom(const ports::StoredEntry& entry) {
   if (const auto* date = std::get_if<Date>(&entry)) return *date;
   if (const auto* number = std::get_if<std::int64_t>(&entry)) return Date{static_cast<double>(*number)};
@@ -130,12 +130,12 @@ std::vector<IdleApp> IdleAppTracker::idleApps(std::int64_t thresholdMinutes) {
 }
 
 bool IdleAppTracker::seesActivations() {
-  if (workspace_.canSeeWindows()) {
+  if (workspace_.seesActivations()) {
     toldOfBlindness_ = false;
     return true;
   }
   if (!std::exchange(toldOfBlindness_, true)) {
-    logger.log("windows cannot be seen here, no application counts as idle");
+    idleAppLog.log("windows cannot be seen here, no application counts as idle");
   }
   return false;
 }

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "base/Date.h"
-#include "base/Observable.h"
+#include "base/Published.h"
 #include "base/Scheduler.h"
-#include "base/SharedInstance.h"
 #include "base/SharedText.h"
 #include "base/Subscription.h"
 #include "base/TaskScope.h"
@@ -20,7 +19,7 @@
 
 namespace vorli {
 
-/// One running application that has not come to the front for a while.
+/// A running application that has not been in front for a while.
 struct IdleApp {
   std::int32_t id = 0;  // the process identifier
   std::int32_t pid = 0;
@@ -28,26 +27,26 @@ struct IdleApp {
   SharedText displayName;
   std::optional<ports::ApplicationIcon> icon = {};
   Date lastActivated;
-  double idleFor = 0.0;  // seconds; enormous when nobody knows of an activation
+  double idleFor = 0.0;  // seconds; enormous when no activation is known
 
   bool operator==(const IdleApp&) const = default;
 };
 
-/// Remembers across launches when each application last came to the front or was started, the 200 newest of
-/// them, and names those that have not for a while. What happens in the last 30 seconds before the program
-/// ends is not remembered. Main thread.
-class IdleAppTracker : public SharedInstance<IdleAppTracker> {
+/// Remembers across launches when each application last came to the front or was started, and lists the idle
+/// ones. Keeps the 200 newest entries. Events in the last 30 seconds before the program ends are lost. Main
+/// thread.
+class IdleAppTracker {
  public:
   using ActivationMap = std::map<std::string, Date, std::less<>>;  // by bundle identifier
 
-  /// What runs now counts as active now where nothing older is known.
+  /// A running application without a stored activation counts as active now.
   IdleAppTracker(Scheduler& scheduler, const ports::CalendarClock& calendar, ports::KeyValueStore& defaults,
                  ports::Workspace& workspace);
 
-  Observable<ActivationMap> activationMap;
+  Published<ActivationMap, IdleAppTracker> activationMap;
 
-  /// The full applications in the background without an activation since so many minutes, the longest idle
-  /// first. None where windows cannot be seen: there nothing tells of activations.
+  /// Regular background applications without an activation in the last `thresholdMinutes`, longest idle
+  /// first. Empty where windows are not visible to the program, because activations are not reported there.
   std::vector<IdleApp> idleApps(std::int64_t thresholdMinutes);
 
  private:

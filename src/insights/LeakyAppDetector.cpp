@@ -11,7 +11,7 @@ namespace {
 constexpr std::uint64_t sizeFloor = 4ULL * 1024 * 1024 * 1024;
 constexpr double ageFloor = 6.0 * 60.0 * 60.0;
 
-// The size comes first: hardly any process passes it.
+// Checks the size first, because few processes pass it.
 bool isLeaky(const ProcessSnapshot& process) {
   return process.residentBytes >= sizeFloor && process.uptime >= ageFloor &&
          process.activationPolicy == ports::ActivationPolicy::regular &&

@@ -11,7 +11,7 @@
 
 namespace vorli {
 
-/// One application that has run long and holds very much memory.
+/// An application that has run for a long time and uses a lot of memory.
 struct LeakyApp {
   std::int32_t id = 0;  // the process identifier
   std::int32_t pid = 0;
@@ -24,8 +24,8 @@ struct LeakyApp {
   bool operator==(const LeakyApp&) const = default;
 };
 
-/// Picks the full applications of at least 4 GiB that have run for at least 6 hours. One pass over one
-/// sample: nothing is kept. Main thread.
+/// Picks the regular applications that use at least 4 GiB and have run for at least 6 hours. Stateless: looks
+/// at one sample only. Main thread.
 class LeakyAppDetector {
  public:
   explicit LeakyAppDetector(ports::Workspace& workspace) : workspace_(workspace) {}

@@ -13,7 +13,7 @@
 
 namespace vorli {
 
-/// One process that an application left behind when it ended.
+/// A process that an application left behind when it ended.
 struct OrphanHelper {
   std::int32_t id = 0;  // the process identifier
   std::int32_t pid = 0;
@@ -26,8 +26,8 @@ struct OrphanHelper {
   bool operator==(const OrphanHelper&) const = default;
 };
 
-/// Finds the processes without a parent of their own whose program belongs to an installed application that
-/// does not run. One pass over one sample: nothing is kept. Main thread.
+/// Finds orphaned processes whose program belongs to an installed application that is not running. Stateless:
+/// looks at one sample only. Main thread.
 class OrphanHelperDetector {
  public:
   OrphanHelperDetector(ports::Workspace& workspace, ApplicationPaths paths)
@@ -38,7 +38,7 @@ class OrphanHelperDetector {
 
  private:
   std::vector<std::int32_t> findAdopters(const std::vector<ProcessSnapshot>& processes) const;
-  /// The application that the program at this path was left behind by.
+  /// The application that left behind the program at this path.
   std::optional<ports::InstalledApplication> endedApplication(std::string_view executablePath) const;
   std::optional<ports::InstalledApplication> enclosingApplication(std::string_view executablePath) const;
   bool isApplicationItself(std::string_view executablePath) const;

@@ -9,12 +9,13 @@
 
 namespace vorli {
 
-/// A table keyed by process identifiers above 0 that is filled anew in every pass and keeps its memory from
-/// pass to pass: open addressing in one flat array.
+/// A hash table keyed by process identifiers above 0, which is refilled in every pass and reuses its memory.
+/// It uses open addressing in one flat array.
 template <typename Value>
 class PIDMap {
  public:
-  /// Empties the table and makes room for `entries` of them, the most that may be set before the next reset.
+  /// Clears the table and reserves room for `entries` entries, the most that may be set before the next
+  /// reset.
   void reset(std::size_t entries) {
     const std::size_t wanted = std::bit_ceil(entries * 2 + std::size_t{2 * neighbours});
     if (wanted > slots_.size()) {
@@ -26,7 +27,7 @@ class PIDMap {
     room_ = entries;
   }
 
-  /// Sets the value of `pid`, over an older one.
+  /// Sets the value of `pid`, replacing an older one.
   void set(std::int32_t pid, Value value) {
     Slot& slot = slots_[place(pid)];
     if (slot.pid == 0) {
@@ -49,8 +50,8 @@ class PIDMap {
     Value value{};
   };
 
-  // So many processes with consecutive identifiers lie side by side: a pass asks in ascending order, and
-  // spread over the whole table each of ten thousand would cost a miss of the processor's cache.
+  // Number of consecutive identifiers stored side by side. A pass asks in ascending order; if they were
+  // spread over the whole table, each of ten thousand look-ups would be a cache miss.
   static constexpr unsigned neighbours = 16;
 
   // The slot that holds `pid`, or the free one where it belongs. At least half of the slots are free.

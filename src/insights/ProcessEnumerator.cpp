@@ -14,8 +14,8 @@ namespace {
 constexpr int bytesPerPID = 4;
 constexpr double nanosecondsPerSecond = 1'000'000'000.0;
 
-// Resident sizes of a pass can be estimates that are some MiB too low. The exact ones are read for so many of
-// the largest processes, well over what any list or threshold looks at.
+// Resident sizes of a pass can be estimates that are some MiB too low. Exact sizes are read for this many of
+// the largest processes, well above what any list or threshold needs.
 constexpr std::size_t exactRows = 32;
 
 // The name up to its first NUL; empty when it is not all readable text.
@@ -26,7 +26,7 @@ std::string_view readableName(std::string_view bytes) {
   return name;
 }
 
-// Most rows hold the same process as in the pass before: comparing costs half of copying.
+// Most rows hold the same process as in the previous pass, and comparing costs half as much as copying.
 void setText(std::string& text, std::string_view value) {
   if (text != value) text = value;
 }
@@ -93,12 +93,12 @@ void ProcessEnumerator::mapApplications() {
   }
 }
 
-// Both readings or none: a process that is gone, or not ours to see, drops out here.
+// Succeeds only when both reads do; skips a process that has ended or may not be read.
 bool ProcessEnumerator::readProcess(std::int32_t pid) {
   return table_.readTaskInfo(pid, taskInfo_) && table_.readBSDInfo(pid, bsdInfo_);
 }
 
-// In cores. The difference wraps around, so a counter that ran backwards shows as a process at full use.
+// CPU use in cores. The difference wraps around, so a counter that ran backwards reads as full use.
 double ProcessEnumerator::cpuFraction(std::int32_t pid, std::uint64_t total, const Pass& pass) const {
   const std::uint64_t* previous = previousCPUTime_.find(pid);
   if (!previous || !(pass.elapsedSeconds > 0.0)) return 0.0;
@@ -136,7 +136,7 @@ void ProcessEnumerator::fillRow(ProcessSnapshot& row, std::int32_t pid, double c
   if (row.name.empty()) row.name = "pid " + std::to_string(pid);
 }
 
-// The row behind the last one of this pass. Its old content gives its memory to the new one.
+// The next free row of this pass. Overwriting its old content reuses the memory.
 ProcessSnapshot& ProcessEnumerator::nextRow() {
   if (rowCount_ == rows_.size()) rows_.emplace_back();
   return rows_[rowCount_++];

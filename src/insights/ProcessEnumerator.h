@@ -16,21 +16,21 @@
 
 namespace vorli {
 
-/// Looks at every process once per sampling pass. What it carries from pass to pass is each process's CPU
-/// counter and the time of the last pass, which turn cumulative time into a fraction; the rest is memory that
-/// is used again. One pass at a time.
+/// Reads every process once per sampling pass. Between passes it keeps each process's CPU counter and the
+/// time of the last pass, to turn cumulative time into a fraction; all else that it keeps is reused memory.
+/// One pass at a time.
 class ProcessEnumerator {
  public:
   ProcessEnumerator(ports::ProcessTable& table, ports::Workspace& workspace, ports::CPUCounters& processors,
                     const ports::CalendarClock& calendar);
 
   /// One row for each process that can be read, in the kernel's order. CPU fractions are 0 in the first pass,
-  /// and for a process's first pass. Empty when the listing failed. The rows are overwritten by the next
-  /// pass. Main thread.
+  /// and in the first pass of each process. Empty when the listing failed. The rows are overwritten by the
+  /// next pass. Main thread.
   const std::vector<ProcessSnapshot>& enumerate();
 
-  /// The two halves of `enumerate`, for a pass that would hold up the main thread: what only that thread may
-  /// ask for, and the look at the processes, on any thread.
+  /// The two halves of `enumerate`, for a pass that would block the main thread. Call `prepare` on the main
+  /// thread, then `readProcesses` on any thread.
   void prepare();
   const std::vector<ProcessSnapshot>& readProcesses();
 
@@ -57,7 +57,7 @@ class ProcessEnumerator {
   PIDMap<std::uint64_t> previousCPUTime_;  // in the units of the timebase
   std::optional<Date> previousSampleAt_;
 
-  // Used again by each pass.
+  // Reused by each pass.
   std::vector<ports::RunningApplication> applications_;  // the workspace's own list may change during a pass
   double processorCount_ = 0.0;
   std::vector<std::int32_t> pids_;

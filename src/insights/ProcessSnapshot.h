@@ -9,7 +9,7 @@
 
 namespace vorli {
 
-/// One process as seen in one pass; every insight into processes works on these rows.
+/// One process in one pass; all process insights work on these rows.
 struct ProcessSnapshot {
   std::int32_t id = 0;
   std::int32_t parentPID = 0;

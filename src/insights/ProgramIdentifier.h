@@ -4,7 +4,7 @@
 
 namespace vorli {
 
-/// The identifier under which the program itself runs: it never judges itself.
+/// The program's own identifier, used to exclude itself from its insights.
 inline constexpr std::string_view programIdentifier = "com.kv.vorli";
 
 }  // namespace vorli

@@ -1,6 +1,6 @@
 #include "insights/SuspendedAppsManager.h"
 
-#include "helper/HelperProtocol.h"
+#include "contract/HelperProtocol.h"
 
 #include <utility>
 

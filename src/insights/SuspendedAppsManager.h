@@ -1,9 +1,8 @@
 #pragma once
 
 #include "base/Date.h"
-#include "base/Observable.h"
+#include "base/Published.h"
 #include "base/Scheduler.h"
-#include "base/SharedInstance.h"
 #include "base/Subscription.h"
 #include "base/TaskScope.h"
 #include "helper/HelperManager.h"
@@ -16,7 +15,7 @@
 
 namespace vorli {
 
-/// What is known of an application that stands stopped.
+/// Record of a stopped application.
 struct SuspendedAppInfo {
   std::string bundleID;
   std::string displayName;
@@ -25,17 +24,18 @@ struct SuspendedAppInfo {
   bool operator==(const SuspendedAppInfo&) const = default;
 };
 
-/// Keeps the record of stopped applications, and sees to it that none stays stopped by mistake: one that the
-/// user turns to goes on, and so do all before the program ends. Stops none itself. Main thread.
-class SuspendedAppsManager : public SharedInstance<SuspendedAppsManager> {
+/// Keeps the record of stopped applications and prevents them from staying stopped by mistake: resumes an
+/// application when the user activates it, and all of them before the program ends. Does not stop any
+/// application itself. Main thread.
+class SuspendedAppsManager {
  public:
   SuspendedAppsManager(Scheduler& scheduler, HelperManager& helper, ports::Workspace& workspace);
 
-  Observable<std::set<std::int32_t>> suspendedPIDs;
-  Observable<std::map<std::int32_t, SuspendedAppInfo>> suspendedInfo;
+  Published<std::set<std::int32_t>, SuspendedAppsManager> suspendedPIDs;
+  Published<std::map<std::int32_t, SuspendedAppInfo>, SuspendedAppsManager> suspendedInfo;
 
-  /// Resumes all, one after the other. Ends when each was tried: one that the daemon failed to resume stays
-  /// recorded. Who awaits it has the manager outlive it.
+  /// Tries to resume all applications, one after the other. An application that the daemon fails to resume
+  /// stays recorded. The manager must outlive the call.
   Task<> resumeAll();
 
  private:

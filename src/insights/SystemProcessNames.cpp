@@ -1,77 +1,64 @@
 #include "insights/SystemProcessNames.h"
 
-#include "base/HostSystem.h"
-
 #include <algorithm>
-#include <array>
 
 namespace vorli {
 
 namespace {
 
-using namespace std::string_view_literals;
-
-constexpr std::array macOSNames{
-    "kernel_task"sv,     "windowserver"sv,   "loginwindow"sv,
-    "launchd"sv,         "logd"sv,           "fseventsd"sv,
-    "coreaudiod"sv,      "mds_stores"sv,     "mds"sv,
-    "syslogd"sv,         "spotlight"sv,      "powerd"sv,
-    "configd"sv,         "trustd"sv,         "nsurlsessiond"sv,
-    "useventagent"sv,    "cloudd"sv,         "bird"sv,
-    "softwareupdated"sv, "rapportd"sv,       "warmd"sv,
-    "appleh13camerad"sv, "mediaanalysisd"sv, "knowledge-agent"sv,
-    "duetexpertd"sv,     "vorli"sv,          "com.kv.vorli.helper"sv,
+constexpr std::string_view macOSNames[] = {
+    "kernel_task",     "windowserver",   "loginwindow",
+    "launchd",         "logd",           "fseventsd",
+    "coreaudiod",      "mds_stores",     "mds",
+    "syslogd",         "spotlight",      "powerd",
+    "configd",         "trustd",         "nsurlsessiond",
+    "useventagent",    "cloudd",         "bird",
+    "softwareupdated", "rapportd",       "warmd",
+    "appleh13camerad", "mediaanalysisd", "knowledge-agent",
+    "duetexpertd",     "vorli",          "com.kv.vorli.helper",
 };
 
-// The kernel cuts a short name at 15 bytes: longer ones stand here as it shows them.
-constexpr std::array linuxNames{
-    "accounts-daemon"sv, "avahi-daemon"sv,   "bluetoothd"sv,   "cinnamon"sv,
-    "colord"sv,          "cupsd"sv,          "dbus-broker"sv,  "dbus-daemon"sv,
-    "gnome-shell"sv,     "hyprland"sv,       "init"sv,         "kglobalaccel5"sv,
-    "kglobalacceld"sv,   "krunner"sv,        "ksmserver"sv,    "labwc"sv,
-    "lightdm"sv,         "lxqt-panel"sv,     "lxqt-session"sv, "marco"sv,
-    "mate-panel"sv,      "modemmanager"sv,   "muffin"sv,       "mutter"sv,
-    "networkmanager"sv,  "openbox"sv,        "packagekitd"sv,  "picom"sv,
-    "plasmashell"sv,     "polkitd"sv,        "rtkit-daemon"sv, "sddm"sv,
-    "snapd"sv,           "ssh-agent"sv,      "sway"sv,         "systemd"sv,
-    "udisksd"sv,         "upowerd"sv,        "vorli"sv,        "vorli-helper"sv,
-    "weston"sv,          "wpa_supplicant"sv, "xfce4-panel"sv,  "xfce4-session"sv,
-    "xfdesktop"sv,       "xfsettingsd"sv,    "xfwm4"sv,        "xorg"sv,
-    "xwayland"sv,
+// The kernel truncates short names to 15 bytes, so longer names are listed truncated.
+constexpr std::string_view linuxNames[] = {
+    "accounts-daemon", "avahi-daemon",  "bluetoothd",  "cinnamon",     "colord",      "cupsd",
+    "dbus-broker",     "dbus-daemon",   "gnome-shell", "hyprland",     "init",        "kglobalaccel5",
+    "kglobalacceld",   "krunner",       "ksmserver",   "labwc",        "lightdm",     "lxqt-panel",
+    "lxqt-session",    "marco",         "mate-panel",  "modemmanager", "muffin",      "mutter",
+    "networkmanager",  "openbox",       "packagekitd", "picom",        "plasmashell", "polkitd",
+    "rtkit-daemon",    "sddm",          "snapd",       "ssh-agent",    "sway",        "systemd",
+    "udisksd",         "upowerd",       "vorli",       "vorli-helper", "weston",      "wpa_supplicant",
+    "xfce4-panel",     "xfce4-session", "xfdesktop",   "xfsettingsd",  "xfwm4",       "xorg",
+    "xwayland",
 };
-constexpr std::array linuxFamilies{
-    "at-spi"sv,
-    "baloo_file"sv,
-    "evolution-"sv,
-    "fcitx"sv,
-    "gdm"sv,
-    "gnome-keyring"sv,
-    "gnome-session"sv,
-    "goa-"sv,
-    "gsd-"sv,
-    "gvfsd"sv,
-    "ibus-"sv,
-    "kded"sv,
-    "kwin_"sv,
-    "pipewire"sv,
-    "polkit-"sv,
-    "pulseaudio"sv,
-    "systemd-"sv,
-    "tracker-"sv,
-    "wireplumber"sv,
-    "xdg-desktop-por"sv,
-    "xdg-document-po"sv,
-    "xdg-permission-"sv,
+constexpr std::string_view linuxFamilies[] = {
+    "at-spi",
+    "baloo_file",
+    "evolution-",
+    "fcitx",
+    "gdm",
+    "gnome-keyring",
+    "gnome-session",
+    "goa-",
+    "gsd-",
+    "gvfsd",
+    "ibus-",
+    "kded",
+    "kwin_",
+    "pipewire",
+    "polkit-",
+    "pulseaudio",
+    "systemd-",
+    "tracker-",
+    "wireplumber",
+    "xdg-desktop-por",
+    "xdg-document-po",
+    "xdg-permission-",
 };
 
 }  // namespace
 
 constexpr SystemProcessNames SystemProcessNames::macOS{macOSNames, {}};
 constexpr SystemProcessNames SystemProcessNames::linuxDesktop{linuxNames, linuxFamilies};
-
-const SystemProcessNames& SystemProcessNames::ofThisSystem() {
-  return hostSystem == HostSystem::macOS ? macOS : linuxDesktop;
-}
 
 bool SystemProcessNames::contains(std::string_view lowercasedName) const {
   return std::ranges::find(names, lowercasedName) != names.end() ||

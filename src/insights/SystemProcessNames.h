@@ -5,17 +5,16 @@
 
 namespace vorli {
 
-/// Short names of processes that belong to a system and are nobody's fault. All in lower case.
+/// Short names of a system's own processes, which are never blamed. All in lower case.
 struct SystemProcessNames {
   std::span<const std::string_view> names;
-  /// Beginnings of the names of whole families.
+  /// Name prefixes of whole families of processes.
   std::span<const std::string_view> families;
 
   bool contains(std::string_view lowercasedName) const;
 
   static const SystemProcessNames macOS;
   static const SystemProcessNames linuxDesktop;
-  static const SystemProcessNames& ofThisSystem();
 };
 
 }  // namespace vorli

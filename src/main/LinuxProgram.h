@@ -12,14 +12,9 @@
 namespace vorli {
 
 class AppDelegate;
-class ClearState;
-class HelperManager;
-class NotificationCenter;
-class Scheduler;
-class SuspendedAppsManager;
-class SystemMonitor;
+struct Services;
 
-/// The back ends that the ring is computed from.
+/// The back ends that supply the readings for the ring.
 struct SamplingBackEnds {
   std::unique_ptr<ports::CalendarClock> calendar;
   std::unique_ptr<ports::MemoryCounters> memory;
@@ -30,20 +25,9 @@ struct SamplingBackEnds {
   static SamplingBackEnds ofThisMachine();
 };
 
-/// The services of the running program that a test looks at or changes.
-struct WatchedServices {
-  SystemMonitor& systemMonitor;
-  SuspendedAppsManager& suspendedAppsManager;
-  Scheduler& scheduler;
-  NotificationCenter& notifications;
-  HelperManager& helperManager;
-  ClearState& clearState;
-  AppDelegate& delegate;
-};
-
-/// Builds the Linux program on `backEnds` and runs it to its end. Returns the exit status. `watch` is called
-/// once everything is built and before the first sample.
+/// Builds the Linux program on `backEnds`, runs it until it ends and returns its exit status. `watch` is
+/// called when everything is built, before the first sample.
 int runLinuxProgram(int argc, char** argv, SamplingBackEnds backEnds,
-                    std::function<void(const WatchedServices&)> watch = nullptr);
+                    const std::function<void(Services&, AppDelegate&)>& watch = nullptr);
 
 }  // namespace vorli

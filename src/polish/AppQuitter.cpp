@@ -1,17 +1,20 @@
 #include "polish/AppQuitter.h"
 
+#include "base/FilePath.h"
 #include "base/Logger.h"
 #include "base/UnicodeText.h"
+#include "insights/ApplicationName.h"
 
 #include <algorithm>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace vorli {
 
 namespace {
 
-constexpr Logger logger(logSubsystem, "quitter");
+constexpr Logger quitLog{logSubsystem, "quitter"};
 
 using ports::RunningApplication;
 
@@ -19,7 +22,7 @@ std::optional<std::string> identifierOf(const ports::ApplicationBundle& bundle) 
   return bundle.infoString("CFBundleIdentifier");
 }
 
-// Two that have no identifier count as the same.
+// Two missing identifiers count as equal.
 bool isIdentifiedBy(const RunningApplication& application, const std::optional<std::string>& identifier) {
   if (!application.bundleIdentifier || !identifier) return !application.bundleIdentifier && !identifier;
   return *application.bundleIdentifier == std::string_view(*identifier);
@@ -31,14 +34,6 @@ std::string withoutMaker(std::string name) {
     name.erase(at, maker.size());
   }
   return name;
-}
-
-// The last component of a path without its extension; of several, only the last goes.
-std::string_view fileStem(std::string_view path) {
-  while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
-  const auto name = path.substr(path.rfind('/') + 1);
-  const auto dot = name.rfind('.');
-  return dot == std::string_view::npos || dot == 0 ? name : name.substr(0, dot);
 }
 
 bool bearsName(const RunningApplication& application, std::string_view wanted) {
@@ -53,24 +48,59 @@ std::string_view nameForLog(const RunningApplication& application) {
   return application.localizedName ? application.localizedName->view() : "?";
 }
 
-}  // namespace
-
-bool quitByName(ports::Workspace& workspace, const ports::ApplicationBundle& self, std::string_view name) {
+// Returns the applications that the user may mean by `name`, the likeliest first. This program is never among
+// them.
+std::vector<RunningApplication> applicationsNamed(ports::Workspace& workspace,
+                                                  const ports::ApplicationBundle& self, std::string_view name,
+                                                  const ApplicationPathRules& rules) {
   const std::string wanted = lowercased(name);
   const auto own = identifierOf(self);
+  std::vector<RunningApplication> shown, others;
   for (const auto& application : workspace.runningApplications()) {
-    if (isIdentifiedBy(application, own) || !bearsName(application, wanted)) continue;
-    logger.log("terminating %{public}s (pid %d)", nameForLog(application), application.processIdentifier);
-    return workspace.terminate(application.processIdentifier);
+    if (isIdentifiedBy(application, own)) continue;
+    const auto shownName = rules.kind == ApplicationPathRules::Kind::folders
+                               ? shownApplicationName(application, rules.kind)
+                               : std::nullopt;
+    if (shownName && lowercased(*shownName) == wanted) {
+      shown.push_back(application);
+    } else if (bearsName(application, wanted)) {
+      others.push_back(application);
+    }
   }
-  logger.log("quit(byName:) no match for %{public}s", name);
-  return false;
+  shown.insert(shown.end(), others.begin(), others.end());
+  return shown;
+}
+
+}  // namespace
+
+ports::QuitAnswer quitByName(ports::Workspace& workspace, const ports::ApplicationBundle& self,
+                             std::string_view name, const ApplicationPathRules& rules) {
+  auto answer = ports::QuitAnswer::gone;
+  // A copy, because the list belongs to the workspace that is being asked.
+  const auto candidates = applicationsNamed(workspace, self, name, rules);
+  for (const auto& application : candidates) {
+    quitLog.log("terminating %{public}s (pid %d)", nameForLog(application), application.processIdentifier);
+    answer = workspace.terminate(application.processIdentifier);
+    if (answer != ports::QuitAnswer::cannotBeAsked) return answer;
+  }
+  if (candidates.empty()) quitLog.log("quit(byName:) no match for %{public}s", name);
+  return answer;
+}
+
+ports::QuitAnswer answerToQuitByName(ports::Workspace& workspace, const ports::ApplicationBundle& self,
+                                     std::string_view name, const ApplicationPathRules& rules) {
+  auto answer = ports::QuitAnswer::gone;
+  for (const auto& application : applicationsNamed(workspace, self, name, rules)) {
+    answer = workspace.answerToTerminate(application.processIdentifier);
+    if (answer != ports::QuitAnswer::cannotBeAsked) return answer;
+  }
+  return answer;
 }
 
 void quitHiddenApps(ports::Workspace& workspace, const ports::ApplicationBundle& self) {
   const auto owners = workspace.onScreenWindowOwnerPIDs();
   if (!owners) {
-    logger.log("hidden quit: windows cannot be seen here, nobody is asked");
+    quitLog.log("hidden quit: windows cannot be seen here, nobody is asked");
     return;
   }
   const auto own = identifierOf(self);
@@ -78,7 +108,7 @@ void quitHiddenApps(ports::Workspace& workspace, const ports::ApplicationBundle&
     if (application.activationPolicy != ports::ActivationPolicy::regular) continue;
     if (isIdentifiedBy(application, own)) continue;
     if (std::ranges::find(*owners, application.processIdentifier) != owners->end()) continue;
-    logger.log("hidden quit: %{public}s", nameForLog(application));
+    quitLog.log("hidden quit: %{public}s", nameForLog(application));
     workspace.terminate(application.processIdentifier);
   }
 }

@@ -12,11 +12,11 @@ namespace vorli {
 
 namespace {
 
-using Step = ports::AudioTapFailure::Step;
+using TapStep = ports::AudioTapFailure::Step;
 
-constexpr Logger logger{logSubsystem, "audio-detector"};
+constexpr Logger audioLog{logSubsystem, "audio-detector"};
 
-/// The running peak: all that the audio thread shares with the rest. It only grows.
+/// The running peak, which only grows: the only state that the audio thread shares.
 class AtomicFloat {
  public:
   void raiseTo(float candidate) {
@@ -33,7 +33,7 @@ class AtomicFloat {
   float _value = 0.0F;
 };
 
-// Runs on a real-time thread: no allocation. Copied by bytes, because a buffer may start anywhere.
+// Runs on a real-time thread: no allocation. Copies bytes, because a buffer may be unaligned.
 float peakOf(std::span<const ports::AudioBuffer> buffers) {
   float peak = 0.0F;
   for (const auto& buffer : buffers) {
@@ -50,20 +50,20 @@ float peakOf(std::span<const ports::AudioBuffer> buffers) {
 
 void logFailure(const ports::AudioTapFailure& failure) {
   switch (failure.step) {
-    case Step::createTap:
-      logger.error("CreateProcessTap failed: %d. Falling back to legacy probe.", failure.status);
+    case TapStep::createTap:
+      audioLog.error("CreateProcessTap failed: %d. Falling back to legacy probe.", failure.status);
       return;
-    case Step::readTapIdentifier:
-      logger.error("Couldn't read tap UID");
+    case TapStep::readTapIdentifier:
+      audioLog.error("Couldn't read tap UID");
       return;
-    case Step::createDevice:
-      logger.error("CreateAggregateDevice failed: %d", failure.status);
+    case TapStep::createDevice:
+      audioLog.error("CreateAggregateDevice failed: %d", failure.status);
       return;
-    case Step::createInputProcedure:
-      logger.error("CreateIOProcID failed: %d", failure.status);
+    case TapStep::createInputProcedure:
+      audioLog.error("CreateIOProcID failed: %d", failure.status);
       return;
-    case Step::start:
-      logger.error("AudioDeviceStart failed: %d", failure.status);
+    case TapStep::start:
+      audioLog.error("AudioDeviceStart failed: %d", failure.status);
       return;
   }
 }
@@ -85,8 +85,8 @@ bool AudioActivityProbe::isAudioPlaying(double windowSeconds, float threshold) {
 
   const float peak = loudest.value();
   const bool audible = peak > threshold;
-  logger.debug("Audio probe: peak=%f, threshold=%f, audible=%{bool}d", static_cast<double>(peak),
-               static_cast<double>(threshold), audible);
+  audioLog.debug("Audio probe: peak=%f, threshold=%f, audible=%{bool}d", static_cast<double>(peak),
+                 static_cast<double>(threshold), audible);
   return audible;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/OnceReply.h"
-#include "helper/HelperProtocol.h"
+#include "contract/HelperProtocol.h"
 #include "sampling/MemorySnapshot.h"
 
 #include <mutex>
@@ -15,13 +15,13 @@ struct HelperWorkResult {
   HelperReply purge;
 };
 
-/// Where the helper's work and the race for it meet: whichever comes second finds what the first has left.
+/// Hands the result of the helper's work to the race, whichever of the two arrives first. Any thread.
 class HelperResultBox {
  public:
-  /// Answers with the result: at once when it is here, else when it comes.
+  /// Answers with the result: at once if it has arrived, otherwise as soon as it does.
   void whenFilled(OnceReply<HelperWorkResult> answer);
 
-  /// Puts the result in, once, and tells whoever waits for it.
+  /// Stores the result, once, and answers the waiting caller.
   void fill(HelperWorkResult work);
 
  private:
@@ -30,7 +30,7 @@ class HelperResultBox {
   OnceReply<HelperWorkResult> callback;
 };
 
-/// Hands the memory as it was before the helper's work back to the flow.
+/// Holds the memory snapshot taken before the helper's work, for the flow.
 class SnapshotBox {
  public:
   std::optional<MemorySnapshot> snapshot;

@@ -9,7 +9,7 @@ namespace vorli {
 
 namespace {
 
-// The flush has no say, and neither has an exit code: a daemon that could not purge has still been reached.
+// Neither the flush nor an exit code counts: a daemon that could not purge has still been reached.
 bool wasReached(const HelperReply& purge) {
   return purge.output != "Helper purgeMemory timed out" && purge.output != "No helper connection";
 }
@@ -50,7 +50,7 @@ Task<bool> HelperWorkRace::runHelperWorkRacingDisplayBudget(HelperWorkRequest re
   co_return reachable;
 }
 
-// Both calls are out at once: a slow purge must not delay the flush.
+// Both calls run at the same time: a slow purge must not delay the flush.
 Task<> HelperWorkRace::work(bool audioActive, std::shared_ptr<HelperResultBox> box) {
   const auto replies = std::make_shared<HelperWorkResult>();
   const TaskHandle dns = tasks_.spawn(flushDNS(replies));

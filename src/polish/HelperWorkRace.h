@@ -12,24 +12,24 @@
 
 namespace vorli {
 
-/// What one race is about. `startedAt` is a time of the scheduler.
+/// Input of one race. `startedAt` is a time of the scheduler.
 struct HelperWorkRequest {
   bool helperReady = false;
-  bool audioActive = false;  // the purge is left out
+  bool audioActive = false;  // skips the purge
   double minDisplayTime = 0.0;
   double startedAt = 0.0;
   std::shared_ptr<SnapshotBox> snapshotBox;
 };
 
-/// The helper's part of a polish, raced against the time that the user is shown something else. The work that
-/// loses goes on in the background, and lands when it lands. Main thread.
+/// Races the helper's part of a polish against the time for which the popover shows its animation. Work that
+/// loses the race finishes in the background. Main thread.
 class HelperWorkRace {
  public:
   HelperWorkRace(Scheduler& scheduler, HelperManager& helperManager, ports::MemoryCounters& memory,
                  const ports::CalendarClock& calendar);
 
-  /// Fills the request's box with the memory as it is before the work. True when the helper was reached, as
-  /// far as is known when the budget ends: one that is still at work counts.
+  /// Fills the request's box with a snapshot of memory from before the work. True when the helper was
+  /// reached, as far as is known when the budget ends: a helper that is still working counts.
   Task<bool> runHelperWorkRacingDisplayBudget(HelperWorkRequest request);
 
  private:

@@ -1,7 +1,7 @@
 #include "polish/PolishFlow.h"
 
+#include "ambient/Notifications.h"
 #include "ambient/RingGradient.h"
-#include "app/Notifications.h"
 #include "base/Animation.h"
 #include "base/Sleep.h"
 #include "polish/AppQuitter.h"
@@ -85,35 +85,35 @@ void PolishFlow::enterPolish(bool helperReady, bool audioActive) {
   popoverLog.log(
       "handleTap: setting isReleasing=true. helperReady=%{bool,public}d audioActive=%{bool,public}d",
       helperReady, audioActive);
-  if (!helperReady) state_.postClearSentence = std::string(approveHelperSentence);
+  if (!helperReady) state_.postClearSentence = std::string(services_.texts.approveHelper);
   if (audioActive) popoverLog.log("handleTap: audio active — purge will be skipped");
 }
 
 void PolishFlow::performPressCeremony() {
   if (services_.settings.hapticFeedback())
     services_.haptics.performFeedbackPattern(ports::FeedbackPattern::generic, ports::PerformanceTime::now);
-  services_.celebrationGlow.celebrate(ringGradientColour(state_.animatedProgress));
+  services_.celebrationGlow.celebrate(ringGradientColour(state_.animatedProgress.shown()));
   state_.auroraClearTrigger = state_.auroraClearTrigger + 1;
   if (services_.settings.quitHiddenAppsOnClear()) quitHiddenApps(services_.workspace, services_.bundle);
 }
 
 void PolishFlow::drainRing() {
   withAnimation(Animation::timingCurve(drainCurve, PolishTimings::drain), [this] {
-    state_.animatedProgress = 0.0;
-    state_.animatedState = RingState::healthy;
+    state_.setAnimatedProgress(0.0);
+    state_.setAnimatedState(RingState::healthy);
   });
 }
 
 void PolishFlow::showOutcome(bool helperReady, bool reachable, bool audioActive, const SnapshotBox& before) {
   state_.postClearPercentage = std::nullopt;
-  if (!helperReady) return;  // its sentence stands since the press
+  if (!helperReady) return;  // its sentence is already shown
   if (!reachable) {
-    state_.postClearSentence = std::string(helperOutOfReachSentence);
+    state_.postClearSentence = std::string(services_.texts.helperOutOfReach);
   } else if (audioActive) {
-    state_.postClearSentence = std::string(soundSparedSentence);
+    state_.postClearSentence = std::string(services_.texts.soundSpared);
   } else {
-    state_.postClearSentence = std::string(polishedSentence);
-    // A slow purge may still be at work, so there may be no figure even after a good one.
+    state_.postClearSentence = std::string(services_.texts.polished);
+    // A slow purge may still be running, so even a successful polish may have no figure.
     const MemorySnapshot now = sampleMemory(services_.memory, services_.calendar);
     state_.postClearPercentage = lighterPercentage(before.snapshot, now);
   }
@@ -138,8 +138,8 @@ void PolishFlow::raiseRingToTruth(const PolishPace& pace, const SnapshotBox& bef
   const double progress = services_.systemMonitor.ringProgress;
   logSettledRing(progress, before.snapshot, services_.systemMonitor.memory);
   withAnimation(Animation::easeInOut(pace.rise), [&] {
-    state_.animatedProgress = progress;
-    state_.animatedState = ringState(progress);
+    state_.setAnimatedProgress(progress);
+    state_.setAnimatedState(ringState(progress));
   });
 }
 
@@ -153,7 +153,7 @@ void PolishFlow::leavePolish() {
                  twoDecimals(state_.animatedProgress));
 }
 
-// Does not care how its sleep ended: at the end of a polish the flag is cleared before this is cancelled. The
+// Ignores how its sleep ended: at the end of a polish the flag is cleared before this task is cancelled. The
 // ring stays where it is until the monitor's next change.
 Task<> PolishFlow::watchdog() {
   co_await sleepFor(services_.scheduler, PolishTimings::watchdog);

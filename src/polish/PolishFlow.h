@@ -2,7 +2,7 @@
 
 #include "ambient/CelebrationGlowController.h"
 #include "ambient/ClearState.h"
-#include "app/AppSettings.h"
+#include "base/HostSystem.h"
 #include "base/NotificationCenter.h"
 #include "base/Scheduler.h"
 #include "base/Task.h"
@@ -11,6 +11,7 @@
 #include "polish/AudioActivityProbe.h"
 #include "polish/HelperWorkRace.h"
 #include "polish/PolishState.h"
+#include "polish/PolishTexts.h"
 #include "polish/PolishTimings.h"
 #include "ports/ApplicationBundle.h"
 #include "ports/CalendarClock.h"
@@ -18,10 +19,11 @@
 #include "ports/MemoryCounters.h"
 #include "ports/Workspace.h"
 #include "sampling/SystemMonitor.h"
+#include "settings/AppSettings.h"
 
 namespace vorli {
 
-/// What a polish works with.
+/// Dependencies of a polish.
 struct PolishServices {
   Scheduler& scheduler;
   NotificationCenter& notifications;
@@ -36,17 +38,18 @@ struct PolishServices {
   const ports::ApplicationBundle& bundle;
   ports::MemoryCounters& memory;
   const ports::CalendarClock& calendar;
+  const PolishTexts& texts = ofThisSystem<PolishTexts>();
 };
 
-/// The main action, from the press to the ring that stands again. The drain is no measurement: the ring is
-/// sent to zero at the press, held there, and moves to the true value at the end. No failure of the helper
-/// stops the ceremony; each ends in a sentence. Main thread.
+/// The main action, from the press until the ring shows the true value again. The drain is not a measurement:
+/// the ring is sent to zero at the press, held there, and moves to the true value at the end. No failure of
+/// the helper stops the ceremony; each is reported in a sentence. Main thread.
 class PolishFlow {
  public:
   PolishFlow(PolishState& state, const PolishServices& services);
 
-  /// One press. Does nothing on a calm ring or while a polish runs. A cancelled task hurries through: its
-  /// sleeps end at once, and no step is left out. Blocks for the audio probe and the hidden app quit.
+  /// Handles one press. Does nothing on a calm ring or while a polish is running. A cancelled task skips its
+  /// sleeps, but no other step. Blocks for the audio probe and for quitting hidden applications.
   Task<> handleTap();
 
  private:

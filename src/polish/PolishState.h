@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Animated.h"
-#include "base/Observable.h"
+#include "base/Published.h"
 #include "base/Scheduler.h"
 #include "sampling/RingState.h"
 
@@ -10,22 +10,29 @@
 
 namespace vorli {
 
-/// What the popover keeps of a polish; it outlives the popover's closing. The ring's values follow the
-/// monitor except during a polish. Subscribers are called inside the animation that a change belongs to, so
-/// Animated values that they set move with it. Main thread.
+class PolishFlow;
+
+/// State of a polish that the popover shows; kept while the popover is closed. The ring's values follow the
+/// monitor except during a polish. Subscribers are called inside the animation of the change, so
+/// animated values that they set move with it. Main thread.
 struct PolishState {
   explicit PolishState(const Scheduler& clock);
 
-  /// A polish is under way, from the press until the end of the settle: the flow's one lock.
-  Observable<bool> isReleasing{false};
-  Animated<double> animatedProgress;  // that the ring shows, 0 to 1
-  Observable<RingState> animatedState{RingState::healthy};
-  Animated<double> celebrationScale;  // of the ring
+  /// True while a polish is in progress, from the press until the ring has settled: the flow's only lock.
+  Published<bool, PolishFlow> isReleasing{false};
+  PublishedAnimated<double, PolishState> animatedProgress;  // shown by the ring, 0 to 1
+  Published<RingState, PolishState> animatedState{RingState::healthy};
+  PublishedAnimated<double, PolishFlow> celebrationScale;  // scale of the ring
   /// Replaces the status sentence while set.
-  Observable<std::optional<std::string>> postClearSentence;
-  Observable<std::optional<int>> postClearPercentage;
-  /// Each increment starts the aurora's sequence.
-  Observable<int> auroraClearTrigger{0};
+  Published<std::optional<std::string>, PolishFlow> postClearSentence;
+  Published<std::optional<int>, PolishFlow> postClearPercentage;
+  /// Starts the aurora's sequence at each increment.
+  Published<int, PolishFlow> auroraClearTrigger{0};
+
+ protected:
+  friend PolishFlow;
+  void setAnimatedProgress(double progress) { animatedProgress = progress; }
+  void setAnimatedState(RingState state) { animatedState = state; }
 };
 
 }  // namespace vorli

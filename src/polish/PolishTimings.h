@@ -2,13 +2,12 @@
 
 namespace vorli {
 
-/// Those durations of a polish that depend on whether the helper is ready: nothing else makes one longer or
-/// shorter.
+/// Durations of a polish that depend on whether the helper is ready, and on nothing else.
 struct PolishPace {
   double minDisplayTime;   // from the start of the drain to the sentence
   double untilClose;       // from the end of the bounce's rise to the closing of the popover
-  double hold;             // closed, before the monitor is asked: a purge that came too late can still land
-  double rise;             // of the ring, to the true value
+  double hold;             // with the popover closed, before the monitor is read: lets a late purge finish
+  double rise;             // time in which the ring rises to the true value
   double untilRingStands;  // the wait for that rise
 };
 
@@ -21,7 +20,7 @@ struct PolishTimings {
 
   static constexpr double drain = 1.85;
 
-  // The bounce of the ring: a spring up, and an easy way back.
+  // Bounce of the ring: a spring up, then an eased return.
   static constexpr double growResponse = 0.6;
   static constexpr double untilShrink = 0.6;
   static constexpr double shrink = 0.8;
@@ -34,7 +33,7 @@ struct PolishTimings {
 
   static constexpr double watchdog = 18.0;
 
-  /// With which the ring follows the monitor when no polish runs.
+  /// How long the ring takes to follow the monitor outside a polish.
   static constexpr double follow = 0.6;
 };
 

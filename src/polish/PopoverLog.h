@@ -6,10 +6,10 @@
 
 namespace vorli {
 
-/// The log of the popover, and of the polish that starts there.
+/// Log of the popover, and of the polish that starts there.
 inline constexpr Logger popoverLog{logSubsystem, "popover"};
 
-/// For those of its lines that show a number as a text: two places after the point.
+/// Formats a number with two decimal places, for log lines.
 std::string twoDecimals(double number);
 
 }  // namespace vorli

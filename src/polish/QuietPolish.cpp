@@ -18,7 +18,7 @@ QuietPolish::QuietPolish(Scheduler& scheduler, const ports::CalendarClock& calen
       audio_(audio),
       tasks_(scheduler) {}
 
-// The cooldown starts before the work, and whether or not the work succeeds.
+// The cooldown starts before the work, whether or not the work succeeds.
 void QuietPolish::checkPressure(const MemorySnapshot& memory) {
   if (memory.pressureLevel == MemoryPressureLevel::normal) return;
   if (!settings_.autoClear() && !settings_.autoRefreshOnPressure()) return;

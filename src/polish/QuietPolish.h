@@ -1,6 +1,5 @@
 #pragma once
 
-#include "app/AppSettings.h"
 #include "base/Scheduler.h"
 #include "base/Task.h"
 #include "base/TaskScope.h"
@@ -9,10 +8,12 @@
 #include "ports/CalendarClock.h"
 #include "sampling/MemorySnapshot.h"
 #include "sampling/SystemMonitor.h"
+#include "settings/AppSettings.h"
 
 namespace vorli {
 
-/// The polishes without a ceremony: flush, purge, and a look at the machine. Nothing is shown. Main thread.
+/// Polishes without a ceremony: flush, purge, and a fresh sample of the machine. Nothing is shown. Main
+/// thread.
 class QuietPolish {
  public:
   enum class Start { started, helperNotInstalled };
@@ -20,15 +21,16 @@ class QuietPolish {
   QuietPolish(Scheduler& scheduler, const ports::CalendarClock& calendar, HelperManager& helperManager,
               SystemMonitor& systemMonitor, AppSettings& settings, AudioActivityProbe& audio);
 
-  /// The automatic polish check, for each memory sample: polishes under pressure when a setting asks for it,
-  /// at most every 300 seconds, and spares playing sound. Blocks for the audio probe when it polishes.
+  /// Checks each memory sample for an automatic polish: polishes under pressure when a setting asks for it,
+  /// at most every 300 seconds. Skips the purge while sound is playing. Blocks for the audio probe when it
+  /// polishes.
   void checkPressure(const MemorySnapshot& memory);
 
-  /// The menu's and the hot key's polish. Asks for no sound and no cooldown, and starts none.
+  /// Polishes for the menu and the hot key. Ignores sound and the cooldown, and does not start one.
   [[nodiscard]] Start polishNow();
 
-  /// The polish of a notification's button, to its end. Nothing without the helper. Listens for sound after
-  /// the flush, and blocks for that.
+  /// Polishes for a notification's button; ends with the work. Does nothing without the helper. Blocks for
+  /// the audio probe after the flush.
   Task<> polishFromNotification();
 
  private:

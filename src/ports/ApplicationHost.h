@@ -9,17 +9,17 @@ class ApplicationHost {
  public:
   virtual ~ApplicationHost() = default;
 
-  /// Brings the program to the front, whatever else is active.
+  /// Brings the program to the front, even if another application is active.
   virtual void activateIgnoringOtherApps() = 0;
 
-  /// An informational alert with one button "OK". Returns at once; the main loop goes on behind it.
+  /// Shows an informational alert with one "OK" button. Returns at once; the main loop keeps running.
   virtual void showInfoAlert(const std::string& messageText, const std::string& informativeText) = 0;
 
   virtual void openAboutPanel() = 0;
 
-  /// Asks the program to end, as from its menu: the delegate's answer decides when.
+  /// Asks the program to terminate, as its menu does; the delegate's answer decides when.
   virtual void terminate() = 0;
-  /// Ends a deferred termination.
+  /// Completes a deferred termination.
   virtual void replyToTermination() = 0;
 };
 

@@ -4,26 +4,26 @@
 
 namespace vorli::ports {
 
-/// A second thread for work that would hold up the main loop; one piece at a time. Main thread. Who started a
-/// piece that uses him calls `abandon` before he goes.
+/// A second thread for work that would block the main loop; one piece at a time. An object that is used by
+/// its own work must call `abandon` before it is destroyed. Main thread.
 class BackgroundWork {
  public:
   using Work = UniqueFunction<void()>;
 
   virtual ~BackgroundWork() = default;
 
-  /// Runs `work` on another thread and then `done` on the main thread, from its loop. Not while a piece is
-  /// under way. Does not block.
+  /// Runs `work` on another thread, then `done` from the main loop. Must not be called while a piece is in
+  /// progress. Does not block.
   virtual void start(Work work, Work done) = 0;
 
   /// True from `start` until just before its `done` is called.
   virtual bool isUnderWay() const = 0;
 
-  /// Calls the `done` of the piece under way inside this call; nothing without one. Blocks until the work is
-  /// over.
+  /// Waits for the piece in progress and calls its `done` before returning; does nothing when there is none.
+  /// Blocks until the work has finished.
   virtual void finish() = 0;
 
-  /// As `finish`, but its `done` is dropped.
+  /// Like `finish`, but drops the piece's `done`.
   virtual void abandon() = 0;
 };
 

@@ -21,14 +21,14 @@ class CPUCounters {
  public:
   virtual ~CPUCounters() = default;
 
-  /// Empty when the kernel gave no readable answer.
+  /// Empty when the counters cannot be read.
   virtual std::optional<CPUTicks> readTicks() = 0;
 
-  /// Writes the 1, 5 and 15 minute load into the front of `averages`; what could not be read is left as it
-  /// was.
+  /// Writes the 1, 5 and 15 minute load averages to `averages`; values that cannot be read are left
+  /// unchanged.
   virtual void readLoadAverages(std::span<double, 3> averages) = 0;
 
-  /// Processors that run at present, and all that the machine has; 0 when unknown.
+  /// Number of processors that are active now, and of all processors in the machine; 0 when unknown.
   virtual int activeProcessorCount() = 0;
   virtual int processorCount() = 0;
 };

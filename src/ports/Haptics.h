@@ -2,16 +2,16 @@
 
 namespace vorli::ports {
 
-/// The numbers are the contract's own.
+/// The numbers are part of the contract.
 enum class FeedbackPattern { generic = 0 };
 enum class PerformanceTime { now = 1 };
 
-/// What a hand on the pointing device feels.
+/// Haptic feedback of the pointing device.
 class Haptics {
  public:
   virtual ~Haptics() = default;
 
-  /// Gives one tap; nothing on a machine that cannot. Main thread; does not block.
+  /// Gives one tap; does nothing on a machine without haptics. Main thread; does not block.
   virtual void performFeedbackPattern(FeedbackPattern pattern, PerformanceTime time) = 0;
 };
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "helper/HelperProtocol.h"
+#include "contract/HelperProtocol.h"
 
 #include <functional>
 #include <memory>
@@ -9,26 +9,26 @@
 
 namespace vorli::ports {
 
-/// One connection to the daemon. Its calls belong to the main thread, and none blocks on the bus. Handlers
-/// come on any thread, never inside the call that caused them, and also when the connection object is gone by
-/// then: they hold weakly what they touch.
+/// One connection to the daemon. Call it on the main thread only; no call blocks on the bus. Handlers run on
+/// any thread, never inside the call that caused them, and possibly after the connection object is destroyed,
+/// so they must hold weak references.
 class HelperConnection {
  public:
   virtual ~HelperConnection() = default;
 
-  /// The connection is of no more use: it was invalidated from this side, or lost for good. Called once.
+  /// Called once, when the connection has become unusable: it was invalidated on this side or permanently
+  /// lost.
   virtual void setInvalidationHandler(std::function<void()> handler) = 0;
-  /// The daemon went away while a call was out.
+  /// Called when the daemon exits while a call is in flight.
   virtual void setInterruptionHandler(std::function<void()> handler) = 0;
 
-  /// Starts the connection; handlers are installed before.
+  /// Starts the connection; install the handlers first.
   virtual void resume() = 0;
-  /// Ends it. Requests that are out fail, and the invalidation handler follows.
+  /// Closes the connection. Requests in flight fail, then the invalidation handler is called.
   virtual void invalidate() = 0;
 
-  /// The daemon's interface. `errorHandler` gets a description when a request made through this proxy fails
-  /// to reach the daemon; the request itself is then never answered. Empty when there is no way to the
-  /// daemon.
+  /// The daemon's interface. `errorHandler` receives a description when a request made through this proxy
+  /// fails to reach the daemon; that request is then never answered. Null when the daemon cannot be reached.
   virtual std::shared_ptr<HelperProtocol> remoteObjectProxy(
       std::function<void(std::string)> errorHandler) = 0;
 };
@@ -38,8 +38,8 @@ class HelperTransport {
  public:
   virtual ~HelperTransport() = default;
 
-  /// A new connection, not yet started. Never null; one that leads nowhere has no proxy. Main thread; does
-  /// not block.
+  /// A new connection, not yet started. Never null; when the daemon cannot be reached, it has no proxy. Main
+  /// thread; does not block.
   virtual std::unique_ptr<HelperConnection> connect(std::string_view serviceName) = 0;
 };
 

@@ -11,28 +11,29 @@
 
 namespace vorli::ports {
 
-/// What an entry of a stored dictionary can hold.
+/// Value of an entry in a stored dictionary.
 using StoredEntry = std::variant<bool, std::int64_t, double, std::string, Date>;
 using StoredDictionary = std::map<std::string, StoredEntry>;
 
-/// What a key can hold.
+/// Value of a key.
 using StoredValue =
     std::variant<bool, std::int64_t, double, std::string, Date, std::vector<std::string>, StoredDictionary>;
 
-/// The user's preferences, one value a key. Tells an absent key from a stored false. A change is readable at
-/// once and reaches the disk soon after, whole or not at all; a failed write is logged by the store and keeps
-/// the value in memory. Main thread; does not block.
+/// The user's preferences, one value per key. An absent key differs from a stored false. A change can be read
+/// back at once and is written to disk soon after, atomically; the store logs a failed write and keeps the
+/// value in memory. Main thread; does not block.
 class KeyValueStore {
  public:
   virtual ~KeyValueStore() = default;
 
-  /// Empty when the key is absent or its value cannot be understood.
+  /// Empty when the key is absent. A value that cannot be understood is an empty dictionary: it is present,
+  /// but has a type that no reader expects.
   virtual std::optional<StoredValue> object(const std::string& key) const = 0;
 
   /// Stores the value, or removes the key when it is empty.
   virtual void setObject(const std::string& key, std::optional<StoredValue> value) = 0;
 
-  /// Writes what has not been written yet; called before the process ends.
+  /// Writes all pending changes; called before the process ends.
   virtual void synchronize() = 0;
 };
 

@@ -31,15 +31,14 @@ struct SwapUsage {
   bool operator==(const SwapUsage&) const = default;
 };
 
-/// What the system says about memory pressure, unjudged. A field is empty where the system has no such
-/// figure.
+/// The system's raw figures of memory pressure. A field is empty where the system has no such figure.
 struct PressureReading {
   /// The kernel's own verdict: 1, 2 or 4 for normal, warning and critical.
   std::optional<std::int32_t> kernelLevel;
   /// Share of the last ten seconds in which some, or all, runnable tasks waited for memory, in percent.
   std::optional<double> someStallPercent;
   std::optional<double> fullStallPercent;
-  /// What new programs can have without swapping, and all there is.
+  /// Memory available to new programs without swapping, and total memory.
   std::optional<std::uint64_t> availableBytes;
   std::optional<std::uint64_t> totalBytes;
 
@@ -51,10 +50,10 @@ class MemoryCounters {
  public:
   virtual ~MemoryCounters() = default;
 
-  /// Bytes in a page; read at each sample.
+  /// Bytes per page; read at each sample.
   virtual std::uint64_t pageSizeBytes() = 0;
 
-  /// Empty when the kernel gave no readable answer.
+  /// Empty when the counters cannot be read.
   virtual std::optional<VMStatistics> readStatistics() = 0;
 
   /// Physical memory of the machine in bytes; 0 when unknown.

@@ -6,12 +6,12 @@
 
 namespace vorli::ports {
 
-/// Whether the user asked the desktop for less movement. Main thread; no call blocks.
+/// The user's preference for less movement. Main thread; no call blocks.
 class MotionPreference {
  public:
   virtual ~MotionPreference() = default;
 
-  /// False where the desktop does not tell.
+  /// False where the desktop has no such setting.
   virtual bool isReduced() const = 0;
 
   /// `handler` runs when `isReduced` has changed.

@@ -5,13 +5,13 @@
 
 namespace vorli::ports {
 
-/// Where the machine's power comes from. Main thread; blocks for some tens of microseconds.
+/// The machine's source of power. Main thread; blocks for some tens of microseconds.
 class PowerSources {
  public:
   virtual ~PowerSources() = default;
 
-  /// The name of the source in use, "Battery Power" or "AC Power", or another name that the system gives it.
-  /// Empty when there is no information on power sources.
+  /// The name of the source in use, "Battery Power" or "AC Power", or another name reported by the system.
+  /// Empty when there is no information about power sources.
   virtual std::optional<std::string> providingSourceType() = 0;
 };
 

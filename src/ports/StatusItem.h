@@ -9,8 +9,8 @@
 
 namespace vorli::ports {
 
-/// One straight line with round caps of a picture that is `StatusPicture::sidePoints` wide and high, y
-/// downwards.
+/// A straight line with round caps, in a picture that is `StatusPicture::sidePoints` wide and high; y points
+/// down.
 struct Stroke {
   double fromX = 0.0, fromY = 0.0, toX = 0.0, toY = 0.0;
   double width = 0.0;
@@ -27,7 +27,7 @@ struct StatusPicture {
   bool operator==(const StatusPicture&) const = default;
 };
 
-/// One click. An event that could not be read is a plain left click.
+/// A click. An event that cannot be read counts as a plain left click.
 struct StatusClick {
   enum class Button { left, right };
   enum class Control { up, held };
@@ -40,7 +40,7 @@ struct MenuRow {
   enum class Kind { action, separator };
   Kind kind = Kind::action;
   std::string title;
-  std::string keyEquivalent;  // lower case, without its modifier; empty: none
+  std::string keyEquivalent;  // lower case, without its modifier; may be empty
   std::function<void()> action;
 };
 
@@ -49,14 +49,14 @@ class StatusItem {
  public:
   virtual ~StatusItem() = default;
 
-  /// Makes the item appear. False when it has no button to show things on: everything else is then skipped.
+  /// Shows the item. False when it has no button to draw on; the caller then skips everything else.
   virtual bool create() = 0;
   virtual bool hasButton() const = 0;
 
-  /// Called when the button is released.
+  /// `handler` runs when the button is released.
   virtual void setClickHandler(std::function<void(const StatusClick&)> handler) = 0;
 
-  /// Where the system itself opens the menu, it asks for its rows through this, once per opening.
+  /// Where the system itself opens the menu, calls `provider` for the rows, once per opening.
   virtual void setMenuProvider(std::function<std::vector<MenuRow>()> provider) = 0;
   /// Opens the menu at the item.
   virtual void showMenu(std::vector<MenuRow> rows) = 0;
@@ -65,12 +65,12 @@ class StatusItem {
   virtual void setAccessibilityLabel(const std::string& text) = 0;
   virtual void setAccessibilityValue(const std::string& text) = 0;
 
-  /// A picture equal to the one shown costs nothing.
+  /// Shows the picture; setting an equal one costs nothing.
   virtual void setPicture(const StatusPicture& picture) = 0;
 
-  /// True when what lies behind the item is dark.
+  /// True when the background of the item is dark.
   virtual bool hasDarkAppearance() const = 0;
-  /// Called when `hasDarkAppearance` may have changed.
+  /// `handler` runs when `hasDarkAppearance` may have changed.
   virtual void setAppearanceHandler(std::function<void()> handler) = 0;
 };
 

@@ -4,7 +4,7 @@
 
 namespace vorli::ports {
 
-/// The system's log. Any thread; a call blocks for some microseconds and never fails visibly.
+/// The system's log. Thread-safe; a call blocks for some microseconds and never reports a failure.
 class SystemLog {
  public:
   virtual ~SystemLog() = default;

@@ -6,7 +6,7 @@
 
 namespace vorli::ports {
 
-/// One measured spot of the machine, in thousandths of a degree Celsius. A trip point that it lacks is empty.
+/// One temperature zone of the machine, in thousandths of a degree Celsius. A missing trip point is empty.
 struct ThermalZone {
   std::int64_t temperature = 0;
   std::optional<std::int64_t> passiveTrip;
@@ -16,7 +16,7 @@ struct ThermalZone {
   bool operator==(const ThermalZone&) const = default;
 };
 
-/// Either the system's own verdict, 0 (nominal) to 3 (critical), or its zones; both empty on a machine
+/// Either the system's own verdict, 0 (nominal) to 3 (critical), or its zones. Both are empty on a machine
 /// without sensors.
 struct ThermalReading {
   std::optional<int> systemState;
@@ -25,7 +25,7 @@ struct ThermalReading {
   bool operator==(const ThermalReading&) const = default;
 };
 
-/// Heat and the power mode. Main thread; a call blocks for some tens of microseconds per zone.
+/// Temperature and power mode. Main thread; a call blocks for some tens of microseconds per zone.
 class ThermalSensors {
  public:
   virtual ~ThermalSensors() = default;

@@ -51,12 +51,12 @@ bool BackgroundWork::makeThread() {
   try {
     thread_ = std::thread([this] { run(); });
   } catch (const std::system_error&) {
-    // The user may have no more of them now; the next piece tries again.
+    return false;  // the user's limit may be reached; the next piece tries again
   }
-  return thread_.joinable();
+  return true;
 }
 
-// Late is better than never, and no harm is done but to the smoothness of the main loop.
+// Does the work on the main thread: this only delays the main loop.
 void BackgroundWork::workHere() {
   std::exchange(work_, nullptr)();
   isOver_ = true;
@@ -74,11 +74,11 @@ void BackgroundWork::run() {
   while (true) {
     changed_.wait(guard, [this] { return isEnding_ || work_; });
     if (!work_) return;
-    const auto piece = piece_;  // stays while this one is under way
+    const auto piece = piece_;  // does not change while this piece is in progress
     auto work = std::exchange(work_, nullptr);
     guard.unlock();
     work();
-    work = nullptr;  // its captures end on this thread, before anybody hears that it is over
+    work = nullptr;  // destroys its captures on this thread, before the end is announced
     guard.lock();
     isOver_ = true;
     changed_.notify_all();
@@ -91,7 +91,7 @@ void BackgroundWork::waitUntilOver() {
   changed_.wait(guard, [this] { return isOver_; });
 }
 
-// Nothing for a piece that was finished or abandoned before its turn in the loop came.
+// Does nothing for a piece that was finished or abandoned before the main loop delivered it.
 void BackgroundWork::deliver(std::uint64_t piece) {
   if (piece != piece_ || !isUnderWay()) return;
   auto done = std::exchange(done_, nullptr);

@@ -11,8 +11,8 @@
 
 namespace vorli::posix {
 
-/// One thread, made for the first piece of work and kept. It takes no signals: those are for the main thread.
-/// Where none can be made, `start` does the work itself.
+/// One thread, created for the first piece of work and kept. It receives no signals: those are for the main
+/// thread. If no thread can be created, `start` does the work itself.
 class BackgroundWork final : public ports::BackgroundWork {
  public:
   explicit BackgroundWork(Scheduler& scheduler);
@@ -35,15 +35,15 @@ class BackgroundWork final : public ports::BackgroundWork {
 
   Scheduler& scheduler_;
   Work done_;
-  std::uint64_t piece_ = 0;  // the number of the last one started
+  std::uint64_t piece_ = 0;  // number of the last piece started
 
   std::mutex lock_;
   std::condition_variable changed_;
   Work work_;           // waits for the thread
-  bool isOver_ = true;  // nothing waits and nothing runs
+  bool isOver_ = true;  // no work is waiting or running
   bool isEnding_ = false;
 
-  // What the thread posts may come when this object is gone.
+  // Work posted by the thread may run after this object is destroyed.
   const std::shared_ptr<BackgroundWork*> self_ = std::make_shared<BackgroundWork*>(this);
   std::thread thread_;
 };

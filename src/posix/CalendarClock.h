@@ -9,6 +9,7 @@ class CalendarClock final : public ports::CalendarClock {
  public:
   Date now() const override;
   int localHour() const override;
+  ports::LocalTime localTime(Date date) const override;
 };
 
 }  // namespace vorli::posix

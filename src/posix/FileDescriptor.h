@@ -5,7 +5,7 @@
 
 namespace vorli::posix {
 
-/// Owns an open file and closes it at its end; -1 stands for none.
+/// Owns an open file descriptor and closes it on destruction; -1 means none.
 class FileDescriptor {
  public:
   FileDescriptor() = default;
@@ -18,6 +18,8 @@ class FileDescriptor {
   ~FileDescriptor() { reset(); }
 
   int get() const { return descriptor_; }
+  /// The descriptor, which the caller closes from now on.
+  [[nodiscard]] int release() { return std::exchange(descriptor_, -1); }
   explicit operator bool() const { return descriptor_ >= 0; }
 
   void reset() {

@@ -8,7 +8,7 @@ namespace vorli::posix {
 HeldSignals::HeldSignals() {
   sigset_t held;
   sigfillset(&held);
-  // Held back, these would end the process past every handler.
+  // If blocked, these would end the process without running a handler.
   for (const int fault : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGTRAP, SIGABRT, SIGSYS}) sigdelset(&held, fault);
   pthread_sigmask(SIG_SETMASK, &held, &before_);
 }

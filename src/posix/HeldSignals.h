@@ -4,8 +4,9 @@
 
 namespace vorli::posix {
 
-/// Signals to the process are the main thread's. While this exists they pass over the calling thread, and for
-/// good over each thread that it starts meanwhile; what tells of a thread's own fault reaches that thread.
+/// Blocks signals on the calling thread while it exists, so that a thread started meanwhile keeps them
+/// blocked and signals to the process reach the main thread. Signals for a thread's own faults are not
+/// blocked.
 class HeldSignals {
  public:
   HeldSignals();

@@ -12,7 +12,7 @@ CPUSnapshot CPUStats::sample(ports::CPUCounters& counters, const ports::Calendar
 
   double usage = 0.0;
   if (hasBaseline_) {
-    // Each change is taken in 32 bits, where a counter that wrapped around still gives the right one.
+    // Subtracting in 32 bits gives the right difference even when a counter has wrapped around.
     const std::uint32_t user = ticks->user - lastUserTicks_;
     const std::uint32_t system = ticks->system - lastSystemTicks_;
     const std::uint32_t idle = ticks->idle - lastIdleTicks_;

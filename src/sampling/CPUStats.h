@@ -18,11 +18,11 @@ struct CPUSnapshot {
   bool operator==(const CPUSnapshot&) const = default;
 };
 
-/// Turns the kernel's tick counters into usage; holds the baseline. Main thread.
+/// Converts the kernel's tick counters to usage; holds the baseline. Main thread.
 class CPUStats {
  public:
-  /// Usage since the last good sample; 0 at the first. The empty snapshot, with the baseline kept, after a
-  /// failed read.
+  /// Usage since the last successful sample; 0 for the first one. A failed read returns the empty snapshot
+  /// and keeps the baseline.
   CPUSnapshot sample(ports::CPUCounters& counters, const ports::CalendarClock& calendar);
 
  private:

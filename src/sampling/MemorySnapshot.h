@@ -9,10 +9,10 @@
 
 namespace vorli {
 
-/// The kernel's judgement of memory pressure; the raw values are its own.
+/// The kernel's level of memory pressure, with its raw values.
 enum class MemoryPressureLevel : std::int32_t { normal = 1, warning = 2, critical = 4 };
 
-/// Empty for any value other than the three.
+/// Converts a raw value; empty for any value other than the three.
 std::optional<MemoryPressureLevel> memoryPressureLevel(std::int32_t rawValue);
 
 /// One reading of the kernel's memory counters. The six cumulative ones count pages since boot.
@@ -36,22 +36,21 @@ struct MemorySnapshot {
   std::uint64_t decompressionsCumulative = 0;
   std::uint64_t compressionsCumulative = 0;
 
-  /// Before the first sample, and after a failed one: `totalBytes` is 0.
+  /// The snapshot before the first sample and after a failed one; its `totalBytes` is 0.
   static const MemorySnapshot empty;
 
   bool isEmpty() const { return totalBytes == 0; }
-  /// Total less free, not below 0.
+  /// Total minus free memory, at least 0.
   std::uint64_t usedBytes() const { return totalBytes > freeBytes ? totalBytes - freeBytes : 0; }
 
   bool operator==(const MemorySnapshot&) const = default;
 };
 
-/// The level from what the system offers: its own verdict where it has one; else stalls and available memory,
-/// critical from 10 % full stall or under 5 % available, warning from 10 % some stall or under 10 %
-/// available.
+/// The pressure level: the system's own verdict where it has one, otherwise derived from stalls and available
+/// memory.
 MemoryPressureLevel pressureLevel(const ports::PressureReading& reading);
 
-/// Reads the machine's memory; the empty snapshot when the kernel's counters cannot be read.
+/// Reads the machine's memory; returns the empty snapshot when the kernel's counters cannot be read.
 MemorySnapshot sampleMemory(ports::MemoryCounters& counters, const ports::CalendarClock& calendar);
 
 }  // namespace vorli

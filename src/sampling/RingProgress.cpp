@@ -7,7 +7,7 @@ namespace vorli {
 
 namespace {
 
-// Rates at which a signal stands at its worst, in pages per second.
+// Rates at which a signal reaches its maximum, in pages per second.
 constexpr double worstDecompressionRate = 10000.0;
 constexpr double worstSwapinRate = 500.0;
 constexpr double worstPageoutRate = 2000.0;
@@ -24,7 +24,7 @@ double baseOf(MemoryPressureLevel level) {
   return 0.05;
 }
 
-// The difference wraps around: a counter that ran backwards puts its signal at the worst for one tick.
+// The difference wraps around, so a counter that ran backwards sets its signal to the maximum for one tick.
 double rateScore(std::uint64_t earlier, std::uint64_t later, double seconds, double worstRate) {
   return std::min(static_cast<double>(later - earlier) / seconds / worstRate, 1.0);
 }
@@ -44,7 +44,8 @@ double loadScore(double load, int activeProcessorCount) {
   return std::clamp((load - cores) / cores, 0.0, 1.0);
 }
 
-// A busy processor barely counts, and its last tenth moves the ring by a third. Continuous at the knots.
+// A moderately busy processor barely counts; the last tenth of usage moves the ring by a third. Continuous at
+// the breakpoints.
 double cpuScore(double usage) {
   if (usage < 0.0) return 0.0;
   if (usage < 0.5) return usage * 0.1;
@@ -79,7 +80,7 @@ double ringProgressTarget(const RingSignals& signals) {
 }
 
 double smoothedRingProgress(double current, double target) {
-  // Per tick and not per second, so that the ring settles fast while the user looks on.
+  // Smooths per tick rather than per second, so that the ring settles quickly while the user is watching.
   if (current < target) return current * 0.45 + target * 0.55;
   return current * 0.85 + target * 0.15;
 }

@@ -4,14 +4,14 @@
 
 namespace vorli {
 
-/// What a progress value means to the user.
+/// The meaning of a progress value to the user.
 enum class RingState { healthy, warming, critical };
 
-/// Healthy below 0.55, critical from 0.8. No hysteresis: the smoothing of the ring keeps a state from
+/// Healthy below 0.55, critical from 0.8. There is no hysteresis: the ring's smoothing keeps the state from
 /// flickering.
 RingState ringState(double progress);
 
-/// Its name, for the log.
+/// The state's name, for the log.
 std::string_view description(RingState state);
 
 }  // namespace vorli

@@ -38,7 +38,7 @@ void SystemMonitor::refresh() {
   publish();
 }
 
-// On the main thread, or in the background while nothing else touches the enumerator.
+// Runs on the main thread, or in the background while nothing else uses the enumerator.
 void SystemMonitor::lookAtProcesses() {
   const double start = ports_.scheduler.now();
   processes_ = &processEnumerator_.readProcesses();
@@ -72,7 +72,7 @@ std::vector<ProcessSnapshot> SystemMonitor::largest(const std::vector<ProcessSna
   return top;
 }
 
-// An empty snapshot, be it the first or that of a failed read, is no base for rates.
+// An empty snapshot, whether the first or from a failed read, cannot be the base of rates.
 void SystemMonitor::setPreviousMemory(const MemorySnapshot& before) {
   if (before.isEmpty()) {
     previousMemorySnapshot_.reset();
@@ -111,14 +111,20 @@ double SystemMonitor::targetRingProgress() const {
                              .thermalState = thermal->thermalState});
 }
 
+void SystemMonitor::setCadence(MonitorCadence cadence) {
+  if (cadence_ == cadence) return;
+  cadence_ = cadence;
+  restartTimer();
+}
+
 void SystemMonitor::restartTimer() {
   stopTimer();
-  timer_ = std::make_unique<RepeatingTimer>(ports_.scheduler, periodSeconds(cadence),
+  timer_ = std::make_unique<RepeatingTimer>(ports_.scheduler, periodSeconds(cadence_),
                                             [this] { tasks_.spawn(tick()); });
 }
 
 Task<> SystemMonitor::tick() {
-  if (ports_.background.isUnderWay()) co_return;  // as a firing that the loop was too busy for
+  if (ports_.background.isUnderWay()) co_return;  // like a firing that the loop was too busy for
   if (enumerationSeconds_ <= longestOnMainThread) {
     refresh();
   } else {

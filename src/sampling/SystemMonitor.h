@@ -1,9 +1,7 @@
 #pragma once
 
-#include "app/AppSettings.h"
-#include "base/Observable.h"
+#include "base/Published.h"
 #include "base/RepeatingTimer.h"
-#include "base/SharedInstance.h"
 #include "base/TaskScope.h"
 #include "insights/IdleAppTracker.h"
 #include "insights/LeakyAppDetector.h"
@@ -14,6 +12,7 @@
 #include "sampling/CPUStats.h"
 #include "sampling/MemorySnapshot.h"
 #include "sampling/ThermalSnapshot.h"
+#include "settings/AppSettings.h"
 
 #include <memory>
 #include <optional>
@@ -21,12 +20,12 @@
 
 namespace vorli {
 
-/// How often the machine is looked at: every 2 seconds while the user looks on, every 15 otherwise.
+/// Sampling interval: every 2 seconds while the user is watching, every 15 seconds otherwise.
 enum class MonitorCadence { active, idle };
 
 double periodSeconds(MonitorCadence cadence);
 
-/// What the monitor reads from.
+/// The ports that the monitor reads.
 struct SystemMonitorPorts {
   Scheduler& scheduler;
   const ports::CalendarClock& calendar;
@@ -40,41 +39,43 @@ struct SystemMonitorPorts {
   ports::BackgroundWork& background;
 };
 
-/// The shared sampling loop: one coherent look at the machine per tick, published to whoever subscribes.
-/// Holds `ringProgress`, the smoothed worst of seven signals of distress. Knows none of its consumers. Main
-/// thread.
-class SystemMonitor : public SharedInstance<SystemMonitor> {
+/// The shared sampling loop: takes one coherent sample of the machine per tick and publishes it to its
+/// subscribers. Holds `ringProgress`, the smoothed maximum of all distress signals. Independent of its
+/// consumers. Main thread.
+class SystemMonitor {
  public:
-  /// A look at the processes that took longer than this is not taken on the main thread by the next timer.
+  /// Longest enumeration of the processes on the main thread, in seconds. After a longer one, the next timer
+  /// tick enumerates them in the background.
   static constexpr double longestOnMainThread = 0.008;
 
   SystemMonitor(const SystemMonitorPorts& ports, AppSettings& settings, IdleAppTracker& idleTracker);
   ~SystemMonitor();
 
-  Observable<MemorySnapshot> memory{MemorySnapshot::empty};
-  Observable<CPUSnapshot> cpu{CPUSnapshot::empty};
-  Observable<ThermalSnapshot> thermal{ThermalSnapshot::empty};
-  Observable<std::vector<ProcessSnapshot>> topMemoryHogs;  // at most 5, largest residentBytes first
-  Observable<std::vector<ProcessSnapshot>> topCPUHogs;     // at most 5, largest cpuFraction first
-  Observable<std::vector<IdleApp>> idleApps;               // longest idle first
-  Observable<std::vector<OrphanHelper>> orphanHelpers;     // largest first
-  Observable<std::vector<LeakyApp>> leakyApps;             // largest first
-  Observable<Date> lastUpdate{Date::distantPast()};
-  Observable<double> ringProgress{0.0};
+  Published<MemorySnapshot, SystemMonitor> memory{MemorySnapshot::empty};
+  Published<CPUSnapshot, SystemMonitor> cpu{CPUSnapshot::empty};
+  Published<ThermalSnapshot, SystemMonitor> thermal{ThermalSnapshot::empty};
+  Published<std::vector<ProcessSnapshot>, SystemMonitor> topMemoryHogs;  // at most 5 by residentBytes
+  Published<std::vector<ProcessSnapshot>, SystemMonitor> topCPUHogs;     // at most 5 by cpuFraction
+  Published<std::vector<IdleApp>, SystemMonitor> idleApps;               // longest idle first
+  Published<std::vector<OrphanHelper>, SystemMonitor> orphanHelpers;     // largest first
+  Published<std::vector<LeakyApp>, SystemMonitor> leakyApps;             // largest first
+  Published<Date, SystemMonitor> lastUpdate{Date::distantPast()};
+  Published<double, SystemMonitor> ringProgress{0.0};
 
-  /// Who changes it calls `restartTimer` as well.
-  MonitorCadence cadence = MonitorCadence::idle;
+  MonitorCadence cadence() const { return cadence_; }
+  /// Restarts the timer, unless it has that cadence already.
+  void setCadence(MonitorCadence cadence);
 
-  /// One whole tick, at once; one of the timer that is still under way is finished before. Each call moves
-  /// the smoothing by one step, however short the time since the last.
+  /// Runs one whole tick now; a background tick in progress is finished first. Each call advances the
+  /// smoothing by one step, however little time has passed since the last.
   void refresh();
 
-  /// Starts the timer anew with the period of `cadence`; it fires first after one whole period.
+  /// Restarts the timer with the period of the cadence; it first fires after one whole period.
   void restartTimer();
   void stopTimer() { timer_.reset(); }
   bool hasTimer() const { return timer_ != nullptr; }
 
-  /// The worst of the seven signals, from the published samples, 0 to 1, not smoothed.
+  /// The maximum of all signals, from the published samples; 0 to 1, not smoothed.
   double targetRingProgress() const;
 
   const std::optional<MemorySnapshot>& previousMemorySnapshot() const { return previousMemorySnapshot_; }
@@ -96,13 +97,14 @@ class SystemMonitor : public SharedInstance<SystemMonitor> {
   std::optional<MemorySnapshot> previousMemorySnapshot_;
   CPUStats cpuStats_;
   ProcessEnumerator processEnumerator_;
-  const std::vector<ProcessSnapshot>* processes_ = nullptr;  // of the last look
-  double enumerationSeconds_ = 0.0;                          // that it took
+  const std::vector<ProcessSnapshot>* processes_ = nullptr;  // result of the last enumeration
+  double enumerationSeconds_ = 0.0;                          // duration of the last enumeration
   LargestRows largestRows_;
   IdleAppTracker& idleTracker_;
   OrphanHelperDetector orphanDetector_;
   LeakyAppDetector leakyDetector_;
   AppSettings& settings_;
+  MonitorCadence cadence_ = MonitorCadence::idle;
   std::unique_ptr<RepeatingTimer> timer_;
   TaskScope tasks_;
 };

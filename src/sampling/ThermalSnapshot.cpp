@@ -6,7 +6,7 @@ namespace vorli {
 
 namespace {
 
-// A zone without a usable trip point often gives it as 0 or as absolute zero instead of leaving it out.
+// A zone without a usable trip point often reports 0 or absolute zero instead of omitting it.
 bool hasReached(std::int64_t temperature, std::optional<std::int64_t> trip) {
   return trip && *trip > 0 && temperature >= *trip;
 }

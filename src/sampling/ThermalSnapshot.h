@@ -10,7 +10,7 @@ enum class ThermalState : int { nominal = 0, fair = 1, serious = 2, critical = 3
 
 enum class PowerSource { battery, ac, unknown };
 
-/// Heat and power at one moment.
+/// Temperature and power state at one moment.
 struct ThermalSnapshot {
   ThermalState thermalState = ThermalState::nominal;
   bool lowPowerMode = false;
@@ -22,11 +22,11 @@ struct ThermalSnapshot {
   bool operator==(const ThermalSnapshot&) const = default;
 };
 
-/// The system's verdict, or the worst zone: critical at its critical trip point, serious at its hot one, fair
-/// at its passive one. Nominal without sensors.
+/// The system's own verdict, otherwise the state of the worst zone: critical at its critical trip point,
+/// serious at its hot one, fair at its passive one. Nominal without sensors.
 ThermalState thermalState(const ports::ThermalReading& reading);
 
-/// "Battery Power" and "AC Power"; anything else is unknown.
+/// Recognises "Battery Power" and "AC Power"; anything else is unknown.
 PowerSource readPowerSource(ports::PowerSources& sources);
 
 }  // namespace vorli

@@ -5,7 +5,7 @@ namespace vorli {
 namespace {
 
 constexpr Colour amber{0.9, 0.6, 0.1};
-constexpr double tolerance = 6e-5;
+constexpr double auroraTolerance = 6e-5;
 
 struct AuroraFieldTest : testing::Test {
   AuroraPicture after(double seconds, double calm = 0.0, Movement movement = Movement::kept) {
@@ -56,7 +56,7 @@ TEST_F(AuroraFieldTest, theCloudTurnsOnceInEighteenSeconds) {
   EXPECT_EQ(after(0.0).warmCloud.rotationDegrees, 0.0);
   EXPECT_NEAR(after(4.5).warmCloud.rotationDegrees, 90.0, 1e-9);
   EXPECT_NEAR(after(4.5).bloom.rotationDegrees, -90.0, 1e-9);
-  EXPECT_NEAR(after(18.0 + 4.5).warmCloud.rotationDegrees, 90.0, 1e-9);  // on, and not back
+  EXPECT_NEAR(after(18.0 + 4.5).warmCloud.rotationDegrees, 90.0, 1e-9);  // forward, not back
   EXPECT_NEAR(after(18.0 + 9.0).warmCloud.rotationDegrees, 180.0, 1e-9);
   EXPECT_LT(field.restsAt(), scheduler.now());
 }
@@ -92,14 +92,14 @@ TEST_F(AuroraFieldTest, aPolishSetsOffTheSequence) {
            Moment{3.45, 1.0, 1.0, 28.0, 0.4, 0.0, 14.0, 1.6, 0.0},
        }) {
     const auto picture = after(at.at);
-    EXPECT_NEAR(picture.warmCloud.scale, at.warmScale, tolerance) << at.at;
-    EXPECT_NEAR(picture.warmCloud.opacity, at.warmOpacity, tolerance) << at.at;
-    EXPECT_NEAR(picture.warmCloud.blur, at.warmBlur, tolerance) << at.at;
-    EXPECT_NEAR(picture.bloom.scale, at.bloomScale, tolerance) << at.at;
-    EXPECT_NEAR(picture.bloom.opacity, at.bloomOpacity, tolerance) << at.at;
-    EXPECT_NEAR(picture.bloom.blur, at.bloomBlur, tolerance) << at.at;
-    EXPECT_NEAR(picture.leak.scale, at.leakScale, tolerance) << at.at;
-    EXPECT_NEAR(picture.leak.opacity, at.leakOpacity, tolerance) << at.at;
+    EXPECT_NEAR(picture.warmCloud.scale, at.warmScale, auroraTolerance) << at.at;
+    EXPECT_NEAR(picture.warmCloud.opacity, at.warmOpacity, auroraTolerance) << at.at;
+    EXPECT_NEAR(picture.warmCloud.blur, at.warmBlur, auroraTolerance) << at.at;
+    EXPECT_NEAR(picture.bloom.scale, at.bloomScale, auroraTolerance) << at.at;
+    EXPECT_NEAR(picture.bloom.opacity, at.bloomOpacity, auroraTolerance) << at.at;
+    EXPECT_NEAR(picture.bloom.blur, at.bloomBlur, auroraTolerance) << at.at;
+    EXPECT_NEAR(picture.leak.scale, at.leakScale, auroraTolerance) << at.at;
+    EXPECT_NEAR(picture.leak.opacity, at.leakOpacity, auroraTolerance) << at.at;
   }
 }
 
@@ -130,7 +130,7 @@ TEST_F(AuroraFieldTest, aSecondTriggerStartsOverAndKeepsTheLateStepsOfTheFirst) 
   EXPECT_EQ(again.bloom.opacity, 0.0);
   EXPECT_EQ(again.leak.opacity, 0.0);
   EXPECT_NEAR(after(1.2 + 0.9).leak.opacity, 0.95, 1e-9);
-  // The first one's way back, at 2.6, meets the second one's bloom, and its end takes the sparks away.
+  // The first one's way back, at 2.6, overlaps the second one's bloom, and its end removes the sparks.
   EXPECT_LT(after(3.0).bloom.opacity, 0.8);
   EXPECT_GT(after(3.0).warmCloud.opacity, 0.3);
   EXPECT_TRUE(after(4.19).sparks);

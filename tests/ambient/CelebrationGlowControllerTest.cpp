@@ -86,7 +86,7 @@ TEST_F(CelebrationGlowControllerTest, aSecondFlashStartsFromNothing) {
   celebrate(calm);
   EXPECT_EQ(shownAfter(0.0), (ports::GlowPicture{calm, 0.0}));
   EXPECT_EQ(shownAfter(0.4), (ports::GlowPicture{calm, 0.55}));
-  EXPECT_EQ(intensityAfter(1.9), 0.55);  // the first one would have left by then
+  EXPECT_EQ(intensityAfter(1.9), 0.55);  // the first one would have ended by then
   EXPECT_EQ(intensityAfter(2.8), 0.0);
 }
 

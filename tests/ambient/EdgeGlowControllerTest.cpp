@@ -1,4 +1,5 @@
 #include "ambient/EdgeGlowController.h"
+#include "tests/fakes/Publish.h"
 #include "tests/polish/PolishFixture.h"
 
 #include <limits>
@@ -11,10 +12,10 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 struct EdgeGlowControllerTest : PolishFixture {
   EdgeGlowControllerTest() { publish(0.5); }
 
-  // As at the end of a tick.
+  // Acts like the end of a tick.
   void publish(double progress) {
-    monitor.memory = monitor.memory.get();
-    monitor.ringProgress = progress;
+    fakes::publish(monitor.memory, monitor.memory.get());
+    fakes::publish(monitor.ringProgress, progress);
     scheduler.runReady();
   }
   double opacityAfter(double seconds) const { return window.pictureAt(scheduler.now() + seconds).opacity; }
@@ -39,7 +40,7 @@ TEST_F(EdgeGlowControllerTest, enabledItLiesOverTheScreenAndShowsNothingBelowThe
   EXPECT_EQ(window.builds, std::vector{100.0});
   EXPECT_TRUE(observes());
   publish(0.8999);
-  EXPECT_TRUE(window.restTimes.empty());  // not one frame
+  EXPECT_TRUE(window.restTimes.empty());  // no frame at all
 }
 
 TEST_F(EdgeGlowControllerTest, theRingOfTheFinishedTickLightsIt) {
@@ -61,7 +62,7 @@ TEST_F(EdgeGlowControllerTest, aRingThatIsHighAlreadyLightsItAtOnce) {
 
 TEST_F(EdgeGlowControllerTest, enablingTakesBothValuesBeforeTheNextTurnOfTheLoop) {
   publish(0.97);
-  clearState.calmIntensity = 0.5;
+  fakes::publish(clearState.calmIntensity, 0.5);
   glow.enable();
   EXPECT_EQ(glow.state().progress.get(), 0.97);
   EXPECT_EQ(glow.state().calm.get(), 0.5);
@@ -80,11 +81,30 @@ TEST_F(EdgeGlowControllerTest, theCalmDimsIt) {
   glow.enable();
   publish(1.0);
   scheduler.advance(5.0);
-  clearState.calmIntensity = 1.0;
+  fakes::publish(clearState.calmIntensity, 1.0);
   scheduler.runReady();
   EXPECT_EQ(glow.state().calm.get(), 1.0);
-  EXPECT_NEAR(opacityAfter(8.5), 0.45 * 0.3, 1e-6);  // at the height of the second breath
-  EXPECT_EQ(window.restTimes.size(), 1u);            // the frames under way show it
+  EXPECT_NEAR(opacityAfter(8.5), 0.45 * 0.3, 1e-6);  // at the peak of the second breath
+  EXPECT_EQ(window.restTimes.size(), 1u);            // the frames in progress show it
+}
+
+TEST_F(EdgeGlowControllerTest, onlyALitGlowFollowsARisingCalmAtTheDisplaysPace) {
+  glow.enable();
+  int changes = 0;
+  const auto following = glow.state().calm.subscribeToChanges([&](double) { ++changes; });
+  const auto changesOfARise = [&] {
+    changes = 0;
+    fakes::publish(clearState.calmIntensity, 0.0);
+    clearState.runCeremony(0.9, 300.0);
+    scheduler.advance(0.9);
+    EXPECT_EQ(glow.state().calm.get(), 1.0);
+    return changes;
+  };
+  EXPECT_LE(changesOfARise(), 8);
+  publish(1.0);
+  EXPECT_GE(changesOfARise(), 50);
+  publish(0.5);
+  EXPECT_LE(changesOfARise(), 8);
 }
 
 TEST_F(EdgeGlowControllerTest, enablingAgainChangesNothing) {
@@ -103,7 +123,7 @@ TEST_F(EdgeGlowControllerTest, disablingTakesEverythingAway) {
   EXPECT_EQ(window.removals, 1);
   EXPECT_FALSE(observes());
   publish(0.92);
-  clearState.calmIntensity = 0.4;
+  fakes::publish(clearState.calmIntensity, 0.4);
   scheduler.runReady();
   EXPECT_EQ(glow.state().progress.get(), 1.0);
   EXPECT_EQ(glow.state().calm.get(), 0.0);
@@ -131,7 +151,7 @@ TEST_F(EdgeGlowControllerTest, itFollowsTheScreenThatTheUserWorksOn) {
   const ports::ScreenFrame second{1920.0, 0.0, 1280.0, 1024.0};
   window.screen = second;
   workspace.tell(ports::ApplicationEvent::activated, {});
-  EXPECT_EQ(window.moves, 0);  // in a task of its own
+  EXPECT_EQ(window.moves, 0);  // in its own task
   scheduler.runReady();
   EXPECT_EQ(window.frame(), second);
 
@@ -186,6 +206,37 @@ TEST_F(EdgeGlowControllerTest, withLessMovementTheLightStandsStill) {
   scheduler.advance(5.0);
   motion.setReduced(false);
   EXPECT_EQ(window.restTimes.back(), infinity);
+}
+
+TEST_F(EdgeGlowControllerTest, withLessMovementTheLightIsBackAfterOffAndOn) {
+  motion.setReduced(true);
+  glow.enable();
+  publish(1.0);
+  scheduler.advance(5.0);
+  glow.disable();
+  glow.enable();
+  EXPECT_NEAR(opacityAfter(0.0), 0.45, 1e-9);
+  publish(1.0);  // a ring that does not move
+  scheduler.advance(60.0);
+  EXPECT_NEAR(opacityAfter(0.0), 0.45, 1e-9);
+}
+
+TEST_F(EdgeGlowControllerTest, withLessMovementACalmThatFadesIsFollowedByTheFramesUnderWay) {
+  motion.setReduced(true);
+  glow.enable();
+  publish(1.0);
+  scheduler.advance(5.0);
+  const auto before = window.restTimes.size();
+  for (int i = 1; i <= 600; ++i) {
+    fakes::publish(clearState.calmIntensity, 1.0 - i / 600.0);
+    scheduler.advance(0.1);
+    EXPECT_GT(window.restTimes.back(), scheduler.now());  // there is always a next frame
+  }
+  EXPECT_LE(window.restTimes.size() - before, 52u);  // one for each visible change, which takes 1.2 s
+  scheduler.advance(1.2);
+  EXPECT_NEAR(opacityAfter(0.0), 0.45, 1e-9);
+  EXPECT_LE(window.restTimes.back(), scheduler.now());
+  EXPECT_EQ(scheduler.pendingTimers(), 0u);
 }
 
 }  // namespace

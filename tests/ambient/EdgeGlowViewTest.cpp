@@ -1,24 +1,20 @@
 #include "ambient/EdgeGlowView.h"
+#include "tests/base/ExpectColour.h"
 #include "tests/fakes/ManualScheduler.h"
+#include "tests/fakes/Publish.h"
 
 namespace vorli {
 namespace {
 
-void expectNear(const Colour& colour, double red, double green, double blue) {
-  EXPECT_NEAR(colour.red, red, 1e-9);
-  EXPECT_NEAR(colour.green, green, 1e-9);
-  EXPECT_NEAR(colour.blue, blue, 1e-9);
-}
-
 TEST(EdgeGlowTest, reddensWithTheProgress) {
   for (const double progress : {0.0, 0.5, 0.9}) {
-    expectNear(EdgeGlowView::glowColour(progress), 0.945, 0.525, 0.125);
+    expectColour(EdgeGlowView::glowColour(progress), {0.945, 0.525, 0.125});
   }
-  expectNear(EdgeGlowView::glowColour(0.93), 0.9235, 0.38, 0.141);
-  expectNear(EdgeGlowView::glowColour(0.96), 0.902, 0.235, 0.157);
-  expectNear(EdgeGlowView::glowColour(0.98), 0.841, 0.241, 0.1765);
+  expectColour(EdgeGlowView::glowColour(0.93), {0.9235, 0.38, 0.141});
+  expectColour(EdgeGlowView::glowColour(0.96), {0.902, 0.235, 0.157});
+  expectColour(EdgeGlowView::glowColour(0.98), {0.841, 0.241, 0.1765});
   for (const double progress : {1.0, 1.5}) {
-    expectNear(EdgeGlowView::glowColour(progress), 0.78, 0.247, 0.196);
+    expectColour(EdgeGlowView::glowColour(progress), {0.78, 0.247, 0.196});
   }
 }
 
@@ -40,7 +36,7 @@ TEST(EdgeGlowTest, theCalmTakesMostOfItAway) {
 
 struct EdgeGlowViewTest : testing::Test {
   void setProgress(double progress) {
-    state.progress = progress;
+    fakes::publish(state.progress, progress);
     view.stateChanged();
   }
   ports::GlowPicture after(double seconds) const {
@@ -71,8 +67,8 @@ TEST_F(EdgeGlowViewTest, crossingTheEdgeIsSoftBothWays) {
 
 TEST_F(EdgeGlowViewTest, theColourMovesWithIt) {
   setProgress(0.96);
-  expectNear(after(0.6).colour, (0.945 + 0.902) / 2, (0.525 + 0.235) / 2, (0.125 + 0.157) / 2);
-  expectNear(after(1.2).colour, 0.902, 0.235, 0.157);
+  expectColour(after(0.6).colour, {(0.945 + 0.902) / 2, (0.525 + 0.235) / 2, (0.125 + 0.157) / 2});
+  expectColour(after(1.2).colour, {0.902, 0.235, 0.157});
 }
 
 TEST_F(EdgeGlowViewTest, itBreathesBetweenEightyFivePercentAndAll) {
@@ -95,7 +91,7 @@ TEST_F(EdgeGlowViewTest, aCalmThatChangesSixtyTimesASecondIsFollowed) {
   scheduler.advance(2.0);
   for (int i = 1; i <= 600; ++i) {
     scheduler.advance(1.0 / 60.0);
-    state.calm = i / 600.0;
+    fakes::publish(state.calm, i / 600.0);
     view.stateChanged();
   }
   // The light follows the calm of 0.6 seconds ago, half of the time that a change takes.
@@ -105,7 +101,7 @@ TEST_F(EdgeGlowViewTest, aCalmThatChangesSixtyTimesASecondIsFollowed) {
 
 TEST_F(EdgeGlowViewTest, belowTheEdgeNothingMovesThePicture) {
   setProgress(0.7);
-  state.calm = 0.5;
+  fakes::publish(state.calm, 0.5);
   EXPECT_FALSE(view.stateChanged());
   EXPECT_LT(view.settlesAt(), scheduler.now());
   EXPECT_EQ(after(0.5).opacity, 0.0);

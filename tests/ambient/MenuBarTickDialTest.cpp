@@ -1,4 +1,5 @@
 #include "ambient/MenuBarTickDial.h"
+#include "tests/base/ExpectColour.h"
 
 #include <cmath>
 #include <limits>
@@ -23,13 +24,6 @@ int filledCount(const MenuBarTickDial& dial) {
   const auto all = strokes(dial);
   return static_cast<int>(std::count_if(
       all.begin(), all.end(), [](const auto& stroke) { return std::abs(stroke.width - 1.6) < 1e-12; }));
-}
-
-void expectColour(const Colour& colour, const Colour& expected) {
-  EXPECT_NEAR(colour.red, expected.red, 1e-12);
-  EXPECT_NEAR(colour.green, expected.green, 1e-12);
-  EXPECT_NEAR(colour.blue, expected.blue, 1e-12);
-  EXPECT_NEAR(colour.alpha, expected.alpha, 1e-12);
 }
 
 void expectLine(const ports::Stroke& stroke, double fromX, double fromY, double toX, double toY) {

@@ -6,7 +6,7 @@ namespace vorli {
 namespace {
 
 constexpr double lit = 1000.0;
-constexpr double tolerance = 1e-5;
+constexpr double sparkTolerance = 1e-5;
 
 WhiteSparkShower::Spark sparkAt(std::size_t index, double elapsed) {
   return (*WhiteSparkShower{.startDate = lit}.sparks(lit + elapsed))[index];
@@ -32,10 +32,10 @@ TEST(WhiteSparkShowerTest, aSparkLightsUpFliesAndGoesOut) {
         Moment{0.9, 1.0, 0.82322, 0.88510}, Moment{1.26, 1.0, 0.95070, 0.96796},
         Moment{1.53, 0.5, 0.99129, 0.99434}, Moment{1.8, 0.0, 1.0, 1.0}, Moment{3.0, 0.0, 1.0, 1.0}}) {
     const auto spark = sparkAt(0, at.elapsed);
-    EXPECT_NEAR(spark.opacity, at.opacity, tolerance) << at.elapsed;
-    EXPECT_NEAR(spark.x, -58.0 * at.travel, 58.0 * tolerance) << at.elapsed;
-    EXPECT_NEAR(spark.y, -38.0 * at.travel, 38.0 * tolerance) << at.elapsed;
-    EXPECT_NEAR(spark.scale, at.scale, tolerance) << at.elapsed;
+    EXPECT_NEAR(spark.opacity, at.opacity, sparkTolerance) << at.elapsed;
+    EXPECT_NEAR(spark.x, -58.0 * at.travel, 58.0 * sparkTolerance) << at.elapsed;
+    EXPECT_NEAR(spark.y, -38.0 * at.travel, 38.0 * sparkTolerance) << at.elapsed;
+    EXPECT_NEAR(spark.scale, at.scale, sparkTolerance) << at.elapsed;
   }
 }
 
@@ -45,8 +45,8 @@ TEST(WhiteSparkShowerTest, eachSparkStartsAfterTheOneBefore) {
     EXPECT_EQ(sparkAt(i, start - 0.001).opacity, 0.0) << i;
     EXPECT_GT(sparkAt(i, start + 0.001).opacity, 0.0) << i;
   }
-  EXPECT_NEAR(sparkAt(11, 0.9).opacity, 0.72222, tolerance);
-  EXPECT_NEAR(sparkAt(11, 0.9).scale, 0.46108, tolerance);
+  EXPECT_NEAR(sparkAt(11, 0.9).opacity, 0.72222, sparkTolerance);
+  EXPECT_NEAR(sparkAt(11, 0.9).scale, 0.46108, sparkTolerance);
   EXPECT_NEAR(sparkAt(11, 1.26).y, -74.0 * 0.54815, 1e-3);
 }
 

@@ -1,27 +1,19 @@
 #include "ambient/MenuBarTickDial.h"
 #include "app/AppDelegate.h"
-#include "tests/fakes/ApplicationBundle.h"
-#include "tests/fakes/ApplicationHost.h"
-#include "tests/fakes/AudioOutputTap.h"
-#include "tests/fakes/BackgroundWork.h"
-#include "tests/fakes/CPUCounters.h"
-#include "tests/fakes/CalendarClock.h"
+#include "app/Services.h"
+#include "app/StatusMenu.h"
+#include "app/StatusSentence.h"
+#include "app/StatusTexts.h"
+#include "base/HostSystem.h"
 #include "tests/fakes/CapturedLog.h"
-#include "tests/fakes/DesktopShell.h"
-#include "tests/fakes/GlowOverlay.h"
-#include "tests/fakes/Haptics.h"
-#include "tests/fakes/HelperService.h"
-#include "tests/fakes/HelperTransport.h"
-#include "tests/fakes/KeyValueStore.h"
-#include "tests/fakes/ManualScheduler.h"
-#include "tests/fakes/MemoryCounters.h"
-#include "tests/fakes/MotionPreference.h"
-#include "tests/fakes/PopoverWindow.h"
-#include "tests/fakes/PowerSources.h"
-#include "tests/fakes/ProcessTable.h"
-#include "tests/fakes/StatusItem.h"
-#include "tests/fakes/ThermalSensors.h"
-#include "tests/fakes/Workspace.h"
+#include "tests/fakes/FakeHost.h"
+#include "tests/fakes/Publish.h"
+
+#include <gtest/gtest.h>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace vorli {
 namespace {
@@ -29,89 +21,57 @@ namespace {
 using Button = ports::StatusClick::Button;
 using Control = ports::StatusClick::Control;
 
-struct AppDelegateTest : testing::Test {
+struct AppDelegateTest : testing::Test, fakes::FakeHost {
   fakes::CapturedLog log;
-  fakes::ManualScheduler scheduler;
-  NotificationCenter notifications;
-  fakes::KeyValueStore defaults;
-  fakes::ApplicationBundle bundle;
-  fakes::StatusItem statusItem;
-  fakes::ApplicationHost host;
-  fakes::DesktopShell desktop;
-  fakes::CalendarClock calendar{scheduler};
-  fakes::MemoryCounters memory;
-  fakes::CPUCounters cpu;
-  fakes::ThermalSensors thermal;
-  fakes::PowerSources power;
-  fakes::ProcessTable processes;
-  fakes::BackgroundWork background{scheduler};
-  fakes::Workspace workspace;
-  fakes::HelperService service{scheduler};
-  fakes::HelperTransport transport{scheduler};
-
-  HelperManager helperManager{scheduler, service, transport, bundle};
-  AppSettings settings{defaults};
-  IdleAppTracker idleTracker{scheduler, calendar, defaults, workspace};
-  SystemMonitor systemMonitor{
-      {scheduler, calendar, memory, cpu, thermal, power, processes, workspace, bundle, background},
-      settings,
-      idleTracker};
-  SuspendedAppsManager suspendedAppsManager{scheduler, helperManager, workspace};
-  ClearState clearState{scheduler};
-  fakes::AudioOutputTap tap;
-  AudioActivityProbe audio{tap};
-  QuietPolish quietPolish{scheduler, calendar, helperManager, systemMonitor, settings, audio};
-  fakes::MotionPreference motion;
-  fakes::GlowOverlay celebrationOverlay, edgeOverlay;
-  fakes::Haptics haptics;
-  fakes::PopoverWindow popover;
-  CelebrationGlowController celebrationGlow{scheduler, celebrationOverlay};
-  EdgeGlowController edgeGlow{{scheduler, edgeOverlay, workspace, motion, systemMonitor, clearState}};
-  CulpritFormatter culpritFormatter{workspace, ApplicationPaths("/home/anna")};
-  PopoverServices popoverServices{
-      .polish = {scheduler, notifications, systemMonitor, helperManager, settings, clearState,
-                 celebrationGlow, audio, haptics, workspace, bundle, memory, calendar},
-      .defaults = defaults,
-      .culpritFormatter = culpritFormatter,
-      .motion = motion};
-  PopoverView* installed = nullptr;
+  Services services{ports()};
+  NotificationCenter& notifications = services.notifications;
+  HelperManager& helperManager = services.helperManager;
+  AppSettings& settings = services.settings;
+  SystemMonitor& systemMonitor = services.systemMonitor;
+  SuspendedAppsManager& suspendedAppsManager = services.suspendedAppsManager;
+  ClearState& clearState = services.clearState;
+  EdgeGlowController& edgeGlow = services.edgeGlow;
+  const StatusTexts& texts = ofThisSystem<StatusTexts>();
   std::optional<AppDelegate> delegate;
 
   void launch() {
-    delegate.emplace(AppDelegateNeeds{.scheduler = scheduler,
-                                      .notifications = notifications,
-                                      .defaults = defaults,
-                                      .bundle = bundle,
-                                      .statusItem = statusItem,
-                                      .host = host,
-                                      .desktop = desktop,
-                                      .helperManager = helperManager,
-                                      .systemMonitor = systemMonitor,
-                                      .settings = settings,
-                                      .suspendedAppsManager = suspendedAppsManager,
-                                      .clearState = clearState,
-                                      .quietPolish = quietPolish,
-                                      .edgeGlow = edgeGlow,
-                                      .popoverServices = popoverServices,
-                                      .popover = popover,
-                                      .installContent = [this](PopoverView& view) { installed = &view; }});
+    delegate.emplace(services);
     delegate->applicationDidFinishLaunching();
   }
   void setPressure(std::int32_t level) { memory.pressure.kernelLevel = level; }
-  std::vector<std::string> rowTitles() {
-    std::vector<std::string> titles;
-    for (const auto& row : statusItem.shownMenus.back()) titles.push_back(row.title);
-    return titles;
-  }
 };
+
+std::vector<std::string> rowTitles(const std::vector<ports::MenuRow>& rows) {
+  std::vector<std::string> titles;
+  for (const auto& row : rows) titles.push_back(row.title);
+  return titles;
+}
 
 TEST_F(AppDelegateTest, theIconStandsBeforeTheFirstSample) {
   setPressure(4);
   launch();
   ASSERT_EQ(statusItem.pictures.size(), 1u);
-  EXPECT_EQ(statusItem.accessibilityValue, "Your Mac is feeling great. 0 percent under pressure.");
+  EXPECT_EQ(statusItem.accessibilityValue, statusSentence(SetupState::finished, 0.0));
   scheduler.runReady();
-  EXPECT_EQ(statusItem.accessibilityValue, "Your Mac is under heavy pressure. 85 percent. Tap to polish.");
+  EXPECT_EQ(statusItem.accessibilityValue, statusSentence(SetupState::finished, 0.85));
+}
+
+TEST_F(AppDelegateTest, theGearOpensTheSettingsAndClosesThePopover) {
+  launch();
+  int closings = 0;
+  const auto closing = notifications.observe<VorliClosePopover>([&closings](const auto&) { ++closings; });
+  ASSERT_TRUE(shownSettings.empty());
+  delegate->popoverView()->gearPressed();
+  EXPECT_EQ(shownSettings, std::vector{&services.settingsView});
+  EXPECT_EQ(closings, 1);
+}
+
+TEST_F(AppDelegateTest, settingsOpenOnTheTabThatWasShownLast) {
+  launch();
+  delegate->showSettings(VorliSettingsTab::about);
+  EXPECT_EQ(services.settingsView.selectedTab.get(), VorliSettingsTab::about);
+  delegate->showSettings(std::nullopt);
+  EXPECT_EQ(services.settingsView.selectedTab.get(), VorliSettingsTab::about);
 }
 
 TEST_F(AppDelegateTest, theItemIsNamedOnce) {
@@ -138,7 +98,7 @@ TEST_F(AppDelegateTest, anItemWithoutAButtonDoesNotStopTheLaunch) {
   EXPECT_TRUE(statusItem.pictures.empty());
   EXPECT_TRUE(statusItem.toolTip.empty());
   EXPECT_EQ(memory.statisticsReads, 1);
-  EXPECT_GT(transport.version.requests, 0);
+  EXPECT_GT(helperTransport.version.requests, 0);
 }
 
 TEST_F(AppDelegateTest, aHealthyHelperOfTheSameBuildIsLeftAlone) {
@@ -164,7 +124,7 @@ TEST_F(AppDelegateTest, anotherBuildRenewsTheHelper) {
 }
 
 TEST_F(AppDelegateTest, aHelperThatNeverAnswersDoesNotHoldUpTheLaunch) {
-  transport.setConduct(fakes::HelperTransport::Conduct::silent);
+  helperTransport.setConduct(fakes::HelperTransport::Conduct::silent);
   launch();
   scheduler.runReady();
   EXPECT_EQ(memory.statisticsReads, 1);
@@ -175,7 +135,7 @@ TEST_F(AppDelegateTest, aHelperThatNeverAnswersDoesNotHoldUpTheLaunch) {
 TEST_F(AppDelegateTest, becomingActiveReadsTheHelpersStatus) {
   launch();
   scheduler.advance(10.0);
-  service.rawStatus = 2;
+  helperService.rawStatus = 2;
   notifications.post(ApplicationDidBecomeActive{});
   EXPECT_TRUE(helperManager.status.get() == InstallStatus::Case::requiresApproval);
 }
@@ -184,17 +144,17 @@ TEST_F(AppDelegateTest, theHelpersStatusIsReadOnActivationUntilTheDelegateIsGone
   launch();
   scheduler.advance(10.0);
   delegate->applicationWillTerminate();
-  service.rawStatus = 2;
+  helperService.rawStatus = 2;
   notifications.post(ApplicationDidBecomeActive{});
   EXPECT_TRUE(helperManager.status.get() == InstallStatus::Case::requiresApproval);
   delegate.reset();
-  service.rawStatus = 0;
+  helperService.rawStatus = 0;
   notifications.post(ApplicationDidBecomeActive{});
   EXPECT_TRUE(helperManager.status.get() == InstallStatus::Case::requiresApproval);
 }
 
 TEST_F(AppDelegateTest, theLaunchTakesItsStepsInTheirOrder) {
-  helperManager.lastError = "of an earlier time";
+  fakes::publish(helperManager.lastError, "of an earlier time");
   std::vector<std::string> order;
   const auto isBuildStored = [this] { return defaults.values.contains("vorli.lastLaunchedBuild"); };
   const auto sampling = systemMonitor.memory.subscribeToChanges([&](const MemorySnapshot&) {
@@ -213,9 +173,9 @@ TEST_F(AppDelegateTest, theLaunchTakesItsStepsInTheirOrder) {
   launch();
   EXPECT_EQ(order, (std::vector<std::string>{"sample", "status"}));
   EXPECT_TRUE(isBuildStored());
-  EXPECT_EQ(transport.version.requests, 0);  // the helper's task waits for the loop
+  EXPECT_EQ(helperTransport.version.requests, 0);  // the helper's task waits for the loop
   scheduler.runReady();
-  EXPECT_GT(transport.version.requests, 0);
+  EXPECT_GT(helperTransport.version.requests, 0);
 }
 
 TEST_F(AppDelegateTest, aTickRedrawsTheIconAfterItIsWhole) {
@@ -223,10 +183,10 @@ TEST_F(AppDelegateTest, aTickRedrawsTheIconAfterItIsWhole) {
   scheduler.runReady();
   setPressure(2);
   systemMonitor.refresh();
-  EXPECT_EQ(statusItem.accessibilityValue, "Your Mac is feeling great. 5 percent under pressure.");
+  EXPECT_EQ(statusItem.accessibilityValue, statusSentence(SetupState::finished, 0.05));
   scheduler.runReady();
   // 0.05 x 0.45 + 0.55 x 0.55 = 0.325
-  EXPECT_EQ(statusItem.accessibilityValue, "Your Mac is feeling great. 33 percent under pressure.");
+  EXPECT_EQ(statusItem.accessibilityValue, statusSentence(SetupState::finished, 0.325));
 }
 
 TEST_F(AppDelegateTest, theCalmHoldsTheDialDown) {
@@ -234,31 +194,39 @@ TEST_F(AppDelegateTest, theCalmHoldsTheDialDown) {
   launch();
   scheduler.runReady();
   const auto loaded = statusItem.pictures.back();
-  clearState.calmIntensity = 1.0;
+  fakes::publish(clearState.calmIntensity, 1.0);
   scheduler.runReady();
   MenuBarTickDial expected;
   expected.progress = 0.2;
   expected.calmOverlay = 1.0;
   EXPECT_TRUE(statusItem.pictures.back() == expected.picture(18.0, 1.0));
   EXPECT_FALSE(statusItem.pictures.back() == loaded);
-  EXPECT_EQ(statusItem.accessibilityValue, "Your Mac is under heavy pressure. 85 percent. Tap to polish.");
+  EXPECT_EQ(statusItem.accessibilityValue, statusSentence(SetupState::finished, 0.85));
 }
 
-// How often the panel is sent one is the item's own business.
-TEST_F(AppDelegateTest, eachStepOfTheCalmGivesADialOfItsOwn) {
+TEST_F(AppDelegateTest, theRisingCalmIsShownFourTimesASecondAndAtItsPeak) {
   thermal.reading.systemState = 3;
   launch();
   scheduler.runReady();
   const auto before = statusItem.pictures.size();
   clearState.runCeremony(0.9, 300.0);
   scheduler.advance(0.9);
-  ASSERT_EQ(statusItem.pictures.size(), before + 56);  // the decay begins with the value it starts from
-  for (auto at = before + 1; at < statusItem.pictures.size() - 1; ++at)
-    EXPECT_FALSE(statusItem.pictures[at] == statusItem.pictures[at - 1]) << at - before;
-  MenuBarTickDial half;
-  half.progress = 0.2 * 0.5 + 1.0 * 0.5;
-  half.calmOverlay = 0.5;
-  EXPECT_TRUE(statusItem.pictures[before + 27] == half.picture(18.0, 1.0));
+  ASSERT_EQ(statusItem.pictures.size(), before + 5);  // after 0, 0.25, 0.5, 0.75 and 0.9 s
+  MenuBarTickDial atPeak;
+  atPeak.progress = 0.2;
+  atPeak.calmOverlay = 1.0;
+  EXPECT_TRUE(statusItem.pictures.back() == atPeak.picture(18.0, 1.0));
+}
+
+TEST_F(AppDelegateTest, aMinuteOfTheDecayDrawsTheDialTwiceASecondAtMost) {
+  launch();
+  clearState.runCeremony(0.9, 300.0);
+  scheduler.advance(120.9);
+  const auto before = statusItem.pictures.size();
+  scheduler.advance(60.0);  // where the calm falls fastest
+  const auto drawn = statusItem.pictures.size() - before;
+  EXPECT_LE(drawn, 120u);
+  EXPECT_GE(drawn, 90u);
 }
 
 TEST_F(AppDelegateTest, anotherAppearanceRedrawsTheIcon) {
@@ -271,6 +239,27 @@ TEST_F(AppDelegateTest, anotherAppearanceRedrawsTheIcon) {
   EXPECT_TRUE(statusItem.pictures.back() == expected.picture(18.0, 1.0));
 }
 
+TEST_F(AppDelegateTest, theUsersPanelColourComesBeforeThePanelsOwn) {
+  launch();
+  scheduler.runReady();
+  const auto expected = [](bool isDark) {
+    MenuBarTickDial dial;
+    dial.progress = 0.05;
+    dial.isDark = isDark;
+    return dial.picture(18.0, 1.0);
+  };
+  settings.dialPanel.set("dark");
+  scheduler.runReady();
+  EXPECT_TRUE(statusItem.pictures.back() == expected(true));
+  statusItem.setDark(true);
+  settings.dialPanel.set("light");
+  scheduler.runReady();
+  EXPECT_TRUE(statusItem.pictures.back() == expected(false));
+  settings.dialPanel.set("auto");
+  scheduler.runReady();
+  EXPECT_TRUE(statusItem.pictures.back() == expected(true));
+}
+
 TEST_F(AppDelegateTest, rightAndControlClicksOpenTheMenuAndPlainOnesDoNot) {
   launch();
   statusItem.click(Button::right);
@@ -279,8 +268,30 @@ TEST_F(AppDelegateTest, rightAndControlClicksOpenTheMenuAndPlainOnesDoNot) {
   EXPECT_EQ(statusItem.shownMenus.size(), 3u);
   statusItem.click(Button::left);
   EXPECT_EQ(statusItem.shownMenus.size(), 3u);
-  EXPECT_EQ(rowTitles(), (std::vector<std::string>{"Polish Now", "", "Restart Dock", "Restart Finder", "",
-                                                   "Open Login Items", "", "About Vorli", "", "Quit Vorli"}));
+  EXPECT_EQ(rowTitles(statusItem.shownMenus.back()), rowTitles(statusMenu({}, UpdatesState::unconfigured)));
+}
+
+TEST(AppDelegateWithUpdates, theMenuOffersToCheckForThem) {
+  fakes::FakeHost host;
+  host.updates.source = "a key";
+  Services services{host.ports()};
+  AppDelegate delegate{services};
+  delegate.applicationDidFinishLaunching();
+  host.statusItem.click(Button::right);
+  host.updates.calls.clear();
+  EXPECT_TRUE(host.statusItem.choose("Check for Updates…"));
+  EXPECT_EQ(host.updates.calls, std::vector<std::string>{"check for the user"});
+}
+
+TEST_F(AppDelegateTest, reopeningShowsThePopoverAndNeverClosesIt) {
+  launch();
+  scheduler.runReady();
+  EXPECT_FALSE(popover.shown);
+  for (int start = 0; start < 3; ++start) {
+    delegate->reopen();
+    scheduler.advance(1.0);
+    EXPECT_TRUE(popover.shown);
+  }
 }
 
 TEST_F(AppDelegateTest, aPlainClickTakesAFreshSample) {
@@ -292,98 +303,108 @@ TEST_F(AppDelegateTest, aPlainClickTakesAFreshSample) {
 TEST_F(AppDelegateTest, everyRowDoesItsWork) {
   launch();
   statusItem.click(Button::right);
-  EXPECT_TRUE(statusItem.choose("Restart Dock"));
-  EXPECT_TRUE(statusItem.choose("Restart Finder"));
-  EXPECT_TRUE(statusItem.choose("Open Login Items"));
+  EXPECT_TRUE(statusItem.choose(std::string(texts.restartDock)));
+  EXPECT_TRUE(statusItem.choose(std::string(texts.restartFinder)));
+  EXPECT_TRUE(statusItem.choose(std::string(texts.openLoginItems)));
   EXPECT_TRUE(statusItem.choose("About Vorli"));
   EXPECT_TRUE(statusItem.choose("Quit Vorli"));
   EXPECT_EQ(desktop.dockRestarts, 1);
   EXPECT_EQ(desktop.finderRestarts, 1);
-  EXPECT_EQ(service.calls, std::vector<std::string>{"open login items"});
-  EXPECT_EQ(host.activations, 1);
-  EXPECT_EQ(host.aboutPanels, 1);
-  EXPECT_EQ(host.terminations, 1);
+  EXPECT_EQ(helperService.calls, std::vector<std::string>{"open login items"});
+  EXPECT_EQ(application.activations, 1);
+  EXPECT_EQ(application.aboutPanels, 1);
+  EXPECT_EQ(application.terminations, 1);
+}
+
+TEST_F(AppDelegateTest, aFileManagerThatCannotBeAskedToQuitIsLeftToTheUser) {
+  launch();
+  statusItem.click(Button::right);
+  EXPECT_TRUE(statusItem.choose(std::string(texts.restartFinder)));
+  EXPECT_TRUE(application.alerts.empty());
+  desktop.refuse("Dolphin");
+  EXPECT_EQ(application.alerts, (std::vector<std::pair<std::string, std::string>>{
+                                    {"Vorli", "Dolphin has to be closed by hand on this desktop."}}));
 }
 
 TEST_F(AppDelegateTest, theSystemsOwnMenuGetsFreshRows) {
   launch();
-  EXPECT_EQ(statusItem.menuProvider().size(), 10u);
+  EXPECT_EQ(rowTitles(statusItem.menuProvider()), rowTitles(statusMenu({}, UpdatesState::unconfigured)));
 }
 
 TEST_F(AppDelegateTest, polishNowFlushesThenPurgesThenSamples) {
   launch();
   scheduler.advance(10.0);
-  transport.requests.clear();
+  helperTransport.requests.clear();
   const int before = memory.statisticsReads;
-  transport.purgeMemory.delaySeconds = 1.0;
+  helperTransport.purgeMemory.delaySeconds = 1.0;
   statusItem.click(Button::right);
   statusItem.choose("Polish Now");
   scheduler.runReady();
-  EXPECT_EQ(transport.requests, (std::vector<std::string>{"flushDNS", "purgeMemory"}));
+  EXPECT_EQ(helperTransport.requests, (std::vector<std::string>{"flushDNS", "purgeMemory"}));
   EXPECT_EQ(memory.statisticsReads, before);
   scheduler.advance(1.0);
   EXPECT_EQ(memory.statisticsReads, before + 1);
-  EXPECT_TRUE(host.alerts.empty());
+  EXPECT_TRUE(application.alerts.empty());
   EXPECT_FALSE(settings.lastAutoRefresh());
 }
 
 TEST_F(AppDelegateTest, polishNowWithoutAHelperSaysSo) {
-  service.rawStatus = 0;
-  transport.leadsToDaemon = false;
+  helperService.rawStatus = 0;
+  helperTransport.leadsToDaemon = false;
   launch();
   delegate->polishNow();
-  ASSERT_EQ(host.alerts.size(), 1u);
-  EXPECT_EQ(host.alerts[0].first, "Vorli");
-  EXPECT_EQ(host.alerts[0].second, "Helper not installed. Open Vorli to finish setup.");
-  EXPECT_EQ(transport.purgeMemory.requests, 0);
+  ASSERT_EQ(application.alerts.size(), 1u);
+  EXPECT_EQ(application.alerts[0].first, "Vorli");
+  EXPECT_EQ(application.alerts[0].second, "Helper not installed. Open Vorli to finish setup.");
+  EXPECT_EQ(helperTransport.purgeMemory.requests, 0);
 }
 
 TEST_F(AppDelegateTest, memoryPressurePolishesByItselfWhenTheUserWantsIt) {
-  settings.setAutoClear(true);
+  settings.autoClear.set(true);
   launch();
   scheduler.advance(10.0);
-  transport.requests.clear();
+  helperTransport.requests.clear();
   setPressure(2);
   systemMonitor.refresh();
-  EXPECT_TRUE(transport.requests.empty());
+  EXPECT_TRUE(helperTransport.requests.empty());
   scheduler.runReady();
-  EXPECT_EQ(transport.requests, (std::vector<std::string>{"flushDNS", "purgeMemory"}));
+  EXPECT_EQ(helperTransport.requests, (std::vector<std::string>{"flushDNS", "purgeMemory"}));
   EXPECT_TRUE(settings.lastAutoRefresh());
 }
 
 TEST_F(AppDelegateTest, memoryPressureAtLaunchIsSeenByTheFirstSample) {
-  settings.setAutoRefreshOnPressure(true);
+  settings.autoRefreshOnPressure.set(true);
   setPressure(4);
   launch();
   scheduler.runReady();
-  EXPECT_EQ(transport.purgeMemory.requests, 1);
+  EXPECT_EQ(helperTransport.purgeMemory.requests, 1);
 }
 
 TEST_F(AppDelegateTest, quittingWaitsUntilEveryStoppedApplicationGoesOn) {
   launch();
   scheduler.advance(10.0);
-  suspendedAppsManager.suspendedPIDs = std::set<std::int32_t>{41, 42};
-  transport.killPID.delaySeconds = 1.0;
-  transport.requests.clear();
+  fakes::publish(suspendedAppsManager.suspendedPIDs, std::set<std::int32_t>{41, 42});
+  helperTransport.killPID.delaySeconds = 1.0;
+  helperTransport.requests.clear();
   EXPECT_EQ(delegate->applicationShouldTerminate(), AppDelegate::TerminateReply::later);
   scheduler.advance(1.9);
-  EXPECT_EQ(host.terminationReplies, 0);
+  EXPECT_EQ(application.terminationReplies, 0);
   scheduler.advance(0.2);
-  EXPECT_EQ(host.terminationReplies, 1);
-  EXPECT_EQ(transport.requests, (std::vector<std::string>{"killPID 41 19", "killPID 42 19"}));
+  EXPECT_EQ(application.terminationReplies, 1);
+  EXPECT_EQ(helperTransport.requests, (std::vector<std::string>{"killPID 41 19", "killPID 42 19"}));
   EXPECT_TRUE(suspendedAppsManager.suspendedPIDs->empty());
 }
 
 TEST_F(AppDelegateTest, quittingWaitsNoLongerThanTheHelpersLimit) {
   launch();
   scheduler.advance(10.0);
-  suspendedAppsManager.suspendedPIDs = std::set<std::int32_t>{41};
-  transport.killPID.conduct = fakes::HelperTransport::Conduct::silent;
+  fakes::publish(suspendedAppsManager.suspendedPIDs, std::set<std::int32_t>{41});
+  helperTransport.killPID.conduct = fakes::HelperTransport::Conduct::silent;
   delegate->applicationShouldTerminate();
   scheduler.advance(9.9);
-  EXPECT_EQ(host.terminationReplies, 0);
+  EXPECT_EQ(application.terminationReplies, 0);
   scheduler.advance(0.1);
-  EXPECT_EQ(host.terminationReplies, 1);
+  EXPECT_EQ(application.terminationReplies, 1);
   EXPECT_EQ(suspendedAppsManager.suspendedPIDs->count(41), 1u);
 }
 
@@ -395,7 +416,7 @@ TEST_F(AppDelegateTest, endingStopsTheTimerAndTheReactions) {
   EXPECT_FALSE(systemMonitor.hasTimer());
   const auto pictures = statusItem.pictures.size();
   systemMonitor.refresh();
-  clearState.calmIntensity = 0.5;
+  fakes::publish(clearState.calmIntensity, 0.5);
   scheduler.advance(60.0);
   EXPECT_EQ(statusItem.pictures.size(), pictures);
 }
@@ -404,8 +425,8 @@ TEST_F(AppDelegateTest, theLaunchMakesThePopoverAndPutsItsContentIn) {
   launch();
   EXPECT_FALSE(popover.shown);
   EXPECT_EQ(popover.size, (ports::PopoverSize{270.0, 280.0}));
-  ASSERT_NE(installed, nullptr);
-  EXPECT_EQ(installed, delegate->popoverView());
+  ASSERT_NE(installedPopoverView, nullptr);
+  EXPECT_EQ(installedPopoverView, delegate->popoverView());
   EXPECT_FALSE(defaults.values.contains("hasShownLaunchCeremony"));
 }
 
@@ -419,7 +440,7 @@ TEST_F(AppDelegateTest, aPlainClickOpensThePopoverAndTheNextOneClosesIt) {
   statusItem.click();
   scheduler.advance(0.25);
   EXPECT_FALSE(popover.shown);
-  EXPECT_EQ(installed, delegate->popoverView());
+  EXPECT_EQ(installedPopoverView, delegate->popoverView());
 }
 
 TEST_F(AppDelegateTest, menuClicksLeaveThePopoverShut) {
@@ -434,25 +455,25 @@ TEST_F(AppDelegateTest, withoutAButtonThereIsNothingToHangThePopoverOn) {
   launch();
   delegate->togglePopover();
   EXPECT_FALSE(popover.shown);
-  EXPECT_TRUE(systemMonitor.cadence == MonitorCadence::idle);
+  EXPECT_TRUE(systemMonitor.cadence() == MonitorCadence::idle);
 }
 
 TEST_F(AppDelegateTest, theEdgeGlowFollowsItsSetting) {
   launch();
   EXPECT_FALSE(edgeGlow.enabled());
-  settings.setEdgeGlow(true);
+  settings.edgeGlow.set(true);
   scheduler.runReady();
   EXPECT_TRUE(edgeGlow.enabled());
-  settings.setEdgeGlow(true);
+  settings.edgeGlow.set(true);
   scheduler.runReady();
   EXPECT_EQ(edgeOverlay.builds, std::vector{100.0});
-  settings.setEdgeGlow(false);
+  settings.edgeGlow.set(false);
   scheduler.runReady();
   EXPECT_FALSE(edgeGlow.enabled());
 }
 
 TEST_F(AppDelegateTest, anEdgeGlowThatIsSetIsThereFromTheLaunchOn) {
-  settings.setEdgeGlow(true);
+  settings.edgeGlow.set(true);
   launch();
   EXPECT_TRUE(edgeGlow.enabled());
   scheduler.runReady();

@@ -1,5 +1,9 @@
 #include "app/StatusMenu.h"
 
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
 namespace vorli {
 namespace {
 
@@ -14,23 +18,33 @@ std::vector<std::string> titles(const std::vector<ports::MenuRow>& rows) {
 
 struct StatusMenuTest : testing::Test {
   std::string chosen;
-  StatusMenuActions actions{[this] { chosen += "clear "; },  [this] { chosen += "dock "; },
-                            [this] { chosen += "finder "; }, [this] { chosen += "updates "; },
-                            [this] { chosen += "items "; },  [this] { chosen += "about "; },
-                            [this] { chosen += "quit "; }};
+  StatusMenuActions actions{.menuClearNow = [this] { chosen += "clear "; },
+                            .menuRestartDock = [this] { chosen += "dock "; },
+                            .menuRestartFinder = [this] { chosen += "finder "; },
+                            .menuCheckForUpdates = [this] { chosen += "updates "; },
+                            .menuOpenLoginItems = [this] { chosen += "items "; },
+                            .menuAbout = [this] { chosen += "about "; },
+                            .menuQuit = [this] { chosen += "quit "; }};
 };
 
-TEST_F(StatusMenuTest, hasElevenRowsWithUpdates) {
-  EXPECT_EQ(titles(statusMenu(actions, UpdatesState::configured)),
+TEST_F(StatusMenuTest, hasTheseRowsWithUpdates) {
+  EXPECT_EQ(titles(statusMenu(actions, UpdatesState::configured, StatusTexts::macOS)),
             (std::vector<std::string>{"Polish Now", "-", "Restart Dock", "Restart Finder", "-",
                                       "Check for Updates…", "Open Login Items", "-", "About Vorli", "-",
                                       "Quit Vorli"}));
 }
 
 TEST_F(StatusMenuTest, hasNoUpdateRowWithoutThem) {
-  EXPECT_EQ(titles(statusMenu(actions, UpdatesState::unconfigured)),
+  EXPECT_EQ(titles(statusMenu(actions, UpdatesState::unconfigured, StatusTexts::macOS)),
             (std::vector<std::string>{"Polish Now", "-", "Restart Dock", "Restart Finder", "-",
                                       "Open Login Items", "-", "About Vorli", "-", "Quit Vorli"}));
+}
+
+TEST_F(StatusMenuTest, onLinuxItNamesWhatADesktopHas) {
+  EXPECT_EQ(titles(statusMenu(actions, UpdatesState::configured, StatusTexts::linuxDesktop)),
+            (std::vector<std::string>{"Polish Now", "-", "Restart Panel", "Restart File Manager", "-",
+                                      "Check for Updates…", "Open Startup Applications", "-", "About Vorli",
+                                      "-", "Quit Vorli"}));
 }
 
 TEST_F(StatusMenuTest, everyRowDoesItsOwnAction) {

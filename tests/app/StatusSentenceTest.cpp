@@ -1,10 +1,13 @@
 #include "app/StatusSentence.h"
 
+#include <gtest/gtest.h>
+#include <string>
+
 namespace vorli {
 namespace {
 
 std::string sentence(double ringProgress) {
-  return statusSentence(SetupState::finished, ringProgress);
+  return statusSentence(SetupState::finished, ringProgress, StatusTexts::macOS);
 }
 
 TEST(StatusSentenceTest, unfinishedSetupComesBeforeEverything) {
@@ -20,6 +23,17 @@ TEST(StatusSentenceTest, eachStateHasItsSentence) {
   EXPECT_EQ(sentence(0.93), "Your Mac is under heavy pressure. 93 percent. Tap to polish.");
 }
 
+TEST(StatusSentenceTest, onLinuxItSpeaksOfAComputer) {
+  const auto onLinux = [](double progress) {
+    return statusSentence(SetupState::finished, progress, StatusTexts::linuxDesktop);
+  };
+  EXPECT_EQ(onLinux(0.05), "Your computer is feeling great. 5 percent under pressure.");
+  EXPECT_EQ(onLinux(0.6), "Your computer is warming up. 60 percent under pressure.");
+  EXPECT_EQ(onLinux(0.93), "Your computer is under heavy pressure. 93 percent. Tap to polish.");
+}
+
+// The state follows the same thresholds as the dial and the ring, and uses the exact value. So 0.554 is
+// warming, although its number is the same as that of 0.5499: the speech must not contradict the picture.
 TEST(StatusSentenceTest, theStateIsTakenFromTheExactValueAndTheNumberIsRounded) {
   EXPECT_EQ(sentence(0.5499), "Your Mac is feeling great. 55 percent under pressure.");
   EXPECT_EQ(sentence(0.55), "Your Mac is warming up. 55 percent under pressure.");

@@ -5,7 +5,7 @@ namespace vorli {
 namespace {
 
 struct AnimatedTest : testing::Test {
-  /// The shown value so many seconds after the start of the test.
+  /// The shown value that many seconds after the start of the test.
   double at(double seconds) const { return value.shown(start + seconds); }
 
   void animate(const Animation& animation, double target) {

@@ -41,7 +41,7 @@ TEST(CubicBezierTest, aStraightCurveIsTheIdentity) {
 }
 
 TEST(CubicBezierTest, steepCurvesAreSolvedToo) {
-  // Both controls above each other: the slope of x vanishes in the middle, where Newton's step fails.
+  // With one control above the other, the slope of x vanishes in the middle, where Newton's step fails.
   const CubicBezier steep{1.0, 0.0, 0.0, 1.0};
   EXPECT_NEAR(steep.at(0.5), 0.5, 1e-6);
   EXPECT_NEAR(steep.at(0.25), 1.0 - steep.at(0.75), 1e-6);

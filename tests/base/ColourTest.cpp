@@ -1,4 +1,5 @@
 #include "base/Colour.h"
+#include "tests/base/ExpectColour.h"
 
 namespace vorli {
 namespace {
@@ -6,18 +7,11 @@ namespace {
 constexpr Colour from{0.2, 0.4, 0.6, 0.5};
 constexpr Colour to{0.6, 0.0, 1.0, 0.25};
 
-void expectNear(const Colour& colour, const Colour& expected) {
-  EXPECT_DOUBLE_EQ(colour.red, expected.red);
-  EXPECT_DOUBLE_EQ(colour.green, expected.green);
-  EXPECT_DOUBLE_EQ(colour.blue, expected.blue);
-  EXPECT_DOUBLE_EQ(colour.alpha, expected.alpha);
-}
-
 TEST(ColourTest, aBlendIsLinearInItsComponentsAndOpaque) {
-  expectNear(blend(from, to, 0.0), {0.2, 0.4, 0.6, 1.0});
-  expectNear(blend(from, to, 0.25), {0.3, 0.3, 0.7, 1.0});
-  expectNear(blend(from, to, 0.5), {0.4, 0.2, 0.8, 1.0});
-  expectNear(blend(from, to, 1.0), {0.6, 0.0, 1.0, 1.0});
+  expectColour(blend(from, to, 0.0), {0.2, 0.4, 0.6, 1.0});
+  expectColour(blend(from, to, 0.25), {0.3, 0.3, 0.7, 1.0});
+  expectColour(blend(from, to, 0.5), {0.4, 0.2, 0.8, 1.0});
+  expectColour(blend(from, to, 1.0), {0.6, 0.0, 1.0, 1.0});
 }
 
 TEST(ColourTest, theFactorIsClamped) {

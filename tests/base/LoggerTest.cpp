@@ -92,7 +92,7 @@ TEST(LogFormatTest, anEndlessNumberIsCutShort) {
   EXPECT_EQ(wide.size(), 128u);
   EXPECT_EQ(wide.back(), '!');
   EXPECT_EQ(formatLogMessage("%f", {1e300}).size(), 127u);
-  EXPECT_EQ(formatLogMessage("%99999999999d!", {7}), "!");  // no width that can be
+  EXPECT_EQ(formatLogMessage("%99999999999d!", {7}), "!");  // an impossible width
 }
 
 struct LoggerTest : testing::Test {

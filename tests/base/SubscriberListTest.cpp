@@ -53,12 +53,6 @@ TEST_F(SubscriberListTest, aMovedTokenKeepsTheSubscription) {
   EXPECT_EQ(heard, Numbers{11});
 }
 
-TEST_F(SubscriberListTest, aDetachedSubscriptionStays) {
-  list.add(record(10)).detach();
-  list.deliver(1);
-  EXPECT_EQ(heard, Numbers{11});
-}
-
 TEST_F(SubscriberListTest, aNewcomerDuringDeliveryWaitsForTheNextValue) {
   std::vector<Subscription> late;
   const auto token = list.add([&](const int&) {

@@ -41,7 +41,7 @@ struct TaskTest : testing::Test {
     trace.push_back("waited");
   }
 
-  /// Sleeps three times, a second each, and tells after each how it went.
+  /// Sleeps three times for a second, and records after each sleep how it ended.
   Task<> threeSleeps() {
     for (int i = 1; i <= 3; ++i) {
       const auto result = co_await sleepFor(scheduler, 1.0);

@@ -31,7 +31,7 @@ TEST(UTF8Test, eachIllFormedPieceBecomesOneReplacement) {
       {"\x80"sv, "\uFFFD"sv},
       {"a\xFFz"sv, "a\uFFFDz"sv},
       {"\xC3"sv, "\uFFFD"sv},                      // cut off
-      {"\xC0\xAF"sv, "\uFFFD\uFFFD"sv},            // overlong: both bytes by themselves
+      {"\xC0\xAF"sv, "\uFFFD\uFFFD"sv},            // overlong; each byte is a piece
       {"\xC1\x80"sv, "\uFFFD\uFFFD"sv},            //
       {"\xE0\x9F\x80"sv, "\uFFFD\uFFFD\uFFFD"sv},  // overlong
       {"\xED\xA0\x80"sv, "\uFFFD\uFFFD\uFFFD"sv},  // surrogate
@@ -47,6 +47,24 @@ TEST(UTF8Test, eachIllFormedPieceBecomesOneReplacement) {
     EXPECT_FALSE(isUTF8(bytes)) << repaired;
     EXPECT_EQ(repairedUTF8(bytes), repaired);
   }
+}
+
+TEST(UTF8Test, charactersAreAppendedInAsManyBytesAsTheyNeed) {
+  const auto appended = [](char32_t character) {
+    std::string text = "x";
+    appendUTF8(text, character);
+    return text;
+  };
+  EXPECT_EQ(appended(0), "x\0"s);
+  EXPECT_EQ(appended(0x7F), "x\x7F");
+  EXPECT_EQ(appended(0x80), "x\xC2\x80");
+  EXPECT_EQ(appended(0x7FF), "x\xDF\xBF");
+  EXPECT_EQ(appended(0x800), "x\xE0\xA0\x80");
+  EXPECT_EQ(appended(0xFFFF), "x\xEF\xBF\xBF");
+  EXPECT_EQ(appended(0x10000), "x\xF0\x90\x80\x80");
+  EXPECT_EQ(appended(0x10FFFF), "x\xF4\x8F\xBF\xBF");
+  EXPECT_EQ(appended(0xD7FF), "x\xED\x9F\xBF");
+  for (const char32_t character : {0xD800, 0xDFFF, 0x110000}) EXPECT_EQ(appended(character), "x\uFFFD");
 }
 
 }  // namespace

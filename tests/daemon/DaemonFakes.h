@@ -13,7 +13,9 @@
 #include <deque>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vorli::daemon {
@@ -29,7 +31,19 @@ struct FakeCallers final : Callers {
   bool isSilent = false;
   std::vector<std::string> asked;
   std::vector<OnceReply<std::optional<UserId>>> unanswered;
+  /// Set to nothing: no caller has a process of its own.
+  struct Process final : CallerProcess {
+    bool hasEnded = false;
+    bool isThere() override { return !hasEnded; }
+  };
+  std::shared_ptr<Process> process = std::make_shared<Process>();
+  std::vector<std::pair<std::string, UserId>> held;
 
+  void processOf(const std::string& caller, UserId user,
+                 OnceReply<std::shared_ptr<CallerProcess>> reply) override {
+    held.emplace_back(caller, user);
+    std::move(reply)(process);
+  }
   void userOf(const std::string& caller, OnceReply<std::optional<UserId>> reply) override {
     asked.push_back(caller);
     if (isSilent) return unanswered.push_back(std::move(reply));
@@ -55,7 +69,7 @@ struct FakeAuthority final : Authority {
   }
 };
 
-/// Notes what was commanded, for whom, and leaves the answer to the test.
+/// Records each command and its caller, and leaves the answer to the test.
 struct FakeCommands final : Commands {
   std::vector<std::string> done;
   std::deque<OnceReply<HelperReply>> replies;
@@ -82,7 +96,7 @@ struct FakeCommands final : Commands {
   }
 };
 
-/// Work waits until the test runs it.
+/// Holds work until the test runs it.
 struct FakeWorkers final : Workers {
   std::deque<UniqueFunction<void()>> posted;
 

@@ -89,6 +89,26 @@ TEST(MoveOrder, refusesANameThatIsNothingButTheSuffix) {
   EXPECT_EQ(codeOf(systemUnits + ".service", systemUnits + ".service.vorli-disabled"), 22);
 }
 
+TEST(MoveOrder, allowsOnlyPropertyListsOfTheTwoLaunchFoldersOnMacOS) {
+  const auto codeOnMacOS = [](const std::string& path) {
+    const auto order = decodeMove(path, path + ".vorli-removed", HostSystem::macOS);
+    return order ? 0 : order.error().exitCode;
+  };
+  EXPECT_EQ(codeOnMacOS("/Library/LaunchAgents/com.example.a.plist"), 0);
+  EXPECT_EQ(codeOnMacOS("/Library/LaunchDaemons/com.example.a.plist"), 0);
+  for (const std::string path : {"/System/Library/LaunchDaemons/a.plist", "/Library/LaunchDaemons/a.service",
+                                 "/Library/LaunchDaemons/a.PLIST", "/Library/StartupItems/a.plist",
+                                 "/library/LaunchAgents/a.plist", "/etc/xdg/autostart/a.desktop"})
+    EXPECT_EQ(codeOnMacOS(path), 1) << path;
+}
+
+TEST(MoveOrder, refusesTheLaunchFoldersOfMacOSOnLinux) {
+  const std::string path = "/Library/LaunchDaemons/a.plist";
+  const auto order = decodeMove(path, path + ".vorli-disabled", HostSystem::linuxDesktop);
+  ASSERT_FALSE(order);
+  EXPECT_EQ(order.error().exitCode, 1);
+}
+
 TEST(MoveOrder, refusesPathsThatAreNotAbsolute) {
   for (const std::string path :
        {"", "a.desktop", "etc/xdg/autostart/a.desktop", "/", "/a.desktop", "./a.desktop"})

@@ -92,6 +92,34 @@ TEST_F(RequestDeskTest, refusesACallerWhomTheBusDoesNotKnow) {
   EXPECT_TRUE(commands.done.empty());
 }
 
+TEST_F(RequestDeskTest, refusesAPrivilegedRequestOfACallerWithoutAProcessOfItsOwn) {
+  callers.process.reset();
+  for (const auto method : {Method::purgeMemory, Method::flushDNS, Method::moveLaunchAgentPlist})
+    EXPECT_EQ(codeOf(method), 200);
+  EXPECT_TRUE(authority.asked.empty());
+  EXPECT_TRUE(commands.done.empty());
+  EXPECT_EQ(callers.held.front(), (std::pair<std::string, UserId>{":1.1", 1000}));
+  EXPECT_EQ(codeOf(Method::killPID), 0);
+}
+
+TEST_F(RequestDeskTest, refusesACallerWhoseProcessEndsWhileItIsJudged) {
+  authority.verdict.reset();
+  call(Method::moveLaunchAgentPlist);
+  scheduler.runReady();
+  callers.process->hasEnded = true;
+  std::move(authority.unanswered[0])(Verdict::granted);
+  scheduler.runReady();
+  EXPECT_EQ(answers.back().exitCode, 200);
+  EXPECT_TRUE(commands.done.empty());
+  EXPECT_TRUE(lines.back().contains("verdict=denied"));
+}
+
+TEST_F(RequestDeskTest, rootIsItselfInEveryProcess) {
+  callers.process.reset();
+  EXPECT_EQ(codeOf(Method::moveLaunchAgentPlist, ":1.9"), 0);
+  EXPECT_TRUE(callers.held.empty());
+}
+
 TEST_F(RequestDeskTest, passesTheHighestUserOnUnchanged) {
   callers.users[":1.5"] = 4000000000u;
   codeOf(Method::killPID, ":1.5");
@@ -184,39 +212,48 @@ TEST_F(RequestDeskTest, refusesTheSixtyFifthRequest) {
   EXPECT_EQ(desk.inFlight(), 64u);
 }
 
-// The bus tells who calls only behind everything that the caller has sent meanwhile.
-TEST_F(RequestDeskTest, aCallerWhomTheBusHasNotNamedYetTakesEightPlaces) {
+TEST_F(RequestDeskTest, takesNoMoreWhileItLooksUpTheUsersOfThirtyTwoRequests) {
   callers.isSilent = true;
-  for (int i = 0; i < 8; ++i) call(Method::killPID);
+  for (int i = 0; i < 31; ++i) call(Method::killPID, ":3." + std::to_string(i));
   scheduler.runReady();
+  EXPECT_TRUE(desk.takesMore());
+  call(Method::killPID, ":3.31");
+  scheduler.runReady();
+  EXPECT_FALSE(desk.takesMore());
   EXPECT_TRUE(answers.empty());
-  EXPECT_EQ(codeOf(Method::killPID), 202);
-
-  call(Method::killPID, ":1.2");
-  scheduler.runReady();
-  EXPECT_EQ(answers.size(), 1u);
-  EXPECT_EQ(callers.asked.back(), ":1.2");
 
   std::move(callers.unanswered[0])(1000u);
   scheduler.runReady();
+  EXPECT_TRUE(desk.takesMore());
   EXPECT_EQ(commands.done, std::vector<std::string>{"continue 4242 for 1000"});
-  EXPECT_EQ(codeOf(Method::killPID), 0);
 }
 
-TEST_F(RequestDeskTest, callersWithoutANameLeaveHalfThePlacesToTheOthers) {
-  EXPECT_EQ(codeOf(Method::killPID, ":1.2"), 0);
+TEST_F(RequestDeskTest, aUserWithManyConnectionsTakesNoPlaceFromAnother) {
+  commands.atOnce.reset();
+  for (int i = 0; i < 64; ++i) {
+    const std::string caller = ":3." + std::to_string(i);
+    callers.users[caller] = 4001;
+    for (int j = 0; j < 8; ++j) call(Method::killPID, caller);
+    scheduler.runReady();
+  }
+  EXPECT_EQ(answers.size(), 512u - 8u);
+  EXPECT_EQ(answers.back(), (HelperReply{202, "Too many requests of this user at once"}));
+  EXPECT_TRUE(desk.takesMore());
+
+  call(Method::killPID, ":1.2");
+  scheduler.runReady();
+  EXPECT_EQ(commands.done.back(), "continue 4242 for 1001");
+  EXPECT_EQ(commands.done.size(), 9u);
+}
+
+TEST_F(RequestDeskTest, goesOnWithoutTheUsersThatTheBusNeverNames) {
   callers.isSilent = true;
   for (int i = 0; i < 32; ++i) call(Method::killPID, ":3." + std::to_string(i));
   scheduler.runReady();
-  EXPECT_EQ(answers.size(), 1u);
-  EXPECT_EQ(codeOf(Method::killPID, ":3.32"), 202);
-  EXPECT_EQ(codeOf(Method::killPID, ":1.2"), 0);
-
+  EXPECT_FALSE(desk.takesMore());
   scheduler.advance(RequestDesk::Timing::identitySeconds);
+  EXPECT_TRUE(desk.takesMore());
   EXPECT_EQ(desk.inFlight(), 0u);
-  call(Method::killPID, ":3.32");
-  scheduler.runReady();
-  EXPECT_EQ(desk.inFlight(), 1u);
 }
 
 TEST_F(RequestDeskTest, asksTheBusOnceForEachCaller) {
@@ -241,9 +278,10 @@ TEST_F(RequestDeskTest, remembersTwoHundredAndFiftySixCallersAtMost) {
   }
   callers.asked.clear();
   codeOf(Method::killPID, ":4.256");
+  codeOf(Method::killPID, ":4.1");
   EXPECT_TRUE(callers.asked.empty());
   codeOf(Method::killPID, ":4.0");
-  EXPECT_EQ(callers.asked.size(), 1u);
+  EXPECT_EQ(callers.asked, std::vector<std::string>{":4.0"});
 }
 
 TEST_F(RequestDeskTest, refusesTheTwentyFirstPrivilegedRequestInTenSeconds) {
@@ -294,12 +332,43 @@ TEST_F(RequestDeskTest, writesOneLineForEachRequestWithItsCallerAndVerdict) {
             (std::vector{LogImportance::notice, LogImportance::warning, LogImportance::warning}));
 }
 
+TEST_F(RequestDeskTest, keepsWhatWasGrantedApartFromWhatNeedsNoGrant) {
+  codeOf(Method::killPID);
+  codeOf(Method::purgeMemory);
+  codeOf(Method::dumpBTM);
+  EXPECT_EQ(importances, (std::vector{LogImportance::detail, LogImportance::notice, LogImportance::warning}));
+}
+
+TEST_F(RequestDeskTest, aUserWithoutAGrantHasTwentyLinesInTenSeconds) {
+  for (int i = 0; i < 20; ++i) codeOf(Method::killPID);
+  EXPECT_EQ(lines.size(), 20u);
+  for (int i = 0; i < 300; ++i) codeOf(Method::dumpBTM);
+  EXPECT_EQ(lines.size(), 20u);
+  codeOf(Method::dumpBTM, ":1.2");
+  EXPECT_EQ(lines.size(), 21u);
+
+  EXPECT_EQ(codeOf(Method::purgeMemory), 0);
+  ASSERT_EQ(lines.size(), 22u);
+  EXPECT_TRUE(lines.back().contains("method=PurgeMemory"));
+
+  scheduler.advance(10.0);
+  ASSERT_EQ(lines.size(), 23u);
+  EXPECT_EQ(lines.back(), "300 more of user 1000");
+  EXPECT_EQ(importances.back(), LogImportance::warning);
+}
+
+TEST_F(RequestDeskTest, refusalsOfPrivilegedRequestsAreCountedWithTheRest) {
+  authority.verdict = Verdict::denied;
+  for (int i = 0; i < 40; ++i) codeOf(Method::purgeMemory);
+  EXPECT_EQ(lines.size(), 20u);
+}
+
 TEST_F(RequestDeskTest, answersHoldOnePrintableLine) {
   commands.atOnce = HelperReply{5, "two\nlines\x1b[2J" + std::string(2000, 'x')};
   call(Method::purgeMemory);
   scheduler.runReady();
   EXPECT_EQ(answers.back().output.substr(0, 16), "two lines [2Jxxx");
-  EXPECT_EQ(answers.back().output.size(), 1024u);
+  EXPECT_EQ(answers.back().output.size(), 384u);
 }
 
 TEST_F(RequestDeskTest, endsWithRequestsUnderWay) {

@@ -2,9 +2,9 @@
 """A tray registry and a settings portal that a test turns on and off by lines on standard input.
 
   watcher on | off       the name org.kde.StatusNotifierWatcher
-  host on | off          whether a panel shows what is registered
+  host on | off          whether a panel shows registered items
   portal on              the name org.freedesktop.portal.Desktop
-  scheme N               the colour scheme it tells: 0 no preference, 1 dark, 2 light
+  scheme N               the portal's colour scheme: 0 no preference, 1 dark, 2 light
 """
 
 import os

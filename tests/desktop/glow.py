@@ -9,12 +9,12 @@ import unittest
 import glow_parts
 from glow_parts import (BETWEEN, DEEP_RED, HEIGHT, MIDDLE_OF_TOP, ORANGE, WIDTH, Desktop, lit, near, other_program,
                         photograph, until_pixel)
-from tray_parts import Process, Screen, click, pointer
-from waiting import until
+from tray_parts import Process, Screen, click, pixel_at, pointer
+from waiting import wait_for
 
 PROGRAM = sys.argv.pop(1)
 WHITE, BLACK = 1.0, 0.0
-SEVERAL_FRAMES = 0.3  # seconds; one takes 33 ms, or 100 while the light creeps
+SEVERAL_FRAMES = 0.3  # seconds; a frame takes 33 ms, or 100 ms while the light moves slowly
 
 
 class GlowTest(unittest.TestCase):
@@ -42,7 +42,7 @@ class GlowTest(unittest.TestCase):
         return int(self.program.expect(r"frames \d+", since).split()[1])
 
     def settled_frames(self):
-        """Their number once there were none for the time of several; the last ones of a fade have nothing to show."""
+        """Number of frames, once none has come for the time of several; the last ones of a fade show no difference."""
         count, since = self.frames(), time.monotonic()
 
         def rests():
@@ -52,7 +52,7 @@ class GlowTest(unittest.TestCase):
                 count, since = now, time.monotonic()
             return time.monotonic() - since > SEVERAL_FRAMES
 
-        until(rests, "no more frames")
+        wait_for(rests, "no more frames")
         return count
 
     def test_each_progress_has_its_light_on_white_and_on_black(self):
@@ -75,9 +75,9 @@ class GlowTest(unittest.TestCase):
         self.assertEqual(self.frames(), 0)
         self.assertEqual(glow_parts.band_windows(), [])
         self.light(1.0)
-        until(lambda: len(glow_parts.band_windows()) == 4, "four bands")
+        wait_for(lambda: len(glow_parts.band_windows()) == 4, "four bands")
         self.light(0.5)
-        until(lambda: not glow_parts.band_windows(), "the bands are gone")
+        wait_for(lambda: not glow_parts.band_windows(), "the bands are gone")
         frames = self.settled_frames()
         self.program.tell("calm 0.2")
         self.assertEqual(self.settled_frames(), frames)
@@ -89,14 +89,14 @@ class GlowTest(unittest.TestCase):
         self.assertLess(settled, 60)
         began = time.monotonic()
         self.program.tell("moving")
-        until(lambda: self.frames() >= settled + 20, "it breathes")
+        wait_for(lambda: self.frames() >= settled + 20, "it breathes")
         self.assertLess((self.frames() - settled) / (time.monotonic() - began), 35)
 
     def test_it_is_no_window_of_a_task_list_and_lets_every_click_through(self):
         under = self.other("0,0", "#808080")
         self.light(1.0)
-        until(lambda: len(glow_parts.band_windows()) == 4, "four bands")
-        until(lambda: not near(Screen().pixel(200, 2), (128, 128, 128), 8), "light over the other window")
+        wait_for(lambda: len(glow_parts.band_windows()) == 4, "four bands")
+        wait_for(lambda: not near(Screen().pixel(200, 2), (128, 128, 128), 8), "light over the other window")
         listed = subprocess.run(["wmctrl", "-l"], capture_output=True, text=True, check=True).stdout.splitlines()
         self.assertEqual({line.split()[-1] for line in listed}, {"desktop", "other"})
         for place in ((5, 5), (200, 2), (3, 200)):
@@ -112,12 +112,12 @@ class GlowTest(unittest.TestCase):
         self.addCleanup(subprocess.run, ["wmctrl", "-s", "0"], check=True)
         until_pixel(MIDDLE_OF_TOP, lit(WHITE, DEEP_RED, 0.45), "the light on the second workspace")
         self.other("fullscreen", "black")
-        until(lambda: Screen().pixel(WIDTH // 2, HEIGHT // 2) == (0, 0, 0), "the full-screen window")
+        wait_for(lambda: Screen().pixel(WIDTH // 2, HEIGHT // 2) == (0, 0, 0), "the full-screen window")
         until_pixel(MIDDLE_OF_TOP, lit(BLACK, DEEP_RED, 0.45), "the light over it")
 
     def test_the_programs_own_panel_stays_above_it(self):
         self.program.tell("panel")
-        until(lambda: near(Screen().pixel(1600, 200), (0x20, 0x40, 0x60), 1), "the panel")
+        wait_for(lambda: near(Screen().pixel(1600, 200), (0x20, 0x40, 0x60), 1), "the panel")
         self.light(1.0)
         until_pixel(MIDDLE_OF_TOP, lit(WHITE, DEEP_RED, 0.45), "the light stands")
         self.assertTrue(near(Screen().pixel(1600, 2), (0x20, 0x40, 0x60), 1))
@@ -126,13 +126,14 @@ class GlowTest(unittest.TestCase):
         self.assertTrue(near(Screen().pixel(1600, 2), (0x20, 0x40, 0x60), 1))
 
     def test_the_celebration_comes_turns_calm_and_leaves_no_window(self):
+        # Each colour is shown for only half a second.
         self.program.tell("celebrate 0.902 0.235 0.157")
-        reddest = until(lambda: (lambda pixel: pixel if pixel[0] - pixel[1] > 60 else None)(
-            Screen().pixel(*MIDDLE_OF_TOP)), "the colour of the ring")
+        reddest = wait_for(lambda: (lambda pixel: pixel if pixel[0] - pixel[1] > 60 else None)(
+            pixel_at(*MIDDLE_OF_TOP)), "the colour of the ring")
         self.assertGreater(reddest[0], reddest[2])
-        until(lambda: (lambda pixel: pixel[1] > pixel[0] + 20)(Screen().pixel(*MIDDLE_OF_TOP)), "the calm colour")
+        wait_for(lambda: (lambda pixel: pixel[1] > pixel[0] + 20)(pixel_at(*MIDDLE_OF_TOP)), "the calm colour")
         photograph("celebration")
-        until(lambda: not glow_parts.band_windows(), "the end of the flash")
+        wait_for(lambda: not glow_parts.band_windows(), "the end of the flash")
         self.assertEqual(Screen().pixel(*MIDDLE_OF_TOP), (255, 255, 255))
 
 

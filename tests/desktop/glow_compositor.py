@@ -8,7 +8,7 @@ import unittest
 import glow_parts
 from glow_parts import DEEP_RED, MIDDLE_OF_TOP, Desktop, lit, near, until_pixel
 from tray_parts import Process, Screen
-from waiting import until
+from waiting import wait_for
 
 PROGRAM = sys.argv.pop(1)
 
@@ -36,14 +36,14 @@ class CompositorTest(unittest.TestCase):
         return int(self.program.expect(r"frames \d+", since).split()[1])
 
     def test_there_is_no_glow_without_a_compositor_and_one_as_soon_as_it_runs(self):
-        until(lambda: self.frames() > 20, "the glow has come up, unseen")
+        wait_for(lambda: self.frames() > 20, "the glow has come up, unseen")
         self.assertEqual(glow_parts.band_windows(), [])
         self.assertEqual(Screen().pixel(*MIDDLE_OF_TOP), (255, 255, 255))
 
         compositor = self.start_compositor()
         until_pixel(MIDDLE_OF_TOP, lit(1.0, DEEP_RED, 0.45), "the light with a compositor")
         compositor.terminate()
-        until(lambda: not glow_parts.band_windows(), "no band without a compositor")
+        wait_for(lambda: not glow_parts.band_windows(), "no band without a compositor")
         until_pixel(MIDDLE_OF_TOP, (255, 255, 255), "the desktop as it was")
 
     def test_the_glow_follows_the_size_of_the_screen(self):
@@ -52,8 +52,8 @@ class CompositorTest(unittest.TestCase):
         for change in (["--newmode", "small", "108", "1280", "1328", "1440", "1688", "1024", "1025", "1028", "1066"],
                        ["--addmode", "screen", "small"], ["--output", "screen", "--mode", "small"]):
             subprocess.run(["xrandr", *change], check=True)
-        until(lambda: (1280, 100, 0, 924) in glow_parts.band_windows(), "a band at the new bottom edge")
-        until(lambda: near(Screen().pixel(640, 1022), lit(1.0, DEEP_RED, 0.45)), "its light")
+        wait_for(lambda: (1280, 100, 0, 924) in glow_parts.band_windows(), "a band at the new bottom edge")
+        wait_for(lambda: near(Screen().pixel(640, 1022), lit(1.0, DEEP_RED, 0.45)), "its light")
 
 
 if __name__ == "__main__":

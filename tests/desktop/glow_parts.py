@@ -5,7 +5,8 @@ import re
 import subprocess
 
 from tray_parts import PICTURES, Process, Screen
-from waiting import until
+from vorli import screens_windows
+from waiting import wait_for
 
 ORANGE, BETWEEN, DEEP_RED = (0.945, 0.525, 0.125), (0.9092, 0.2835, 0.1517), (0.78, 0.247, 0.196)
 WIDTH, HEIGHT = 1920, 1080
@@ -56,7 +57,7 @@ def other_program(place, colour):
 
 
 class Desktop:
-    """The ground: a window as file managers lay it under all others. The root's own colour no compositor shows."""
+    """The background: a window below all others, as file managers have it. Compositors do not show the root's colour."""
 
     def __init__(self, colour):
         self.program = other_program("desktop", colour)
@@ -70,11 +71,11 @@ class Desktop:
     @staticmethod
     def await_colour(colour):
         wanted = {"white": (255,) * 3, "black": (0,) * 3}[colour]
-        until(lambda: Screen().pixel(WIDTH // 2, HEIGHT // 2) == wanted, f"a {colour} desktop")
+        wait_for(lambda: Screen().pixel(WIDTH // 2, HEIGHT // 2) == wanted, f"a {colour} desktop")
 
 
 def lit(ground, colour, opacity, pixel_from_edge=1, depth=100):
-    """What a ground looks like under one band, so many pixels inside of the edge."""
+    """Colour of a ground below one band, `pixel_from_edge` pixels inside of the edge."""
     share = opacity * (1 - (pixel_from_edge + 0.5) / depth)
     return tuple(255 * (ground + share * (component - ground)) for component in colour)
 
@@ -91,19 +92,14 @@ def until_pixel(place, wanted, what):
         return near(seen[0], wanted)
 
     try:
-        until(found, what, seconds=15.0)
+        wait_for(found, what, seconds=15.0)
     except AssertionError as error:
         raise AssertionError(f"{error}: {place} is {seen}, wanted {wanted}") from None
 
 
 def band_windows():
-    """The bands among all windows that are mapped or not: (width, height, x, y), one for each."""
-    def look():  # fails when a window goes while it looks
-        told = subprocess.run(["xwininfo", "-root", "-tree"], capture_output=True, text=True)
-        return told.stdout if told.returncode == 0 else None
-
-    tree = until(look, "a look at the windows")
-    places = re.findall(r"(\d+)x(\d+)\+-?\d+\+-?\d+\s+\+(-?\d+)\+(-?\d+)", tree)
+    """(width, height, x, y) of each band, among all windows whether they are mapped or not."""
+    places = re.findall(r"(\d+)x(\d+)\+-?\d+\+-?\d+\s+\+(-?\d+)\+(-?\d+)", screens_windows("-tree"))
     sizes = [tuple(map(int, place)) for place in places]
     return [place for place in sizes if 100 in place[:2] or 140 in place[:2]]
 

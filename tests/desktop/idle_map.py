@@ -1,4 +1,4 @@
-"""idle_map.py PROGRAM: what the whole program remembers of activations, on a real disk and in real time."""
+"""idle_map.py PROGRAM: the activations that the whole program remembers, on a real disk and in real time."""
 
 import os
 import re
@@ -8,7 +8,7 @@ import time
 import unittest
 
 from vorli import Vorli
-from waiting import until
+from waiting import wait_for
 from workspace_probe import bring_to_front, window_of, write
 
 HOME, DATA = os.environ["HOME"], os.environ["XDG_DATA_HOME"]
@@ -50,18 +50,20 @@ class IdleMap(unittest.TestCase):
             window = subprocess.Popen(["/usr/bin/python3", f"{DATA}/tools/{title}"])
             self.addCleanup(window.wait)
             self.addCleanup(window.kill)
-            until(lambda t=title: window_of(f"^{t}$"), f"the window {title}")
+            wait_for(lambda t=title: window_of(f"^{t}$"), f"the window {title}")
 
     def start(self):
         vorli = Vorli(sys.argv[1], f"{HOME}/vorli.log")
         self.addCleanup(vorli.end)
-        until(lambda: vorli.ticks >= 1, "its first look at the machine")
+        wait_for(lambda: vorli.ticks >= 1, "its first look at the machine")
         return vorli
 
     def test_a_burst_is_written_once_bounded_and_outlives_the_program(self):
         old = {f"old.{i}": f"@@Date {LONG_AGO + i}.000000" for i in range(230)}
         known = {**old, "org.example.Quiet": f"@@Date {LONG_AGO + 1000}.000000", "a.number": f"{LONG_AGO + 1001}"}
-        write(SETTINGS, "[General]\nbundleLastActivation=@@Dictionary, "
+        with open(SETTINGS, encoding="utf-8") as file:
+            others = file.read()
+        write(SETTINGS, others + "bundleLastActivation=@@Dictionary, "
                         + ", ".join(f"{name}, {value}" for name, value in known.items()) + "\n")
         before = stored()
         self.assertEqual(len(before), 231)
@@ -80,7 +82,7 @@ class IdleMap(unittest.TestCase):
             began = time.monotonic()
             bring_to_front(f"^{title}$")
             self.assertFalse(written())
-        until(written, "the map on the disk", QUIET_SECONDS + 30)
+        wait_for(written, "the map on the disk", QUIET_SECONDS + 30)
         waited = time.monotonic() - began
         after = states[1]
         print(f"written {waited:.1f} s after the last activation")
@@ -92,7 +94,7 @@ class IdleMap(unittest.TestCase):
         for identifier in ("org.example.First", "org.example.Second"):
             self.assertAlmostEqual(after[identifier], time.time(), delta=waited + 30)
 
-        bring_to_front("^Second$")  # too late to be remembered
+        bring_to_front("^Second$")  # too late to be stored
         self.assertEqual(vorli.end(), 0)
         self.assertEqual(stored(), after)
         again = self.start()
@@ -101,4 +103,4 @@ class IdleMap(unittest.TestCase):
         self.assertEqual(len(states), 2)
 
 
-unittest.main(argv=sys.argv[:1], verbosity=2)
+unittest.main(argv=[sys.argv[0], *sys.argv[2:]], verbosity=2)

@@ -1,4 +1,4 @@
-"""insights.py PROBE FAT_APPLICATION: what is concluded from real processes that hold real memory."""
+"""insights.py PROBE FAT_APPLICATION: the conclusions from real processes that hold real memory."""
 
 import ctypes
 import os
@@ -9,7 +9,7 @@ import sys
 import time
 import unittest
 
-from waiting import until
+from waiting import wait_for
 from workspace_probe import Probe, bring_to_front, window_of, write
 
 PROBE, FAT = sys.argv[1], sys.argv[2]
@@ -44,7 +44,7 @@ def install():
 
 
 class ServiceManager:
-    """This process takes over what its descendants leave behind, under the name of a user's service manager."""
+    """Makes this process the parent of its orphaned descendants, under the name of a user's service manager."""
 
     SET_NAME, SET_CHILD_SUBREAPER = 15, 36
 
@@ -88,7 +88,7 @@ class Insights(unittest.TestCase):
             process.wait()
         for pid in running_helpers():
             os.kill(pid, signal.SIGKILL)
-        until(lambda: not list(running_helpers()), "the end of the helpers")
+        wait_for(lambda: not list(running_helpers()), "the end of the helpers")
 
     def watch(self):
         self.probe = Probe(PROBE)
@@ -100,7 +100,7 @@ class Insights(unittest.TestCase):
 
     def start_paint(self):
         paint = self.start(PAINT, "Paint window", "50", HELPER, "80", HELPER, "80")
-        self.assertEqual(self.probe.wait_for("org.example.Paint")["pid"], paint.pid)
+        self.assertEqual(self.probe.appears("org.example.Paint")["pid"], paint.pid)
         return paint
 
     def test_the_sentence_names_applications_and_never_processes(self):
@@ -112,14 +112,14 @@ class Insights(unittest.TestCase):
             told.append(self.probe.look()["culprits"])
             return told[-1] == sentence
 
-        until(lambda: tells(None), "nobody is named before")
+        wait_for(lambda: tells(None), "nobody is named before")
         self.start_paint()
-        until(lambda: tells(one), "one name for the application and its helpers")
+        wait_for(lambda: tells(one), "one name for the application and its helpers")
         self.start(ATLAS, "Atlas window", "150")
-        until(lambda: tells(both), "two names, the bigger first although its processes are smaller")
+        wait_for(lambda: tells(both), "two names, the bigger first although its processes are smaller")
         self.assertTrue(self.probe.ask("quit-name atlas", "asked"))
-        until(lambda: "org.example.Atlas" in self.probe.events("terminated"), "it quit by the name in the sentence")
-        until(lambda: tells(one), "one name again")
+        wait_for(lambda: "org.example.Atlas" in self.probe.events("terminated"), "it quit by the name in the sentence")
+        wait_for(lambda: tells(one), "one name again")
         self.assertLessEqual(set(told), {None, one, other, both, f"Atlas and Paint studio are {END}"})
         self.assertTrue(any(line.startswith("terminating Google Atlas (pid ") for line in self.probe.logged()))
 
@@ -128,7 +128,7 @@ class Insights(unittest.TestCase):
             with open(f"/proc/{paint.pid}/task/{paint.pid}/children", encoding="ascii") as file:
                 return [int(pid) for pid in file.read().split()]
 
-        return until(lambda: len(read()) == 2 and read(), "its helpers")
+        return wait_for(lambda: len(read()) == 2 and read(), "its helpers")
 
     def orphans(self):
         return {orphan["pid"]: orphan for orphan in self.probe.look()["orphans"]}
@@ -137,12 +137,12 @@ class Insights(unittest.TestCase):
         self.watch()
         paint = self.start_paint()
         first, second = self.helpers_of(paint)
-        until(lambda: self.probe.look()["culprits"] == f"Paint studio is {END}", "its helpers run")
+        wait_for(lambda: self.probe.look()["culprits"] == f"Paint studio is {END}", "its helpers run")
         self.assertEqual(self.orphans(), {})
 
         paint.kill()
         paint.wait()
-        until(lambda: set(self.orphans()) == {first, second}, "what it left behind")
+        wait_for(lambda: set(self.orphans()) == {first, second}, "what it left behind")
         self.assertEqual(self.orphans()[first], {"pid": first, "name": "paint-helper", "parent": "paint studio",
                                                  "id": "org.example.Paint"})
         self.assertIsNone(self.probe.look()["culprits"], "an application that has ended is not to blame")
@@ -153,16 +153,16 @@ class Insights(unittest.TestCase):
                 os.waitpid(pid, 0)
 
         end(first)
-        until(lambda: set(self.orphans()) == {second}, "the other one alone")
+        wait_for(lambda: set(self.orphans()) == {second}, "the other one alone")
         again = self.start_paint()
         self.assertEqual(self.orphans(), {}, "its application runs again")
         own = self.helpers_of(again)
         again.kill()
         again.wait()
-        until(lambda: set(self.orphans()) == {second, *own}, "all that it left")
+        wait_for(lambda: set(self.orphans()) == {second, *own}, "all that it left")
         for pid in (second, *own):
             end(pid)
-        until(lambda: not self.orphans(), "none is left")
+        wait_for(lambda: not self.orphans(), "none is left")
 
     def test_what_a_killed_application_leaves_is_listed_until_it_ends(self):
         self.follow_orphans(reap=False)
@@ -177,22 +177,22 @@ class Insights(unittest.TestCase):
         editor = self.start("mousepad")
         self.start("/usr/bin/python3", f"{DATA}/tools/two_windows.py")
         for identifier in ("galculator", "org.xfce.mousepad", "org.example.Two"):
-            self.probe.wait_for(identifier)
+            self.probe.appears(identifier)
         bring_to_front("Mousepad")
-        until(lambda: self.probe.front() == "org.xfce.mousepad", "the editor has the focus")
+        wait_for(lambda: self.probe.front() == "org.xfce.mousepad", "the editor has the focus")
         subprocess.run(["xdotool", "type", "--delay", "20", "unsaved"], check=True)
-        until(lambda: window_of(r"^\*"), "the text is in the editor")
+        wait_for(lambda: window_of(r"^\*"), "the text is in the editor")
         for title in ("galculator", r"^\*", "Left window"):
-            subprocess.run(["xdotool", "windowminimize", until(lambda t=title: window_of(t), title)], check=True)
+            subprocess.run(["xdotool", "windowminimize", wait_for(lambda t=title: window_of(t), title)], check=True)
         running = self.probe.running()
         hidden = {running[name]["pid"] for name in ("galculator", "org.xfce.mousepad")}
-        until(lambda: not hidden & set(self.probe.ask("windows", "windows")), "the two are away")
+        wait_for(lambda: not hidden & set(self.probe.ask("windows", "windows")), "the two are away")
 
         self.probe.ask("sweep", "swept")
-        until(lambda: "galculator" in self.probe.events("terminated"), "the one with nothing to lose quit")
+        wait_for(lambda: "galculator" in self.probe.events("terminated"), "the one with nothing to lose quit")
         asked = [line for line in self.probe.logged() if line.startswith("hidden quit")]
         self.assertCountEqual(asked, ["hidden quit: Galculator", "hidden quit: Mousepad"])
-        until(lambda: window_of("Save Changes"), "the editor asks")
+        wait_for(lambda: window_of("Save Changes"), "the editor asks")
         self.assertIsNone(editor.poll())
         self.assertIn("org.example.Two", self.probe.running())
 
@@ -202,19 +202,19 @@ class Insights(unittest.TestCase):
                         f"galculator, @@Date {time.time() - 3 * hour:.6f}, org.example.Two, {int(time.time()) - 5 * hour}\n")
         self.start("/usr/bin/python3", f"{DATA}/tools/two_windows.py")
         self.start("galculator")
-        until(lambda: window_of("Left window") and window_of("galculator"), "their windows")
+        wait_for(lambda: window_of("Left window") and window_of("galculator"), "their windows")
         bring_to_front("Left window")
         self.watch()
-        until(lambda: self.probe.front() == "org.example.Two", "the frontmost")
+        wait_for(lambda: self.probe.front() == "org.example.Two", "the frontmost")
         idle = self.probe.look()["idle"]
         self.assertEqual([app["id"] for app in idle], ["galculator"])
         self.assertAlmostEqual(idle[0]["idleFor"], 3 * hour, delta=120)
 
         bring_to_front("galculator")
-        until(lambda: self.probe.front() == "galculator", "it is in front")
+        wait_for(lambda: self.probe.front() == "galculator", "it is in front")
         self.assertEqual([app["id"] for app in self.probe.look()["idle"]], ["org.example.Two"])
         bring_to_front("Left window")
-        until(lambda: self.probe.front() == "org.example.Two", "the other is in front again")
+        wait_for(lambda: self.probe.front() == "org.example.Two", "the other is in front again")
         self.assertEqual(self.probe.look()["idle"], [])
 
     def test_nothing_happens_between_events(self):
@@ -232,12 +232,12 @@ class Insights(unittest.TestCase):
         def sleeps_for(seconds):
             before, end = wakes(), time.monotonic() + seconds
             try:
-                until(lambda: wakes() != before or time.monotonic() > end, "a wake-up", seconds + 1)
+                wait_for(lambda: wakes() != before or time.monotonic() > end, "a wake-up", seconds + 1)
             except AssertionError:
                 return False
             return wakes() == before
 
-        until(lambda: sleeps_for(2.5), "a while without a single wake-up of any thread", 25)
+        wait_for(lambda: sleeps_for(2.5), "a while without a single wake-up of any thread", 25)
 
 
-unittest.main(argv=sys.argv[:1], verbosity=2)
+unittest.main(argv=[sys.argv[0], *sys.argv[3:]], verbosity=2)

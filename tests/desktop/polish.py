@@ -9,19 +9,20 @@ import unittest
 
 from polish_probe import CALM_RISE, CLOCK_GRAIN, FULL, LATENESS, POLISHED, SPARED, PolishProbe
 from sound_server import SINK, Sound, pactl, sink_state
-from waiting import until
+from waiting import wait_for
 
 PROGRAM, SERVER = sys.argv[1:3]
 WINDOW = 0.15
-LISTENED = 0.2  # the window with its set-up, on a machine that has nothing else to do
+LISTENED = 0.2  # the window with its set-up, on an idle machine
 MOST_WORKING = 0.005  # of all turns
-MOST_BLOCKED = 0.01  # of all turns: the glow's colours wait for the X server, which waits for a processor
-LONGEST_PURGE = 25
-HOG = 0.15  # of the memory in use, so that there is something to see
+MOST_BLOCKED = 0.01  # of all turns; the glow's colours wait for the X server, which waits for a processor
+LONGEST_PURGE = 40  # after a flush of five seconds, on a machine that writes files back slowly
+HOG = 0.15  # of the used memory, so that there is something to see
+DIAL_STEP = 0.3  # four times a second, plus the work of a turn
 
 
 class Hog:
-    """Uses memory until it is let go."""
+    """Holds memory until the end of the block."""
 
     def __init__(self):
         with open("/proc/meminfo", encoding="ascii") as file:
@@ -41,7 +42,7 @@ class Hog:
 
 
 class NewIcons:
-    """The moments at which the panel was sent another dial."""
+    """Times at which a new dial was sent to the panel."""
 
     def __init__(self):
         rule = "type='signal',interface='org.kde.StatusNotifierItem',member='NewIcon'"
@@ -74,7 +75,7 @@ class PolishTest(unittest.TestCase):
         self.probe.expect_log("helper-client: Helper healthy at v1.2.3; no reinstall needed")
 
     def assert_times(self, told):
-        """Each step waits for the one before, and the first for the start."""
+        """Checks that no step is early or late: each one waits for the step before, and the first one for the start."""
         times = self.probe.times()
         before = before_told = 0.0
         for name, seconds in told.items():
@@ -116,7 +117,7 @@ class PolishTest(unittest.TestCase):
         self.probe.expect_log("helper-client: purgeMemory reply: ", LONGEST_PURGE)
         reply = next(line for line in self.probe.values("log") if "purgeMemory reply" in line)
         print(f"{self.probe.name}: {reply}")
-        # A machine that is slow to write its files back is slow to forget them.
+        # A machine that writes files back slowly also purges its memory slowly.
         self.assertRegex(reply, r"exit=(0 output=Freed \d+ MiB|110 output=Not done in time; the work goes on)")
         if SERVER == "pulse":
             self.whole_ceremony()
@@ -124,8 +125,8 @@ class PolishTest(unittest.TestCase):
     def test_music_is_flushed_and_not_purged(self):
         icons = NewIcons()
         self.addCleanup(icons.close)
-        with Sound(-6):
-            until(lambda: "SUSPENDED" != sink_state(SINK), "the output runs")
+        with Sound(-6) as sound:
+            sound.until_heard()
             self.press_and_speak()
         self.assertEqual(self.probe.sentence(), SPARED)
         self.assertIsNone(self.probe.figure())
@@ -143,21 +144,23 @@ class PolishTest(unittest.TestCase):
         self.probe.print_times(FULL)
         self.probe.print_frames()
         self.assert_times(FULL)
-        self.assertGreaterEqual(self.probe.calm_rise(), CALM_RISE - CLOCK_GRAIN)
+        # The subscriber gets the first change one step of the dial after it began.
+        self.assertGreaterEqual(self.probe.calm_rise(), CALM_RISE - DIAL_STEP - CLOCK_GRAIN)
         self.assertEqual(self.probe.turns_of_too_much_work(), [])
         self.assertLess(self.probe.working_share(), MOST_WORKING)
         self.assertLess(self.probe.blocked_share(), MOST_BLOCKED)
 
     def assert_throttled(self, icons):
-        """The calm takes a value sixty times a second; the panel gets a dial four times a second at most."""
+        """Checks that the calm is shown, and that the panel gets at most four dials a second."""
         calms = int(self.probe.values("calms")[-1])
         seconds = FULL["end"] - FULL["grow"]
         end = self.probe.started + FULL["end"]
         sent = [at for at in icons.times if self.probe.started <= at <= end]
         print(f"{self.probe.name}: {calms} values of the calm and {len(sent)} dials sent in {seconds:g} s")
-        self.assertGreater(calms, 30 * seconds)
+        most = 4 * (seconds + LATENESS) + 2
+        self.assertLessEqual(calms, most)
         self.assertGreaterEqual(len(sent), 2)
-        self.assertLessEqual(len(sent), 4 * (seconds + LATENESS) + 2)
+        self.assertLessEqual(len(sent), most)
 
     @unittest.skipUnless(SERVER == "pulse", "the probe's own test asks both servers")
     def test_of_muted_music_nothing_is_heard(self):
@@ -171,10 +174,10 @@ class PolishTest(unittest.TestCase):
 
     @unittest.skipUnless(SERVER == "pulse", "the probe's own test asks both servers")
     def test_suspended_output_is_not_woken(self):
-        until(lambda: sink_state(SINK) != "RUNNING", "the output rests")
+        wait_for(lambda: sink_state(SINK) != "RUNNING", "the output rests")
         pactl("suspend-sink", SINK, "1")
         try:
-            until(lambda: sink_state(SINK) == "SUSPENDED", "the output is suspended")
+            wait_for(lambda: sink_state(SINK) == "SUSPENDED", "the output is suspended")
             self.press_and_speak()
             self.assertEqual(sink_state(SINK), "SUSPENDED")
         finally:

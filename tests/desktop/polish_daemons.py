@@ -1,9 +1,10 @@
 """polish_daemons.py PROGRAM HELPER AUTHORITY: polishes with a daemon that is killed, stopped, slow, or not allowed.
 
-All of them run at the same time, each on a system bus of its own: a polish is fifteen seconds of waiting.
+All of them run at the same time, each on its own system bus, because a polish is fifteen seconds of waiting.
 """
 
 import os
+import shutil
 import signal
 import sys
 import unittest
@@ -12,7 +13,7 @@ from polish_probe import (
     APPROVE, BUDGET_EXCEEDED, CALM_RISE, CLOCK_GRAIN, FULL, GENTLE, LATENESS, POLISHED, PolishProbe,
 )
 from scripted_bus import ScriptedBus
-from waiting import until
+from waiting import wait_for
 
 PROGRAM, HELPER, AUTHORITY = sys.argv[1:4]
 NEVER = -1
@@ -42,21 +43,22 @@ class PolishDaemonsTest(unittest.TestCase):
         home = os.path.join(os.environ["HOME"], name.replace(" ", "-"))
         os.mkdir(home)
         folders = {f"XDG_{kind}_HOME": os.path.join(home, kind) for kind in ("CONFIG", "DATA", "STATE", "CACHE")}
-        # One program is all that a session bus allows; no sound server either, so that nothing is to be heard.
+        shutil.copytree(os.path.join(os.environ["XDG_CONFIG_HOME"], "Vorli"), os.path.join(home, "CONFIG", "Vorli"))
+        # There is no session bus, because it allows only one program, and no sound server, so that nothing is heard.
         return PolishProbe(PROGRAM, name, HOME=home, DBUS_SYSTEM_BUS_ADDRESS=system_bus,
                            DBUS_SESSION_BUS_ADDRESS="unix:path=/nonexistent", **folders)
 
     @classmethod
     def play(cls):
         for name, probe in cls.probes.items():
-            awaited = {"awaiting approval": "Awaiting approval in System Settings", "without a bus": "Unknown (100)"}
+            awaited = {"awaiting approval": "Awaiting your approval", "without a bus": "Unknown (100)"}
             probe.open(awaited.get(name, "Enabled"))
             if name not in awaited:
                 probe.expect_log("Helper healthy at v1.2.3; no reinstall needed")
         cls.buses["stopped"].signal_daemon(signal.SIGSTOP)
         for probe in cls.probes.values():
             probe.press()
-        until(lambda: "purge" in cls.buses["killed"].requests(), "the purge has reached the daemon")
+        wait_for(lambda: "purge" in cls.buses["killed"].requests(), "the purge has reached the daemon")
         cls.buses["killed"].signal_daemon(signal.SIGKILL)
         for probe in cls.probes.values():
             probe.finish()
@@ -134,7 +136,7 @@ class PolishDaemonsTest(unittest.TestCase):
             self.assertTrue(probe.logged("audio-detector: CreateProcessTap failed: "))
 
     def test_no_turn_of_the_main_thread_is_seen(self):
-        """Work counts in each of them; a block that comes in one and not in another is the machine's."""
+        """Long turns count only if each program has some; otherwise the machine caused them."""
         for probe in self.probes.values():
             probe.print_frames()
         for probe in self.probes.values():

@@ -1,4 +1,4 @@
-"""One running program that polishes, and what it has told so far."""
+"""One running program that polishes, and its output so far."""
 
 import os
 import signal
@@ -6,22 +6,22 @@ import subprocess
 import threading
 import time
 
-from waiting import until
+from waiting import wait_for
 
-# What is told of the two time lines, in seconds from the start of the ring's drain.
+# The two timelines, in seconds from the start of the ring's drain.
 FULL = {"grow": 2.65, "shrink": 3.25, "close": 5.65, "rise": 10.65, "end": 15.05}
 GENTLE = {"grow": 1.3, "shrink": 1.9, "close": 3.1, "rise": 3.5, "end": 6.5}
 CALM_RISE = 0.9
-# No step is early. A busy machine is late by what its scheduler makes it wait; each step waits for the one before.
+# No step may be early. On a busy machine a step is late by the scheduler's delay; each step waits for the one before.
 CLOCK_GRAIN, LATENESS = 0.001, 1.5
 FRAME = 0.016
-# With so many processes at work beside it, no turn measures the program: frames are told, and not judged.
+# With this many busy processes, no turn measures the program alone: frames are reported but not judged.
 CROWD = 1000
 
-APPROVE = "A gentle tidy. Approve Vorli in Login Items for a full polish."
+APPROVE = "A gentle tidy. Approve Vorli's helper for a full polish."
 OUT_OF_REACH = "A gentle tidy. Couldn't reach the helper for a full polish."
 SPARED = "A gentle tidy. Held off the deep polish so your audio stays smooth."
-POLISHED = "Now, your Mac has room to breathe."
+POLISHED = "Now, your computer has room to breathe."
 BUDGET_EXCEEDED = (
     "popover: handleTap: helper exceeded 2.650000s display budget; treating as optimistic success and letting "
     "actual reclaim land in background"
@@ -60,7 +60,7 @@ class PolishProbe:
         return [value for at, what, value in list(self.events) if what == word and at >= since]
 
     def time_of(self, word, value=None, since=0.0):
-        """When it was first told; None before that."""
+        """Time of the first such line, or None."""
         return next((at for at, what, told in list(self.events)
                      if what == word and at >= since and value in (None, told)), None)
 
@@ -68,19 +68,19 @@ class PolishProbe:
         return any(text in line for line in self.values("log", since))
 
     def expect(self, word, value=None, since=0.0, seconds=20):
-        """Waits for it; returns its time."""
-        return until(lambda: self.time_of(word, value, since), f"{self.name}: {word} {value or ''}", seconds)
+        """Waits for the line and returns its time."""
+        return wait_for(lambda: self.time_of(word, value, since), f"{self.name}: {word} {value or ''}", seconds)
 
     def expect_log(self, text, seconds=20):
         try:
-            until(lambda: self.logged(text), f"{self.name}: the line {text}", seconds)
+            wait_for(lambda: self.logged(text), f"{self.name}: the line {text}", seconds)
         except AssertionError:
             print("\n".join(f"{at:.3f}\t{word}\t{value}" for at, word, value in self.events), flush=True)
             raise
 
     def open(self, helper):
-        """Shows the popover of a program whose helper is as told, and whose start is over."""
-        until(lambda: self.values("helper")[-1:] == [helper], f"{self.name}: a helper that is {helper}")
+        """Waits until the start is over and the helper has this status, and shows the popover."""
+        wait_for(lambda: self.values("helper")[-1:] == [helper], f"{self.name}: a helper that is {helper}")
         self.send("open")
         self.expect("state", "critical")
 
@@ -96,15 +96,15 @@ class PolishProbe:
             self.crowd = max(self.crowd, sum(name.isdigit() for name in os.listdir("/proc")))
             return self.time_of("releasing", "0", self.started)
 
-        until(is_over, f"{self.name}: the end of the polish", FULL["end"] + 5 * LATENESS, 0.2)
+        wait_for(is_over, f"{self.name}: the end of the polish", FULL["end"] + 5 * LATENESS, 0.2)
 
     def sentence(self):
-        """That which stands when the ring grows."""
+        """The sentence that is shown when the ring grows."""
         grown = self.time_of("scale", "1.08", self.pressed)
         return [value for at, word, value in self.events if word == "sentence" and self.pressed <= at <= grown][-1]
 
     def figure(self):
-        """The figure beside it; None without one."""
+        """The figure beside the sentence, or None."""
         grown = self.time_of("scale", "1.08", self.pressed)
         told = [int(value) for at, word, value in self.events
                 if word == "percentage" and self.pressed <= at <= grown][-1]
@@ -118,7 +118,7 @@ class PolishProbe:
         return told[0], told[-1]
 
     def times(self):
-        """Of the steps, in seconds from the start of the drain."""
+        """Times of the steps, in seconds from the start of the drain."""
         since = self.started
         return {name: at - since for name, at in {
             "grow": self.time_of("scale", "1.08", since),
@@ -133,16 +133,16 @@ class PolishProbe:
         return self.time_of("calm", "1.000000", self.pressed) - self.time_of("calm", None, self.pressed)
 
     def listened(self):
-        """How long the press was held up by the probe for sound, and for how much of it no processor was free."""
+        """Seconds for which the audio probe held up the press, and seconds of these in which no processor was free."""
         return tuple(float(number) for number in self.values("probe", self.pressed)[-1].split())
 
     def long_turns(self):
-        """Those behind the probe that took half a frame of the thread's own: start, work, blocked, unserved."""
+        """Turns after the audio probe that took the thread half a frame or longer: start, work, blocked, unserved."""
         return [tuple(float(number) for number in value.split()) for value in self.values("long", self.pressed)]
 
     def turns_of_too_much_work(self):
-        """Those that a user would see. A lost frame is none of them: where others use the processor, its caches and
-        the pages that a purge took from the memory, the same work takes twice its time."""
+        """Turns that a user would notice. One lost frame does not count: the same work takes twice as long while other
+        programs use the processor and its caches, and while purged pages are read again."""
         return [] if self.crowd >= CROWD else [turn for turn in self.long_turns() if turn[1] > 3 * FRAME]
 
     def _share_of_turns(self, is_long):

@@ -1,4 +1,4 @@
-"""What the tests of the popover look at and work with: the program, its window, the icon, a neighbour window."""
+"""Tools of the popover's tests: the program, its window, the icon, and a neighbouring window."""
 
 import collections
 import os
@@ -11,7 +11,7 @@ import dbus
 import tray_parts
 from tray_parts import pointer
 from vorli import TrayIcon
-from waiting import until
+from waiting import wait_for
 
 NAME = os.environ.get("VORLI_SESSION_NAME", "session")
 PICTURES = os.environ["VORLI_PICTURES"]
@@ -20,11 +20,13 @@ WIDTH = 270
 
 
 def output(*command):
-    """What the command prints. Asked again when a window of anybody's went while it looked at all of them."""
-    while True:
+    """Output of the command. Runs it again if it failed because some window was destroyed during its listing."""
+
+    def look():
         done = subprocess.run(command, capture_output=True, text=True, check=False)
-        if "X Error" not in done.stderr:
-            return done.stdout
+        return None if "X Error" in done.stderr or "xwininfo: error" in done.stderr else (done.stdout,)
+
+    return wait_for(look, f"an answer of {command[0]}")[0]
 
 
 def pixel_ratio():
@@ -40,31 +42,36 @@ def icon_place():
     if NAME != "openbox":
         return TrayIcon.centre()
 
-    return until(lambda: tray_parts.Screen().place_of(tray_parts.is_red), "the dial in the panel", 15)
+    return wait_for(lambda: tray_parts.Screen().place_of(tray_parts.is_red), "the dial in the panel", 15)
 
 
 class Popover(tray_parts.Process):
-    """The program, with its popover's window as anybody sees it."""
+    """The program, and its popover's window as other programs see it."""
 
     def __init__(self, program, **environment):
         self.log = os.path.join(os.environ["HOME"], "vorli.log")
+        self.started = time.monotonic()
         super().__init__("/bin/sh", "-c", 'exec "$0" 2>"$1"', program, self.log,
                          environment={**os.environ, **environment})
         self.expect("ring .*", seconds=20)
 
     def end(self):
         self.process.terminate()
-        self.process.wait(10)
+        self.process.wait(20)
         self.process.stdin.close()
         self.reader.join()
         self.process.stdout.close()
+
+    def age(self):
+        """Seconds since the start of the program."""
+        return time.monotonic() - self.started
 
     def log_text(self):
         with open(self.log, encoding="utf-8", errors="replace") as file:
             return file.read()
 
     def logged_at(self, line):
-        """The program's own time of the last such line, in seconds."""
+        """Time of the last such line by the program's clock, in seconds."""
         return float(re.findall(rf"^([\d.]+) vorli {re.escape(line)}", self.log_text(), re.MULTILINE)[-1])
 
     def helper_status(self):
@@ -72,7 +79,7 @@ class Popover(tray_parts.Process):
         return str(program.Get("com.kv.vorli.Status", "HelperStatus", dbus_interface=dbus.PROPERTIES_IFACE))
 
     def settle(self, pressure, least, most):
-        """Looks at the machine until the ring has come to rest between the two."""
+        """Makes the program take samples until its ring rests between the two values."""
         self.tell(f"pressure {pressure}")
 
         def ring():
@@ -81,7 +88,7 @@ class Popover(tray_parts.Process):
             value = float(self.expect("ring .*", since).split()[1])
             return least <= value <= most
 
-        until(ring, f"a ring from {least} to {most}")
+        wait_for(ring, f"a ring from {least} to {most}")
 
     def window(self):
         """(id, x, y, width, height) of the shown popover, in native pixels, or None."""
@@ -93,23 +100,19 @@ class Popover(tray_parts.Process):
         return None
 
     def shown(self):
-        return until(self.window, "the popover")
+        return wait_for(self.window, "the popover")
 
     def toggle(self):
-        """As a second start does: without a click on the icon."""
-        subprocess.run(
-            ["dbus-send", "--session", "--print-reply", "--dest=com.kv.vorli", "/com/kv/vorli",
-             "org.freedesktop.Application.Activate", "dict:string:string:"],
-            check=True, capture_output=True,
-        )
+        """Opens the popover without a click on the icon."""
+        self.tell("toggle")
 
     def gone_by(self, way):
-        until(self.has_keyboard, "the keyboard in the popover")
+        wait_for(self.has_keyboard, "the keyboard in the popover")
         way()
         self.gone()
 
     def gone(self):
-        until(lambda: not self.window(), "the end of the popover")
+        wait_for(lambda: not self.window(), "the end of the popover")
 
     def card(self, height, bottom=False):
         """The card's rectangle on the screen, in native pixels."""
@@ -122,30 +125,39 @@ class Popover(tray_parts.Process):
         return window and output("xdotool", "getactivewindow").strip() == window[0]
 
     def picture(self, name):
-        _, x, y, width, height = self.shown()
+        self._take(self.shown(), name)
+
+    def picture_in_time(self, name):
+        """One of a moment that a busy machine may miss: the popover closes by itself."""
+        if window := self.window():
+            self._take(window, name)
+
+    @staticmethod
+    def _take(window, name):
+        _, x, y, width, height = window
         path = os.path.join(PICTURES, f"{NAME}-{name}.png")
         subprocess.run(
             ["import", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "+repage", path], check=True
         )
 
     def descriptors(self):
-        """How many of each kind are open, without those by which it follows the processes of the machine."""
+        """Number of open descriptors of each kind, without those of the machine's processes."""
         folder, kinds = f"/proc/{self.pid}/fd", collections.Counter()
         for number in os.listdir(folder):
             try:
                 kinds[re.sub(r"\d+", "N", os.readlink(f"{folder}/{number}"))] += 1
             except FileNotFoundError:
-                pass  # closed during the look
+                pass  # closed during the listing
         del kinds["/proc/N/statm"]
         return kinds
 
     def dirty_kilobytes(self):
-        """Private memory that was written to."""
+        """Private dirty memory in KiB."""
         return self.resources()[0]
 
 
 class Stalls:
-    """How long at the most the machine let something wait that was ready to go on: a beat of this process, or the
+    """Measures the longest time for which something that was ready had no processor: a beat of this process, or the
     program's first thread, while the block lasts."""
 
     BEAT = 0.005
@@ -176,7 +188,7 @@ class Stalls:
 
 
 class Neighbour:
-    """An ordinary window of another program that prints what is pressed in it."""
+    """An ordinary window of another program, which prints presses in it."""
 
     CODE = """
 import gi
@@ -197,7 +209,7 @@ Gtk.main()
     def __init__(self):
         self.program = tray_parts.Process("/usr/bin/python3", "-c", self.CODE)
         self.program.expect("ready", seconds=20)
-        self.window = until(lambda: output("xdotool", "search", "--onlyvisible", "--name", "neighbour").split(),
+        self.window = wait_for(lambda: output("xdotool", "search", "--onlyvisible", "--name", "neighbour").split(),
                             "the neighbour's window")[0]
 
     def middle(self):

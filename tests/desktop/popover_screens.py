@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""popover_screens.py PROGRAM: the popover on two monitors, and as light or dark as the user has the desktop."""
+"""popover_screens.py PROGRAM: the popover on two monitors, and light or dark like the user's desktop."""
 
 import os
 import re
@@ -8,9 +8,9 @@ import unittest
 
 import tray_parts
 from popover_case import CALM, CRITICAL, SCREEN_HEIGHT, SCREEN_WIDTH, PopoverTest
-from popover_parts import RATIO, icon_place, output
+from popover_parts import RATIO, output
 from tray_parts import Screen, click
-from waiting import until
+from waiting import wait_for
 
 HALF = SCREEN_WIDTH // 2
 MONITORS = {"left": (0, HALF), "right": (HALF, SCREEN_WIDTH)}
@@ -27,7 +27,7 @@ def panel_window():
 
 
 class MonitorsTest(PopoverTest):
-    """Two monitors beside each other; the panel fills an edge of one of them, with the icon at its right end."""
+    """Two monitors beside each other. The panel fills an edge of one of them, with the icon at its right end."""
 
     monitor = "left"
     edge = "top"
@@ -36,7 +36,7 @@ class MonitorsTest(PopoverTest):
     def setUpClass(cls):
         for name, (start, end) in MONITORS.items():
             place = f"{end - start}/254x{SCREEN_HEIGHT}/286+{start}+0"
-            # There is one output, and panels look for the monitors that have one.
+            # There is only one output, and panels accept only monitors with an output.
             output_name = "screen" if name == cls.monitor else "none"
             subprocess.run(["xrandr", "--setmonitor", name, place, output_name], check=True, capture_output=True)
         cls.addClassCleanup(cls.one_monitor)
@@ -64,23 +64,14 @@ class MonitorsTest(PopoverTest):
             x, y, width, height = panel
             return x == start and width == end - start and y == (0 if edge == "top" else SCREEN_HEIGHT - height)
 
-        until(is_there, f"the panel at the {edge} from {start} to {end}", 15)
-
-    def open_at_new_icon(self):
-        type(self).icon = until(icon_place, "the icon", 15)
-
-        def opens():
-            click(self.icon)
-            return self.vorli.window()
-
-        until(opens, "the popover at the icon", 20, pause=1.0)
+        wait_for(is_there, f"the panel at the {edge} from {start} to {end}", 15)
 
     def assert_hangs(self, edge):
         left, right = MONITORS[self.monitor]
         _, panel_y, _, panel_height = panel_window()
         x, y, width, height = self.vorli.card(240, bottom=edge == "bottom")
         self.assertTrue(left <= self.icon[0] < right, "the icon is on that monitor")
-        # The icon is nearer to the side than half a card.
+        # The icon is less than half a card away from the side.
         self.assertAlmostEqual(x + width, right - FROM_THE_SIDE * RATIO, delta=RATIO)
         self.assertGreater(x, left)
         free_top = panel_height if edge == "top" else 0
@@ -116,7 +107,7 @@ class RightMonitorTest(MonitorsTest):
 
 
 class Settings:
-    """The desktop's settings daemon with that theme, for as long as the block lasts."""
+    """The desktop's settings daemon with that theme, running for as long as the block lasts."""
 
     def __init__(self, theme):
         self.file = os.path.join(os.environ["HOME"], "xsettingsd")
@@ -139,7 +130,7 @@ class PaperTest(PopoverTest):
         self.away()
 
     def prefer(self, scheme):
-        """What a user chooses in the desktop's settings; the portal tells it."""
+        """Sets the user's preference, which the portal publishes."""
         subprocess.run(["gsettings", "set", "org.gnome.desktop.interface", "color-scheme", scheme], check=True)
 
     def until_paper(self, kind):
@@ -149,7 +140,7 @@ class PaperTest(PopoverTest):
             pixel = Screen().pixel(x + width // 2, y + round(215 * RATIO))
             return min(pixel) > 220 if kind == "light" else max(pixel) < 60
 
-        until(is_so, f"{kind} paper")
+        wait_for(is_so, f"{kind} paper")
 
 
 class AppearanceTest(PaperTest):
@@ -190,7 +181,7 @@ class AppearanceTest(PaperTest):
 
 
 class OwnFileTest(PaperTest):
-    """A desktop without a settings daemon, whose user wrote the toolkit's file."""
+    """A desktop without a settings daemon, whose user has written the toolkit's file."""
 
     @classmethod
     def setUpClass(cls):

@@ -1,5 +1,5 @@
-"""ring_trace.py PROGRAM: runs the real program with its counters tapped, under changing load, and works every tick's ring out anew from the
-raw readings alone. The two must agree to the last bits of a double."""
+"""ring_trace.py PROGRAM: runs the real program under changing load, with its counters recorded, and computes the ring
+of every tick again from the raw readings alone. The two must agree to the last bits of a double."""
 
 import json
 import os
@@ -8,9 +8,9 @@ import subprocess
 import sys
 import tempfile
 
-from waiting import until
+from waiting import wait_for
 
-TICKS_WANTED = 12
+TICKS_WANTED, QUIET_TICKS = 12, 4
 QUIET_SECONDS = 240
 DEADLINE_SECONDS = 60
 
@@ -87,24 +87,24 @@ def burn():
 
 
 def collect(program, path):
-    """Runs the program until it has written its ticks, the second half of them under load."""
+    """Runs the program until it has written its ticks, all but the first few of them under load."""
     running = subprocess.Popen([program, path])
     load = []
 
     def enough():
         if running.poll() is not None:
             raise AssertionError(f"the program ended early with status {running.returncode}")
-        # A second start, the user's way to call the program up, takes a fresh sample.
+        # A second start, by which a user brings the program to the front, takes a new sample.
         subprocess.run(["gdbus", "call", "--session", "--dest", "com.kv.vorli", "--object-path", "/com/kv/vorli",
                         "--method", "org.freedesktop.Application.Activate", "{}"],
                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False)
         ticks = read_ticks(path)
-        if len(ticks) >= TICKS_WANTED // 2 and not load:
+        if len(ticks) >= QUIET_TICKS and not load:
             load.extend(burn())
         return len(ticks) >= TICKS_WANTED
 
     try:
-        until(enough, f"{TICKS_WANTED} ticks", DEADLINE_SECONDS, pause=0.4)
+        wait_for(enough, f"{TICKS_WANTED} ticks", DEADLINE_SECONDS, pause=0.4)
     finally:
         for burner in load:
             burner.kill()
@@ -116,8 +116,8 @@ def collect(program, path):
 
 
 def wait_for_room():
-    """At twice its processors' load a machine's ring stands at its end, and shows nothing."""
-    until(lambda: os.getloadavg()[0] < 1.9 * (os.cpu_count() or 1), "a machine that is not full already", QUIET_SECONDS)
+    """Waits for less load: at twice the load of its processors a machine's ring is full, and shows no change."""
+    wait_for(lambda: os.getloadavg()[0] < 1.9 * (os.cpu_count() or 1), "a machine that is not full already", QUIET_SECONDS)
 
 
 def main():
@@ -132,7 +132,7 @@ def main():
         assert worst <= 1e-12, f"tick {number}: the program shows {now['ring']!r}, the readings give {worked_out!r}"
         ring, before = now["ring"], now
     rings = [tick["ring"] for tick in ticks]
-    # On a machine with other work to do the ring may stand high from the start, and falls from there.
+    # On a busy machine the ring may be high from the start, and falls from there.
     assert len(set(rings)) >= len(rings) // 2, f"the ring hardly moved, nothing was proved: {rings}"
     print(f"ring_trace: {len(ticks)} ticks, ring {min(rings):.3f} to {max(rings):.3f}, worst error {worst:.1e}")
 

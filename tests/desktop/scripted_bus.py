@@ -1,4 +1,4 @@
-"""A system bus of a test's own with a scripted daemon, which the bus starts, and a scripted polkit."""
+"""A test's own system bus with a scripted polkit and a scripted daemon, which the bus starts."""
 
 import os
 import shutil
@@ -6,7 +6,7 @@ import signal
 import subprocess
 import tempfile
 
-from waiting import until
+from waiting import wait_for
 
 CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
@@ -33,7 +33,7 @@ CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Con
 
 class ScriptedBus:
     def __init__(self, helper, authority, conduct="", verdicts=""):
-        """`conduct` is the daemon's, `verdicts` are polkit's: lines of a key and a value."""
+        """`conduct` scripts the daemon, `verdicts` scripts polkit: each line is a key and a value."""
         self.folder = tempfile.mkdtemp(prefix="vorli-bus-")
         os.mkdir(self._path("services"))
         self._write("bus.conf", CONFIGURATION.format(folder=self.folder))
@@ -45,10 +45,10 @@ class ScriptedBus:
         with open(self._path("bus.log"), "wb") as log:
             self.processes = [subprocess.Popen(["setpriv", "--pdeathsig", "KILL", "dbus-daemon", "--nofork",
                                                 f"--config-file={self._path('bus.conf')}"], stderr=log)]
-        until(lambda: self._has_owner("org.freedesktop.DBus"), "the private bus")
+        wait_for(lambda: self._has_owner("org.freedesktop.DBus"), "the private bus")
         self.processes.append(subprocess.Popen([authority, self.folder, "polkit"],
                                                env={**os.environ, "DBUS_SYSTEM_BUS_ADDRESS": self.address}))
-        until(lambda: self._has_owner("org.freedesktop.PolicyKit1"), "the scripted polkit")
+        wait_for(lambda: self._has_owner("org.freedesktop.PolicyKit1"), "the scripted polkit")
 
     def _path(self, name):
         return os.path.join(self.folder, name)
@@ -64,11 +64,11 @@ class ScriptedBus:
         return "true" in answer.stdout
 
     def requests(self):
-        """What the daemon was asked for, in order."""
+        """Requests to the daemon, in order."""
         return [line for line in self._notes() if not line.startswith("pid ")]
 
     def daemons(self):
-        """The process numbers of the daemons that the bus has started, in order."""
+        """Process ids of the daemons that the bus has started, in order."""
         return [int(line.split()[1]) for line in self._notes() if line.startswith("pid ")]
 
     def _notes(self):

@@ -5,7 +5,7 @@ import math
 import subprocess
 import tempfile
 
-from waiting import until
+from waiting import wait_for
 
 SINK = "vorli_null"
 RATE = 44100
@@ -35,8 +35,17 @@ class Sound:
         self.file.seek(0)
         raw = ("--raw", "--format=s16le", f"--rate={RATE}", "--channels=1", f"--device={self.sink}")
         self.player = subprocess.Popen(["pacat", "--playback", *raw, *self.latency], stdin=self.file)
-        until(lambda: sink_state(self.sink) == "RUNNING", f"{self.sink} runs")
+        wait_for(lambda: sink_state(self.sink) == "RUNNING", f"{self.sink} runs")
         return self
+
+    def until_heard(self):
+        """Waits until the monitor has the sound, which is shortly after the output has started."""
+        command = ["parec", "--raw", f"--device={self.sink}.monitor", "--latency-msec=20"]
+        with subprocess.Popen(command, stdout=subprocess.PIPE) as recorder:
+            try:
+                wait_for(lambda: any(recorder.stdout.read(1024)), "the sound")
+            finally:
+                recorder.kill()
 
     def __exit__(self, *_):
         self.player.terminate()

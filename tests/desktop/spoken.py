@@ -1,4 +1,4 @@
-"""spoken.py PROGRAM FAT_APPLICATION HELPER AUTHORITY: what assistive tools find in the popover's every state, over the
+"""spoken.py PROGRAM FAT_APPLICATION HELPER AUTHORITY: what assistive tools find in every state of the popover on the
 real accessibility bus, and what they hear when it changes."""
 
 import os
@@ -7,24 +7,25 @@ import subprocess
 import sys
 import unittest
 
+from accessible import Spoken
 from popover_parts import Popover
 from scripted_bus import ScriptedBus
 from sound_server import Sound
-from spoken_parts import Listener, Spoken
+from spoken_parts import Listener
 from tray_parts import pointer
-from waiting import until
+from waiting import wait_for
 from workspace_probe import write
 
 PROGRAM, FAT, HELPER, AUTHORITY = sys.argv[1:5]
 HOME, DATA = os.environ["HOME"], os.environ["XDG_DATA_HOME"]
 CALM, CRITICAL = (1, 0.0, 0.1), (4, 0.83, 0.86)
-WARM = (2, 0.55, 0.6)  # from above; from below the ring comes near, and never there
+WARM = (2, 0.55, 0.6)  # reached from above; from below the ring only comes near it
 END = "using the most right now."
 
 WINDOW = ("dialog", "Vorli", "", "")
 GEAR = ("push button", "Settings", "", "Open Vorli settings.")
 LINK = ("link", "Open Settings", "",
-        "Opens System Settings to Login Items so you can approve Vorli's background helper.")
+        "Asks for your password so that Vorli's background helper may work.")
 
 
 def text(words):
@@ -36,7 +37,7 @@ def ready(sentence):
 
 
 def resting(sentence):
-    return "push button", "Polish (disabled)", sentence, "Your Mac doesn't need polishing right now."
+    return "push button", "Polish (disabled)", sentence, "Your computer doesn't need polishing right now."
 
 
 def name(application):
@@ -55,25 +56,16 @@ class SpokenTest(unittest.TestCase):
         cls.addClassCleanup(cls.bus.close)
         cls.vorli = Popover(PROGRAM, DBUS_SYSTEM_BUS_ADDRESS=cls.bus.address)
         cls.addClassCleanup(cls.vorli.end)
-        until(lambda: cls.vorli.helper_status() == cls.helper, f"a helper that is {cls.helper}", 20)
+        wait_for(lambda: cls.vorli.helper_status() == cls.helper, f"a helper that is {cls.helper}", 20)
         cls.spoken = Spoken(cls.vorli.pid)
 
     def open(self):
         if not self.vorli.window():
             self.vorli.toggle()
-        until(self.vorli.has_keyboard, "the keyboard in the popover")
+        wait_for(self.vorli.has_keyboard, "the keyboard in the popover")
 
-    def find(self, *elements, seconds=10):
-        wanted, found = sorted([WINDOW, GEAR, *elements]), [[]]
-
-        def is_told():
-            found[0] = self.spoken.elements() or found[0]
-            return found[0] == wanted
-
-        try:
-            until(is_told, "what is to be told", seconds)
-        except AssertionError:
-            self.assertEqual(found[0], wanted)
+    def find(self, *elements):
+        self.spoken.find_only(WINDOW, GEAR, *elements)
 
     def find_sentence(self, sentence, button, *others):
         self.find(text(sentence), button(sentence), *others)
@@ -93,7 +85,7 @@ class RestTest(SpokenTest):
             process.wait()
 
         self.addCleanup(end)
-        until(lambda: subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{title}$"],
+        wait_for(lambda: subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{title}$"],
                                      capture_output=True).stdout, f"the window of {title}")
         return process
 
@@ -108,14 +100,14 @@ class RestTest(SpokenTest):
         self.addCleanup(listener.close)
         self.vorli.settle(*CALM)
         self.open()
-        self.find_sentence("Your Mac feels great.", resting)
+        self.find_sentence("Your computer feels great.", resting)
         self.vorli.settle(*CRITICAL)
-        self.find_sentence("Your Mac is full. Time to polish it.", ready)
+        self.find_sentence("Your computer is full. Time to polish it.", ready)
         self.vorli.settle(*WARM)
-        self.find_sentence("Your Mac is starting to fill up.", ready)
-        for sentence in ("Your Mac is starting to fill up.", "Your Mac is full. Time to polish it."):
-            until(lambda: listener.heard("object:property-change:accessible-name", "label", sentence), sentence)
-            until(lambda: listener.heard("object:text-changed:insert", "push button", sentence), sentence)
+        self.find_sentence("Your computer is starting to fill up.", ready)
+        for sentence in ("Your computer is starting to fill up.", "Your computer is full. Time to polish it."):
+            wait_for(lambda: listener.heard("object:property-change:accessible-name", "label", sentence), sentence)
+            wait_for(lambda: listener.heard("object:text-changed:insert", "push button", sentence), sentence)
 
     def test_a_pointer_on_the_calm_ring_is_reassured(self):
         self.vorli.settle(*CALM)
@@ -124,10 +116,10 @@ class RestTest(SpokenTest):
         pointer("mousemove", x + 135, y + 96)
         self.find_sentence("Nothing to polish. Enjoy the calm.", resting)
         pointer("mousemove", 60, 500)
-        self.find_sentence("Your Mac feels great.", resting)
+        self.find_sentence("Your computer feels great.", resting)
 
     def test_culprits_are_named_and_quit_by_their_names(self):
-        full = "Your Mac is full. Time to polish it."
+        full = "Your computer is full. Time to polish it."
         first = self.start("paint", "Paint studio", 500)
         self.vorli.settle(*CRITICAL)
         self.open()
@@ -149,7 +141,7 @@ class RestTest(SpokenTest):
         self.spoken.press("push button", "Quit Paint studio")
         self.find_sentence(full, ready, text("Quit Paint studio?"), *answers)
         self.spoken.press("push button", "Quit")
-        until(lambda: first.poll() is not None, "the end of the application")
+        wait_for(lambda: first.poll() is not None, "the end of the application")
 
 
 class PolishTest(SpokenTest):
@@ -161,22 +153,22 @@ class PolishTest(SpokenTest):
         self.vorli.tell("used 50")
         self.vorli.settle(*CRITICAL)
         self.open()
-        self.find_sentence("Your Mac is full. Time to polish it.",
+        self.find_sentence("Your computer is full. Time to polish it.",
                            ready if self.helper == "enabled" else resting)
         self.spoken.press("push button", "Polish" if self.helper == "enabled" else "Polish (disabled)")
         if self.helper == "enabled":
-            self.find_sentence("Polishing your Mac…", resting)
+            self.find_sentence("Polishing your computer…", resting)
             self.vorli.tell(f"used {self.used_after}")
         self.find_sentence(sentence, resting, *others)
-        for told in ("Polishing your Mac…", sentence) if self.helper == "enabled" else (sentence,):
-            until(lambda: listener.heard("object:property-change:accessible-name", "label", told), told)
+        for told in ("Polishing your computer…", sentence) if self.helper == "enabled" else (sentence,):
+            wait_for(lambda: listener.heard("object:property-change:accessible-name", "label", told), told)
 
 
 class PolishedTest(PolishTest):
-    used_after = 39.8  # of 100, so that the cut figure is 20
+    used_after = 39.8  # of 100, so that the truncated figure is 20
 
     def test_room_to_breathe_and_the_figure(self):
-        self.polish("Now, your Mac has room to breathe.", text("20 percent lighter"))
+        self.polish("Now, your computer has room to breathe.", text("20 percent lighter"))
 
 
 class SparedTest(PolishTest):
@@ -197,7 +189,7 @@ class ApprovalTest(PolishTest):
     helper = "requiresApproval"
 
     def test_approval_and_the_link(self):
-        self.polish("A gentle tidy. Approve Vorli in Login Items for a full polish.", LINK)
+        self.polish("A gentle tidy. Approve Vorli's helper for a full polish.", LINK)
 
 
 unittest.main(argv=sys.argv[:1] + sys.argv[5:], warnings="ignore", verbosity=2)

@@ -7,7 +7,7 @@ import unittest
 
 import tray_parts
 from tray_parts import ITEM, Item, Process
-from waiting import until
+from waiting import wait_for
 
 PROGRAM = sys.argv.pop(1)
 NO_BUS = {**os.environ, "DBUS_SESSION_BUS_ADDRESS": "unix:path=/nonexistent"}
@@ -30,7 +30,7 @@ class WithoutPanelTest(unittest.TestCase):
     def assert_lives_on(self, program):
         since = program.mark()
         program.tell("picture 0.6")
-        program.tell("sentence Your Mac is feeling great. 5 percent under pressure.")
+        program.tell("sentence Your computer is feeling great. 5 percent under pressure.")
         program.tell("flood 100")
         program.expect("flooded", since)
 
@@ -70,9 +70,9 @@ class WithoutPanelTest(unittest.TestCase):
             ("ContextMenu", "click right plain"),
         ):
             since = program.mark()
-            item.call(tray_parts.ITEM_PATH, ITEM, method, "ii", 0, 0)  # as by keyboard: no place
+            item.call(tray_parts.ITEM_PATH, ITEM, method, "ii", 0, 0)  # as by the keyboard, without a place
             program.expect(expected, since)
-        x, y = until(lambda: tray_parts.window_of(program.pid, width=224, height=224), "the menu is open")
+        x, y = wait_for(lambda: tray_parts.window_of(program.pid, width=224, height=224), "the menu is open")
         self.assertGreater(x, 1600)
         self.assertLess(y, 10)
         tray_parts.pointer("key", "Escape")
@@ -82,8 +82,9 @@ class WithoutPanelTest(unittest.TestCase):
         program = self.start()
         self.assertEqual(program.expect("appearance .*"), "appearance light")
         program.expect("appearance dark")
+        since = program.mark()
         services.tell("scheme 2")
-        program.expect("appearance light", since=3)
+        program.expect("appearance light", since)
 
 
 if __name__ == "__main__":

@@ -1,18 +1,21 @@
-"""surroundings.py PROGRAM: the whole program where something that it expects is missing or broken."""
+"""surroundings.py PROGRAM: the whole program when something that it expects is missing or broken."""
 
 import glob
 import os
 import re
 import shutil
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
 import unittest
 
-from waiting import until
+from vorli import found_windows
+from waiting import holds, wait_for
 
 PROGRAM = sys.argv[1]
+LONGER_THAN_A_ROLL_UP = 1.0
 
 
 def status(name, environment=None):
@@ -30,9 +33,20 @@ def handles(pid, number):
     return caught >> (number - 1) & 1
 
 
+def listens(path):
+    """Whether a program listens there: a socket's file exists shortly before that."""
+    with socket.socket(socket.AF_UNIX) as caller:
+        return caller.connect_ex(path) == 0
+
+
+def shown_windows(process):
+    return found_windows("--pid", str(process.pid))
+
+
 class Surroundings(unittest.TestCase):
     def setUp(self):
         self.home = tempfile.mkdtemp(prefix="vorli-home-")
+        shutil.copytree(f"{os.environ['XDG_CONFIG_HOME']}/Vorli", f"{self.home}/Vorli")
         self.environment = {**os.environ, "XDG_CONFIG_HOME": self.home}
         self.running = []
 
@@ -53,7 +67,7 @@ class Surroundings(unittest.TestCase):
         return process
 
     def lives(self, process):
-        until(lambda: status("Ticks") is not None or process.poll() is not None, "the program is on the bus")
+        wait_for(lambda: status("Ticks") is not None or process.poll() is not None, "the program is on the bus")
         self.assertIsNone(process.poll(), "the program goes on")
         return process
 
@@ -63,16 +77,29 @@ class Surroundings(unittest.TestCase):
 
     def test_without_a_tray_it_lives_and_can_be_called_up(self):
         process = self.lives(self.start())
-        ticks = int(status("Ticks"))
-        second = subprocess.run([PROGRAM], env=self.environment, capture_output=True, text=True, timeout=10)
-        self.assertEqual(second.returncode, 0)
-        self.assertIn("already running", second.stderr)
-        until(lambda: int(status("Ticks")) > ticks, "the first one was called up and took a sample")
+        self.assertEqual(shown_windows(process), [])
+        for _ in range(2):  # another start closes nothing
+            later = subprocess.run([PROGRAM], env=self.environment, capture_output=True, text=True, timeout=10)
+            self.assertEqual(later.returncode, 0)
+            self.assertIn("already running", later.stderr)
+            wait_for(lambda: shown_windows(process), "the popover")
+            holds(lambda: shown_windows(process), "the open popover", LONGER_THAN_A_ROLL_UP)
+        self.end(process)
+
+    def test_a_second_start_beside_one_that_hangs_says_so(self):
+        process = self.lives(self.start())
+        process.send_signal(signal.SIGSTOP)
+        try:
+            second = subprocess.run([PROGRAM], env=self.environment, capture_output=True, text=True, timeout=20)
+        finally:
+            process.send_signal(signal.SIGCONT)
+        self.assertEqual(second.returncode, 2)
+        self.assertIn("vorli: already running, but it does not answer\n", second.stderr)
         self.end(process)
 
     def test_without_a_session_bus_it_lives_and_ends_when_told(self):
         process = self.start(DBUS_SESSION_BUS_ADDRESS="unix:path=/nonexistent")
-        until(lambda: handles(process.pid, signal.SIGTERM), "it is put together")
+        wait_for(lambda: handles(process.pid, signal.SIGTERM), "it is put together")
         self.end(process)
 
     def test_without_a_display_it_says_so(self):
@@ -95,7 +122,7 @@ class Surroundings(unittest.TestCase):
 
     def test_without_a_system_bus_the_helper_is_unknown_and_the_ring_lives(self):
         process = self.lives(self.start(DBUS_SYSTEM_BUS_ADDRESS="unix:path=/nonexistent"))
-        until(lambda: status("HelperStatus") == "unknown", "the helper is told as unknown")
+        wait_for(lambda: status("HelperStatus") == "unknown", "the helper is told as unknown")
         self.assertGreaterEqual(float(status("RingProgress")), 0.05)
         self.end(process)
 
@@ -109,17 +136,14 @@ class Surroundings(unittest.TestCase):
                 told += os.read(process.stderr.fileno(), 65536).decode()
             except BlockingIOError:
                 pass
-            # The second repair of the launch has ended, and with it all that the program does unasked.
+            # The second repair of the launch has ended, and with it everything that the program does unasked.
             return told.count("Post-reinstall liveness") == 2
 
-        until(is_through, "the launch is through with the helper", 30.0)
-        shown = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid", str(process.pid)],
-                               capture_output=True, text=True)
-        self.assertEqual(shown.stdout, "")
+        wait_for(is_through, "the launch is through with the helper", 30.0)
+        self.assertEqual(shown_windows(process), [])
         self.end(process)
 
     def test_nobody_reads_its_standard_error(self):
-        os.makedirs(f"{self.home}/Vorli")
         with open(f"{self.home}/Vorli/Vorli.ini", "w", encoding="utf-8") as file:
             file.write("damaged, so that there is something to tell at once")
         process = subprocess.Popen([PROGRAM], env=self.environment, stderr=subprocess.PIPE)
@@ -129,7 +153,7 @@ class Surroundings(unittest.TestCase):
         self.end(process)
 
     def hanging_bus(self, kind):
-        """The address of a bus that takes connections and never says a word."""
+        """The address of a bus that accepts connections and never answers."""
         folder = tempfile.mkdtemp(prefix="vorli-bus-")
         self.addCleanup(shutil.rmtree, folder)
         config = os.path.join(folder, "bus.conf")
@@ -139,13 +163,13 @@ class Surroundings(unittest.TestCase):
         bus = subprocess.Popen(["dbus-daemon", f"--config-file={config}", "--nofork"], stderr=subprocess.DEVNULL)
         self.addCleanup(bus.wait)
         self.addCleanup(bus.kill)
-        until(lambda: os.path.exists(f"{folder}/bus"), "the bus is up")
+        wait_for(lambda: listens(f"{folder}/bus"), "the bus is up")
         bus.send_signal(signal.SIGSTOP)
         return f"unix:path={folder}/bus"
 
     def test_a_session_bus_that_hangs_is_given_up(self):
         process = self.start(DBUS_SESSION_BUS_ADDRESS=self.hanging_bus("session"))
-        until(lambda: handles(process.pid, signal.SIGTERM), "it goes on without the bus", 30.0)
+        wait_for(lambda: handles(process.pid, signal.SIGTERM), "it goes on without the bus", 30.0)
         self.end(process)
         self.assertIn("the session bus does not answer; going on without it", process.stderr.read())
 
@@ -153,11 +177,10 @@ class Surroundings(unittest.TestCase):
         process = self.lives(self.start(DBUS_SYSTEM_BUS_ADDRESS=self.hanging_bus("system")))
         ticks = int(status("Ticks"))
         subprocess.run([PROGRAM], env=self.environment, capture_output=True, timeout=10)
-        until(lambda: int(status("Ticks")) > ticks, "the main loop answers while the system bus hangs", 3.0)
+        wait_for(lambda: int(status("Ticks")) > ticks, "the main loop answers while the system bus hangs", 3.0)
         self.end(process)
 
     def test_damaged_settings_are_kept_aside(self):
-        os.makedirs(f"{self.home}/Vorli")
         with open(f"{self.home}/Vorli/Vorli.ini", "wb") as file:
             file.write(b"\x00\x01 no settings \xff" * 50)
         process = self.lives(self.start())

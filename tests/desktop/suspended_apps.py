@@ -1,21 +1,59 @@
-"""suspended_apps.py PROGRAM: the whole program resumes what it has on record, through the real daemon."""
+"""suspended_apps.py PROGRAM SESSION_MANAGER: the whole program resumes recorded processes through the real daemon."""
 
 import os
 import re
 import signal
 import subprocess
 import sys
+import threading
 import unittest
 
-from waiting import until
+from vorli import stored
+from waiting import wait_for
 from workspace_probe import bring_to_front, window_of
 
-FIRST_PROCESS = 1  # somebody else's, which the daemon resumes for nobody
+NEVER = 3  # the hint never to start a program at a later login
+FIRST_PROCESS = 1  # another user's process, which the daemon resumes for no caller
 
 
 def state(process):
     with open(f"/proc/{process.pid}/stat", encoding="utf-8") as file:
         return re.search(r"\) (\w) ", file.read())[1]
+
+
+class SessionManager:
+    """A session manager that implements only the protocol; it ends with the test."""
+
+    def __init__(self, test):
+        self.process = subprocess.Popen([sys.argv[2]], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+        test.addCleanup(self.process.wait)
+        test.addCleanup(self.process.kill)
+        self.address = self.process.stdout.readline().removeprefix("address ").strip()
+        self.lines = []
+        self.reader = threading.Thread(target=self._read, daemon=True)
+        self.reader.start()
+
+    def _read(self):
+        for line in self.process.stdout:
+            self.lines.append(line.strip())
+
+    def expect(self, line):
+        wait_for(lambda: line in self.lines, line)
+
+    def tell(self, line):
+        self.process.stdin.write(line + "\n")
+        self.process.stdin.flush()
+
+
+class OtherDisplay:
+    """An X server that a test may kill."""
+
+    def __init__(self, test):
+        self.server = subprocess.Popen(["Xvfb", "-displayfd", "1", "-screen", "0", "800x600x24"], stdout=subprocess.PIPE,
+                                       stderr=subprocess.DEVNULL, text=True)
+        test.addCleanup(self.server.wait)
+        test.addCleanup(self.server.kill)
+        self.name = ":" + self.server.stdout.readline().strip()
 
 
 class SuspendedApps(unittest.TestCase):
@@ -27,7 +65,7 @@ class SuspendedApps(unittest.TestCase):
         process = subprocess.Popen([program], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         self.addCleanup(process.wait)
         self.addCleanup(process.kill)
-        until(lambda: window_of(title), f"the window of {program}")
+        wait_for(lambda: window_of(title), f"the window of {program}")
         return process
 
     def start_program(self, **changes):
@@ -51,12 +89,12 @@ class SuspendedApps(unittest.TestCase):
     def stop(self, program, *applications, also=()):
         for application in applications:
             application.send_signal(signal.SIGSTOP)
-            until(lambda a=application: state(a) == "T", "it stands still")
+            wait_for(lambda a=application: state(a) == "T", "it stands still")
         wanted = {application.pid for application in applications} | set(also)
         for pid in wanted:
             program.stdin.write(f"record {pid}\n".encode())
         program.stdin.flush()
-        until(lambda: self.recorded() == wanted, "all are on record")
+        wait_for(lambda: self.recorded() == wanted, "all are on record")
 
     def end(self, program):
         program.send_signal(signal.SIGTERM)
@@ -67,8 +105,8 @@ class SuspendedApps(unittest.TestCase):
         bring_to_front("Mousepad")
         self.stop(program, self.calculator)
         bring_to_front("galculator")
-        until(lambda: state(self.calculator) != "T", "it goes on")
-        until(lambda: self.recorded() == set(), "it is on record no longer")
+        wait_for(lambda: state(self.calculator) != "T", "it goes on")
+        wait_for(lambda: self.recorded() == set(), "it is on record no longer")
         self.assertEqual(self.end(program), 0)
 
     def test_an_application_that_ends_is_forgotten(self):
@@ -76,7 +114,7 @@ class SuspendedApps(unittest.TestCase):
         bring_to_front("Mousepad")
         self.stop(program, self.calculator, self.editor)
         self.calculator.kill()
-        until(lambda: self.recorded() == {self.editor.pid}, "the other one alone is on record")
+        wait_for(lambda: self.recorded() == {self.editor.pid}, "the other one alone is on record")
         self.assertEqual(self.end(program), 0)
 
     def test_all_go_on_before_the_program_ends_and_what_the_daemon_refuses_stays_on_record(self):
@@ -101,9 +139,38 @@ class SuspendedApps(unittest.TestCase):
         self.assertEqual(self.recorded(), {self.calculator.pid})
         os.symlink(os.environ["DBUS_SYSTEM_BUS_ADDRESS"].removeprefix("unix:path="), bus)
         self.addCleanup(os.remove, bus)
-        until(turn_to_it, "a later activation reaches the daemon, and it goes on")
-        until(lambda: self.recorded() == set(), "it is on record no longer")
+        wait_for(turn_to_it, "a later activation reaches the daemon, and it goes on")
+        wait_for(lambda: self.recorded() == set(), "it is on record no longer")
         self.assertEqual(self.end(program), 0)
+
+    def test_all_go_on_when_the_session_manager_ends_the_session(self):
+        manager = SessionManager(self)
+        program = self.start_program(SESSION_MANAGER=manager.address)
+        manager.expect("registered")
+        manager.expect(f"RestartStyleHint {NEVER}")
+        self.stop(program, self.calculator, self.editor)
+        manager.tell("end")
+        self.assertEqual(program.wait(timeout=20), 0)
+        self.assertNotIn("T", (state(self.calculator), state(self.editor)))
+        self.assertEqual(self.recorded(), set())
+        hints = [line for line in manager.lines if line.startswith("RestartStyleHint")]
+        self.assertEqual(set(hints), {f"RestartStyleHint {NEVER}"})
+
+    def test_all_go_on_when_the_x_server_is_lost(self):
+        display = OtherDisplay(self)
+        program = self.start_program(DISPLAY=display.name)
+        self.stop(program, self.calculator, self.editor)
+        display.server.kill()
+        self.assertEqual(program.wait(timeout=20), 1)
+        self.assertNotIn("T", (state(self.calculator), state(self.editor)))
+
+    def test_the_last_change_of_a_setting_is_written_when_a_library_ends_the_process(self):
+        program = self.start_program()
+        self.assertNotEqual(stored("hapticFeedback"), "false")
+        program.stdin.write(b"change and leave\n")
+        program.stdin.flush()
+        self.assertEqual(program.wait(timeout=20), 1)
+        self.assertEqual(stored("hapticFeedback"), "false")
 
     def test_without_a_daemon_the_program_ends_all_the_same(self):
         program = self.start_program(DBUS_SYSTEM_BUS_ADDRESS="unix:path=/nonexistent")

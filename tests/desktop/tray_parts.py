@@ -1,5 +1,6 @@
-"""What the tests of the status item look at and work with: its process, the screen, the session's bus."""
+"""Tools of the status item's tests: its process, the screen, the session's bus."""
 
+import contextlib
 import ctypes
 import os
 import re
@@ -9,16 +10,21 @@ import threading
 
 import dbus
 
-from waiting import until
+from vorli import found_windows
+from waiting import settled, wait_for
 
+# Bytes that may remain for each sent picture. A picture that is kept has 1,900 or more; on a busy machine the allocator
+# of a program needs up to 50 for each of ten thousand.
+MOST_LEFT_OF_A_PICTURE = 200
 ITEM, ITEM_PATH = "org.kde.StatusNotifierItem", "/StatusNotifierItem"
 MENU, MENU_PATH = "com.canonical.dbusmenu", "/Menu"
 HERE = os.path.dirname(os.path.realpath(__file__))
-PICTURES = os.environ.get("VORLI_PICTURES", os.path.join(HERE, "..", "..", "build", "pictures"))
+PANEL_HEIGHT = 28
+PICTURES = os.environ["VORLI_PICTURES"]
 
 
 class Process:
-    """A program that is told lines and tells lines."""
+    """A program that reads lines and prints lines."""
 
     def __init__(self, *command, environment=None):
         self.lines = []
@@ -42,18 +48,18 @@ class Process:
     def mark(self):
         return len(self.lines)
 
-    def expect(self, pattern, since=0, seconds=10.0):
-        """The first line from number `since` on that matches."""
+    def expect(self, pattern, since=0, seconds=20.0):
+        """Waits for a matching line with the number `since` or later, and returns it."""
 
         def found():
             return next((line for line in self.lines[since:] if re.fullmatch(pattern, line)), None)
 
-        return until(found, f"the line {pattern!r} after {self.lines[since:]}", seconds)
+        return wait_for(found, f"the line {pattern!r} after {self.lines[since:]}", seconds)
 
     def close(self):
         self.process.stdin.close()
         try:
-            code = self.process.wait(10)
+            code = self.process.wait(20)
         except subprocess.TimeoutExpired:
             self.process.kill()
             raise AssertionError("the program does not end") from None
@@ -62,7 +68,7 @@ class Process:
         assert code == 0, f"the program ended with {code}"
 
     def kill(self):
-        """For a program that does not end by itself when its input does."""
+        """Ends a program that does not end with its input."""
         self.process.kill()
         self.process.wait()
         self.process.stdin.close()
@@ -70,7 +76,7 @@ class Process:
         self.process.stdout.close()
 
     def resources(self):
-        """Private dirty kibibytes, descriptors, and the seconds of processor time used so far."""
+        """Private dirty memory in KiB, number of descriptors, and seconds of processor time so far."""
         with open(f"/proc/{self.pid}/smaps_rollup", encoding="ascii") as file:
             dirty = int(re.search(r"Private_Dirty:\s+(\d+)", file.read())[1])
         with open(f"/proc/{self.pid}/stat", encoding="ascii") as file:
@@ -80,7 +86,7 @@ class Process:
 
 
 class Screen:
-    """The X screen at one moment."""
+    """A picture of the X screen."""
 
     def __init__(self):
         data = subprocess.run(["import", "-window", "root", "-depth", "8", "ppm:-"], check=True, capture_output=True)
@@ -93,7 +99,7 @@ class Screen:
         return tuple(self.data[at : at + 3])
 
     def place_of(self, wanted, height=None):
-        """The middle of all pixels of the upper `height` lines that `wanted` takes, or None."""
+        """The middle of all pixels in the upper `height` lines that `wanted` accepts, or None."""
         found = [
             (x, y)
             for y in range(height or self.height)
@@ -114,8 +120,16 @@ def is_red(red, green, blue):
     return red > 150 and green < 110 and blue < 110
 
 
+def icon_place(colour=is_amber):
+    """The middle of the dial in the panel."""
+    return settled(lambda: Screen().place_of(colour, PANEL_HEIGHT), "the dial is in the panel", pause=0.02)
+
+
+def icon_is_gone():
+    return Screen().place_of(lambda *pixel: is_amber(*pixel) or is_red(*pixel), PANEL_HEIGHT) is None
+
+
 def photograph(name, geometry="340x330+1580+0"):
-    os.makedirs(PICTURES, exist_ok=True)
     target = os.path.join(PICTURES, f"status-item-{name}.png")
     subprocess.run(["import", "-window", "root", "-crop", geometry, "+repage", target], check=True)
 
@@ -124,21 +138,24 @@ def pointer(*arguments):
     subprocess.run(["xdotool", *map(str, arguments)], check=True)
 
 
-def click(place, button=1, control=False):
+def click(place, button=1):
     pointer("mousemove", *place)
-    if control:
-        pointer("keydown", "ctrl")
+    pointer("click", button)
+
+
+@contextlib.contextmanager
+def held(key):
+    """Holds the key for as long as the block lasts: a click over the bus makes its receiver ask which keys are held."""
+    pointer("keydown", key)
     try:
-        pointer("click", button)
+        yield
     finally:
-        if control:
-            pointer("keyup", "ctrl")
+        pointer("keyup", key)
 
 
 def window_of(pid, width, height):
-    """The upper left corner of the visible window of that size that the process has, or None."""
-    search = ["xdotool", "search", "--onlyvisible", "--pid", str(pid)]
-    for window in subprocess.run(search, capture_output=True, text=True).stdout.split():
+    """The upper left corner of the process's visible window of that size, or None."""
+    for window in found_windows("--pid", str(pid)):
         shell = subprocess.run(["xdotool", "getwindowgeometry", "--shell", window], capture_output=True, text=True)
         place = dict(line.split("=") for line in shell.stdout.split())
         if (place.get("WIDTH"), place.get("HEIGHT")) == (str(width), str(height)):
@@ -146,8 +163,24 @@ def window_of(pid, width, height):
     return None
 
 
+def pixel_at(x, y):
+    """The colour of one place of the screen, read within milliseconds."""
+    x11 = ctypes.CDLL("libX11.so.6")
+    for function in (x11.XOpenDisplay, x11.XDefaultRootWindow, x11.XGetImage):
+        function.restype = ctypes.c_void_p
+    x11.XGetPixel.restype = ctypes.c_ulong
+    every_plane, whole_pixels = ctypes.c_ulong(-1), 2
+    display = ctypes.c_void_p(x11.XOpenDisplay(None))
+    root = ctypes.c_void_p(x11.XDefaultRootWindow(display))
+    image = ctypes.c_void_p(x11.XGetImage(display, root, x, y, 1, 1, every_plane, whole_pixels))
+    value = x11.XGetPixel(image, 0, 0)
+    x11.XDestroyImage(image)
+    x11.XCloseDisplay(display)
+    return value >> 16 & 255, value >> 8 & 255, value & 255
+
+
 def selection_owner(name):
-    """The X11 window that owns that selection, as a number for a command line, or None."""
+    """The X11 window that owns that selection, as a number for command lines, or None."""
     x11 = ctypes.CDLL("libX11.so.6")
     for function in (x11.XOpenDisplay, x11.XInternAtom, x11.XGetSelectionOwner):
         function.restype = ctypes.c_void_p
@@ -159,7 +192,7 @@ def selection_owner(name):
 
 
 def session_process(name):
-    """The process id of the session's program of that name, or None."""
+    """Process id of the session's program of that name, or None."""
     mark = f"VORLI_SESSION_MARK={os.environ['VORLI_SESSION_MARK']}".encode()
     for pid in filter(str.isdigit, os.listdir("/proc")):
         try:
@@ -177,12 +210,56 @@ def end_panel(name):
     with open(f"/proc/{pid}/cmdline", "rb") as file:
         command = [part.decode() for part in file.read().split(b"\0")[:-1]]
     os.kill(pid, signal.SIGKILL)
-    until(lambda: session_process(name) is None, f"{name} is gone")
+    wait_for(lambda: session_process(name) is None, f"{name} is gone")
     return command
 
 
 def start_panel(command):
     subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+
+ROWS = ["Polish Now", "-", "Restart Panel", "Restart File Manager", "-", "Open Startup Applications", "-", "About Vorli",
+        "-", "Quit Vorli"]
+ACTIONS = {"Polish Now": "polish", "Restart Panel": "dock", "Restart File Manager": "finder",
+           "Open Startup Applications": "login items", "About Vorli": "about", "Quit Vorli": "quit"}
+
+
+class OwnMenu:
+    """The menu that the program draws itself. Its rows have "-" for a separator."""
+
+    WIDTH, EDGE, ROW_HEIGHT, SEPARATOR_HEIGHT = 224, 6, 28, 11
+
+    def __init__(self, program, rows=tuple(ROWS)):
+        self._program, self._rows = program, rows
+        self._height = 2 * self.EDGE + self._height_of(rows)
+
+    def _height_of(self, rows):
+        return sum(self.SEPARATOR_HEIGHT if row == "-" else self.ROW_HEIGHT for row in rows)
+
+    def place(self):
+        """The menu's upper left corner, or None."""
+        return window_of(self._program.pid, width=self.WIDTH, height=self._height)
+
+    def opened(self):
+        return wait_for(self.place, "the program's own menu")
+
+    def gone(self):
+        wait_for(lambda: not self.place(), "the end of the program's own menu")
+
+    def point_to(self, label):
+        """Moves the pointer to the row with that label; returns the place."""
+        x, y = self.opened()
+        above = self._height_of(self._rows[: self._rows.index(label)])
+        place = x + 60, y + self.EDGE + above + self.ROW_HEIGHT // 2
+        pointer("mousemove", *place)
+        return place
+
+    def choose(self, label):
+        """Chooses the row with that label by the mouse, and waits for the row's action."""
+        since = self._program.mark()
+        click(self.point_to(label))
+        self._program.expect(f"chose {ACTIONS[label]}", since)
+        self.gone()
 
 
 class Item:
@@ -203,7 +280,7 @@ class Item:
         return self.call(MENU_PATH, MENU, "GetLayout", "iias", 0, -1, dbus.Array([], signature="s"))
 
     def rows(self):
-        """The menu from the top, "-" for a separator."""
+        """Labels of the menu from the top, with "-" for a separator."""
         return [row[1].get("label", "-") for row in self.layout()[1][2]]
 
     def id_of(self, label):

@@ -1,4 +1,4 @@
-"""What the tests of the workspace share: its probe, and the windows on the screen as other programs see them."""
+"""Tools of the workspace's tests: the probe, and the windows on the screen as other programs see them."""
 
 import json
 import os
@@ -6,7 +6,8 @@ import re
 import subprocess
 import threading
 
-from waiting import until
+from vorli import found_windows
+from waiting import wait_for
 
 
 def write(path, text, mode=0o644):
@@ -19,28 +20,31 @@ def write(path, text, mode=0o644):
 class Probe:
     """The probe of the workspace; collects its lines on a thread of its own."""
 
-    def __init__(self, program):
-        self.process = subprocess.Popen([program], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+    def __init__(self, program, **environment):
+        self.process = subprocess.Popen([program], env={**os.environ, **environment}, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
         self.lines = []
         self.reader = threading.Thread(target=self.read, daemon=True)
         self.reader.start()
-        until(lambda: any("ready" in line for line in self.lines), "the probe is ready")
+        wait_for(lambda: any("ready" in line for line in self.lines), "the probe is ready")
 
     def read(self):
         for line in self.process.stdout:
             self.lines.append(json.loads(line))
 
-    def ask(self, command, key):
-        seen = len(self.lines)
+    def tell(self, command):
         self.process.stdin.write(command + "\n")
         self.process.stdin.flush()
-        return until(lambda: next((line for line in self.lines[seen:] if key in line), None), command)[key]
+
+    def ask(self, command, key):
+        seen = len(self.lines)
+        self.tell(command)
+        return wait_for(lambda: next((line for line in self.lines[seen:] if key in line), None), command)[key]
 
     def running(self):
         return {application["id"]: application for application in self.ask("list", "list")}
 
-    def wait_for(self, identifier):
-        return until(lambda: self.running().get(identifier), f"{identifier} is running")
+    def appears(self, identifier):
+        return wait_for(lambda: self.running().get(identifier), f"{identifier} is running")
 
     def events(self, kind):
         return [line["application"]["id"] for line in self.lines if line.get("event") == kind and "application" in line]
@@ -53,7 +57,7 @@ class Probe:
         return [line["log"] for line in self.lines if "log" in line]
 
     def look(self):
-        """One tick of the monitor: what was concluded from the session's processes."""
+        """Runs one tick of the monitor and returns its conclusions from the session's processes."""
         seen = len(self.lines)
         self.ask("look", "look")
         return next(line for line in self.lines[seen:] if "look" in line)
@@ -66,8 +70,8 @@ class Probe:
 
 
 def window_of(title):
-    found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title], capture_output=True, text=True)
-    return found.stdout.split()[0] if found.stdout.split() else None
+    found = found_windows("--name", title)
+    return found[0] if found else None
 
 
 def client_list():
@@ -76,7 +80,7 @@ def client_list():
 
 
 def bring_to_front(title):
-    window = until(lambda: window_of(title), f"a window {title}")
+    window = wait_for(lambda: window_of(title), f"a window {title}")
 
     def is_in_front():
         told = subprocess.run(["xdotool", "getactivewindow"], capture_output=True, text=True, check=False).stdout
@@ -85,4 +89,4 @@ def bring_to_front(title):
         subprocess.run(["xdotool", "windowactivate", window], check=False)  # a busy window manager drops requests
         return False
 
-    until(is_in_front, f"{title} is in front", pause=0.1)
+    wait_for(is_in_front, f"{title} is in front", pause=0.1)

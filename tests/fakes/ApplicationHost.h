@@ -7,7 +7,7 @@
 
 namespace vorli::fakes {
 
-/// Writes down what the program asked of the desktop.
+/// Records the program's requests to the desktop.
 class ApplicationHost final : public ports::ApplicationHost {
  public:
   void activateIgnoringOtherApps() override { ++activations; }

@@ -9,21 +9,21 @@
 
 namespace vorli::fakes {
 
-/// An output that plays what a test puts into `lists`; silent, and running for nobody, until then.
+/// An output that plays the buffers of `lists`. Until a test fills them, it is silent and not running.
 class AudioOutputTap final : public ports::AudioOutputTap {
  public:
   bool listens = true;
   std::optional<ports::AudioTapFailure> failure;
   std::optional<bool> outputRunning = false;
-  /// What one window brings: lists of buffers, in order.
+  /// Lists of buffers that a window receives, in order.
   std::vector<std::vector<ports::AudioBuffer>> lists;
-  /// Called while a window lasts, as the blocked caller cannot notice anything else.
+  /// Called during a window, in which the caller is blocked.
   std::function<void(double windowSeconds)> duringWindow;
 
   std::vector<double> windows;
   int outputReads = 0;
 
-  /// One window with a single buffer of these samples, kept for the life of the fake.
+  /// Adds a window with a single buffer of these samples, which exists as long as the fake.
   void play(std::vector<float> samples) {
     samples_.push_back(std::move(samples));
     const auto& kept = samples_.back();

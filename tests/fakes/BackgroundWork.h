@@ -8,7 +8,7 @@
 
 namespace vorli::fakes {
 
-/// Work that takes its time on a scheduler, and is done whole at the end of it.
+/// Work that takes time on a scheduler, and is done as a whole at the end.
 class BackgroundWork final : public ports::BackgroundWork {
  public:
   explicit BackgroundWork(Scheduler& scheduler) : scheduler_(scheduler) {}

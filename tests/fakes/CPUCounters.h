@@ -7,7 +7,7 @@
 
 namespace vorli::fakes {
 
-/// An idle machine with four processors, until a test says otherwise.
+/// An idle machine with four processors, unless a test changes it.
 class CPUCounters final : public ports::CPUCounters {
  public:
   std::optional<ports::CPUTicks> readTicks() override { return ticks; }

@@ -5,13 +5,13 @@
 
 namespace vorli::fakes {
 
-/// A calendar that stands still until a test sets it, or that runs along with a scheduler's virtual time.
+/// A calendar that stands still until a test sets it, or that follows a scheduler's virtual time.
 class CalendarClock final : public ports::CalendarClock {
  public:
   CalendarClock() = default;
   explicit CalendarClock(Date start) : at_(start) {}
 
-  /// Runs with `scheduler` from `start` on.
+  /// Follows `scheduler` from `start` on.
   explicit CalendarClock(const Scheduler& scheduler, Date start = Date{1'000'000.0})
       : at_(start), scheduler_(&scheduler), origin_(scheduler.now()) {}
 
@@ -22,9 +22,12 @@ class CalendarClock final : public ports::CalendarClock {
 
   int localHour() const override { return hour; }
 
-  int hour = 12;  // of the day, whatever the date says
+  ports::LocalTime localTime(Date) const override { return local; }
 
-  /// Jumps, backwards too; a calendar tied to a scheduler runs on from there.
+  int hour = 12;  // of the day, whatever the date says
+  ports::LocalTime local{.year = 2026, .month = 3, .day = 1, .hour = 9, .minute = 30};  // of every date
+
+  /// Jumps, possibly backwards; a calendar that follows a scheduler continues from there.
   void set(Date date) {
     at_ = date;
     if (scheduler_) origin_ = scheduler_->now();

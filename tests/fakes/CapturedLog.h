@@ -9,7 +9,7 @@
 
 namespace vorli::fakes {
 
-/// Collects the process's log lines for as long as it lives.
+/// Collects the process's log lines as long as the object exists.
 class CapturedLog {
  public:
   struct Line {

@@ -8,7 +8,7 @@
 
 namespace vorli::fakes {
 
-/// A screen that shows what the frames say whenever a test looks.
+/// A screen that shows the current frame whenever a test looks.
 class GlowOverlay final : public ports::GlowOverlay {
  public:
   std::optional<ports::ScreenFrame> mainScreen() override {
@@ -45,7 +45,7 @@ class GlowOverlay final : public ports::GlowOverlay {
 
   bool hasMainScreen = true;
   ports::ScreenFrame screen{0.0, 0.0, 1920.0, 1080.0};
-  std::vector<double> builds;  // the depth asked for, each time
+  std::vector<double> builds;  // every requested depth
   bool isBuilt = false;
   int moves = 0;
   int removals = 0;

@@ -7,7 +7,7 @@
 
 namespace vorli::fakes {
 
-/// Notes each tap.
+/// Records each tap.
 class Haptics final : public ports::Haptics {
  public:
   void performFeedbackPattern(ports::FeedbackPattern pattern, ports::PerformanceTime time) override {

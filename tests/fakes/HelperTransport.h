@@ -3,6 +3,7 @@
 #include "base/Scheduler.h"
 #include "ports/HelperTransport.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -10,11 +11,11 @@
 
 namespace vorli::fakes {
 
-/// A daemon as a test scripts it, with the connections that lead to it. Healthy until told otherwise.
+/// A daemon as a test scripts it, with the connections to it. Healthy by default.
 class HelperTransport final : public ports::HelperTransport {
  public:
-  /// Silent: the reply waits in `held`, for the test to answer late or never. Fails: the proxy's error
-  /// handler is called.
+  /// Silent: the reply waits in `held`, and the test answers late or never. Fails: the proxy's error handler
+  /// is called.
   enum class Conduct { answers, silent, fails };
 
   template <typename Reply>
@@ -36,10 +37,12 @@ class HelperTransport final : public ports::HelperTransport {
   Method<HelperReply> dumpBTM{.answer = {5, "Not supported on this system"}};
   Method<HelperReply> moveLaunchAgentPlist{};
 
-  /// False: connections have no proxy.
+  /// If false, connections have no proxy.
   bool leadsToDaemon = true;
+  /// Runs just before a request is answered, and may still change the answer.
+  std::function<void(const std::string&)> whenAnswered;
   std::string errorText = "Couldn't communicate with a helper application.";
-  /// Each request in order, as "killPID 42 19".
+  /// Requests in order, as in "killPID 42 19".
   std::vector<std::string> requests;
   std::vector<std::string> servicesConnected;
 
@@ -57,9 +60,9 @@ class HelperTransport final : public ports::HelperTransport {
   }
   int invalidations() const { return invalidations_; }
 
-  /// The daemon dies with a call out on connection `index`; the call itself stays unanswered.
+  /// Lets the daemon die during a call on connection `index`; the call itself gets no answer.
   void interrupt(int index) { states_.at(index)->interruptionHandler(); }
-  /// Connection `index` breaks for good.
+  /// Breaks connection `index` for good.
   void lose(int index) { end(*states_.at(index)); }
 
   std::unique_ptr<ports::HelperConnection> connect(std::string_view serviceName) override {
@@ -110,7 +113,7 @@ class HelperTransport final : public ports::HelperTransport {
    private:
     template <typename Reply>
     void serve(std::string request, Method<Reply>& method, OnceReply<Reply> reply) {
-      daemon_.requests.push_back(std::move(request));
+      daemon_.requests.push_back(request);
       ++method.requests;
       auto pending = std::make_shared<Pending>(Pending{onError_});
       state_->pending.push_back(pending);
@@ -124,7 +127,12 @@ class HelperTransport final : public ports::HelperTransport {
         method.held.push_back(std::move(guarded));
       } else {
         daemon_.scheduler_.after(method.delaySeconds,
-                                 [guarded = std::move(guarded), answer = method.answer]() mutable {
+                                 [&daemon = daemon_, &method, request, guarded = std::move(guarded),
+                                  answer = method.answer]() mutable {
+                                   if (daemon.whenAnswered) {
+                                     daemon.whenAnswered(request);
+                                     answer = method.answer;
+                                   }
                                    std::move(guarded)(std::move(answer));
                                  });
       }

@@ -11,13 +11,13 @@
 
 namespace vorli::fakes {
 
-/// Virtual time: nothing happens until a test moves the clock, and then due work runs in order of its time,
-/// what it creates included. Posting is allowed from any thread.
+/// Virtual time: nothing happens until a test moves the clock. Then due work runs in order of its time,
+/// including the work that it creates. Posting is thread-safe.
 class ManualScheduler final : public Scheduler {
  public:
   ManualScheduler() = default;
   ~ManualScheduler() override {
-    // Work that dies here may still cancel or queue other work.
+    // Work that is destroyed here may still cancel or queue other work.
     while (!timers_.empty()) takeTimer();
     while (takePosted()) {
     }
@@ -40,10 +40,10 @@ class ManualScheduler final : public Scheduler {
     const auto found = std::find_if(timers_.begin(), timers_.end(),
                                     [timer](const auto& entry) { return entry.first.second == timer; });
     if (found == timers_.end()) return;
-    const auto gone = timers_.extract(found);  // dies outside of the map: it may cancel others
+    const auto gone = timers_.extract(found);  // destroyed outside of the map, because it may cancel others
   }
 
-  /// Runs what is queued now and what that queues; time stands still. Timers that are due run too.
+  /// Runs the queued work and the work that it queues, and timers that are due. The clock stands still.
   void runReady() {
     for (;;) {
       if (auto work = takePosted()) {
@@ -56,7 +56,7 @@ class ManualScheduler final : public Scheduler {
     }
   }
 
-  /// Moves the clock by `seconds`, stopping at each due piece of work on the way, edges included.
+  /// Moves the clock by `seconds`, and runs each piece of work that is due on the way, edges included.
   void advance(double seconds) { advanceTo(now_ + seconds); }
 
   void advanceTo(double target) {
@@ -69,10 +69,10 @@ class ManualScheduler final : public Scheduler {
     runReady();
   }
 
-  /// Moves the clock and runs nothing, as when the main thread is blocked.
+  /// Moves the clock without running anything, as when the main thread is blocked.
   void advanceClockOnly(double seconds) { now_ = now_ + seconds; }
 
-  /// Pieces of work that wait for their turn.
+  /// Number of queued pieces of work.
   std::size_t postedCount() {
     const std::lock_guard guard(lock_);
     return posted_.size();

@@ -4,7 +4,7 @@
 
 namespace vorli::fakes {
 
-/// A machine with 8 GiB and nothing to complain of, until a test says otherwise.
+/// A healthy machine with 8 GiB, unless a test changes it.
 class MemoryCounters final : public ports::MemoryCounters {
  public:
   std::uint64_t pageSizeBytes() override { return pageSize; }

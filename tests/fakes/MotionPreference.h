@@ -7,7 +7,7 @@
 
 namespace vorli::fakes {
 
-/// A desktop whose wish for less movement a test sets.
+/// A desktop whose preference for less movement a test sets.
 class MotionPreference final : public ports::MotionPreference {
  public:
   bool isReduced() const override { return reduced_; }

@@ -9,7 +9,7 @@
 
 namespace vorli::fakes {
 
-/// A panel that a test looks at; what was asked of it stands in `calls`, in order.
+/// A panel that a test looks at. `calls` has the requests in order.
 class PopoverWindow final : public ports::PopoverWindow {
  public:
   struct Motion {
@@ -18,9 +18,10 @@ class PopoverWindow final : public ports::PopoverWindow {
   };
 
   bool isShown() const override { return shown; }
+  bool hasPlace() const override { return hasScreen; }
   bool show() override {
     calls.emplace_back("show");
-    if (shown || !hasPlace) return shown;
+    if (shown || !hasScreen) return shown;
     shown = true;
     if (didShow) didShow();
     return true;
@@ -38,9 +39,11 @@ class PopoverWindow final : public ports::PopoverWindow {
     size = newSize;
   }
   void animateContentSize(ports::PopoverSize newSize, const Animation& animation) override {
+    if (newSize == size) return;
+    size = newSize;
+    if (!shown) return;
     calls.push_back("animate " + text(newSize));
     motions.push_back({newSize, animation});
-    size = newSize;
   }
   void makeKey() override { calls.emplace_back("key"); }
   void setShouldCloseHandler(std::function<bool()> handler) override { shouldClose = std::move(handler); }
@@ -53,7 +56,7 @@ class PopoverWindow final : public ports::PopoverWindow {
   void pressOutside() { presses_.deliver(); }
   bool isMonitored() const { return !presses_.empty(); }
 
-  bool hasPlace = true;
+  bool hasScreen = true;
   bool shown = false;
   ports::PopoverSize size;
   int monitors = 0;  // ever begun

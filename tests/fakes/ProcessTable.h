@@ -14,7 +14,7 @@ namespace vorli::fakes {
 struct FakeProcess {
   std::int32_t pid = 0;
   std::optional<ports::ProcessTaskInfo> taskInfo = ports::ProcessTaskInfo{};
-  std::optional<ports::ProcessBSDInfo> bsdInfo = ports::ProcessBSDInfo{};  // but for the name
+  std::optional<ports::ProcessBSDInfo> bsdInfo = ports::ProcessBSDInfo{};  // without the name
   std::string name;
   std::optional<SharedText> executablePath;
   std::optional<std::uint64_t> exactResidentBytes;
@@ -83,15 +83,15 @@ class ProcessTable final : public ports::ProcessTable {
 
   std::vector<FakeProcess> processes;
   ports::Timebase base;
-  /// What the two calls of a listing return, when not the plain truth.
+  /// Replace the true results of the two calls of a listing.
   std::optional<int> slotCount;
   std::optional<int> bytesWritten;
   int listings = 0;
-  std::function<void()> whenListed;  // once a pass, at its start
+  std::function<void()> whenListed;  // once for each pass, at its start
   std::vector<std::int32_t> exactReads;
 
  private:
-  // The reads come in the order of the listing, so the next entry is nearly always the one.
+  // Processes are read in the order of the listing, so the next entry is nearly always the right one.
   const FakeProcess* find(std::int32_t pid) {
     for (std::size_t i = 0; i < processes.size(); ++i) {
       const auto at = (cursor_ + i) % processes.size();

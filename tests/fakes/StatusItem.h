@@ -37,7 +37,7 @@ class StatusItem final : public ports::StatusItem {
     dark = nowDark;
     appearanceHandler();
   }
-  /// Chooses the row of that title in the menu shown last; false when there is none.
+  /// Chooses the row with that title in the last menu; returns false if there is none.
   bool choose(const std::string& title) {
     if (shownMenus.empty()) return false;
     for (const auto& row : shownMenus.back()) {

@@ -8,7 +8,7 @@
 
 namespace vorli::fakes {
 
-/// Keeps what was written to the system's log.
+/// Records the lines of the system's log.
 class SystemLog final : public ports::SystemLog {
  public:
   struct Line {

@@ -4,7 +4,7 @@
 
 namespace vorli::fakes {
 
-/// A machine without sensors, until a test says otherwise.
+/// A machine without sensors, unless a test adds some.
 class ThermalSensors final : public ports::ThermalSensors {
  public:
   ports::ThermalReading readThermal() override { return reading; }

@@ -10,7 +10,7 @@
 
 namespace vorli::fakes {
 
-/// A desktop whose applications, installed and running, a test lists.
+/// A desktop with the installed and running applications that a test adds.
 class Workspace final : public ports::Workspace {
  public:
   const std::vector<ports::RunningApplication>& runningApplications() override {
@@ -19,15 +19,27 @@ class Workspace final : public ports::Workspace {
   }
 
   std::optional<ports::RunningApplication> frontmostApplication() override { return frontmost; }
-  bool canSeeWindows() override { return windowOwners.has_value(); }
+  bool seesActivations() override { return tellsActivations; }
+  bool seesEveryWindow() override { return windowOwners.has_value(); }
   std::optional<std::vector<std::int32_t>> onScreenWindowOwnerPIDs() override {
     ++windowLooks;
     return windowOwners;
   }
 
-  bool terminate(std::int32_t processIdentifier) override {
+  ports::QuitAnswer terminate(std::int32_t processIdentifier) override {
     terminated.push_back(processIdentifier);
-    return std::ranges::find(refusing, processIdentifier) == refusing.end();
+    return answerToTerminate(processIdentifier);
+  }
+  ports::QuitAnswer answerToTerminate(std::int32_t processIdentifier) override {
+    if (!withProcessIdentifier(processIdentifier)) return ports::QuitAnswer::gone;
+    const bool refuses = std::ranges::find(refusing, processIdentifier) != refusing.end();
+    return refuses ? ports::QuitAnswer::cannotBeAsked : ports::QuitAnswer::asked;
+  }
+
+  std::optional<std::int32_t> applicationHelpedBy(std::int32_t processIdentifier) override {
+    const auto found = helped.find(processIdentifier);
+    if (found == helped.end()) return std::nullopt;
+    return found->second;
   }
 
   std::optional<ports::InstalledApplication> applicationAt(std::string_view path) override {
@@ -44,7 +56,7 @@ class Workspace final : public ports::Workspace {
     return spaceChanges_.add(std::move(handler));
   }
 
-  /// A regular application, started last.
+  /// Adds a regular application, which was started last.
   ports::RunningApplication& add(std::int32_t pid, std::optional<SharedText> name,
                                  std::optional<SharedText> bundleIdentifier = std::nullopt) {
     applications.push_back({.processIdentifier = pid,
@@ -58,7 +70,7 @@ class Workspace final : public ports::Workspace {
                   [pid](const auto& application) { return application.processIdentifier == pid; });
   }
 
-  /// Tells the subscribers, without a change of the lists.
+  /// Notifies the subscribers without changing the lists.
   void tell(ports::ApplicationEvent event, const ports::RunningApplication& application) {
     events_[event].deliver(application);
   }
@@ -70,13 +82,17 @@ class Workspace final : public ports::Workspace {
 
   std::vector<ports::RunningApplication> applications;
   std::optional<ports::RunningApplication> frontmost;
-  /// Empty: windows cannot be seen.
+  /// If false, the system does not say which application is in use.
+  bool tellsActivations = true;
+  /// If empty, windows cannot be seen.
   std::optional<std::vector<std::int32_t>> windowOwners = std::vector<std::int32_t>();
   /// Processes that cannot be asked to quit.
   std::vector<std::int32_t> refusing;
-  /// Those that were asked to quit, in order.
+  /// Processes that were asked to quit, in order.
   std::vector<std::int32_t> terminated;
   std::map<std::string, ports::InstalledApplication, std::less<>> installed;
+  /// The application that each helper process works for.
+  std::map<std::int32_t, std::int32_t> helped;
   int listings = 0;
   int windowLooks = 0;
   std::vector<std::string> looksAtPaths;

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <string_view>
 
-/// Ends the fuzzer when `condition` does not hold, which keeps the input that broke it.
+/// Ends the fuzzer if `condition` is false; the fuzzer then saves the input that broke it.
 #define FUZZ_CHECK(condition) ((condition) ? static_cast<void>(0) : std::abort())
 
 /// One reading of the bytes, defined by each fuzzer.

@@ -1,11 +1,11 @@
-#include "linux/KernelRelease.h"
-#include "linux/KernelText.h"
-#include "linux/PowerProfile.h"
+#include "formats/KernelRelease.h"
+#include "formats/KernelText.h"
+#include "formats/PowerProfile.h"
 #include "tests/fuzz/Fuzz.h"
 
 #include <cmath>
 
-using namespace vorli::linuxhost;
+using namespace vorli::formats;
 
 void fuzz(std::string_view bytes) {
   for (std::string_view rest = bytes; !rest.empty();) {

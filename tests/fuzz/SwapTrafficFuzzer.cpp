@@ -1,4 +1,4 @@
-#include "linux/SwapTraffic.h"
+#include "linux/kernel/SwapTraffic.h"
 #include "tests/fuzz/Fuzz.h"
 
 using namespace vorli::linuxhost;

@@ -119,7 +119,7 @@ TEST_F(HelperCallsTest, theOtherRepliesAreNotLogged) {
 }
 
 /// One row of the table of timed calls.
-struct Row {
+struct TimedCall {
   const char* name;
   double limit;
   Task<HelperReply> (*call)(HelperManager&);
@@ -128,10 +128,10 @@ struct Row {
   const char* timeoutLine;
   bool logsReply;
 
-  friend void PrintTo(const Row& row, std::ostream* out) { *out << row.name; }
+  friend void PrintTo(const TimedCall& row, std::ostream* out) { *out << row.name; }
 };
 
-struct TimedCallTest : HelperFixture, testing::WithParamInterface<Row> {
+struct TimedCallTest : HelperFixture, testing::WithParamInterface<TimedCall> {
   auto& method() { return transport.*GetParam().method; }
   auto begin() { return start(GetParam().call(*manager)); }
   int replyLines() const {
@@ -230,38 +230,37 @@ TEST_P(TimedCallTest, aBlockedMainThreadDelaysTheTimerAndNothingIsEarly) {
   EXPECT_EQ(outcome->value, GetParam().timeout);
 }
 
-INSTANTIATE_TEST_SUITE_P(AllCalls, TimedCallTest,
-                         testing::Values(Row{"purgeMemory",
-                                             20.0,
-                                             [](HelperManager& manager) { return manager.purgeMemory(); },
-                                             &fakes::HelperTransport::purgeMemory,
-                                             {-1, "Helper purgeMemory timed out"},
-                                             "purgeMemory: XPC reply timed out after 20s",
-                                             true},
-                                         Row{"flushDNS",
-                                             5.0,
-                                             [](HelperManager& manager) { return manager.flushDNS(); },
-                                             &fakes::HelperTransport::flushDNS,
-                                             {-1, "Helper flushDNS timed out"},
-                                             "flushDNS: XPC reply timed out after 5s",
-                                             true},
-                                         Row{"killPID",
-                                             10.0,
-                                             [](HelperManager& manager) { return manager.killPID(42, 19); },
-                                             &fakes::HelperTransport::killPID,
-                                             {-1, "Helper killPID timed out"},
-                                             "killPID: XPC reply timed out after 10s (pid=42)",
-                                             false},
-                                         Row{"moveLaunchAgentPlist",
-                                             4.0,
-                                             [](HelperManager& manager) {
-                                               return manager.moveLaunchAgentPlist("/a", "/b");
-                                             },
-                                             &fakes::HelperTransport::moveLaunchAgentPlist,
-                                             {-1, "Helper moveLaunchAgentPlist timed out"},
-                                             "moveLaunchAgentPlist: XPC reply timed out after 4s",
-                                             false}),
-                         [](const auto& row) { return row.param.name; });
+INSTANTIATE_TEST_SUITE_P(
+    AllCalls, TimedCallTest,
+    testing::Values(TimedCall{"purgeMemory",
+                              20.0,
+                              [](HelperManager& manager) { return manager.purgeMemory(); },
+                              &fakes::HelperTransport::purgeMemory,
+                              {-1, "Helper purgeMemory timed out"},
+                              "purgeMemory: XPC reply timed out after 20s",
+                              true},
+                    TimedCall{"flushDNS",
+                              5.0,
+                              [](HelperManager& manager) { return manager.flushDNS(); },
+                              &fakes::HelperTransport::flushDNS,
+                              {-1, "Helper flushDNS timed out"},
+                              "flushDNS: XPC reply timed out after 5s",
+                              true},
+                    TimedCall{"killPID",
+                              10.0,
+                              [](HelperManager& manager) { return manager.killPID(42, 19); },
+                              &fakes::HelperTransport::killPID,
+                              {-1, "Helper killPID timed out"},
+                              "killPID: XPC reply timed out after 10s (pid=42)",
+                              false},
+                    TimedCall{"moveLaunchAgentPlist",
+                              4.0,
+                              [](HelperManager& manager) { return manager.moveLaunchAgentPlist("/a", "/b"); },
+                              &fakes::HelperTransport::moveLaunchAgentPlist,
+                              {-1, "Helper moveLaunchAgentPlist timed out"},
+                              "moveLaunchAgentPlist: XPC reply timed out after 4s",
+                              false}),
+    [](const auto& row) { return row.param.name; });
 
 TEST_F(HelperCallsTest, callsAtTheSameTimeShareTheConnectionAndHaveTheirOwnEnds) {
   transport.purgeMemory.delaySeconds = 3.0;

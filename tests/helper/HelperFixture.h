@@ -2,6 +2,7 @@
 
 #include "base/TaskScope.h"
 #include "helper/HelperManager.h"
+#include "helper/HelperTexts.h"
 #include "helper/HelperTimings.h"
 #include "tests/fakes/ApplicationBundle.h"
 #include "tests/fakes/CapturedLog.h"
@@ -10,6 +11,8 @@
 #include "tests/fakes/ManualScheduler.h"
 #include "tests/helper/Outcome.h"
 
+#include <algorithm>
+#include <gtest/gtest.h>
 #include <memory>
 #include <optional>
 #include <string>
@@ -29,7 +32,8 @@ struct HelperFixture : testing::Test {
   fakes::ApplicationBundle bundle;
   fakes::HelperService service{scheduler};
   fakes::HelperTransport transport{scheduler};
-  std::optional<HelperManager> manager{std::in_place, scheduler, service, transport, bundle};
+  std::optional<HelperManager> manager{std::in_place, scheduler, service,
+                                       transport,     bundle,    HelperTexts::macOS};
   std::optional<TaskScope> tasks{std::in_place, scheduler};
 
   template <typename T>
@@ -45,7 +49,7 @@ struct HelperFixture : testing::Test {
     return handle;
   }
 
-  /// The manager goes, and before it every flow that uses it.
+  /// Destroys the manager, and before it every flow that uses it.
   void dropManager() {
     tasks.reset();
     manager.reset();

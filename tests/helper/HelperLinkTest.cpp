@@ -1,3 +1,4 @@
+#include "tests/fakes/Publish.h"
 #include "tests/helper/HelperFixture.h"
 
 namespace vorli {
@@ -51,7 +52,7 @@ TEST_F(HelperLinkTest, aLostConnectionIsDroppedAndNamed) {
 
 TEST_F(HelperLinkTest, anInterruptionLeavesLastErrorAndTheInvalidationFollowsIt) {
   ping();
-  manager->lastError = "as it was";
+  fakes::publish(manager->lastError, "as it was");
   std::vector<std::optional<std::string>> texts;
   const auto seen = manager->lastError.subscribeToChanges([&](const auto& text) { texts.push_back(text); });
   log.clear();
@@ -73,8 +74,8 @@ TEST_F(HelperLinkTest, theNextCallAfterAnEventOpensANewConnection) {
   EXPECT_EQ(transport.connectionsAlive(), 1);
 }
 
-// The invalidation of the old connection is still on its way when a call opens a new one, and it then falls
-// on the new one: events do not look at whose they are.
+// The invalidation of the old connection is still queued when a call opens a new one. It then affects the new
+// one, because events do not say which connection they belong to.
 TEST_F(HelperLinkTest, anEventActsOnWhateverConnectionStandsWhenItArrives) {
   ping();
   int alive = 0;

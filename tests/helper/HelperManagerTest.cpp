@@ -1,4 +1,5 @@
 #include "helper/HelperManager.h"
+#include "tests/fakes/Publish.h"
 #include "tests/helper/HelperFixture.h"
 
 namespace vorli {
@@ -35,7 +36,7 @@ TEST_F(HelperManagerTest, statusMirrorsTheService) {
 
 TEST_F(HelperManagerTest, onlyEnabledWipesLastError) {
   for (const int raw : {0, 2, 3, 7}) {
-    manager->lastError = "something";
+    fakes::publish(manager->lastError, "something");
     service.rawStatus = raw;
     manager->refreshStatus();
     EXPECT_EQ(manager->lastError.get(), "something") << raw;
@@ -43,6 +44,29 @@ TEST_F(HelperManagerTest, onlyEnabledWipesLastError) {
   service.rawStatus = 1;
   manager->refreshStatus();
   EXPECT_EQ(manager->lastError.get(), std::nullopt);
+}
+
+TEST_F(HelperManagerTest, aDaemonOfAnotherBuildIsSaidUntilItIsReplaced) {
+  service.isOtherBuild = true;
+  service.rawStatus = 2;
+  manager->refreshStatus();
+  EXPECT_FALSE(manager->isOtherBuildInstalled.get());
+  service.rawStatus = 1;
+  manager->refreshStatus();
+  EXPECT_TRUE(manager->isOtherBuildInstalled.get());
+
+  int changes = 0;
+  const auto watching = manager->isOtherBuildInstalled.subscribeToChanges([&](bool) { ++changes; });
+  service.registerResult = std::unexpected("The background helper is of another build.");
+  manager->registerDaemon(ports::AskedBy::program);
+  EXPECT_TRUE(manager->isOtherBuildInstalled.get());
+  EXPECT_EQ(changes, 0);
+
+  service.isOtherBuild = false;
+  service.changeStatus(1);
+  scheduler.runReady();
+  EXPECT_FALSE(manager->isOtherBuildInstalled.get());
+  EXPECT_EQ(changes, 1);
 }
 
 TEST_F(HelperManagerTest, aChangeThatTheSystemTellsOfIsTakenOver) {
@@ -58,7 +82,7 @@ TEST_F(HelperManagerTest, aChangeThatTheSystemTellsOfIsTakenOver) {
 
 TEST_F(HelperManagerTest, aSuccessfulRegistrationClearsLastErrorAndRefreshesTheStatus) {
   makeBundleLie(true);
-  manager->lastError = "something";
+  fakes::publish(manager->lastError, "something");
   service.rawStatus = 0;
   service.statusAfterRegister = 2;
   manager->registerDaemon();
@@ -74,7 +98,7 @@ TEST_F(HelperManagerTest, aForbiddenRegistrationOutsideOfApplicationsNamesTheRem
   service.rawStatus = 3;
   for (const char* text : {"Operation not permitted", "operation not permitted",
                            "The call failed: OPERATION NOT PERMITTED (1)"}) {
-    manager->lastError = std::nullopt;
+    fakes::publish(manager->lastError, std::nullopt);
     service.registerResult = std::unexpected(text);
     manager->registerDaemon();
     EXPECT_EQ(manager->lastError.get(),
@@ -84,6 +108,17 @@ TEST_F(HelperManagerTest, aForbiddenRegistrationOutsideOfApplicationsNamesTheRem
   EXPECT_EQ(notices("register() called. App bundle: /home/kim/Downloads/vorli. App in /Applications: false"),
             3);
   EXPECT_EQ(manager->status.get(), Case::notFound);
+}
+
+TEST_F(HelperManagerTest, onLinuxTheRemedyIsToInstallIt) {
+  manager.emplace(scheduler, service, transport, bundle, HelperTexts::linuxDesktop);
+  bundle.path = "/home/anna/Downloads/vorli";
+  service.rawStatus = 3;
+  service.registerResult = std::unexpected("Operation not permitted");
+  manager->registerDaemon();
+  EXPECT_EQ(manager->lastError.get(),
+            "Vorli needs to be installed before it can set up its helper. Install its package or run its "
+            "installer, then reopen.");
 }
 
 TEST_F(HelperManagerTest, aForbiddenRegistrationInsideOfApplicationsTellsTheText) {
@@ -128,9 +163,78 @@ TEST_F(HelperManagerTest, aRegistrationThatFailsLateIsToldAsOneThatFailsAtOnce) 
   scheduler.runReady();
 }
 
+TEST_F(HelperManagerTest, aMissingPasswordWindowIsSaidUntilTheUserAsksAgainOrUntilItIsEnabled) {
+  service.rawStatus = 2;
+  const auto miss = [this] {
+    service.missPrompt();
+    scheduler.runReady();
+    EXPECT_TRUE(manager->lacksPrompt.get());
+  };
+  miss();
+  manager->openLoginItems();
+  EXPECT_FALSE(manager->lacksPrompt.get());
+  miss();
+  manager->registerDaemon();
+  EXPECT_FALSE(manager->lacksPrompt.get());
+  miss();
+  manager->registerDaemon(ports::AskedBy::program);
+  EXPECT_TRUE(manager->lacksPrompt.get());
+  service.changeStatus(1);
+  scheduler.runReady();
+  EXPECT_FALSE(manager->lacksPrompt.get());
+}
+
 TEST_F(HelperManagerTest, loginItemsAreOpenedForTheUser) {
   manager->openLoginItems();
   EXPECT_EQ(service.calls, Calls{"open login items"});
+}
+
+TEST_F(HelperManagerTest, consentIsAskedForAtTheUsersRequest) {
+  manager->askForStartupItemConsent();
+  EXPECT_EQ(service.calls, Calls{"ask for consent"});
+}
+
+TEST_F(HelperManagerTest, anApprovalThatCannotBeGivenIsSaidUntilTheNextRequest) {
+  const auto refuse = [this] {
+    service.consentResult = std::unexpected("There is no window for it.");
+    manager->askForStartupItemConsent();
+    scheduler.runReady();
+    EXPECT_EQ(manager->approvalObstacle.get(), "There is no window for it.");
+  };
+  refuse();
+  manager->refreshStatus();  // the daemon itself may be healthy
+  EXPECT_EQ(manager->status.get(), Case::enabled);
+  EXPECT_EQ(manager->lastError.get(), std::nullopt);
+  EXPECT_EQ(manager->approvalObstacle.get(), "There is no window for it.");
+  manager->openLoginItems();
+  EXPECT_EQ(manager->approvalObstacle.get(), std::nullopt);
+  refuse();
+  manager->registerDaemon();
+  EXPECT_EQ(manager->approvalObstacle.get(), std::nullopt);
+
+  service.failRegistration("Its service is masked.");
+  scheduler.runReady();
+  EXPECT_EQ(manager->approvalObstacle.get(), "Its service is masked.");
+  service.consentResult = {};
+  manager->askForStartupItemConsent();
+  EXPECT_EQ(manager->approvalObstacle.get(), std::nullopt);
+  scheduler.runReady();
+  EXPECT_EQ(manager->approvalObstacle.get(), std::nullopt);
+}
+
+TEST_F(HelperManagerTest, anAnswerAboutTheConsentMayComeAfterTheManager) {
+  service.consentResult = std::unexpected("too late");
+  manager->askForStartupItemConsent();
+  manager.reset();
+  scheduler.runReady();
+}
+
+TEST_F(HelperManagerTest, theStateAsATextHoldsTheStatusAndTheLastError) {
+  EXPECT_EQ(manager->stateText(), "Background helper: Not registered.");
+  service.rawStatus = 3;
+  manager->refreshStatus();
+  fakes::publish(manager->lastError, "Couldn't set up the helper. It is away.");
+  EXPECT_EQ(manager->stateText(), "Background helper: Not found.\n\nCouldn't set up the helper. It is away.");
 }
 
 struct EnsureHelperAliveTest : HelperFixture {};
@@ -161,7 +265,7 @@ TEST_F(EnsureHelperAliveTest, aDeadDaemonIsReinstalledByForceAndThenReachable) {
   scheduler.advance(1.0);
   EXPECT_EQ(outcome->value, HelperReachability::reachable);
   EXPECT_EQ(service.calls, (Calls{"unregister", "register"}));
-  EXPECT_EQ(transport.ping.requests, 2);  // the repair's own and the one behind it
+  EXPECT_EQ(transport.ping.requests, 2);  // the repair's own and the one after it
 }
 
 TEST_F(EnsureHelperAliveTest, aDaemonThatStaysDeadIsUnreachable) {
@@ -195,6 +299,17 @@ TEST_F(EnsureHelperAliveTest, anApprovalThatIsMissingSinceTheLastPingNeedsApprov
 TEST_F(EnsureHelperAliveTest, aLivingDaemonWithoutTheUsersConsentNeedsApproval) {
   service.consent = ports::Consent::missing;
   EXPECT_EQ(start(manager->ensureHelperAlive())->value, HelperReachability::needsApproval);
+  EXPECT_EQ(service.calls, Calls{"ask for consent"});
+}
+
+TEST_F(EnsureHelperAliveTest, aStatusThatTheSystemIsSlowToTellIsWaitedFor) {
+  transport.leadsToDaemon = false;
+  service.rawStatus = 1;
+  service.statusAfterRead = 2;
+  service.readSeconds = 0.3;
+  const auto outcome = start(manager->ensureHelperAlive());
+  scheduler.advance(0.3);
+  EXPECT_EQ(outcome->value, HelperReachability::needsApproval);
   EXPECT_EQ(service.calls, Calls{"open login items"});
 }
 
@@ -205,7 +320,7 @@ TEST_F(EnsureHelperAliveTest, consentIsAskedForAfterAReinstallToo) {
   transport.leadsToDaemon = true;
   scheduler.advance(1.0);
   EXPECT_EQ(outcome->value, HelperReachability::needsApproval);
-  EXPECT_EQ(service.calls, (Calls{"unregister", "register", "open login items"}));
+  EXPECT_EQ(service.calls, (Calls{"unregister", "register", "ask for consent"}));
 }
 
 TEST_F(EnsureHelperAliveTest, anUnansweredConsentHoldsTheActionBackNoLongerThanItsLimit) {

@@ -9,7 +9,7 @@ using Calls = std::vector<std::string>;
 struct HelperRepairTest : HelperFixture {
   TaskHandle repair(Reinstall force) { return start(manager->reinstallIfStale(force)); }
 
-  /// Runs a repair to its end and tells what the service was asked for.
+  /// Runs a repair to its end and returns the calls of the service.
   Calls callsOf(Reinstall force) {
     service.calls.clear();
     const auto handle = repair(force);
@@ -239,7 +239,7 @@ TEST_F(HelperRepairTest, aManagerMayGoAtEveryMomentAndNothingHappensAfterwards) 
     EXPECT_EQ(service.calls, calls) << moments;
     EXPECT_TRUE(log.lines().empty()) << moments;
   }
-  // Ping, fresh status, unregistering, two pauses, two pings; and the moment before and behind.
+  // Ping, fresh status, unregistering, two pauses, two pings; and the times just before and after.
   EXPECT_GE(moments, 8);
 }
 
@@ -256,6 +256,57 @@ TEST_F(HelperRepairTest, aServiceThatDoesNotAnswerDelaysARepairNoLongerThanItsLi
   EXPECT_TRUE(service.calls.empty());
   scheduler.advance(frame);
   EXPECT_EQ(service.calls, Calls{"unregister"});
+}
+
+TEST_F(HelperRepairTest, aSystemThatIsSlowAtTheStartMakesNoHealthyDaemonLookBroken) {
+  service.rawStatus = 0;
+  service.statusAfterRead = 1;
+  service.readSeconds = 2.0;
+  const auto handle = start(manager->reinstallIfStale(Reinstall::ifStale, ports::AskedBy::program));
+  scheduler.advance(2.0 - frame);
+  EXPECT_EQ(transport.version.requests, 0);
+  scheduler.advance(frame);
+  EXPECT_FALSE(handle.isRunning());
+  EXPECT_EQ(notices("Helper healthy at v1.2.3; no reinstall needed"), 1);
+  EXPECT_TRUE(service.calls.empty());
+}
+
+TEST_F(HelperRepairTest, aStatusThatWasNeverReadIsNoBrokenOne) {
+  service.rawStatus = 0;
+  service.answers = false;
+  const auto handle = start(manager->reinstallIfStale(Reinstall::ifStale, ports::AskedBy::program));
+  scheduler.advance(10.0 - frame);
+  EXPECT_TRUE(handle.isRunning());
+  scheduler.advance(frame);
+  EXPECT_FALSE(handle.isRunning());
+  EXPECT_EQ(notices("Helper healthy at v1.2.3; no reinstall needed"), 1);
+  EXPECT_TRUE(service.calls.empty());
+}
+
+TEST_F(HelperRepairTest, aForcedRepairOfADaemonWhoseStatusWasNeverReadOpensNothing) {
+  service.rawStatus = 0;
+  service.answers = false;
+  EXPECT_EQ(callsOf(Reinstall::forced), (Calls{"unregister", "register"}));
+}
+
+TEST_F(HelperRepairTest, onceAStatusWasReadTheProgramWaitsNoLongerThanAUser) {
+  start(manager->reinstallIfStale(Reinstall::ifStale, ports::AskedBy::program));
+  service.answers = false;
+  start(manager->reinstallIfStale(Reinstall::forced, ports::AskedBy::program));
+  scheduler.advance(0.5 - frame);
+  EXPECT_TRUE(service.calls.empty());
+  scheduler.advance(frame);
+  EXPECT_EQ(service.calls, Calls{"unregister"});
+}
+
+TEST_F(HelperRepairTest, theStatusAfterARegistrationIsReadAnewBeforeItIsJudged) {
+  service.rawStatus = 0;
+  repair(Reinstall::forced);
+  service.readSeconds = 0.3;
+  service.statusAfterRead = 1;
+  scheduler.advance(0.4 + 0.4 + 0.3);
+  EXPECT_EQ(notices("Post-reinstall liveness: status=Enabled alive=true force=true"), 1);
+  EXPECT_EQ(service.calls, (Calls{"unregister", "register"}));
 }
 
 TEST_F(HelperRepairTest, whatNoUserAskedForIsDoneInTheProgramsName) {

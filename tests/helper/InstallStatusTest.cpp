@@ -23,7 +23,10 @@ TEST(InstallStatusTest, anyOtherRawValueIsUnknownAndKeepsItsNumber) {
 TEST(InstallStatusTest, everyCaseHasItsText) {
   EXPECT_EQ(InstallStatus::unknown(7).description(), "Unknown (7)");
   EXPECT_EQ(InstallStatus(Case::notRegistered).description(), "Not registered");
-  EXPECT_EQ(InstallStatus(Case::requiresApproval).description(), "Awaiting approval in System Settings");
+  EXPECT_EQ(InstallStatus(Case::requiresApproval).description(HelperTexts::macOS),
+            "Awaiting approval in System Settings");
+  EXPECT_EQ(InstallStatus(Case::requiresApproval).description(HelperTexts::linuxDesktop),
+            "Awaiting your approval");
   EXPECT_EQ(InstallStatus(Case::enabled).description(), "Enabled");
   EXPECT_EQ(InstallStatus(Case::notFound).description(), "Not found");
 }

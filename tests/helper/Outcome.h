@@ -9,7 +9,7 @@
 
 namespace vorli {
 
-/// What became of a flow: its value, how often it went on, and when.
+/// The outcome of a flow: its value, and how often and when it continued.
 template <typename T>
 struct Outcome {
   std::optional<T> value;

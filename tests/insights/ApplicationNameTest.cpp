@@ -5,13 +5,13 @@ namespace {
 
 using Name = std::optional<std::string>;
 
-struct Row {
+struct NameRow {
   const char* given;
   Name expected;
 };
 
 TEST(ApplicationNameTest, aNameIsCleaned) {
-  const Row rows[] = {
+  const NameRow rows[] = {
       {"Notes", "Notes"},
       {"  Notes\t\n", "Notes"},
       {"\u00A0Notes\u3000", "Notes"},
@@ -25,7 +25,7 @@ TEST(ApplicationNameTest, aNameIsCleaned) {
       {"Notes & More", "Notes & More"},
       {"zoom.us", "Zoom.us"},
       {"Discord.", "Discord."},
-      // The maker's name goes, exactly as it is spelled, and from the front only.
+      // The maker's name is removed only with this exact spelling, and only at the front.
       {"Google Chrome", "Chrome"},
       {"Google Chrome Canary", "Chrome Canary"},
       {"google chrome", "Google chrome"},
@@ -35,7 +35,8 @@ TEST(ApplicationNameTest, aNameIsCleaned) {
       {"My Google Docs", "My Google Docs"},
       {"Google docs", "Docs"},
       {"Google Google Chrome", "Google Chrome"},
-      // A helper is called by its application's name.
+      // A helper has its application's name. Its own parentheses contain its kind: "Renderer" would mean
+      // nothing to the user.
       {"Slack Helper", "Slack"},
       {"Slack Helper (Renderer)", "Slack"},
       {"Slack Helper (GPU)", "Slack"},
@@ -48,7 +49,7 @@ TEST(ApplicationNameTest, aNameIsCleaned) {
       {" Helper", "Helper"},
       {"Helperly", "Helperly"},
       {"A Helper and a Helper (GPU)", "A Helper and a"},
-      // Parentheses tell whom a worker works for.
+      // Parentheses name the application that a worker belongs to.
       {"Worker (Notes)", "Notes"},
       {"Worker ( Notes )", "Notes"},
       {"Worker (notes)", "Notes"},
@@ -64,13 +65,13 @@ TEST(ApplicationNameTest, aNameIsCleaned) {
       {"Worker(Notes)", "Worker(Notes)"},
       {"Worker (Notes) 2", "Worker (Notes) 2"},
       {"(Notes)", "(Notes)"},
-      // What only looks like a process number.
+      // Text that only looks like a process number.
       {"pid x1", "Pid x1"},
       {"pid 12a", "Pid 12a"},
       {"pid 1 2", "Pid 1 2"},
       {"pidgin", "Pidgin"},
       {"pid", "Pid"},
-      // What only looks like an identifier.
+      // Text that only looks like an identifier.
       {"Company", "Company"},
       {"communique", "Communique"},
       {"Apple", "Apple"},
@@ -112,6 +113,44 @@ TEST(ApplicationNameTest, whatIsNoNameNeverBecomesOne) {
       " pid 42 ",
   };
   for (const char* given : rows) EXPECT_EQ(cleanedApplicationName(given), std::nullopt) << given;
+}
+
+Name shown(const char* name, const char* identifier, ApplicationPathRules::Kind kind) {
+  ports::RunningApplication application{.localizedName = SharedText(name)};
+  if (identifier) application.bundleIdentifier = SharedText(identifier);
+  return shownApplicationName(application, kind);
+}
+
+TEST(ShownApplicationNameTest, anInstalledApplicationKeepsItsWholeName) {
+  constexpr auto folders = ApplicationPathRules::Kind::folders;
+  const NameRow rows[] = {
+      {"ImageMagick (color depth=q16)", "ImageMagick (color depth=q16)"},
+      {"IDLE (using Python-3.11)", "IDLE (using Python-3.11)"},
+      {"Google Chrome (unstable)", "Chrome (unstable)"},
+      {"Input/Output", "Input/Output"},
+      {"Org.mode", "Org.mode"},
+      {"App Helper", "App Helper"},
+      {"pid 7", "Pid 7"},
+      {"  paint studio ", "Paint studio"},
+      {"Google  Earth", "Earth"},
+      {"Google", "Google"},
+      {"org.example.Tool", std::nullopt},
+      {"ORG.example.tool", std::nullopt},
+      {"", std::nullopt},
+      {" ", std::nullopt},
+      {"w\uFFFDrk", std::nullopt},
+  };
+  for (const auto& [given, expected] : rows)
+    EXPECT_EQ(shown(given, "org.example.Tool", folders), expected) << given;
+  EXPECT_EQ(shown("firefox", "firefox", folders), "Firefox");
+  EXPECT_EQ(shownApplicationName({.bundleIdentifier = SharedText("x")}, folders), std::nullopt);
+}
+
+TEST(ShownApplicationNameTest, whatANameWasNotWrittenForIsCleaned) {
+  using enum ApplicationPathRules::Kind;
+  EXPECT_EQ(shown("Worker (Notes)", "org.example.Tool", bundles), "Notes");
+  EXPECT_EQ(shown("Worker (Notes)", nullptr, folders), "Notes");
+  EXPECT_EQ(shown("org.example.Game", nullptr, folders), std::nullopt);
 }
 
 }  // namespace

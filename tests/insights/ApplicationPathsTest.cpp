@@ -5,8 +5,8 @@ namespace {
 
 using Places = std::vector<std::string_view>;
 
-const ApplicationPaths macOS{"/Users/me", ApplicationPathRules::macOS};
-const ApplicationPaths linuxDesktop{"/home/me", ApplicationPathRules::linuxDesktop};
+const ApplicationPaths macPaths{"/Users/me", ApplicationPathRules::macOS};
+const ApplicationPaths linuxPaths{"/home/me", ApplicationPathRules::linuxDesktop};
 
 TEST(ApplicationPathsTest, aBundleMustLieInAnApplicationsFolderItself) {
   const std::pair<const char*, Places> cases[] = {
@@ -31,7 +31,7 @@ TEST(ApplicationPathsTest, aBundleMustLieInAnApplicationsFolderItself) {
       {"/", {}},
       {"", {}},
   };
-  for (const auto& [path, places] : cases) EXPECT_EQ(macOS.enclosingApplications(path), places) << path;
+  for (const auto& [path, places] : cases) EXPECT_EQ(macPaths.enclosingApplications(path), places) << path;
 }
 
 TEST(ApplicationPathsTest, foldersAreTriedFromTheInnermostUpToTheOneInTheApplicationsFolder) {
@@ -49,7 +49,7 @@ TEST(ApplicationPathsTest, foldersAreTriedFromTheInnermostUpToTheOneInTheApplica
       {"/home/me/.local/share/Foo/bin/foo", {"/home/me/.local/share/Foo/bin", "/home/me/.local/share/Foo"}},
       {"/home/me/.local/share/flatpak/app/org.example.Foo/foo",
        {"/home/me/.local/share/flatpak/app/org.example.Foo"}},
-      // A program beside the applications is in none of them.
+      // A program beside the applications belongs to none of them.
       {"/opt/foo", {}},
       {"/home/me/.local/bin/foo", {}},
       {"/tmp/foo/foo", {}},
@@ -60,8 +60,7 @@ TEST(ApplicationPathsTest, foldersAreTriedFromTheInnermostUpToTheOneInTheApplica
       {"/opt/", {}},
       {"", {}},
   };
-  for (const auto& [path, places] : cases)
-    EXPECT_EQ(linuxDesktop.enclosingApplications(path), places) << path;
+  for (const auto& [path, places] : cases) EXPECT_EQ(linuxPaths.enclosingApplications(path), places) << path;
 }
 
 TEST(ApplicationPathsTest, excludedPathsBeginOrContainWhatTheRulesName) {
@@ -69,18 +68,18 @@ TEST(ApplicationPathsTest, excludedPathsBeginOrContainWhatTheRulesName) {
        {"/System/Applications/Foo.app/x", "/usr/libexec/foo", "/Library/Apple/foo", "/private/var/db/foo",
         "/Applications/Foo.app/Contents/Library/Sparkle/Updater", "/Applications/Foo.app/Autoupdate",
         "/Applications/Foo Installer.app/x", "/Library/PrivilegedHelperTools/com.kv.vorli.helper"}) {
-    EXPECT_TRUE(macOS.isExcluded(path)) << path;
+    EXPECT_TRUE(macPaths.isExcluded(path)) << path;
   }
   for (const char* path : {"/Applications/Foo.app/Contents/MacOS/foo", "/Systems/foo", "/Users/me/usr/foo",
                            "/Applications/sparkle.app/x", "/Library/Foo", "/Applications/Foo.app/updater"}) {
-    EXPECT_FALSE(macOS.isExcluded(path)) << path;
+    EXPECT_FALSE(macPaths.isExcluded(path)) << path;
   }
   for (const char* path : {"/usr/lib/foo/foo", "/bin/foo", "/snap/core22/1/usr/bin/foo", "/snap/snapd/1/foo",
                            "/opt/foo/vorli-helper", "/opt/foo/foo-installer", "/opt/Foo/updater"}) {
-    EXPECT_TRUE(linuxDesktop.isExcluded(path)) << path;
+    EXPECT_TRUE(linuxPaths.isExcluded(path)) << path;
   }
   for (const char* path : {"/opt/Foo/foo", "/snap/corefonts/1/foo", "/home/me/.local/share/Foo/foo"}) {
-    EXPECT_FALSE(linuxDesktop.isExcluded(path)) << path;
+    EXPECT_FALSE(linuxPaths.isExcluded(path)) << path;
   }
 }
 
@@ -99,8 +98,8 @@ TEST(ApplicationPathsTest, theOutermostBundleGivesTheName) {
       {"/Users/you/Applications/Foo.app/x", std::nullopt},
       {"", std::nullopt},
   };
-  for (const auto& [path, name] : cases) EXPECT_EQ(macOS.bundleName(path), name) << path;
-  EXPECT_EQ(linuxDesktop.bundleName("/opt/Notes.app/x"), std::nullopt);
+  for (const auto& [path, name] : cases) EXPECT_EQ(macPaths.bundleName(path), name) << path;
+  EXPECT_EQ(linuxPaths.bundleName("/opt/Notes.app/x"), std::nullopt);
 }
 
 TEST(ApplicationPathsTest, aProgramIsNamedByItselfAndTheFoldersAroundIt) {
@@ -113,8 +112,8 @@ TEST(ApplicationPathsTest, aProgramIsNamedByItselfAndTheFoldersAroundIt) {
       {"/app/lib/foo/foo", {"/app/lib/foo/foo", "/app/lib/foo", "/app/lib"}},
       {"/home/me/tools/foo/foo", {"/home/me/tools/foo/foo"}},
   };
-  for (const auto& [path, places] : cases) EXPECT_EQ(linuxDesktop.namingPlaces(path), places) << path;
-  EXPECT_EQ(macOS.namingPlaces("/Applications/Foo.app/x"), Places());
+  for (const auto& [path, places] : cases) EXPECT_EQ(linuxPaths.namingPlaces(path), places) << path;
+  EXPECT_EQ(macPaths.namingPlaces("/Applications/Foo.app/x"), Places());
 }
 
 TEST(ApplicationPathsTest, onlyOneSystemHandsOrphansToAnotherProcessThanTheFirst) {

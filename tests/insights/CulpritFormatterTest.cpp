@@ -1,4 +1,5 @@
 #include "insights/CulpritFormatter.h"
+#include "tests/fakes/CapturedLog.h"
 #include "tests/fakes/Workspace.h"
 
 #include <limits>
@@ -35,7 +36,7 @@ struct CulpritFormatterTest : testing::Test {
     return data ? data->names : std::vector<std::string>();
   }
 
-  /// The name of a process that is nothing but this.
+  /// The name of a process of which only this is known.
   static ProcessSnapshot process(const char* name, const char* path) {
     ProcessSnapshot row;
     row.name = name;
@@ -260,6 +261,74 @@ TEST_F(CulpritFormatterTest, theProgramItselfAndItsInnermostFolderCountFirst) {
   EXPECT_EQ(onLinux.applicationName(process("x", "/opt/google/chrome/chrome")), std::nullopt);
   workspace.installed["/opt/nameless"] = {std::nullopt, SharedText("Nameless")};
   EXPECT_EQ(onLinux.applicationName(process("x", "/opt/nameless/x")), std::nullopt);
+}
+
+TEST_F(CulpritFormatterTest, whereFoldersAreApplicationsTheOwnRecordCountsBeforeThePath) {
+  workspace.add(7, SharedText("XTerm"), SharedText("debian-xterm"));
+  workspace.add(8, SharedText("UXTerm"), SharedText("debian-uxterm"));
+  workspace.installed["/usr/bin/xterm"] = {SharedText("debian-xterm"), SharedText("XTerm")};
+  auto row = process("xterm", "/usr/bin/xterm");
+  EXPECT_EQ(onLinux.applicationName(row), "XTerm");  // no record: only the path is left
+  row.displayName = "UXTerm";
+  row.bundleIdentifier = SharedText("debian-uxterm");
+  row.activationPolicy = ActivationPolicy::regular;
+  EXPECT_EQ(onLinux.applicationName(row), "UXTerm");
+  row.activationPolicy = ActivationPolicy::prohibited;
+  EXPECT_EQ(onLinux.applicationName(row), std::nullopt);
+}
+
+TEST_F(CulpritFormatterTest, aHelperIsNamedAfterTheApplicationThatItWorksFor) {
+  workspace.add(7, SharedText("Browser"), SharedText("browser"));
+  workspace.add(8, SharedText("Mail Webapp"), SharedText("webapp-mail"));
+  workspace.installed["/opt/browser/browser"] = {SharedText("browser"), SharedText("Browser")};
+  workspace.helped = {{21, 7}, {22, 8}, {23, 99}};
+  auto row = process("renderer", "/opt/browser/browser");
+  const std::pair<int, Name> cases[] = {
+      {21, "Browser"}, {22, "Mail Webapp"}, {23, std::nullopt}, {24, "Browser"}};
+  for (const auto& [pid, name] : cases) {
+    row.id = pid;
+    EXPECT_EQ(onLinux.applicationName(row), name) << pid;
+  }
+  row.executablePath.reset();
+  row.id = 22;
+  EXPECT_EQ(onLinux.applicationName(row), "Mail Webapp");
+}
+
+TEST_F(CulpritFormatterTest, aProgramWithoutAnEntryIsNamedByItsWindowAndNotByAnOuterFolder) {
+  workspace.add(7, SharedText("Launcher"), SharedText("org.example.Launcher"));
+  workspace.installed["/home/me/.local/share/launcher"] = {SharedText("org.example.Launcher"),
+                                                           SharedText("Launcher")};
+  auto row = process("game", "/home/me/.local/share/launcher/common/game/game");
+  EXPECT_EQ(onLinux.applicationName(row), "Launcher");
+  row.displayName = "moonlight-quest";
+  row.activationPolicy = ActivationPolicy::regular;
+  EXPECT_EQ(onLinux.applicationName(row), "Moonlight-quest");
+  row.displayName = "org.example.game";  // an identifier is not a name
+  EXPECT_EQ(onLinux.applicationName(row), std::nullopt);
+}
+
+TEST_F(CulpritFormatterTest, aSkippedProcessLeavesTheReasonInTheLog) {
+  workspace.add(7, SharedText("Hidden"), SharedText("hidden")).activationPolicy =
+      ActivationPolicy::prohibited;
+  workspace.add(8, std::nullopt, SharedText("nameless"));
+  workspace.installed["/opt/ended"] = {SharedText("ended"), SharedText("Ended")};
+  workspace.installed["/opt/hidden"] = {SharedText("hidden"), SharedText("Hidden")};
+  workspace.installed["/opt/nameless"] = {SharedText("nameless"), SharedText("Nameless")};
+  add("systemd");
+  add("worker", "/usr/bin/worker");
+  add("ended", "/opt/ended/bin/ended");
+  add("hidden", "/opt/hidden/hidden");
+  add("nameless", "/opt/nameless/nameless");
+  const fakes::CapturedLog log;
+  EXPECT_EQ(names(onLinux), Names{});
+  using Line = fakes::CapturedLog::Line;
+  EXPECT_EQ(log.lines(),
+            (std::vector<Line>{
+                {LogLevel::debug, "culprits", "skipped systemd: part of the system"},
+                {LogLevel::debug, "culprits", "skipped worker: belongs to no application"},
+                {LogLevel::debug, "culprits", "skipped ended: its application is not running"},
+                {LogLevel::debug, "culprits", "skipped hidden: its application is never shown"},
+                {LogLevel::debug, "culprits", "skipped nameless: its application has no name to show"}}));
 }
 
 TEST_F(CulpritFormatterTest, rawNamesNeverReachTheUser) {

@@ -4,7 +4,6 @@ namespace vorli {
 namespace {
 
 using Segment = CulpritSentence::Segment;
-using enum Segment::Kind;
 
 std::vector<Segment> segments(std::vector<std::string> names, const char* verb) {
   return CulpritSentence({std::move(names), verb, ""}).segments();
@@ -12,20 +11,25 @@ std::vector<Segment> segments(std::vector<std::string> names, const char* verb) 
 
 TEST(CulpritSentenceTest, oneNameIsAChipAndTheRestOfTheSentence) {
   EXPECT_EQ(segments({"Notes"}, "is"),
-            (std::vector<Segment>{{app, "Notes"}, {text, " is using the most right now."}}));
+            (std::vector<Segment>{{Segment::Kind::app, "Notes"},
+                                  {Segment::Kind::text, " is using the most right now."}}));
 }
 
 TEST(CulpritSentenceTest, twoNamesAreTwoChips) {
   EXPECT_EQ(segments({"Notes", "Chrome"}, "are"),
-            (std::vector<Segment>{
-                {app, "Notes"}, {text, " and "}, {app, "Chrome"}, {text, " are using the most right now."}}));
+            (std::vector<Segment>{{Segment::Kind::app, "Notes"},
+                                  {Segment::Kind::text, " and "},
+                                  {Segment::Kind::app, "Chrome"},
+                                  {Segment::Kind::text, " are using the most right now."}}));
 }
 
 TEST(CulpritSentenceTest, moreNamesAreOnePieceOfText) {
-  EXPECT_EQ(segments({"A", "B", "C"}, "are"),
-            (std::vector<Segment>{{text, "**A**, **B**, and **C** are using the most right now."}}));
+  EXPECT_EQ(
+      segments({"A", "B", "C"}, "are"),
+      (std::vector<Segment>{{Segment::Kind::text, "**A**, **B**, and **C** are using the most right now."}}));
   EXPECT_EQ(segments({"A", "B", "C", "D"}, "are"),
-            (std::vector<Segment>{{text, "**A**, **B**, **C**, and **D** are using the most right now."}}));
+            (std::vector<Segment>{
+                {Segment::Kind::text, "**A**, **B**, **C**, and **D** are using the most right now."}}));
 }
 
 TEST(CulpritSentenceTest, aListIsJoinedAsAPersonWould) {
@@ -43,6 +47,16 @@ TEST(CulpritSentenceTest, aChipTellsWhatItDoes) {
 
 TEST(CulpritSentenceDeathTest, aSentenceAboutNobodyStopsTheProgram) {
   EXPECT_DEATH(CulpritSentence({{}, "are", ""}), "broken invariant");
+}
+
+TEST(CulpritSentenceTest, anApplicationThatCannotBeAskedIsNamedInASentenceWithoutAChip) {
+  std::string whole;
+  for (const auto& segment : CulpritSentence::closedByHand("Text Editor")) {
+    EXPECT_EQ(segment.kind, CulpritSentence::Segment::Kind::text);
+    whole += segment.text;
+  }
+  EXPECT_EQ(whole, "Text Editor has to be closed by hand on this desktop.");
+  EXPECT_EQ(CulpritSentence::closedByHandText("Text Editor"), whole);
 }
 
 }  // namespace

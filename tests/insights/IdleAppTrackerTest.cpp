@@ -191,7 +191,7 @@ TEST_F(IdleAppTrackerTest, ofMoreThanTwoHundredEntriesTheOldestGo) {
   EXPECT_TRUE(tracker->activationMap->contains("org.example.mail"));
 
   defaults.values[key] = entries(250);
-  startTracker();  // knows 250 and adds the one that runs
+  startTracker();  // has 250 and adds the running one
   EXPECT_EQ(tracker->activationMap->size(), 200u);
   for (const auto& [identifier, date] : tracker->activationMap.get())
     EXPECT_GE(date, Date{51.0}) << identifier;
@@ -305,13 +305,13 @@ TEST_F(IdleAppTrackerTest, theLongestIdleComesFirstAndEqualsKeepTheirOrder) {
 TEST_F(IdleAppTrackerTest, whereWindowsCannotBeSeenNothingIsIdle) {
   startTracker();
   add(1, "mail");
-  workspace.windowOwners.reset();
+  workspace.tellsActivations = false;
   EXPECT_EQ(idlePIDs(0), PIDs{});
   EXPECT_EQ(idlePIDs(0), PIDs{});
   EXPECT_EQ(log.count("windows cannot be seen here, no application counts as idle"), 1);
-  workspace.windowOwners = PIDs{};
+  workspace.tellsActivations = true;
   EXPECT_EQ(idlePIDs(0), PIDs{1});
-  EXPECT_EQ(workspace.windowLooks, 0);  // a look costs a round trip to the display
+  EXPECT_EQ(workspace.windowLooks, 0);  // each check costs a round trip to the display
 }
 
 }  // namespace

@@ -33,7 +33,7 @@ struct OrphanHelperDetectorTest : testing::Test {
 };
 
 using PIDs = std::vector<std::int32_t>;
-constexpr const char* agent = "/Applications/Foo.app/Contents/MacOS/foo-agent";
+constexpr const char* fooAgent = "/Applications/Foo.app/Contents/MacOS/foo-agent";
 
 TEST_F(OrphanHelperDetectorTest, nothingGivesNothing) {
   EXPECT_EQ(onMacOS.detect({}), std::vector<OrphanHelper>());
@@ -41,19 +41,19 @@ TEST_F(OrphanHelperDetectorTest, nothingGivesNothing) {
 
 TEST_F(OrphanHelperDetectorTest, aRowTellsWhatWasLeftBehindByWhom) {
   install("/Applications/Foo.app", "org.example.foo", "Foo");
-  add(42, agent).residentBytes = 123;
+  add(42, fooAgent).residentBytes = 123;
   EXPECT_EQ(onMacOS.detect(rows), (std::vector<OrphanHelper>{{.id = 42,
                                                               .pid = 42,
                                                               .name = "foo-agent",
                                                               .parentAppName = SharedText("Foo"),
                                                               .parentBundleID = SharedText("org.example.foo"),
-                                                              .executablePath = SharedText(agent),
+                                                              .executablePath = SharedText(fooAgent),
                                                               .residentBytes = 123}}));
 }
 
 TEST_F(OrphanHelperDetectorTest, aHelperOfARunningApplicationIsNoOrphan) {
   install("/Applications/Foo.app", "org.example.foo", "Foo");
-  add(42, agent);
+  add(42, fooAgent);
   workspace.add(7, SharedText("Bar"), SharedText("org.example.bar"));
   workspace.add(8, SharedText("Nameless"));
   EXPECT_EQ(orphanPIDs(onMacOS), PIDs{42});
@@ -64,7 +64,7 @@ TEST_F(OrphanHelperDetectorTest, aHelperOfARunningApplicationIsNoOrphan) {
 
 TEST_F(OrphanHelperDetectorTest, anApplicationWithoutAnIdentifierIsNeverKnownToBeAlive) {
   install("/Applications/Foo.app", std::nullopt, "Foo");
-  add(42, agent);
+  add(42, fooAgent);
   workspace.add(9, SharedText("Foo"));
   ASSERT_EQ(orphanPIDs(onMacOS), PIDs{42});
   EXPECT_FALSE(onMacOS.detect(rows)[0].parentBundleID.has_value());
@@ -72,10 +72,10 @@ TEST_F(OrphanHelperDetectorTest, anApplicationWithoutAnIdentifierIsNeverKnownToB
 
 TEST_F(OrphanHelperDetectorTest, onlyProcessesOfTheFirstProcessAreOrphans) {
   install("/Applications/Foo.app", "org.example.foo", "Foo");
-  add(41, agent, 0);
-  add(42, agent, 1);
-  add(43, agent, 2);
-  add(44, agent, 42);
+  add(41, fooAgent, 0);
+  add(42, fooAgent, 1);
+  add(43, fooAgent, 2);
+  add(44, fooAgent, 42);
   EXPECT_EQ(orphanPIDs(onMacOS), PIDs{42});
 }
 
@@ -84,7 +84,7 @@ TEST_F(OrphanHelperDetectorTest, aProcessNeedsAPathInAnApplicationThatCanBeOpene
   install("/Applications/Tools/Foo.app", "org.example.foo", "Foo");
   install("/Applications/Foo.app/Contents/Frameworks/Foo Helper.app", "org.example.foo.helper", "Foo Helper");
   install("/Users/me/Applications/Foo.app", "org.example.mine", "Foo");
-  add(1, agent).executablePath.reset();
+  add(1, fooAgent).executablePath.reset();
   add(2, "/Applications/Gone.app/Contents/MacOS/gone");
   add(3, "/Applications/Foo.app/Contents/Frameworks/Foo Helper.app/Contents/MacOS/Foo Helper");
   add(4, "/Applications/Tools/Foo.app/Contents/MacOS/foo");
@@ -97,14 +97,14 @@ TEST_F(OrphanHelperDetectorTest, aProcessNeedsAPathInAnApplicationThatCanBeOpene
 TEST_F(OrphanHelperDetectorTest, theLargestComesFirstAndEqualsKeepTheirOrder) {
   install("/Applications/Foo.app", "org.example.foo", "Foo");
   for (const auto& [pid, resident] : {std::pair{1, 50u}, {2, 0u}, {3, 70u}, {4, 50u}}) {
-    add(pid, agent).residentBytes = resident;
+    add(pid, fooAgent).residentBytes = resident;
   }
   EXPECT_EQ(orphanPIDs(onMacOS), (PIDs{3, 1, 4, 2}));
 
   rows.clear();
   PIDs expected;
   for (std::int32_t pid = 100; pid > 0; --pid) {
-    add(pid, agent);
+    add(pid, fooAgent);
     expected.push_back(pid);
   }
   EXPECT_EQ(orphanPIDs(onMacOS), expected);
@@ -116,14 +116,14 @@ TEST_F(OrphanHelperDetectorTest, theUsersServiceManagerTakesOverOrphansToo) {
   add(43, "/opt/Foo/foo-agent", 901);
   add(44, "/opt/Foo/foo-agent", 902);
   add(45, "/opt/Foo/foo-agent", 1);
-  add(900, "/usr/lib/systemd/systemd").name = "systemd";  // listed behind what it took over
+  add(900, "/usr/lib/systemd/systemd").name = "systemd";  // listed after the orphans that it has adopted
   add(901, "/usr/bin/lxqt-session").name = "lxqt-session";
   add(902, "/usr/bin/bash").name = "systemd-run";
   EXPECT_EQ(orphanPIDs(onLinux), (PIDs{42, 43, 45}));
 
   rows.clear();
   install("/Applications/Foo.app", "org.example.foo", "Foo");
-  add(42, agent, 900);
+  add(42, fooAgent, 900);
   add(900, "/sbin/launchd").name = "systemd";
   EXPECT_EQ(orphanPIDs(onMacOS), PIDs{});
 }
@@ -168,8 +168,8 @@ TEST_F(OrphanHelperDetectorTest, anApplicationsOwnProgramIsNoHelperOfIts) {
 
   rows.clear();
   install("/Applications/Foo.app", "org.example.foo", "Foo");
-  install(agent, "org.example.foo", "Foo");
-  add(42, agent);
+  install(fooAgent, "org.example.foo", "Foo");
+  add(42, fooAgent);
   EXPECT_EQ(orphanPIDs(onMacOS), PIDs{42});
 }
 

@@ -26,7 +26,7 @@ struct ProcessEnumeratorTest : testing::Test {
     return result;
   }
 
-  /// The only row of one more pass.
+  /// The only row of another pass.
   ProcessSnapshot onlyRow() {
     const auto& rows = pass();
     EXPECT_EQ(rows.size(), 1u);

@@ -1,4 +1,5 @@
 #include "insights/SuspendedAppsManager.h"
+#include "tests/fakes/Publish.h"
 #include "tests/fakes/Workspace.h"
 #include "tests/helper/HelperFixture.h"
 
@@ -6,17 +7,17 @@ namespace vorli {
 namespace {
 
 using ports::ApplicationEvent;
-using PIDs = std::set<std::int32_t>;
+using PIDSet = std::set<std::int32_t>;
 using Requests = std::vector<std::string>;
 
 struct SuspendedAppsManagerTest : HelperFixture {
   void suspend(std::int32_t pid) {
     auto pids = apps->suspendedPIDs.get();
     pids.insert(pid);
-    apps->suspendedPIDs = pids;
+    fakes::publish(apps->suspendedPIDs, pids);
     auto info = apps->suspendedInfo.get();
     info[pid] = {"org.example.app", "App", Date{5.0}};
-    apps->suspendedInfo = info;
+    fakes::publish(apps->suspendedInfo, info);
   }
 
   void tell(ApplicationEvent event, std::int32_t pid) {
@@ -24,8 +25,8 @@ struct SuspendedAppsManagerTest : HelperFixture {
     scheduler.runReady();
   }
 
-  PIDs recordedInfo() const {
-    PIDs pids;
+  PIDSet recordedInfo() const {
+    PIDSet pids;
     for (const auto& [pid, info] : apps->suspendedInfo.get()) pids.insert(pid);
     return pids;
   }
@@ -47,7 +48,7 @@ TEST_F(SuspendedAppsManagerTest, activatingAnApplicationThatIsNotRecordedMakesNo
   tell(ApplicationEvent::launched, 42);
   scheduler.advance(100.0);
   EXPECT_TRUE(transport.requests.empty());
-  EXPECT_EQ(apps->suspendedPIDs.get(), PIDs{42});
+  EXPECT_EQ(apps->suspendedPIDs.get(), PIDSet{42});
 }
 
 TEST_F(SuspendedAppsManagerTest, anApplicationIsResumedAsSoonAsTheUserActivatesIt) {
@@ -56,8 +57,8 @@ TEST_F(SuspendedAppsManagerTest, anApplicationIsResumedAsSoonAsTheUserActivatesI
   tell(ApplicationEvent::activated, 42);
   EXPECT_EQ(transport.requests, Requests{"killPID 42 19"});
   scheduler.advance(1.0);
-  EXPECT_EQ(apps->suspendedPIDs.get(), PIDs{43});
-  EXPECT_EQ(recordedInfo(), PIDs{43});
+  EXPECT_EQ(apps->suspendedPIDs.get(), PIDSet{43});
+  EXPECT_EQ(recordedInfo(), PIDSet{43});
   tell(ApplicationEvent::activated, 42);
   EXPECT_EQ(transport.requests.size(), 1u);
 }
@@ -68,8 +69,8 @@ TEST_F(SuspendedAppsManagerTest, anApplicationThatEndsIsForgottenWithoutACall) {
   int changes = 0;
   const auto token = apps->suspendedPIDs.subscribeToChanges([&](const auto&) { ++changes; });
   tell(ApplicationEvent::terminated, 42);
-  EXPECT_EQ(apps->suspendedPIDs.get(), PIDs{43});
-  EXPECT_EQ(recordedInfo(), PIDs{43});
+  EXPECT_EQ(apps->suspendedPIDs.get(), PIDSet{43});
+  EXPECT_EQ(recordedInfo(), PIDSet{43});
   tell(ApplicationEvent::terminated, 44);
   EXPECT_EQ(changes, 1);
   EXPECT_TRUE(transport.requests.empty());
@@ -81,8 +82,8 @@ TEST_F(SuspendedAppsManagerTest, aFailureOfTheHelperLeavesTheApplicationRecorded
     transport.killPID.answer = failure;
     tell(ApplicationEvent::activated, 42);
     scheduler.advance(100.0);
-    EXPECT_EQ(apps->suspendedPIDs.get(), PIDs{42});
-    EXPECT_EQ(recordedInfo(), PIDs{42});
+    EXPECT_EQ(apps->suspendedPIDs.get(), PIDSet{42});
+    EXPECT_EQ(recordedInfo(), PIDSet{42});
   }
   transport.killPID.answer = {0, ""};
   tell(ApplicationEvent::activated, 42);
@@ -97,7 +98,7 @@ TEST_F(SuspendedAppsManagerTest, aHelperThatDoesNotAnswerIsAFailure) {
   const auto end = start(apps->resumeAll());
   scheduler.advance(600.0);
   EXPECT_FALSE(end.isRunning());
-  EXPECT_EQ(apps->suspendedPIDs.get(), PIDs{42});
+  EXPECT_EQ(apps->suspendedPIDs.get(), PIDSet{42});
 }
 
 TEST_F(SuspendedAppsManagerTest, anApplicationMayEndWhileItIsBeingResumed) {
@@ -123,7 +124,7 @@ TEST_F(SuspendedAppsManagerTest, allAreResumedOneAfterTheOther) {
   EXPECT_EQ(transport.requests, Requests{"killPID 42 19"});
   scheduler.advance(1.0);
   EXPECT_EQ(transport.requests, (Requests{"killPID 42 19", "killPID 43 19"}));
-  EXPECT_EQ(apps->suspendedPIDs.get(), (PIDs{43, 44}));
+  EXPECT_EQ(apps->suspendedPIDs.get(), (PIDSet{43, 44}));
   EXPECT_TRUE(end.isRunning());
   scheduler.advance(2.0);
   EXPECT_EQ(transport.requests, (Requests{"killPID 42 19", "killPID 43 19", "killPID 44 19"}));
@@ -139,7 +140,7 @@ TEST_F(SuspendedAppsManagerTest, aFailureDoesNotKeepTheRestFromBeingTried) {
   scheduler.advance(1.0);
   EXPECT_FALSE(end.isRunning());
   EXPECT_EQ(transport.requests, (Requests{"killPID 42 19", "killPID 43 19"}));
-  EXPECT_EQ(apps->suspendedPIDs.get(), (PIDs{42, 43}));
+  EXPECT_EQ(apps->suspendedPIDs.get(), (PIDSet{42, 43}));
 }
 
 TEST_F(SuspendedAppsManagerTest, oneThatEndsBeforeItsTurnIsNotTried) {

@@ -7,10 +7,14 @@
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace vorli::linuxhost {
 
-/// What stands in the stat file of a process, apart from its name.
+/// Size of a page on this machine, which the readers of a recording count with.
+inline const auto pageBytes = static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
+
+/// Values in the stat file of a process, without its name.
 struct RecordedProcess {
   std::int32_t parent = 1;
   std::uint64_t userTicks = 0;
@@ -21,7 +25,7 @@ struct RecordedProcess {
 };
 
 /// A folder that stands in for the root of the file system, filled with a recording of tests/data. A test
-/// changes it as the kernel would: in place.
+/// changes its files in place, as the kernel would.
 class RecordedTree {
  public:
   explicit RecordedTree(const std::string& recording = "") {

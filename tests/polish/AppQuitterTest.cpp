@@ -1,22 +1,36 @@
+#include "formats/DesktopEntry.h"
+#include "insights/ApplicationName.h"
+#include "insights/CulpritFormatter.h"
 #include "polish/AppQuitter.h"
 #include "tests/fakes/ApplicationBundle.h"
 #include "tests/fakes/CapturedLog.h"
 #include "tests/fakes/Workspace.h"
 
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <system_error>
+#include <vector>
+
 namespace vorli {
 namespace {
 
 using ports::ActivationPolicy;
+using ports::QuitAnswer;
 
 struct AppQuitterTest : testing::Test {
   AppQuitterTest() { self.info["CFBundleIdentifier"] = "com.kv.vorli"; }
 
-  bool quit(std::string_view name) { return quitByName(workspace, self, name); }
+  QuitAnswer quit(std::string_view name, const ApplicationPathRules& rules = ApplicationPathRules::macOS) {
+    return quitByName(workspace, self, name, rules);
+  }
   /// Whether the name reaches this application when it is the only one.
-  bool reaches(std::string_view name, ports::RunningApplication application) {
+  bool reaches(std::string_view name, ports::RunningApplication application,
+               const ApplicationPathRules& rules = ApplicationPathRules::macOS) {
     workspace.applications = {std::move(application)};
     workspace.terminated.clear();
-    return quit(name);
+    return quit(name, rules) == QuitAnswer::asked;
   }
   void quitHidden() { quitHiddenApps(workspace, self); }
 
@@ -31,7 +45,7 @@ TEST_F(AppQuitterTest, asksTheFirstThatBearsTheName) {
   workspace.add(1, SharedText("Mail"), SharedText("org.example.mail"));
   workspace.add(2, SharedText("Notes"), SharedText("org.example.notes"));
   workspace.add(3, SharedText("Notes"), SharedText("org.example.notes"));
-  EXPECT_TRUE(quit("notes"));
+  EXPECT_EQ(quit("notes"), QuitAnswer::asked);
   EXPECT_EQ(workspace.terminated, PIDs{2});
   EXPECT_EQ(
       log.lines(),
@@ -41,13 +55,13 @@ TEST_F(AppQuitterTest, asksTheFirstThatBearsTheName) {
 TEST_F(AppQuitterTest, tellsThatTheApplicationCouldNotBeAsked) {
   workspace.add(2, SharedText("Notes"), SharedText("org.example.notes"));
   workspace.refusing = {2};
-  EXPECT_FALSE(quit("Notes"));
+  EXPECT_EQ(quit("Notes"), QuitAnswer::cannotBeAsked);
   EXPECT_EQ(workspace.terminated, PIDs{2});
 }
 
 TEST_F(AppQuitterTest, aNameWithoutAMatchIsALogLine) {
   workspace.add(1, SharedText("Mail"), SharedText("org.example.mail"));
-  EXPECT_FALSE(quit("Notes & More"));
+  EXPECT_EQ(quit("Notes & More"), QuitAnswer::gone);
   EXPECT_TRUE(workspace.terminated.empty());
   EXPECT_EQ(log.messages(), std::vector<std::string>{"quit(byName:) no match for Notes & More"});
 }
@@ -100,19 +114,109 @@ TEST_F(AppQuitterTest, theNameOfTheBundlesFileCountsWithoutItsLastExtension) {
 
 TEST_F(AppQuitterTest, theProgramsOwnNameNeverQuitsTheProgram) {
   workspace.add(1, SharedText("Vorli"), SharedText("com.kv.vorli"));
-  EXPECT_FALSE(quit("Vorli"));
+  EXPECT_EQ(quit("Vorli"), QuitAnswer::gone);
   workspace.add(2, SharedText("Vorli"), SharedText("org.example.other"));
-  EXPECT_TRUE(quit("Vorli"));
+  EXPECT_EQ(quit("Vorli"), QuitAnswer::asked);
   EXPECT_EQ(workspace.terminated, PIDs{2});
 }
 
 TEST_F(AppQuitterTest, anApplicationWithoutAnIdentifierIsTakenForAProgramWithoutOne) {
   workspace.add(1, SharedText("Notes"));
-  EXPECT_TRUE(quit("Notes"));
+  EXPECT_EQ(quit("Notes"), QuitAnswer::asked);
   self.info.erase("CFBundleIdentifier");
-  EXPECT_FALSE(quit("Notes"));
+  EXPECT_EQ(quit("Notes"), QuitAnswer::gone);
   quitHidden();
   EXPECT_EQ(workspace.terminated, PIDs{1});
+}
+
+TEST_F(AppQuitterTest, oneThatCannotBeAskedLeavesTheTurnToTheNextOfItsName) {
+  workspace.add(1, SharedText("Notes"), SharedText("org.example.notes"));
+  workspace.add(2, SharedText("Mail"), SharedText("org.example.mail"));
+  workspace.add(3, SharedText("Notes"), SharedText("org.example.notes"));
+  workspace.add(4, SharedText("Notes"), SharedText("org.example.notes"));
+  workspace.refusing = {1};
+  EXPECT_EQ(answerToQuitByName(workspace, self, "Notes"), QuitAnswer::asked);
+  EXPECT_TRUE(workspace.terminated.empty());
+  EXPECT_EQ(quit("Notes"), QuitAnswer::asked);
+  EXPECT_EQ(workspace.terminated, (PIDs{1, 3}));
+
+  workspace.refusing = {1, 3, 4};
+  EXPECT_EQ(answerToQuitByName(workspace, self, "Notes"), QuitAnswer::cannotBeAsked);
+  EXPECT_EQ(answerToQuitByName(workspace, self, "Elsewhere"), QuitAnswer::gone);
+  EXPECT_EQ(answerToQuitByName(workspace, self, "Vorli"), QuitAnswer::gone);
+}
+
+TEST_F(AppQuitterTest, whereFoldersAreApplicationsTheShownNameCountsBeforeTheOthers) {
+  const auto& rules = ApplicationPathRules::linuxDesktop;
+  workspace.add(1, SharedText("Web Browser"), SharedText("chrome")).bundleURL =
+      SharedText("/entries/chrome.desktop");
+  workspace.add(2, SharedText("Google Chrome"), SharedText("google-chrome"));
+  EXPECT_EQ(quit("Chrome", rules), QuitAnswer::asked);
+  EXPECT_EQ(workspace.terminated, PIDs{2});
+  EXPECT_EQ(quit("Chrome", ApplicationPathRules::macOS), QuitAnswer::asked);
+  EXPECT_EQ(workspace.terminated, (PIDs{2, 1}));
+  workspace.remove(2);
+  EXPECT_EQ(quit("Chrome", rules), QuitAnswer::asked);
+  EXPECT_EQ(workspace.terminated, (PIDs{2, 1, 1}));
+}
+
+// Names from the entries of real packages, and some odd ones, one on each line.
+std::vector<std::string> realNames() {
+  std::vector<std::string> names;
+  std::ifstream file(VORLI_TEST_DATA "/application_names.txt");
+  for (std::string line; std::getline(file, line);) names.push_back(line);
+  return names;
+}
+
+// Entries of the applications on this machine, which may have none.
+std::vector<formats::DesktopEntry> installedEntries() {
+  std::vector<formats::DesktopEntry> entries;
+  std::error_code error;
+  for (const auto& file : std::filesystem::directory_iterator("/usr/share/applications", error)) {
+    if (file.path().extension() != ".desktop") continue;
+    std::ifstream stream(file.path(), std::ios::binary);
+    const std::string text(std::istreambuf_iterator<char>(stream), {});
+    auto entry = formats::parseDesktopEntry(text, {});
+    if (!entry || !entry->isVisible()) continue;
+    entry->id = file.path().stem().string();
+    entry->path = file.path().string();
+    entries.push_back(*std::move(entry));
+  }
+  return entries;
+}
+
+TEST_F(AppQuitterTest, everyNameThatIsShownReachesAnApplicationOfThatName) {
+  const auto& rules = ApplicationPathRules::linuxDesktop;
+  const CulpritFormatter formatter(workspace, ApplicationPaths("/home/me", rules),
+                                   SystemProcessNames::linuxDesktop);
+  std::int32_t pid = 100;
+  for (const auto& name : realNames()) {
+    const std::string identifier = "entry-" + std::to_string(++pid);
+    workspace.add(pid, SharedText(name), SharedText(identifier)).bundleURL =
+        SharedText("/usr/share/applications/" + identifier + ".desktop");
+  }
+  ASSERT_GT(workspace.applications.size(), 300u);
+  for (const auto& entry : installedEntries()) {
+    workspace.add(++pid, SharedText(entry.name), SharedText(entry.id)).bundleURL = SharedText(entry.path);
+  }
+  const auto applications = workspace.applications;
+  for (const auto& application : applications) {
+    ProcessSnapshot row;
+    row.name = "process";
+    row.displayName = std::string(application.localizedName->view());
+    row.bundleIdentifier = application.bundleIdentifier;
+    row.activationPolicy = application.activationPolicy;
+    const auto shown = formatter.applicationName(row);
+    ASSERT_TRUE(shown) << *application.localizedName;
+
+    workspace.terminated.clear();
+    EXPECT_EQ(quit(*shown, rules), QuitAnswer::asked) << *shown;
+    ASSERT_EQ(workspace.terminated.size(), 1u);
+    const auto* reached = workspace.withProcessIdentifier(workspace.terminated.front());
+    EXPECT_EQ(shownApplicationName(*reached, rules.kind), shown);
+    EXPECT_TRUE(reaches(*shown, application, rules)) << *shown;
+    workspace.applications = applications;
+  }
 }
 
 TEST_F(AppQuitterTest, hiddenMeansARegularApplicationWithoutAWindowOnScreen) {

@@ -13,7 +13,7 @@
 namespace vorli {
 namespace {
 
-using Step = ports::AudioTapFailure::Step;
+using TapStep = ports::AudioTapFailure::Step;
 
 struct AudioActivityProbeTest : testing::Test {
   fakes::CapturedLog log;
@@ -124,7 +124,7 @@ TEST_F(AudioActivityProbeTest, aSystemThatCannotListenIsAskedAtOnceAndLogsNothin
 }
 
 struct AudioTapFailureTest : AudioActivityProbeTest,
-                             testing::WithParamInterface<std::pair<Step, std::string>> {};
+                             testing::WithParamInterface<std::pair<TapStep, std::string>> {};
 
 TEST_P(AudioTapFailureTest, isLoggedAndAnsweredByTheFallback) {
   const auto& [step, message] = GetParam();
@@ -140,11 +140,12 @@ TEST_P(AudioTapFailureTest, isLoggedAndAnsweredByTheFallback) {
 
 INSTANTIATE_TEST_SUITE_P(
     EveryStep, AudioTapFailureTest,
-    testing::Values(std::pair(Step::createTap, "CreateProcessTap failed: -66. Falling back to legacy probe."),
-                    std::pair(Step::readTapIdentifier, "Couldn't read tap UID"),
-                    std::pair(Step::createDevice, "CreateAggregateDevice failed: -66"),
-                    std::pair(Step::createInputProcedure, "CreateIOProcID failed: -66"),
-                    std::pair(Step::start, "AudioDeviceStart failed: -66")));
+    testing::Values(std::pair(TapStep::createTap,
+                              "CreateProcessTap failed: -66. Falling back to legacy probe."),
+                    std::pair(TapStep::readTapIdentifier, "Couldn't read tap UID"),
+                    std::pair(TapStep::createDevice, "CreateAggregateDevice failed: -66"),
+                    std::pair(TapStep::createInputProcedure, "CreateIOProcID failed: -66"),
+                    std::pair(TapStep::start, "AudioDeviceStart failed: -66")));
 
 }  // namespace
 }  // namespace vorli

@@ -12,7 +12,7 @@ namespace {
 
 constexpr double budget = 2.65;
 
-/// Notes how many requests the daemon had seen at each reading.
+/// Records how many requests the daemon had received at each read.
 class OrderedCounters final : public ports::MemoryCounters {
  public:
   explicit OrderedCounters(const fakes::HelperTransport& daemon) : daemon_(daemon) {}

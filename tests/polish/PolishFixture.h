@@ -1,86 +1,73 @@
 #pragma once
 
-#include "ambient/CelebrationGlowController.h"
-#include "ambient/ClearState.h"
-#include "ambient/PopoverView.h"
-#include "app/AppSettings.h"
-#include "app/Notifications.h"
-#include "base/NotificationCenter.h"
-#include "insights/CulpritFormatter.h"
-#include "polish/AudioActivityProbe.h"
-#include "polish/PolishTimings.h"
-#include "sampling/SystemMonitor.h"
-#include "tests/fakes/AudioOutputTap.h"
-#include "tests/fakes/BackgroundWork.h"
-#include "tests/fakes/CPUCounters.h"
-#include "tests/fakes/CalendarClock.h"
-#include "tests/fakes/GlowOverlay.h"
-#include "tests/fakes/Haptics.h"
-#include "tests/fakes/KeyValueStore.h"
-#include "tests/fakes/MemoryCounters.h"
-#include "tests/fakes/MotionPreference.h"
-#include "tests/fakes/PowerSources.h"
-#include "tests/fakes/ProcessTable.h"
-#include "tests/fakes/ThermalSensors.h"
-#include "tests/fakes/Workspace.h"
+#include "ambient/Notifications.h"
+#include "app/Services.h"
+#include "base/TaskScope.h"
+#include "popover/PopoverView.h"
+#include "tests/fakes/CapturedLog.h"
+#include "tests/fakes/FakeHost.h"
+#include "tests/fakes/Publish.h"
 #include "tests/helper/HelperFixture.h"
 
+#include <gtest/gtest.h>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vorli {
 
-/// Everything that a polish works with, over fakes, on a machine that is hot enough for a ring of 1.0.
-struct PolishFixture : HelperFixture {
+/// All services on a fake host, with a popover's view, on a machine that is hot enough for a ring of 1.0.
+struct PolishFixture : testing::Test, fakes::FakeHost {
+  using Conduct = fakes::HelperTransport::Conduct;
+
   PolishFixture() {
-    settings.setHapticFeedback(true);
+    settings.hapticFeedback.set(true);
     setUsedPages(1'000'000);
     setHeat(3);
-    manager->refreshStatus();
+    manager.refreshStatus();
     monitor.refresh();
     view.emplace(popoverServices());
     scheduler.runReady();
-    view->animatedProgress = 1.0;
-    view->animatedState = RingState::critical;
+    fakes::publish(view->animatedProgress, 1.0);
+    fakes::publish(view->animatedState, RingState::critical);
     log.clear();
   }
 
   PopoverServices popoverServices() { return popoverServices(scheduler); }
   PopoverServices popoverServices(Scheduler& ofTheFlow) {
-    return {.polish = services(ofTheFlow),
-            .defaults = store,
-            .culpritFormatter = culpritFormatter,
-            .motion = motion};
-  }
-  PolishServices services(Scheduler& ofTheFlow) {
-    return {.scheduler = ofTheFlow,
-            .notifications = notifications,
-            .systemMonitor = monitor,
-            .helperManager = *manager,
-            .settings = settings,
-            .clearState = clearState,
-            .celebrationGlow = glow,
-            .audio = audio,
-            .haptics = haptics,
-            .workspace = workspace,
-            .bundle = bundle,
-            .memory = memory,
-            .calendar = calendar};
+    return {.polish = {.scheduler = ofTheFlow,
+                       .notifications = notifications,
+                       .systemMonitor = monitor,
+                       .helperManager = manager,
+                       .settings = settings,
+                       .clearState = clearState,
+                       .celebrationGlow = glow,
+                       .audio = audio,
+                       .haptics = haptics,
+                       .workspace = workspace,
+                       .bundle = bundle,
+                       .memory = memory,
+                       .calendar = calendar,
+                       .texts = *polishTexts},
+            .defaults = defaults,
+            .culpritFormatter = services.culpritFormatter,
+            .motion = motion,
+            .texts = *popoverTexts};
   }
 
-  /// The heat alone gives the ring's target, 0 to 3: 0.05, 0.3, 0.7, 1.0.
+  /// Makes the heat alone give the ring's target, from 0 to 3: 0.05, 0.3, 0.7, 1.0.
   void setHeat(int state) { thermal.reading.systemState = state; }
   void setUsedPages(std::uint64_t pages) {
     memory.statistics->freeCount = memory.physicalMemory / memory.pageSize - pages;
   }
   void setHelperStatus(int raw) {
-    service.rawStatus = raw;
-    manager->refreshStatus();
+    helperService.rawStatus = raw;
+    manager.refreshStatus();
   }
-  /// As a tick that ends with this value.
+  /// Acts like a tick that ends with this value.
   void publishRing(double progress) {
-    monitor.ringProgress = progress;
+    fakes::publish(monitor.ringProgress, progress);
     scheduler.runReady();
   }
 
@@ -90,9 +77,13 @@ struct PolishFixture : HelperFixture {
     scheduler.runReady();
     return flow;
   }
-  /// To a time of the polish, as told from its start.
+
+  // Sums of the flow's delays may differ from literal times in the last bits.
+  static constexpr double rounding = 1e-9;
+
+  /// Advances to a time of the polish, counted from its start.
   void goTo(double seconds) { scheduler.advanceTo(startedAt + seconds); }
-  /// To the last moment before it.
+  /// Advances to the last frame before that time.
   void goBefore(double seconds) { goTo(seconds - frame); }
 
   std::vector<std::string> popoverLines() const {
@@ -103,36 +94,34 @@ struct PolishFixture : HelperFixture {
     return lines;
   }
 
-  fakes::CalendarClock calendar{scheduler};
-  fakes::MemoryCounters memory;
-  fakes::CPUCounters cpu;
-  fakes::ThermalSensors thermal;
-  fakes::PowerSources power;
-  fakes::ProcessTable processes;
-  fakes::BackgroundWork background{scheduler};
-  fakes::Workspace workspace;
-  fakes::KeyValueStore store;
-  fakes::AudioOutputTap tap;
-  fakes::GlowOverlay overlay;
-  fakes::Haptics haptics;
-  NotificationCenter notifications;
-  AppSettings settings{store};
-  IdleAppTracker idleTracker{scheduler, calendar, store, workspace};
-  SystemMonitor monitor{
-      {scheduler, calendar, memory, cpu, thermal, power, processes, workspace, bundle, background},
-      settings,
-      idleTracker};
-  ClearState clearState{scheduler};
-  CelebrationGlowController glow{scheduler, overlay};
-  AudioActivityProbe audio{tap};
-  CulpritFormatter culpritFormatter{workspace, ApplicationPaths("/home/anna")};
-  fakes::MotionPreference motion;
+  TaskHandle start(Task<> task) {
+    auto handle = tasks.spawn(std::move(task));
+    scheduler.runReady();
+    return handle;
+  }
+
+  fakes::KeyValueStore& store = defaults;
+  fakes::AudioOutputTap& tap = audioOutput;
+  fakes::GlowOverlay& overlay = celebrationOverlay;
+  fakes::HelperTransport& transport = helperTransport;
+  fakes::CapturedLog log;
+  Services services{ports()};
+  NotificationCenter& notifications = services.notifications;
+  HelperManager& manager = services.helperManager;
+  AppSettings& settings = services.settings;
+  SystemMonitor& monitor = services.systemMonitor;
+  ClearState& clearState = services.clearState;
+  CelebrationGlowController& glow = services.celebrationGlow;
+  AudioActivityProbe& audio = services.audio;
+  const PopoverTexts* popoverTexts = &PopoverTexts::macOS;
+  const PolishTexts* polishTexts = &PolishTexts::macOS;
   std::optional<PopoverView> view;
 
   int closes = 0;
   Subscription closeSubscription =
       notifications.observe<VorliClosePopover>([this](const auto&) { ++closes; });
   double startedAt = 0.0;
+  TaskScope tasks{scheduler};
 };
 
 }  // namespace vorli

@@ -1,3 +1,5 @@
+#include "base/Animation.h"
+#include "tests/fakes/Publish.h"
 #include "tests/polish/PolishFixture.h"
 
 #include <tuple>
@@ -6,8 +8,6 @@
 namespace vorli {
 namespace {
 
-constexpr double rounding = 1e-9;
-
 constexpr auto entryWhileReleasing = "handleTap entered (isReleasing=true ";
 
 struct PolishFlowTest : PolishFixture {
@@ -15,8 +15,8 @@ struct PolishFlowTest : PolishFixture {
 };
 
 TEST_F(PolishFlowTest, aPressOnACalmRingLeavesOnlyTheEntryLine) {
-  view->animatedProgress = 0.3;
-  view->animatedState = RingState::healthy;
+  fakes::publish(view->animatedProgress, 0.3);
+  fakes::publish(view->animatedState, RingState::healthy);
   press();
   scheduler.advance(20.0);
   EXPECT_EQ(popoverLines(),
@@ -32,7 +32,7 @@ TEST_F(PolishFlowTest, aPressOnACalmRingLeavesOnlyTheEntryLine) {
 }
 
 TEST_F(PolishFlowTest, aPressOnACalmRingWithTheHelperAwayDoesNothingThoughTheToolTipNamesTheHelper) {
-  view->animatedState = RingState::healthy;
+  fakes::publish(view->animatedState, RingState::healthy);
   setHelperStatus(2);
   press();
   EXPECT_EQ(popoverLines().size(), 1u);
@@ -42,8 +42,8 @@ TEST_F(PolishFlowTest, aPressOnACalmRingWithTheHelperAwayDoesNothingThoughTheToo
 }
 
 TEST_F(PolishFlowTest, aWarmingRingIsPolishedToo) {
-  view->animatedProgress = 0.55;
-  view->animatedState = RingState::warming;
+  fakes::publish(view->animatedProgress, 0.55);
+  fakes::publish(view->animatedState, RingState::warming);
   press();
   EXPECT_TRUE(view->isReleasing);
   EXPECT_EQ(popoverLines().at(0),
@@ -104,17 +104,24 @@ TEST_F(PolishFlowTest, theCeremonyTapsOnceWhenTheSettingIsOn) {
 }
 
 TEST_F(PolishFlowTest, theCeremonyDoesNotTapWhenTheSettingIsOff) {
-  settings.setHapticFeedback(false);
+  settings.hapticFeedback.set(false);
   press();
   EXPECT_TRUE(haptics.taps.empty());
   EXPECT_EQ(view->auroraClearTrigger.get(), 1);
 }
 
 TEST_F(PolishFlowTest, theGlowComesInTheColourThatTheRingHad) {
-  view->animatedProgress = 0.9;
+  fakes::publish(view->animatedProgress, 0.9);
   press();
   EXPECT_EQ(overlay.pictureAt(startedAt).colour, (Colour{0.902, 0.235, 0.157}));
   EXPECT_EQ(overlay.pictureAt(startedAt + 0.4).opacity, 0.55);
+}
+
+TEST_F(PolishFlowTest, theGlowOfARingThatIsMovingComesInTheColourThatIsShown) {
+  fakes::publish(view->animatedProgress, 0.56);
+  withAnimation(Animation::easeInOut(0.6), [this] { fakes::publish(view->animatedProgress, 0.9); });
+  press();
+  EXPECT_EQ(overlay.pictureAt(startedAt).colour, (Colour{0.949, 0.769, 0.165}));
 }
 
 TEST_F(PolishFlowTest, hiddenAppsAreAskedToQuitOnlyWhenTheSettingIsOn) {
@@ -123,7 +130,7 @@ TEST_F(PolishFlowTest, hiddenAppsAreAskedToQuitOnlyWhenTheSettingIsOn) {
   EXPECT_EQ(workspace.windowLooks, 0);
   goTo(15.05 + rounding);
 
-  settings.setQuitHiddenAppsOnClear(true);
+  settings.quitHiddenAppsOnClear.set(true);
   press();
   EXPECT_EQ(workspace.terminated, std::vector<std::int32_t>{7});
   goTo(15.05 + rounding);
@@ -180,7 +187,7 @@ TEST_P(PolishSentenceTest, followsFromTheThreeAnswers) {
 
 constexpr auto approve = "A gentle tidy. Approve Vorli in Login Items for a full polish.";
 
-// A purge that is left out cannot fail to be reached, so one row of the table has no way to come about.
+// A purge that is skipped cannot fail, so one row of the table is impossible.
 INSTANTIATE_TEST_SUITE_P(
     EveryRow, PolishSentenceTest,
     testing::Values(
@@ -337,7 +344,7 @@ TEST_F(PolishFlowTest, theFlowGoesOnThoughThePopoverHasClosed) {
 }
 
 TEST_F(PolishFlowTest, aCancelledFlowHurriesThroughAllItsSteps) {
-  // In each sleep of the flow, the first and the last moment of it included.
+  // In each sleep of the flow, including its first and last moment.
   for (const double cancelledAt :
        {0.0, 1.0, 2.64, 2.65, 3.0, 3.25, 5.0, 5.65, 9.0, 10.65, 12.0, 13.55, 15.0}) {
     log.clear();
@@ -386,7 +393,7 @@ TEST_F(PolishFlowTest, theViewMayGoAtAnyMoment) {
     press();
     goTo(at + rounding);
     view.emplace(popoverServices());
-    view->animatedState = RingState::critical;
+    fakes::publish(view->animatedState, RingState::critical);
     scheduler.advance(20.0);
     EXPECT_FALSE(view->isReleasing);
   }

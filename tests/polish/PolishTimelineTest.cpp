@@ -7,7 +7,7 @@
 namespace vorli {
 namespace {
 
-/// What a user, and whoever reads the log, has of a polish at one moment.
+/// The state of a polish at one moment, as a user and a reader of the log see it.
 struct Shown {
   std::string sentence;
   std::optional<int> percentage;
@@ -32,9 +32,6 @@ struct Edge {
   Shown after;
 };
 
-// Sums of the flow's delays may differ from the time of the table in the last bits.
-constexpr double rounding = 1e-9;
-
 struct PolishTimelineTest : PolishFixture {
   Shown shown() const {
     return {.sentence = view->statusSentence(),
@@ -47,7 +44,7 @@ struct PolishTimelineTest : PolishFixture {
             .logLines = popoverLines().size()};
   }
 
-  /// Looks one frame before each edge, and on it.
+  /// Checks one frame before each edge, and on it.
   void expectEdges(const std::vector<Edge>& edges) {
     for (std::size_t i = 0; i < edges.size(); ++i) {
       if (i > 0) {
@@ -63,13 +60,13 @@ struct PolishTimelineTest : PolishFixture {
   double scaleAt(double seconds) const { return view->celebrationScale.shown(startedAt + seconds); }
 };
 
-constexpr auto critical = RingState::critical;
+constexpr auto criticalRing = RingState::critical;
 constexpr auto healthy = RingState::healthy;
 
 TEST_F(PolishTimelineTest, theFullPolishKeepsItsTimes) {
   transport.purgeMemory.delaySeconds = 1.0;
   press();
-  setUsedPages(900'000);  // what the purge brings
+  setUsedPages(900'000);  // the effect of the purge
   setHeat(0);             // the next tick gives 1.0 x 0.85 + 0.05 x 0.15
 
   const std::string polishing = "Polishing your Mac…", polished = "Now, your Mac has room to breathe.";
@@ -80,8 +77,8 @@ TEST_F(PolishTimelineTest, theFullPolishKeepsItsTimes) {
       {2.65, {polished, 10, 0.0, healthy, 1.08, true, 0, 3}},
       {3.25, {polished, 10, 0.0, healthy, 1.0, true, 0, 3}},
       {5.65, {polished, 10, 0.0, healthy, 1.0, true, 1, 4}},
-      {10.65, {polished, 10, 0.8575, critical, 1.0, true, 1, 5}},
-      {15.05, {full, {}, 0.8575, critical, 1.0, false, 1, 6}},
+      {10.65, {polished, 10, 0.8575, criticalRing, 1.0, true, 1, 5}},
+      {15.05, {full, {}, 0.8575, criticalRing, 1.0, false, 1, 6}},
   });
   EXPECT_EQ(
       popoverLines(),
@@ -105,13 +102,13 @@ TEST_F(PolishTimelineTest, theGentleTidyKeepsItsTimes) {
       {1.3, {gentle, {}, 0.0, healthy, 1.08, true, 0, 2}},
       {1.9, {gentle, {}, 0.0, healthy, 1.0, true, 0, 2}},
       {3.1, {gentle, {}, 0.0, healthy, 1.0, true, 1, 3}},
-      {3.5, {gentle, {}, 1.0, critical, 1.0, true, 1, 4}},
-      {6.5, {full, {}, 1.0, critical, 1.0, false, 1, 5}},
+      {3.5, {gentle, {}, 1.0, criticalRing, 1.0, true, 1, 4}},
+      {6.5, {full, {}, 1.0, criticalRing, 1.0, false, 1, 5}},
   });
   EXPECT_EQ(popoverLines(),
             (std::vector<std::string>{
-                "handleTap entered (isReleasing=false state=critical progress=1.00 helperStatus=Awaiting "
-                "approval in System Settings)",
+                "handleTap entered (isReleasing=false state=critical progress=1.00 helperStatus=" +
+                    manager.status->description() + ")",
                 "handleTap: setting isReleasing=true. helperReady=false audioActive=false",
                 "handleTap: posted auto-close notification",
                 "handleTap: after hold+refresh, ringProgress=1.00 ringState=critical freedFreeDelta=0 "
@@ -122,10 +119,10 @@ TEST_F(PolishTimelineTest, theGentleTidyKeepsItsTimes) {
 
 TEST_F(PolishTimelineTest, thePressKeepsItsOrder) {
   setHelperStatus(0);
-  settings.setQuitHiddenAppsOnClear(true);
+  settings.quitHiddenAppsOnClear.set(true);
   tap.play({0.5F});
   std::vector<std::string> steps;
-  // What has happened by then, beside the step itself.
+  // Everything that has happened by then, except for the step itself.
   const auto note = [&](const std::string& step) {
     steps.push_back(
         step + ": lines " + std::to_string(popoverLines().size()) + " taps " +
@@ -166,7 +163,7 @@ TEST_F(PolishTimelineTest, theStepsOfOneMomentKeepTheirOrder) {
   const auto percentage = view->postClearPercentage.subscribeToChanges(
       [&](const auto& figure) { note(figure ? "figure" : "no figure"); });
   const auto scale = view->celebrationScale.subscribe([&](double) { note("scale"); });
-  const auto calm = clearState.calmIntensity.subscribeToChanges([&](double value) {
+  const auto calm = clearState.calmIntensity.subscribeToChanges(CalmPace::dial, [&](double value) {
     if (value == 0.0) note("calm");
   });
   const auto close = notifications.observe<VorliClosePopover>([&](const auto&) { note("close"); });

@@ -1,3 +1,4 @@
+#include "tests/fakes/Publish.h"
 #include "tests/polish/PolishFixture.h"
 
 #include <utility>
@@ -6,11 +7,9 @@
 namespace vorli {
 namespace {
 
-constexpr double rounding = 1e-9;
-
 constexpr auto resetLine = "handleTap watchdog: isReleasing still true after 18s — forcing reset";
 
-/// A main loop that forgets delays of one length, until they are let go.
+/// A main loop that holds back delays of one length until they are released.
 class StallingScheduler final : public Scheduler {
  public:
   explicit StallingScheduler(Scheduler& loop) : loop_(loop) {}
@@ -39,11 +38,11 @@ class StallingScheduler final : public Scheduler {
 struct PolishWatchdogTest : PolishFixture {
   PolishWatchdogTest() {
     view.emplace(popoverServices(stalling));
-    view->animatedProgress = 1.0;
-    view->animatedState = RingState::critical;
+    fakes::publish(view->animatedProgress, 1.0);
+    fakes::publish(view->animatedState, RingState::critical);
     scheduler.runReady();
   }
-  ~PolishWatchdogTest() override { view.reset(); }  // before the scheduler that it waits with
+  ~PolishWatchdogTest() override { view.reset(); }  // before the scheduler that it uses
 
   int resets() const { return log.count(resetLine); }
 
@@ -80,7 +79,7 @@ TEST_F(PolishWatchdogTest, theRingMovesAgainWithTheMonitorsNextChange) {
   EXPECT_EQ(view->animatedState.get(), RingState::healthy);
   publishRing(0.95);
   EXPECT_EQ(view->animatedProgress, 0.95);
-  EXPECT_EQ(view->animatedState.get(), RingState::healthy);  // of the state there was no change
+  EXPECT_EQ(view->animatedState.get(), RingState::healthy);  // the state has not changed
   publishRing(0.7);
   EXPECT_EQ(view->animatedState.get(), RingState::warming);
 }
@@ -88,7 +87,7 @@ TEST_F(PolishWatchdogTest, theRingMovesAgainWithTheMonitorsNextChange) {
 TEST_F(PolishWatchdogTest, aFlowThatEndsIsNotWatchedOn) {
   press();
   goTo(16.0);
-  press();  // its own watchdog looks 18 seconds from here
+  press();  // its own watchdog checks 18 seconds from here
   goTo(14.9);
   EXPECT_TRUE(view->isReleasing);
   EXPECT_EQ(resets(), 0);
@@ -122,7 +121,7 @@ TEST_F(PolishWatchdogTest, aNewPressAfterTheResetRunsBesideTheStuckFlow) {
   EXPECT_TRUE(view->isReleasing);
   EXPECT_EQ(view->auroraClearTrigger.get(), 2);
   goTo(1.0);
-  stalling.letGo();  // the first flow comes back in the middle of the second
+  stalling.letGo();  // the first flow continues in the middle of the second one
   scheduler.runReady();
   EXPECT_GT(view->animatedProgress, 0.8);
   goTo(1.0 + 2.9 + 1.5 + rounding);

@@ -12,7 +12,7 @@ using Requests = std::vector<std::string>;
 using Level = MemoryPressureLevel;
 
 struct QuietPolishTest : PolishFixture {
-  QuietPolishTest() { settings.setAutoClear(true); }
+  QuietPolishTest() { settings.autoClear.set(true); }
 
   void deliver(Level level) {
     MemorySnapshot sample;
@@ -21,36 +21,36 @@ struct QuietPolishTest : PolishFixture {
     polish.checkPressure(sample);
     scheduler.runReady();
   }
-  /// The requests of what has just run.
+  /// Returns the requests so far, and clears them.
   Requests taken() { return std::exchange(transport.requests, {}); }
 
-  QuietPolish polish{scheduler, calendar, *manager, monitor, settings, audio};
+  QuietPolish& polish = services.quietPolish;
 };
 
-const Requests whole{"flushDNS", "purgeMemory"};
+const Requests wholePolish{"flushDNS", "purgeMemory"};
 
 TEST_F(QuietPolishTest, runsUnderPressureOnly) {
   deliver(Level::normal);
   EXPECT_EQ(taken(), Requests{});
   EXPECT_EQ(settings.lastAutoRefresh(), std::nullopt);
   deliver(Level::warning);
-  EXPECT_EQ(taken(), whole);
+  EXPECT_EQ(taken(), wholePolish);
 }
 
 TEST_F(QuietPolishTest, runsUnderCriticalPressureToo) {
   deliver(Level::critical);
-  EXPECT_EQ(taken(), whole);
+  EXPECT_EQ(taken(), wholePolish);
 }
 
 TEST_F(QuietPolishTest, eitherSwitchSuffices) {
-  settings.setAutoClear(false);
-  settings.setAutoRefreshOnPressure(true);
+  settings.autoClear.set(false);
+  settings.autoRefreshOnPressure.set(true);
   deliver(Level::warning);
-  EXPECT_EQ(taken(), whole);
+  EXPECT_EQ(taken(), wholePolish);
 }
 
 TEST_F(QuietPolishTest, neverRunsWithBothSwitchesOff) {
-  settings.setAutoClear(false);
+  settings.autoClear.set(false);
   for (int tick = 0; tick < 100; ++tick) {
     deliver(Level::critical);
     scheduler.advance(15.0);
@@ -69,7 +69,7 @@ TEST_F(QuietPolishTest, refusesThe299thSecondAndAcceptsThe300th) {
   EXPECT_EQ(taken(), Requests{});
   scheduler.advance(1.0);
   deliver(Level::warning);
-  EXPECT_EQ(taken(), whole);
+  EXPECT_EQ(taken(), wholePolish);
   EXPECT_EQ(settings.lastAutoRefresh(), calendar.now());
 }
 
@@ -85,7 +85,7 @@ TEST_F(QuietPolishTest, theCooldownOutlivesTheProgram) {
   deliver(Level::warning);
   taken();
   AppSettings reloaded(store);
-  QuietPolish next(scheduler, calendar, *manager, monitor, reloaded, audio);
+  QuietPolish next(scheduler, calendar, manager, monitor, reloaded, audio);
   MemorySnapshot sample;
   sample.pressureLevel = Level::critical;
   next.checkPressure(sample);
@@ -110,7 +110,7 @@ TEST_F(QuietPolishTest, withoutTheHelperNothingIsRememberedAndItRunsOnceTheHelpe
   EXPECT_TRUE(tap.windows.empty());
   setHelperStatus(1);
   deliver(Level::warning);
-  EXPECT_EQ(taken(), whole);
+  EXPECT_EQ(taken(), wholePolish);
 }
 
 TEST_F(QuietPolishTest, playingSoundSparesThePurge) {
@@ -120,7 +120,7 @@ TEST_F(QuietPolishTest, playingSoundSparesThePurge) {
   EXPECT_EQ(taken(), Requests{"flushDNS"});
 }
 
-// The work is a task; the listening is not.
+// The work runs in a task; listening does not.
 TEST_F(QuietPolishTest, listensAtTheSampleAndAfterTheCooldownHasBegun) {
   std::optional<Date> duringProbe;
   tap.duringWindow = [&](double window) {
@@ -135,7 +135,7 @@ TEST_F(QuietPolishTest, listensAtTheSampleAndAfterTheCooldownHasBegun) {
   EXPECT_EQ(taken(), Requests{});
   tap.play({0.5F});  // too late
   scheduler.runReady();
-  EXPECT_EQ(taken(), whole);
+  EXPECT_EQ(taken(), wholePolish);
   EXPECT_EQ(settings.lastAutoRefresh(), delivered);
 }
 
@@ -147,7 +147,7 @@ TEST_F(QuietPolishTest, looksAtTheMachineAtTheEnd) {
   scheduler.advance(1.0 - frame);
   EXPECT_EQ(transport.requests, Requests{"flushDNS"});  // one after the other
   scheduler.advance(2.0);
-  EXPECT_EQ(transport.requests, whole);
+  EXPECT_EQ(transport.requests, wholePolish);
   EXPECT_EQ(memory.statisticsReads, reads);
   scheduler.advance(frame + 1e-9);
   EXPECT_EQ(memory.statisticsReads, reads + 1);
@@ -169,9 +169,9 @@ TEST_F(QuietPolishTest, polishNowNeitherListensNorCoolsDown) {
   tap.play({0.5F});
   for (int press = 0; press < 2; ++press) {
     EXPECT_EQ(polish.polishNow(), QuietPolish::Start::started);
-    EXPECT_EQ(taken(), Requests{});  // in a task of its own
+    EXPECT_EQ(taken(), Requests{});  // in its own task
     scheduler.runReady();
-    EXPECT_EQ(taken(), whole);
+    EXPECT_EQ(taken(), wholePolish);
   }
   EXPECT_TRUE(tap.windows.empty());
   EXPECT_EQ(settings.lastAutoRefresh(), std::nullopt);
@@ -207,7 +207,7 @@ TEST_F(QuietPolishTest, aNotificationsPolishListensAfterTheFlush) {
   const int reads = memory.statisticsReads;
   const auto done = start(polish.polishFromNotification());
   EXPECT_EQ(duringProbe, std::vector<Requests>{Requests{"flushDNS"}});
-  EXPECT_EQ(taken(), whole);
+  EXPECT_EQ(taken(), wholePolish);
   EXPECT_EQ(memory.statisticsReads, reads + 1);
   EXPECT_FALSE(done.isRunning());
   EXPECT_EQ(settings.lastAutoRefresh(), std::nullopt);

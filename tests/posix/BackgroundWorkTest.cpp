@@ -1,8 +1,8 @@
 #include "posix/BackgroundWork.h"
 #include "tests/fakes/ManualScheduler.h"
+#include "tests/posix/HoldsInTime.h"
 
 #include <atomic>
-#include <chrono>
 #include <csignal>
 #include <gtest/gtest.h>
 #include <optional>
@@ -13,18 +13,6 @@ namespace vorli::posix {
 namespace {
 
 struct BackgroundWorkTest : testing::Test {
-  /// Turns the main loop until the condition holds.
-  template <typename Condition>
-  bool holdsInTime(Condition condition) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!condition()) {
-      if (std::chrono::steady_clock::now() > deadline) return false;
-      scheduler.runReady();
-      std::this_thread::yield();
-    }
-    return true;
-  }
-
   fakes::ManualScheduler scheduler;
   std::optional<BackgroundWork> background{std::in_place, scheduler};
 };
@@ -36,7 +24,7 @@ TEST_F(BackgroundWorkTest, worksOnAnotherThreadAndIsDoneOnTheMainOne) {
   background->start([&] { workedOn = std::this_thread::get_id(); },
                     [&] { doneOn = std::this_thread::get_id(); });
   EXPECT_TRUE(background->isUnderWay());
-  ASSERT_TRUE(holdsInTime([&] { return !background->isUnderWay(); }));
+  ASSERT_TRUE(holdsInTime(scheduler, [&] { return !background->isUnderWay(); }));
   EXPECT_NE(workedOn, here);
   EXPECT_EQ(doneOn, here);
 }
@@ -48,11 +36,11 @@ TEST_F(BackgroundWorkTest, isNeverDoneOutsideOfTheMainLoop) {
   while (!hasWorked) std::this_thread::yield();
   EXPECT_FALSE(isDone);
   EXPECT_TRUE(background->isUnderWay());
-  ASSERT_TRUE(holdsInTime([&] { return isDone; }));
+  ASSERT_TRUE(holdsInTime(scheduler, [&] { return isDone; }));
 }
 
 TEST_F(BackgroundWorkTest, piecesFollowOneAnotherOnTheSameThread) {
-  int plain = 0;  // shared by both threads without a lock: start and done order it
+  int plain = 0;  // shared by both threads without a lock, because start and done order the accesses
   std::optional<std::thread::id> worker;
   for (int piece = 1; piece <= 100; ++piece) {
     background->start(
@@ -62,7 +50,7 @@ TEST_F(BackgroundWorkTest, piecesFollowOneAnotherOnTheSameThread) {
           EXPECT_EQ(*worker, std::this_thread::get_id());
         },
         [&] { ++plain; });
-    ASSERT_TRUE(holdsInTime([&] { return !background->isUnderWay(); }));
+    ASSERT_TRUE(holdsInTime(scheduler, [&] { return !background->isUnderWay(); }));
     EXPECT_EQ(plain, 2 * piece);
   }
 }
@@ -77,7 +65,7 @@ TEST_F(BackgroundWorkTest, finishWaitsAndIsDoneOnceInsideTheCall) {
     EXPECT_EQ(done, piece);
     EXPECT_FALSE(background->isUnderWay());
   }
-  scheduler.runReady();  // what the thread has posted comes too late
+  scheduler.runReady();  // the thread's post arrives too late
   EXPECT_EQ(done, 100);
 }
 
@@ -96,7 +84,7 @@ TEST_F(BackgroundWorkTest, doneMayStartTheNextPiece) {
   background->finish();
   EXPECT_EQ(done, 1);
   EXPECT_TRUE(background->isUnderWay());
-  ASSERT_TRUE(holdsInTime([&] { return done == 2; }));
+  ASSERT_TRUE(holdsInTime(scheduler, [&] { return done == 2; }));
 }
 
 TEST_F(BackgroundWorkTest, abandonWaitsAndDropsWhatWouldBeDone) {
@@ -119,7 +107,7 @@ TEST_F(BackgroundWorkTest, whoGoesWaitsForTheWorkAndIsSilentAfterwards) {
   EXPECT_FALSE(isDone);
 }
 
-// No thread gets a stack of that size.
+// No thread can have a stack of that size.
 struct NoMoreThreads {
   NoMoreThreads() {
     pthread_getattr_default_np(&before);
@@ -159,7 +147,7 @@ TEST_F(BackgroundWorkTest, whereNoThreadCanBeMadeTheWorkIsDoneAllTheSame) {
     EXPECT_EQ(done, 2);
   }
   background->start([&] { workedOn = std::this_thread::get_id(); }, [&] { ++done; });
-  ASSERT_TRUE(holdsInTime([&] { return done == 3; }));
+  ASSERT_TRUE(holdsInTime(scheduler, [&] { return done == 3; }));
   EXPECT_NE(workedOn, here);
 }
 

@@ -9,7 +9,7 @@ struct RingProgressTest : testing::Test {
     memory.capturedAt = Date{1001.0};
   }
 
-  /// Makes the memory sample one second before the present one.
+  /// Makes the memory sample of one second earlier.
   MemorySnapshot& base() {
     previous = memory;
     previous->capturedAt = memory.capturedAt + -1.0;

@@ -1,26 +1,14 @@
-#include "sampling/SystemMonitor.h"
-#include "tests/fakes/ApplicationBundle.h"
-#include "tests/fakes/BackgroundWork.h"
-#include "tests/fakes/CPUCounters.h"
-#include "tests/fakes/CalendarClock.h"
-#include "tests/fakes/KeyValueStore.h"
-#include "tests/fakes/ManualScheduler.h"
-#include "tests/fakes/MemoryCounters.h"
-#include "tests/fakes/PowerSources.h"
-#include "tests/fakes/ProcessTable.h"
-#include "tests/fakes/ThermalSensors.h"
-#include "tests/fakes/Workspace.h"
+#include "tests/sampling/SystemMonitorFixture.h"
 
-#include <memory>
 #include <thread>
 #include <utility>
 
 namespace vorli {
 namespace {
 
-constexpr double idlePeriod = 15.001;  // just over, as sums of fractions are not exact
+constexpr double idlePeriod = 15.001;  // slightly more, because sums of fractions are not exact
 
-/// Work that is over at once, on a thread of its own, and whose end the main loop hears of late.
+/// Work that ends at once on its own thread, and whose end the main loop receives late.
 class QuickWork final : public ports::BackgroundWork {
  public:
   explicit QuickWork(Scheduler& scheduler) : scheduler_(scheduler) {}
@@ -49,21 +37,22 @@ class QuickWork final : public ports::BackgroundWork {
   Scheduler::TimerId timer_ = 0;
 };
 
-struct SystemMonitorBackgroundTest : testing::Test {
+struct SystemMonitorBackgroundTest : SystemMonitorFixture {
   SystemMonitorBackgroundTest() {
     processes.add(1).taskInfo->residentBytes = 100;
-    makeMonitor(background);
+    countTicks();
   }
+  ~SystemMonitorBackgroundTest() override { monitor.reset(); }  // before `quick`, which may use it
 
-  void makeMonitor(ports::BackgroundWork& worker) {
-    monitor.reset();
-    monitor = std::make_unique<SystemMonitor>(SystemMonitorPorts{scheduler, calendar, memory, cpu, thermal,
-                                                                 power, processes, workspace, bundle, worker},
-                                              settings, idleTracker);
+  void countTicks() {
     ticks = monitor->lastUpdate.subscribeToChanges([this](Date) { ++tickCount; });
   }
+  void workQuickly() {
+    makeMonitor(quick);
+    countTicks();
+  }
 
-  /// One tick on the main thread whose look at the processes takes so long, and the timer.
+  /// One tick on the main thread, in which listing the processes takes that long, and the timer.
   void startWithALookOf(double seconds) {
     setLook(seconds);
     monitor->refresh();
@@ -75,27 +64,9 @@ struct SystemMonitorBackgroundTest : testing::Test {
     processes.whenListed = [this, seconds] { scheduler.advanceClockOnly(seconds); };
   }
 
-  std::vector<std::int32_t> largestPIDs() const {
-    std::vector<std::int32_t> result;
-    for (const auto& row : monitor->topMemoryHogs.get()) result.push_back(row.id);
-    return result;
-  }
+  std::vector<std::int32_t> largestPIDs() const { return pids(monitor->topMemoryHogs); }
 
-  fakes::ManualScheduler scheduler;
-  fakes::CalendarClock calendar{scheduler};
-  fakes::MemoryCounters memory;
-  fakes::CPUCounters cpu;
-  fakes::ThermalSensors thermal;
-  fakes::PowerSources power;
-  fakes::ProcessTable processes;
-  fakes::BackgroundWork background{scheduler};
   QuickWork quick{scheduler};
-  fakes::Workspace workspace;
-  fakes::KeyValueStore store;
-  fakes::ApplicationBundle bundle;
-  AppSettings settings{store};
-  IdleAppTracker idleTracker{scheduler, calendar, store, workspace};
-  std::unique_ptr<SystemMonitor> monitor;
   Subscription ticks;
   int tickCount = 0;
 };
@@ -175,7 +146,7 @@ TEST_F(SystemMonitorBackgroundTest, refreshOutOfTurnFinishesTheTickUnderWayBefor
   EXPECT_EQ(sizes, (std::vector<std::size_t>{1, 2}));
 
   scheduler.advance(background.seconds);
-  EXPECT_EQ(tickCount, 2);  // the tick that was under way does not come again
+  EXPECT_EQ(tickCount, 2);  // the tick that was in progress is not repeated
 }
 
 TEST_F(SystemMonitorBackgroundTest, eachOfTheTwoTicksMovesTheSmoothingByOneStep) {
@@ -191,7 +162,7 @@ TEST_F(SystemMonitorBackgroundTest, eachOfTheTwoTicksMovesTheSmoothingByOneStep)
 TEST_F(SystemMonitorBackgroundTest, aFiringDuringALookIsDroppedAndTheRhythmStays) {
   startWithALookOf(0.009);
   background.seconds = 20.0;
-  scheduler.advance(31.0);  // two firings: the second one finds the first one's look under way
+  scheduler.advance(31.0);  // two firings; the second one finds the first one's listing in progress
   EXPECT_EQ(background.started, 1);
   EXPECT_EQ(tickCount, 0);
   scheduler.advance(5.0);
@@ -201,7 +172,7 @@ TEST_F(SystemMonitorBackgroundTest, aFiringDuringALookIsDroppedAndTheRhythmStays
 }
 
 TEST_F(SystemMonitorBackgroundTest, aLookThatIsOverIsPublishedInItsTurnAndAsItWas) {
-  makeMonitor(quick);
+  workQuickly();
   startWithALookOf(0.009);
   processes.add(2).taskInfo->residentBytes = 200;
   scheduler.advance(idlePeriod);
@@ -215,7 +186,7 @@ TEST_F(SystemMonitorBackgroundTest, aLookThatIsOverIsPublishedInItsTurnAndAsItWa
 }
 
 TEST_F(SystemMonitorBackgroundTest, refreshOutOfTurnPublishesTheLookThatIsOverBeforeItsOwn) {
-  makeMonitor(quick);
+  workQuickly();
   startWithALookOf(0.009);
   processes.add(2);
   scheduler.advance(idlePeriod);
@@ -238,7 +209,7 @@ TEST_F(SystemMonitorBackgroundTest, aSubscriberThatRefreshesInsideThePublishingG
   bool hasRefreshed = false;
   const auto refreshes = monitor->topMemoryHogs.subscribeToChanges([&](auto&) {
     if (std::exchange(hasRefreshed, true)) return;
-    for (std::int32_t pid = 2; pid <= 500; ++pid) processes.add(pid);  // the rows move to other memory
+    for (std::int32_t pid = 2; pid <= 500; ++pid) processes.add(pid);  // moves the rows to other memory
     monitor->refresh();
   });
   scheduler.advance(background.seconds);
@@ -253,8 +224,7 @@ TEST_F(SystemMonitorBackgroundTest, aNewCadenceLeavesTheTickUnderWayAlone) {
   scheduler.advance(idlePeriod);
   ASSERT_TRUE(background.isUnderWay());
   const double changed = scheduler.now();
-  monitor->cadence = MonitorCadence::active;
-  monitor->restartTimer();
+  monitor->setCadence(MonitorCadence::active);
   EXPECT_EQ(tickCount, 0);
 
   scheduler.advanceTo(changed + 1.999);
@@ -265,7 +235,7 @@ TEST_F(SystemMonitorBackgroundTest, aNewCadenceLeavesTheTickUnderWayAlone) {
 }
 
 TEST_F(SystemMonitorBackgroundTest, aLookThatIsLongerThanThePeriodLosesFiringsAndNoMore) {
-  monitor->cadence = MonitorCadence::active;
+  monitor->setCadence(MonitorCadence::active);
   startWithALookOf(0.009);
   background.seconds = 4.5;
   scheduler.advance(13.0);  // looks begin at 2, 8 and 14
@@ -277,7 +247,7 @@ TEST_F(SystemMonitorBackgroundTest, aLookThatIsLongerThanThePeriodLosesFiringsAn
 
 TEST_F(SystemMonitorBackgroundTest, aMachineThatSleepsDuringALookWakesToOneTickAndSensibleFractions) {
   constexpr double nanosecondsPerSecond = 1e9;
-  makeMonitor(quick);
+  workQuickly();
   startWithALookOf(0.009);
   scheduler.advance(idlePeriod);
   ASSERT_TRUE(quick.isUnderWay());
@@ -311,7 +281,7 @@ TEST_F(SystemMonitorBackgroundTest, aMonitorThatGoesTakesItsTickWithIt) {
 }
 
 TEST_F(SystemMonitorBackgroundTest, aMonitorThatGoesDropsALookThatIsOverToo) {
-  makeMonitor(quick);
+  workQuickly();
   startWithALookOf(0.009);
   scheduler.advance(idlePeriod);
   ASSERT_TRUE(quick.isUnderWay());

@@ -1,58 +1,17 @@
-#include "sampling/SystemMonitor.h"
-#include "tests/fakes/ApplicationBundle.h"
-#include "tests/fakes/BackgroundWork.h"
-#include "tests/fakes/CPUCounters.h"
-#include "tests/fakes/CalendarClock.h"
-#include "tests/fakes/KeyValueStore.h"
-#include "tests/fakes/ManualScheduler.h"
-#include "tests/fakes/MemoryCounters.h"
-#include "tests/fakes/PowerSources.h"
-#include "tests/fakes/ProcessTable.h"
-#include "tests/fakes/ThermalSensors.h"
-#include "tests/fakes/Workspace.h"
-
-#include <memory>
+#include "base/HostSystem.h"
+#include "tests/fakes/Publish.h"
+#include "tests/sampling/SystemMonitorFixture.h"
 
 namespace vorli {
 namespace {
 
-struct SystemMonitorTest : testing::Test {
-  SystemMonitorTest() { makeMonitor(); }
-
-  void makeMonitor() {
-    monitor =
-        std::make_unique<SystemMonitor>(SystemMonitorPorts{scheduler, calendar, memory, cpu, thermal, power,
-                                                           processes, workspace, bundle, background},
-                                        settings, idleTracker);
-  }
-
+struct SystemMonitorTest : SystemMonitorFixture {
   /// Makes the heat alone give this target, one of 0.05, 0.3, 0.7 and 1.0.
   void setHeat(int state) { thermal.reading.systemState = state; }
 
   void addProcess(std::int32_t pid, std::uint64_t resident, std::uint64_t cpuTime = 0) {
     processes.add(pid).taskInfo = ports::ProcessTaskInfo{resident, cpuTime, 0};
   }
-
-  static std::vector<std::int32_t> pids(const std::vector<ProcessSnapshot>& rows) {
-    std::vector<std::int32_t> result;
-    for (const auto& row : rows) result.push_back(row.id);
-    return result;
-  }
-
-  fakes::ManualScheduler scheduler;
-  fakes::CalendarClock calendar{scheduler};
-  fakes::MemoryCounters memory;
-  fakes::CPUCounters cpu;
-  fakes::ThermalSensors thermal;
-  fakes::PowerSources power;
-  fakes::ProcessTable processes;
-  fakes::BackgroundWork background{scheduler};
-  fakes::Workspace workspace;
-  fakes::KeyValueStore store;
-  fakes::ApplicationBundle bundle;
-  AppSettings settings{store};
-  IdleAppTracker idleTracker{scheduler, calendar, store, workspace};
-  std::unique_ptr<SystemMonitor> monitor;
 };
 
 TEST_F(SystemMonitorTest, startsWithEmptyValuesAndReadsNothing) {
@@ -66,7 +25,7 @@ TEST_F(SystemMonitorTest, startsWithEmptyValuesAndReadsNothing) {
   EXPECT_TRUE(monitor->leakyApps->empty());
   EXPECT_EQ(monitor->lastUpdate.get(), Date::distantPast());
   EXPECT_EQ(monitor->ringProgress.get(), 0.0);
-  EXPECT_EQ(monitor->cadence, MonitorCadence::idle);
+  EXPECT_EQ(monitor->cadence(), MonitorCadence::idle);
   EXPECT_FALSE(monitor->hasTimer());
   EXPECT_FALSE(monitor->previousMemorySnapshot().has_value());
   EXPECT_EQ(memory.statisticsReads + processes.listings, 0);
@@ -150,7 +109,7 @@ TEST_F(SystemMonitorTest, loadAndProcessorUsageReachTheRing) {
   EXPECT_EQ(monitor->targetRingProgress(), 0.0);  // nothing sampled yet
   monitor->refresh();
   EXPECT_DOUBLE_EQ(monitor->targetRingProgress(), 0.5);
-  cpu.loadAverages.clear();  // an unreadable load is none
+  cpu.loadAverages.clear();  // an unreadable load counts as none
   EXPECT_DOUBLE_EQ(monitor->targetRingProgress(), 0.05);
   cpu.ticks = ports::CPUTicks{.user = 75, .idle = 25};
   monitor->refresh();
@@ -212,12 +171,12 @@ TEST_F(SystemMonitorTest, aFailedListingEmptiesTheTopLists) {
 
 TEST_F(SystemMonitorTest, idleApplicationsFollowTheSettingsThreshold) {
   workspace.add(1, SharedText("Mail"), SharedText("org.example.mail"));
-  idleTracker.activationMap = {{"org.example.mail", calendar.now()}};
+  fakes::publish(idleTracker.activationMap, {{"org.example.mail", calendar.now()}});
   scheduler.advance(25 * 60.0);
-  settings.setIdleThresholdMinutes(25);
+  settings.idleThresholdMinutes.set(25);
   monitor->refresh();
   EXPECT_TRUE(monitor->idleApps->empty());
-  settings.setIdleThresholdMinutes(24);
+  settings.idleThresholdMinutes.set(24);
   monitor->refresh();
   ASSERT_EQ(monitor->idleApps->size(), 1u);
   EXPECT_EQ(monitor->idleApps->front().idleFor, 1500.0);
@@ -226,7 +185,7 @@ TEST_F(SystemMonitorTest, idleApplicationsFollowTheSettingsThreshold) {
 TEST_F(SystemMonitorTest, theDetectorsSeeTheRowsOfTheTick) {
   workspace.installed["/opt/Foo"] = {SharedText("org.example.foo"), SharedText("Foo")};
   workspace.installed["/Applications/Foo.app"] = {SharedText("org.example.foo"), SharedText("Foo")};
-  const bool hasBundles = ApplicationPathRules::ofThisSystem().kind == ApplicationPathRules::Kind::bundles;
+  const bool hasBundles = ofThisSystem<ApplicationPathRules>().kind == ApplicationPathRules::Kind::bundles;
   for (std::int32_t pid = 2; pid < 40; ++pid) addProcess(pid, 4'294'967'295);
   addProcess(40, 4'294'967'296);
   workspace.add(40, SharedText("Big"), SharedText("org.example.big"));
@@ -296,8 +255,7 @@ TEST_F(SystemMonitorTest, theTimerFiresFirstAfterOneWholePeriod) {
 TEST_F(SystemMonitorTest, theActiveCadenceTicksEveryTwoSeconds) {
   EXPECT_EQ(periodSeconds(MonitorCadence::active), 2.0);
   EXPECT_EQ(periodSeconds(MonitorCadence::idle), 15.0);
-  monitor->cadence = MonitorCadence::active;
-  monitor->restartTimer();
+  monitor->setCadence(MonitorCadence::active);
   scheduler.advance(1.999);
   EXPECT_EQ(memory.statisticsReads, 0);
   scheduler.advance(0.001);
@@ -309,8 +267,7 @@ TEST_F(SystemMonitorTest, theActiveCadenceTicksEveryTwoSeconds) {
 TEST_F(SystemMonitorTest, aRestartCountsItsPeriodAnewAndTheOldTimerIsGone) {
   monitor->restartTimer();
   scheduler.advance(14.0);
-  monitor->cadence = MonitorCadence::active;
-  monitor->restartTimer();
+  monitor->setCadence(MonitorCadence::active);
   EXPECT_EQ(scheduler.pendingTimers(), 1u);
   scheduler.advance(1.999);
   EXPECT_EQ(memory.statisticsReads, 0);
@@ -318,11 +275,14 @@ TEST_F(SystemMonitorTest, aRestartCountsItsPeriodAnewAndTheOldTimerIsGone) {
   EXPECT_EQ(memory.statisticsReads, 1);
 }
 
-TEST_F(SystemMonitorTest, changingTheCadenceAloneChangesNothing) {
-  monitor->restartTimer();
-  monitor->cadence = MonitorCadence::active;
-  scheduler.advance(14.999);
+TEST_F(SystemMonitorTest, settingThePresentCadenceLeavesTheTimerAlone) {
+  monitor->setCadence(MonitorCadence::active);
+  scheduler.advance(1.5);
+  monitor->setCadence(MonitorCadence::active);
+  scheduler.advance(0.499);
   EXPECT_EQ(memory.statisticsReads, 0);
+  scheduler.advance(0.001);
+  EXPECT_EQ(memory.statisticsReads, 1);
 }
 
 TEST_F(SystemMonitorTest, aStoppedTimerFiresNoMore) {

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What tools/desktop-session.sh promises to the tests that run in it. Needs root for the private system bus."""
+"""Tests of tools/desktop-session.sh, on which the desktop tests rely. Needs root for the private system bus."""
 
 import glob
 import os
@@ -61,7 +61,7 @@ class DesktopSessionTest(unittest.TestCase):
             self.assertIn("/tmp/vorli-session.", value, name)
 
     def testNothingIsLeftBehind(self):
-        # A child that leaves its process group and ignores the polite signal.
+        # A child that leaves its process group and ignores SIGTERM.
         child = "setsid sh -c 'trap \"\" TERM; sleep 600' & echo $VORLI_SESSION_MARK $VORLI_SESSION_DIR"
         run = session("--audio", "none", "--", "sh", "-c", child)
         mark, folder = run.stdout.split()
@@ -72,6 +72,17 @@ class DesktopSessionTest(unittest.TestCase):
         with tempfile.TemporaryDirectory() as home:
             self.assertEqual(session(*BARE, "--home", home, "--", "sh", "-c", "echo kept > $HOME/file").returncode, 0)
             self.assertTrue(os.path.exists(os.path.join(home, "file")))
+
+    def testItsUserHasFinishedTheFirstSteps(self):
+        finished = "[General]\nhasCompletedOnboarding=true\nhasSeenDoneScreen=true\n"
+        show = ("--", "sh", "-c", "cat $XDG_CONFIG_HOME/Vorli/Vorli.ini")
+        self.assertEqual(session(*BARE, *show).stdout, finished)
+        with tempfile.TemporaryDirectory() as home:
+            settings = os.path.join(home, ".config/Vorli/Vorli.ini")
+            os.makedirs(os.path.dirname(settings))
+            with open(settings, "w", encoding="utf-8") as file:
+                file.write("[General]\n")
+            self.assertEqual(session(*BARE, "--home", home, *show).stdout, "[General]\n")
 
     def testLogsAreKeptWhenAsked(self):
         with tempfile.TemporaryDirectory() as logs:

@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 
 int main(int argc, char** argv) {
-  // Neither the desktop nor the bus of whoever runs the tests.
+  // Uses neither the desktop nor the bus of the user who runs the tests.
   qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
   qunsetenv("DISPLAY");
   qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -1,12 +1,12 @@
 # shellcheck shell=bash
-# What the scripts of a private session share. Sourced.
+# Functions that the scripts of a private session share. Sourced.
 
 fail_call() {
   echo "desktop-session: $1" >&2
   exit 64
 }
 
-# fail TEXT [LOG]: the session cannot come up; shows the end of the log that tells why.
+# fail TEXT [LOG]: ends the session with this message and the last lines of the log.
 fail() {
   echo "desktop-session: $1" >&2
   [ -z "${2:-}" ] || tail -n 5 "$VORLI_SESSION_DIR/logs/$2" >&2
@@ -20,14 +20,14 @@ one_of() {
   fail_call "$option takes one of: $*"
 }
 
-# in_background LOG COMMAND...: its output goes to that log; $! is its process id.
+# in_background LOG COMMAND...: runs the command with its output in that log; $! is its process id.
 in_background() {
   local log=$1
   shift
   "$@" >"$VORLI_SESSION_DIR/logs/$log" 2>&1 </dev/null &
 }
 
-# wait_until SECONDS COMMAND...: until the command succeeds; fails when the time is over.
+# wait_until SECONDS COMMAND...: repeats the command until it succeeds; fails after that time.
 wait_until() {
   local looks=$(($1 * 20))
   shift

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# shellcheck disable=SC2154  # the options come in the environment
-# Brings up the desktop itself, as the session's user, and runs the command in it. Started by desktop-session.sh,
-# which gives the options in the environment and ends what is started here.
+# shellcheck disable=SC2154  # the options are environment variables
+# Starts the desktop as the session's user and runs the command in it. Started by desktop-session.sh,
+# which sets the options as environment variables and ends all processes.
 set -u
 
 here=$(dirname "$(readlink -f "$0")")
@@ -23,23 +23,32 @@ private_environment() {
   export LC_ALL=C.UTF-8 LIBGL_ALWAYS_SOFTWARE=1 QT_QPA_PLATFORM=xcb GTK_A11Y=none NO_AT_BRIDGE=1
   channels=$XDG_CONFIG_HOME/xfce4/xfconf/xfce-perchannel-xml
   mkdir -p "$channels" "$XDG_DATA_HOME" "$XDG_CACHE_HOME" "$XDG_STATE_HOME"
+  write_vorli_settings
   [ -r . ] && [ -x . ] || cd "$HOME" || fail "the home folder $HOME cannot be entered"
+}
+
+# The session's user has finished Vorli's first steps; a test of a new user removes the file.
+write_vorli_settings() {
+  local file=$XDG_CONFIG_HOME/Vorli/Vorli.ini
+  [ ! -e "$file" ] || return 0 # the home folder of an earlier session
+  mkdir -p "${file%/*}"
+  printf '%s\n' '[General]' hasCompletedOnboarding=true hasSeenDoneScreen=true >"$file"
 }
 
 start_x_server() {
   mkfifo "$dir/run/display"
   Xvfb -displayfd 7 -screen 0 "${size}x24" -dpi "$dpi" -nolisten tcp -noreset +extension Composite \
     +extension RANDR 7<>"$dir/run/display" >"$dir/logs/x-server" 2>&1 </dev/null &
-  read -r -t 15 number <>"$dir/run/display" || fail "no X server" x-server
+  read -r -t 30 number <>"$dir/run/display" || fail "no X server" x-server
   export DISPLAY=:$number
   wait_until 10 xdpyinfo || fail "the X server does not answer" x-server
-  xsetroot -solid '#56646b' # a colour on which light and dark both show
+  xsetroot -solid '#56646b' # contrasts with light and with dark
   [ "$dpi" = 96 ] || echo "Xft.dpi: $dpi" | xrdb -nocpp -merge
 }
 
 start_session_bus() {
   local services='<standard_session_servicedirs/>' name
-  if [ "$activation" = no ]; then # only what the session itself cannot do without
+  if [ "$activation" = no ]; then # only the services that the session itself needs
     mkdir "$dir/run/services"
     for name in org.xfce.Xfconf org.a11y.Bus; do
       cp "/usr/share/dbus-1/services/$name.service" "$dir/run/services/" 2>/dev/null
@@ -65,7 +74,7 @@ X
   wait_until 10 bus_has_name session org.freedesktop.DBus || fail "no session bus" session-bus
 }
 
-# Services of the runtime folder go before those of the system. The portal's preferences are the session's own.
+# Services in the runtime folder take precedence over the system's. The portal's preferences are for this session only.
 choose_portal() {
   if [ "$portal" = yes ]; then
     export GSETTINGS_BACKEND=keyfile
@@ -86,7 +95,7 @@ start_accessibility() {
 
 window_manager_is_up() { xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'; }
 
-compositor_is_up() { # it owns the selection _NET_WM_CM_S0
+compositor_is_up() { # a compositor owns the selection _NET_WM_CM_S0
   /usr/bin/python3 "$here/selection_owner.py" _NET_WM_CM_S0
 }
 
@@ -117,18 +126,18 @@ X
 
 settings_are_up() { /usr/bin/python3 "$here/selection_owner.py" _XSETTINGS_S0; }
 
-# As the settings daemons of desktops do it.
+# Sets the theme as the settings daemons of desktops do.
 start_settings() {
   [ "$dark" = yes ] || return 0
   local theme=$XDG_DATA_HOME/themes/Adwaita-dark/gtk-3.0
-  mkdir -p "$theme" # a package of its own elsewhere, which holds just this
+  mkdir -p "$theme" # some distributions have a package for this file alone
   echo '@import url("resource:///org/gtk/libgtk/theme/Adwaita/gtk-contained-dark.css");' >"$theme/gtk.css"
   echo 'Net/ThemeName "Adwaita-dark"' >"$dir/run/xsettingsd"
   in_background settings xsettingsd --config "$dir/run/xsettingsd"
   wait_until 10 settings_are_up || fail "no settings of the desktop" settings
 }
 
-# By hand, not by the bus: several installed daemons claim the one name, and the bus would take any of them.
+# Started here and not by the bus: several installed daemons have the same bus name, and the bus would take any one.
 start_notifications() {
   case $notify in
     xfce4) in_background notifications "$(echo /usr/lib/*/xfce4/notifyd/xfce4-notifyd)" ;;
@@ -210,14 +219,14 @@ start_panel() {
   wait_until 10 tray_is_up || fail "no tray in the panel" panel
 }
 
-# A sink that plays into nothing; its monitor can be recorded.
+# A null sink, whose monitor can be recorded.
 start_sound() {
   local suspend=()
   case $audio in
     pulse)
       export PULSE_SERVER=unix:$dir/run/pulse.socket PULSE_COOKIE=$dir/run/cookie PULSE_RUNTIME_PATH=$dir/run/pulse
       [ "$audio_idle" = no ] || suspend=(-L "module-suspend-on-idle timeout=1")
-      # norewinds: the plain sink renders two seconds ahead, and its monitor is silent for so long.
+      # norewinds: otherwise the sink renders two seconds ahead, and its monitor is silent for that time.
       in_background sound pulseaudio -n --daemonize=no --exit-idle-time=-1 --disallow-exit=no --use-pid-file=no \
         --realtime=no --high-priority=no \
         -L "module-native-protocol-unix socket=$dir/run/pulse.socket auth-anonymous=1" \

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""selection_owner.py NAME: succeeds when some client of the X server owns that selection."""
+"""selection_owner.py NAME: succeeds if a client of the X server owns that selection."""
 
 import ctypes
 import sys

@@ -2,9 +2,10 @@
 # shellcheck disable=SC2154  # `here` is the folder of desktop-session.sh
 # A private system bus with the installed daemon and the real polkitd. Sourced by desktop-session.sh, as root.
 #
-# polkitd asks the files below /run/systemd and the control group of a caller who sits at the machine. It is given
-# both: its own mount namespace holds the files of one active local session, and the session's processes are put
-# into that session's control group. So the daemon's actions are granted and refused by their own defaults.
+# polkitd and the daemon read the files below /run/systemd and the control group of a caller to learn who sits at the
+# machine. Here they find one active local session: its files are mounted in their namespaces, and the session's
+# processes are in that session's control group. So polkit grants and refuses the daemon's actions by their own
+# defaults.
 
 # start_system_bus PREFIX USER: sets DBUS_SYSTEM_BUS_ADDRESS and session_cgroup.
 start_system_bus() {
@@ -12,22 +13,47 @@ start_system_bus() {
   mkdir -p "$folder"/{services,policies,actions}
   cp /usr/share/dbus-1/system.d/org.freedesktop.PolicyKit1.conf "$folder/policies/"
   cp /usr/share/polkit-1/actions/*.policy "$folder/actions/"
-  take_helper_file service "$folder/services" "$prefix/share/dbus-1/system-services"
-  take_helper_file conf "$folder/policies" "$prefix/share/dbus-1/system.d" /etc/dbus-1/system.d
-  take_helper_file policy "$folder/actions" "$prefix/share/polkit-1/actions" /usr/share/polkit-1/actions
+  if [ "$registered" = yes ]; then
+    take_helper_file service "$folder/services" "$prefix/share/dbus-1/system-services"
+    take_helper_file conf "$folder/policies" "$prefix/share/dbus-1/system.d" /etc/dbus-1/system.d
+    take_helper_file policy "$folder/actions" "$prefix/share/polkit-1/actions" /usr/share/polkit-1/actions
+  else
+    make_places_to_register "$folder"
+  fi
 
   export DBUS_SYSTEM_BUS_ADDRESS=unix:path=$folder/bus
   write_system_bus_config "$folder" >"$folder/bus.conf"
-  in_background system-bus dbus-daemon --config-file="$folder/bus.conf" --nofork --nopidfile
-  wait_until 10 bus_has_name system org.freedesktop.DBus || fail "no private system bus" system-bus
-
   make_user_session "$user"
-  in_background polkitd unshare --mount --propagation private "$here/session/polkitd.sh" "$folder"
+  local with_login=(unshare --mount --propagation private "$here/session/with-login.sh" "$folder")
+  in_background system-bus "${with_login[@]}" dbus-daemon --config-file="$folder/bus.conf" --nofork --nopidfile
+  wait_until 10 bus_has_name system org.freedesktop.DBus || fail "no private system bus" system-bus
+  in_background polkitd "${with_login[@]}" /usr/lib/polkit-1/polkitd --no-debug
   wait_until 10 bus_has_name system org.freedesktop.PolicyKit1 || fail "no polkitd on the private system bus" polkitd
+  [ "$registered" = yes ] || start_administrator "$prefix"
 }
 
-# take_helper_file SUFFIX TO FOLDER...: from the first of the folders that has the file. The system's own come last:
-# what is installed under /usr/local lies there.
+# make_places_to_register FOLDER: makes a registration write into this session's own files. Also puts this bus where
+# programs with root's rights look for it, because they ignore the address in the environment.
+make_places_to_register() {
+  local folder=$1
+  rm -f "$folder"/actions/com.kv.vorli.* # from an installation on this machine
+  mount -t tmpfs -o mode=755 tmpfs /usr/local && mkdir -p /usr/local/share/dbus-1/system-services /run/dbus &&
+    mount --bind "$folder/services" /usr/local/share/dbus-1/system-services &&
+    mount --bind "$folder/policies" /etc/dbus-1/system.d &&
+    mount --bind "$folder/actions" /usr/share/polkit-1/actions &&
+    mount -t tmpfs -o mode=755 tmpfs /run/dbus && ln -s "$folder/bus" /run/dbus/system_bus_socket ||
+    fail "no places to register a daemon"
+}
+
+# start_administrator PREFIX
+start_administrator() {
+  in_background administrator "$here/session/enter-cgroup.sh" "$session_cgroup" \
+    /usr/bin/python3 -B "$here/session/administrator.py" "$session_id" "$1"
+  wait_until 10 bus_has_name system com.kv.vorli.Administrator || fail "no administrator" administrator
+}
+
+# take_helper_file SUFFIX TO FOLDER...: copies the file from the first folder that has it. The system's folders are
+# last; they have the files of an installation under /usr/local.
 take_helper_file() {
   local name=com.kv.vorli.helper.$1 to=$2 folder
   shift 2
@@ -59,16 +85,20 @@ write_system_bus_config() {
     <allow receive_type="method_return"/>
     <allow receive_type="error"/>
     <allow receive_type="signal"/>
+    <allow send_destination="com.kv.vorli.Administrator"/>
     <allow send_destination="org.freedesktop.DBus"/>
     <deny send_destination="org.freedesktop.DBus" send_interface="org.freedesktop.DBus"
           send_member="UpdateActivationEnvironment"/>
+  </policy>
+  <policy user="root">
+    <allow own="com.kv.vorli.Administrator"/>
   </policy>
   <includedir>$1/policies</includedir>
 </busconfig>
 X
 }
 
-# The files that a login manager keeps for one active session at the machine's own seat, and its control group.
+# Writes the files that a login manager keeps for an active session at the local seat, and makes its control group.
 make_user_session() {
   local uid user=$1 login=$VORLI_SESSION_DIR/system/login
   uid=$(id -u "$user")
@@ -88,11 +118,11 @@ make_user_session() {
   mkdir -p "$session_cgroup" || fail "no control group for the session"
 }
 
-# The kernel keeps a control group after its mount is gone, so the session's own goes first. Its parents may serve
-# another session.
+# A control group outlives its mount, so the session's group is removed first. Another session may use its parents. A
+# process that ends loses its environment, by which it is found, before it leaves its group.
 remove_user_session() {
   [ -n "${session_cgroup:-}" ] || return 0
-  rmdir "$session_cgroup" 2>/dev/null
+  wait_until 5 rmdir "$session_cgroup"
   rmdir -p --ignore-fail-on-non-empty "${session_cgroup%/*}" 2>/dev/null
   umount "$VORLI_SESSION_DIR/system/cgroup" 2>/dev/null
 }

@@ -1,32 +1,59 @@
-"""Which folder may include which, no cycle of includes, and ports that line up with their back ends and fakes."""
+"""Checks which folder includes which, that no includes form a cycle, and that ports have their back ends and fakes."""
 
 import glob
 import os
 import re
 
-CORE = ("app", "sampling", "helper", "polish", "insights", "startup", "nudges", "diagnostics", "ambient", "flows")
-CONTRACT = ("helper/HelperProtocol.h", "helper/SystemStartupFolders.h", "helper/PauseMarks.h")
+# The core, lowest folder first: data flows one way because a folder includes only those that its row names.
+CORE_FOLDERS = {
+    "settings": (),
+    "helper": ("settings",),
+    "insights": ("settings", "helper"),
+    "sampling": ("settings", "insights"),
+    "diagnostics": ("settings",),
+    "startup": ("settings", "helper", "insights", "sampling"),
+    "ambient": ("sampling", "insights"),
+    "polish": ("settings", "helper", "insights", "sampling", "ambient"),
+    "nudges": ("settings", "helper", "insights", "sampling", "polish"),
+    "popover": ("settings", "helper", "insights", "sampling", "ambient", "polish"),
+    "flows": ("settings", "helper", "insights", "sampling", "diagnostics", "startup", "ambient", "polish", "nudges"),
+}
+CORE = (*CORE_FOLDERS, "app")
+# Single headers that cross the order, each with its reason.
+CROSSING = {
+    "insights": ("sampling/RingState.h",),  # the only place that says where the ring's states begin; includes nothing
+}
+BELOW_THE_CORE = ("base", "formats", "contract", "ports")
 
-# What a folder may include from src: a folder stands for everything in it, a file for itself. The longest
-# folder name that fits a file decides.
+# Folders and files that a folder may include from src; a folder means everything in it. The longest folder
+# name that fits a file decides.
 MAY_INCLUDE = {
     "base": ("base",),
-    "ports": ("base", "ports", *CONTRACT),
-    "sampling": ("base", "ports", "sampling", "insights", "app/AppSettings.h"),
-    **{folder: ("base", "ports", *CORE) for folder in CORE if folder != "sampling"},
-    "daemon": ("base", "daemon", *CONTRACT),
-    "posix": ("base", "ports", "posix", *CONTRACT),
-    "linux": ("base", "ports", "posix", "linux", *CONTRACT),
-    "linux/daemon": ("base", "daemon", "posix", "linux/daemon", *CONTRACT),
-    "macos": ("base", "ports", "posix", "macos", *CONTRACT),
-    "macos/daemon": ("base", "daemon", "posix", "macos/daemon", *CONTRACT),
-    "ui": ("base", "ports", *CORE, "ui"),
-    "ui/linux": ("base", "ports", *CORE, "ui"),
-    "ui/macos": ("base", "ports", *CORE, "ui"),
+    "formats": ("base", "formats"),
+    "contract": ("base", "contract"),
+    "ports": ("base", "contract", "ports"),
+    **{
+        folder: (*BELOW_THE_CORE, folder, *lower, *CROSSING.get(folder, ()))
+        for folder, lower in CORE_FOLDERS.items()
+    },
+    "app": (*BELOW_THE_CORE, *CORE),
+    "daemon": ("base", "formats", "contract", "daemon"),
+    "posix": ("base", "formats", "contract", "ports", "posix"),
+    "posix/daemon": ("base", "formats", "contract", "daemon", "posix"),
+    "linux": ("base", "formats", "contract", "ports", "posix", "linux"),
+    "linux/bus": ("linux/bus",),
+    "linux/daemon": ("base", "formats", "contract", "daemon", "posix", "linux/bus", "linux/daemon"),
+    "macos": ("base", "formats", "contract", "ports", "posix", "macos"),
+    "macos/daemon": ("base", "formats", "contract", "daemon", "posix", "macos/daemon", "macos/Text.h",
+                     "macos/helper/HelperContract.h"),
+    "ui": (*BELOW_THE_CORE, *CORE, "ui"),
+    "ui/linux": (*BELOW_THE_CORE, *CORE, "ui"),
+    "ui/macos": (*BELOW_THE_CORE, *CORE, "ui", "macos/Observation.h", "macos/Text.h"),
     "main": ("",),
 }
 HIDDEN_IN_UI = ("ui/linux", "ui/macos")  # only themselves and main include these
-MAY_INCLUDE_OS = ("posix", "linux", "linux/daemon", "macos", "macos/daemon", "ui/linux", "ui/macos", "main")
+MAY_INCLUDE_OS = ("posix", "posix/daemon", "linux", "linux/bus", "linux/daemon", "macos", "macos/daemon", "ui/linux",
+                  "ui/macos", "main")
 MAY_INCLUDE_QT = {
     "linux": ("QtCore", "QtDBus"),
     "ui": ("QtCore", "QtDBus", "QtGui", "QtWidgets"),
@@ -34,11 +61,17 @@ MAY_INCLUDE_QT = {
     "ui/macos": ("QtCore", "QtGui", "QtWidgets"),
     "main": ("QtCore", "QtDBus", "QtGui", "QtWidgets"),
 }
-# Made by the build from packaging/linux/com.kv.vorli.helper.xml; both pull in the bus library.
+# Generated from src/contract/com.kv.vorli.helper.xml; both include the bus library.
 GENERATED = ("helper_contract/HelperAdaptor.h", "helper_contract/HelperProxy.h")
 
-# Ports whose back end or fake is still being written. The list only shrinks.
-PORTS_UNDER_WAY = set()
+# Ports whose back end for a system is still being written. The lists only shrink.
+PORTS_UNDER_WAY = {
+    "linux": frozenset(),
+    "macos": frozenset(),
+}
+
+# Readers of text that comes from another reader, not from outside.
+NOT_READERS = {"PropertyListBuilder"}
 
 STANDARD = frozenset(
     """algorithm any array atomic barrier bit bitset cassert cctype cerrno cfenv cfloat charconv chrono cinttypes
@@ -53,7 +86,7 @@ STANDARD = frozenset(
 
 
 def folder_of(path, table=MAY_INCLUDE):
-    """The entry of the table that a path inside src belongs to, or None."""
+    """The table's entry for a path inside src, or None."""
     parts = path.split("/")[:-1]
     while parts:
         if "/".join(parts) in table:
@@ -67,7 +100,7 @@ def _within(path, entry):
 
 
 def _qt_module(header):
-    """QtCore and so on, None when the header is not Qt's, "Qt" when the installed Qt does not know it."""
+    """The Qt library of a header, such as QtCore; None if it is not Qt's, "Qt" if the installed Qt does not have it."""
     if "/" in header and header.startswith("Qt"):
         return header.split("/")[0]
     if not re.match(r"Q[A-Za-z]+$|q[a-z_]+\.h$", header):
@@ -98,7 +131,7 @@ def _refusal(folder, include, files):
 
 
 def check_includes(sources):
-    """Each include against the table; `sources` are the files below src."""
+    """Checks each include against the table; `sources` are the files below src."""
     files = {source.path[len("src/") :] for source in sources}
     for source in sources:
         folder = folder_of(source.path[len("src/") :])
@@ -112,7 +145,7 @@ def check_includes(sources):
 
 
 def check_cycles(sources):
-    """Each cycle of includes between files, told once."""
+    """Yields each cycle of includes between files once."""
     graph = {
         source.path[len("src/") :]: [include.target for include in source.includes if include.quoted]
         for source in sources
@@ -137,19 +170,49 @@ def check_cycles(sources):
         yield "src/" + cycle[0], 1, "includes itself in a circle: " + " -> ".join(cycle)
 
 
-def check_ports(sources, tests, under_way=frozenset(PORTS_UNDER_WAY)):
-    """Each port has its back end and its fake under its own name; a fake of a port bears the port's name."""
-    paths = {file.path for file in (*sources, *tests)}
-    ports = {source.name for source in sources if source.path.startswith("src/ports/") and "virtual" in source.code}
+# Folders with the back ends of a system, with the folders inside them, except those that belong to another system or to
+# the daemon.
+SYSTEMS = {
+    "linux": ("linux", "posix", "ui"),
+    "macos": ("macos", "posix", "ui"),
+}
+
+
+def _is_back_end_of(system, path):
+    """Whether a path inside src belongs to a system's back ends."""
+    parts = path.split("/")[:-1]
+    if "daemon" in parts or any(other in parts for other in SYSTEMS if other != system):
+        return False
+    return bool(parts) and parts[0] in SYSTEMS[system]
+
+
+def _ports(sources):
+    return {source.name for source in sources if source.path.startswith("src/ports/") and "virtual" in source.code}
+
+
+def _has_back_end(name, system, tree):
+    return any(path.endswith(f"/{name}.h") and _is_back_end_of(system, path) for path in tree)
+
+
+def check_ports(sources, tests, under_way=None):
+    """Each port has a back end in each system that has a folder, and a fake, all of the port's name; a fake of a
+    port has the port's name. `under_way` names the ports of each system that may still lack their back end."""
+    under_way = PORTS_UNDER_WAY if under_way is None else under_way
+    tree = [source.path[len("src/") :] for source in sources]
+    fakes = {test.path for test in tests}
+    systems = [system for system in SYSTEMS if any(path.startswith(system + "/") for path in tree)] or ["linux"]
+    ports = _ports(sources)
     for name in sorted(ports):
-        missing = []
-        if not any(f"src/{folder}/{name}.h" in paths for folder in ("linux", "posix", "ui/linux", "ui")):
-            missing.append(f"back end (linux/{name}.h, posix/{name}.h or ui/linux/{name}.h)")
-        if f"tests/fakes/{name}.h" not in paths:
+        missing = [
+            f"back end for {system} ({system}/.../{name}.h)"
+            for system in systems
+            if name not in under_way[system] and not _has_back_end(name, system, tree)
+        ]
+        if f"tests/fakes/{name}.h" not in fakes:
             missing.append(f"fake (tests/fakes/{name}.h)")
-        if missing and name not in under_way:
+        if missing:
             yield f"src/ports/{name}.h", 1, "has no " + " and no ".join(missing)
-    for name in sorted(under_way - ports):
+    for name in sorted(frozenset().union(*under_way.values()) - ports):
         yield f"src/ports/{name}.h", 1, "is listed as under way but is no port"
     for fake in tests:
         if fake.path.startswith("tests/fakes/") and fake.name not in ports:
@@ -158,7 +221,20 @@ def check_ports(sources, tests, under_way=frozenset(PORTS_UNDER_WAY)):
                 yield fake.path, 1, f"fakes {ported[0]} under another name"
 
 
-def settled_ports(sources, tests):
-    """Ports of the list of those under way that have all they need: they can be taken off it."""
-    waiting = {path for path, _, _ in check_ports(sources, tests, frozenset())}
-    return sorted(name for name in PORTS_UNDER_WAY if f"src/ports/{name}.h" not in waiting)
+def check_fuzzers(sources, tests):
+    """Each reader in formats, a header that takes text or bytes, has a fuzzer of its name."""
+    paths = {test.path for test in tests}
+    for source in sources:
+        reads = re.search(r"\bstd::(?:string_view|span)\b", source.code)
+        if not reads or not source.path.startswith("src/formats/") or not source.path.endswith(".h"):
+            continue
+        if source.name not in NOT_READERS and f"tests/fuzz/{source.name}Fuzzer.cpp" not in paths:
+            yield source.path, 1, f"has no fuzzer (tests/fuzz/{source.name}Fuzzer.cpp)"
+
+
+def settled_ports(sources):
+    """Ports in PORTS_UNDER_WAY that have a back end, each with its system."""
+    tree = [source.path[len("src/") :] for source in sources]
+    return sorted(
+        (name, system) for system, names in PORTS_UNDER_WAY.items() for name in names if _has_back_end(name, system, tree)
+    )

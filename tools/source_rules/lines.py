@@ -20,15 +20,14 @@ _SLEEP_IN_TEST = {
     (".py",): re.compile(r"\btime\.sleep\b|^\s*from time import .*\bsleep\b", re.MULTILINE),
     (".sh",): re.compile(r"(?:^|[\s;&|(])sleep\s+[\d$]", re.MULTILINE),
 }
-_SHARED = re.compile(r"\b[A-Z]\w*::shared\(\)")
 _PLATFORM_IF = re.compile(
     r"^[ \t]*#[ \t]*(?:el)?if[^\n]*\b(?:__linux__|__APPLE__|_WIN32|__unix__|__GLIBC__|__FreeBSD__|Q_OS_\w+|TARGET_OS_\w+)\b",
     re.MULTILINE,
 )
-# The bus library reads these from /proc by the caller's pid, or judges by that pid: another process may have it.
+# The bus library reads these from /proc by the caller's pid, which may belong to another process by then.
 _BY_PID = re.compile(r"\b(?:getCredsUid|getCredsPid|getCredsGid)\b|unix-process")
-# What the root daemon's sources hold none of; its environment is read, and emptied, in one place.
-_ROOT_DAEMON = ("daemon/", "linux/daemon/", "main/helper_")
+# Forbidden in the root daemon's sources, except in the places below.
+_ROOT_DAEMON = ("daemon/", "posix/daemon/", "linux/daemon/", "main/helper_")
 _NOT_AS_ROOT = (
     (re.compile(r"\bGetConnectionUnixProcessID\b|\bGetConnectionCredentials\b|\bsd_bus_(?:query_sender_)?creds\w*|"
                 r"\bSO_PEERCRED\b|\bSO_PEERPIDFD\b"), "asks who a caller's process is"),
@@ -37,18 +36,20 @@ _NOT_AS_ROOT = (
     (re.compile(r"\b(?:setuid|seteuid|setreuid|setresuid|setgid|setresgid|setfsuid)\s*\("), "takes a caller's user"),
     (re.compile(r"\bgetenv\s*\(|\bsecure_getenv\s*\(|\benviron\b"), "reads the environment as root"),
 )
+# One place clears the environment; another holds on to a caller's process, which can only reduce its rights.
+_EXCEPT = (("StartContext", "environment"), ("BusCallers", "process"))
 _CO_AWAIT = re.compile(r"\bco_await\b[^;]*")
 _TASK_LAMBDA = re.compile(r"\]\s*\([^()]*\)\s*(?:mutable\s*)?->\s*(?:\w+::)*Task<")
 
 
 def _is_clock(path):
-    """The places that are the program's clocks: the scheduler with the timer that wakes it, and the calendar."""
+    """Whether this is one of the program's clocks: the scheduler, the timer that wakes it, or the calendar."""
     name = path.rsplit("/", 1)[-1].rsplit(".", 1)[0]
     return name.endswith(("Scheduler", "WakeTimer", "CalendarClock"))
 
 
 def _is_waiting(path):
-    """The one kind of test file that may pause: between two looks at a condition, until a deadline."""
+    """Whether this is a test file of the only kind that may pause, between two checks of a condition."""
     return path.rsplit("/", 1)[-1].split(".")[0].lower() == "waiting"
 
 
@@ -72,8 +73,6 @@ def check_source_lines(sources):
     for source in sources:
         inside = source.path[len("src/") :]
         folder = folder_of(inside) or ""
-        if not inside.startswith(("main/", "app/", "ui/")) and inside != "base/SharedInstance.h":
-            yield from _hits(source, _SHARED, "shared() is for main, app and ui")
         if not _is_clock(inside):
             yield from _hits(source, _CLOCK, "a clock, sleep or timer outside Scheduler and CalendarClock")
         if folder not in MAY_INCLUDE_OS and inside != "base/HostSystem.h":
@@ -85,7 +84,7 @@ def check_source_lines(sources):
 
 def _check_root_daemon(source):
     for pattern, message in _NOT_AS_ROOT:
-        if source.name != "StartContext" or "environment" not in message:
+        if not any(source.name == name and word in message for name, word in _EXCEPT):
             yield from _hits(source, pattern, message, source.text)
 
 
@@ -99,7 +98,7 @@ def check_sizes(sources, tests):
 
 def check_sleeps(tests):
     for test in tests:
-        if _is_waiting(test.path) or test.path.startswith("tests/tools/"):  # these plant what is forbidden
+        if _is_waiting(test.path) or test.path.startswith("tests/tools/"):  # these tests plant what is forbidden
             continue
         for suffixes, pattern in _SLEEP_IN_TEST.items():
             if test.path.endswith(suffixes):
@@ -108,7 +107,7 @@ def check_sleeps(tests):
 
 
 def check_contract(path, text):
-    """The generator ignores any other spelling than these two and then makes an adaptor that blocks."""
+    """Refuses other spellings than these two: the generator ignores them and makes an adaptor that blocks."""
     methods = re.findall(r'<method name="(\w+)">(.*?)</method>', text, re.DOTALL)
     if not methods:
         yield path, 1, "declares no method"

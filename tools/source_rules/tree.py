@@ -15,7 +15,7 @@ _COMMENT_OR_LITERAL = re.compile(
     """,
     re.VERBOSE | re.DOTALL,
 )
-_INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(<[^>\n]+>|"[^"\n]+")', re.MULTILINE)
+_INCLUDE = re.compile(r'^[ \t]*#[ \t]*(?:include|import)[ \t]*(<[^>\n]+>|"[^"\n]+")', re.MULTILINE)
 
 
 @dataclass(frozen=True)
@@ -27,9 +27,9 @@ class Include:
 
 @dataclass
 class SourceFile:
-    path: str  # from the root of the tree, with slashes
+    path: str  # path from the root of the tree, with slashes
     text: str
-    code: str = field(init=False)  # same lines, comments and literals blanked
+    code: str = field(init=False)  # the same lines with comments and literals blanked
     includes: list = field(init=False)
 
     def __post_init__(self):

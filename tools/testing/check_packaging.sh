@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# check_packaging.sh PREFIX: what is installed there is complete and well-formed.
+# check_packaging.sh PREFIX: checks that the installation there is complete and well-formed.
 set -u
 prefix=$1 passed=0 failed=0
 
@@ -14,12 +14,26 @@ icon_has_size() { # SIZE
   [ "$(identify -format '%wx%h' "$file")" = "$1x$1" ]
 }
 
+icon_of_policy() {
+  sed -n 's|.*<icon_name>\(.*\)</icon_name>.*|\1|p' "$prefix/share/polkit-1/actions/com.kv.vorli.helper.policy"
+}
+
+# Succeeds when there are no warnings on standard error.
+manual_is_clean() { # FILE
+  [ -f "$1" ] && [ -z "$(LC_ALL=C.UTF-8 zcat "$1" | groff -man -Tutf8 -ww -z 2>&1)" ]
+}
+
+is_stripped() { ! readelf --section-headers --wide "$1" | grep -qE ' \.(symtab|debug_info) '; } # FILE
+
 check "desktop entry" desktop-file-validate "$prefix/share/applications/com.kv.vorli.desktop"
 check "desktop entry starts this program" grep -qx "Exec=$prefix/bin/vorli" "$prefix/share/applications/com.kv.vorli.desktop"
 check "session service starts this program" grep -qx "Exec=$prefix/bin/vorli" "$prefix/share/dbus-1/services/com.kv.vorli.service"
 check "catalogue entry" appstreamcli validate --no-net "$prefix/share/metainfo/com.kv.vorli.metainfo.xml"
 for size in 16 22 24 32 48 64 128 256 512; do check "icon of $size pixels" icon_has_size $size; done
 check "program" test -x "$prefix/bin/vorli"
+check "icon of the password window" test -f "$prefix/share/icons/hicolor/48x48/apps/$(icon_of_policy).png"
+for page in man1/vorli.1 man8/vorli-helper.8; do check "manual page $page" manual_is_clean "$prefix/share/man/$page.gz"; done
+for program in bin/vorli libexec/vorli/vorli-helper; do check "$program has no symbols" is_stripped "$prefix/$program"; done
 check "daemon" test -x "$prefix/libexec/vorli/vorli-helper"
 check "fonts" test "$(find "$prefix/share/vorli/fonts" -name '*.ttf' | wc -l)" = 6
 check "licences of the fonts" test "$(find "$prefix/share/vorli/fonts" -name '*-LICENSE.txt' | wc -l)" = 2

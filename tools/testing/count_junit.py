@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""count_junit.py REPORT: prints "PASSED FAILED" of a report of ctest; a test that did not run is a failed one."""
+"""count_junit.py REPORT: prints "PASSED FAILED" for a report of ctest. A test that was not run counts as failed."""
 
 import sys
 import xml.etree.ElementTree as ElementTree

@@ -2,23 +2,23 @@
 # shellcheck disable=SC2154  # logs comes from steps.sh
 # Tests of the installed program, each in a private desktop session. Sourced by ./test.
 #
-# Such a test is a file tests/desktop/*.py with lines "# session: OPTIONS": it runs once for each line, in a session
-# with those options (those of tools/desktop-session.sh; PREFIX stands for where the program is installed). It finds
+# Such a test is a file tests/desktop/*.py with lines "# session: OPTIONS". It runs once for each line, in a session
+# with those options of tools/desktop-session.sh, where PREFIX stands for the installation. It has the variables
 #   VORLI_PREFIX     the installation
-#   VORLI_PICTURES   a folder for pictures, one PNG a state, named after it
+#   VORLI_PICTURES   a folder for pictures, one PNG for each state, named after it
 #   VORLI_VARIANT    the number of its line, from 1
 
 pictures=$PWD/build/pictures
 
-# prepare_installed PRESET: installs that build where any user can read it, together with the tests.
+# prepare_installed PRESET: installs that build and the tests where any user can read them.
 prepare_installed() {
   stage=$(mktemp -d /tmp/vorli-test.XXXXXX) && trap 'rm -rf "$stage"' EXIT || return
   mkdir "$stage"/{prefix,tools,tests,pictures} || return
   cp -r tools/session tools/*.py "$stage/tools/" && cp -r tests/desktop "$stage/tests/" || return
-  chmod 755 "$stage" && chmod 1777 "$stage/pictures" && cmake --install "build/$1" --prefix "$stage/prefix"
+  chmod 755 "$stage" && chmod 1777 "$stage/pictures" && cmake --install "build/$1" --strip --prefix "$stage/prefix"
 }
 
-# installed_tests: NAME, file and options of each, parted by tabs.
+# installed_tests: prints name, file and options of each test, separated by tabs.
 installed_tests() {
   local file name count options
   for file in tests/desktop/*.py; do
@@ -46,12 +46,14 @@ run_installed() {
   return $status
 }
 
-# One sheet with every picture that the rung left, so that a look at one file shows all states; of those in a folder
-# "states" there are sheets already.
+# Makes one sheet with all pictures of the rung, so that one file shows all states. The folder "states" has its own
+# sheets.
 contact_sheet() {
   local files
   mapfile -t files < <(find "$pictures" -name '*.png' ! -name contact-sheet.png ! -path '*/states/*' | sort)
   [ ${#files[@]} -gt 0 ] || return 1
-  (cd "$pictures" && montage -label '%d/%t' "${files[@]#"$pictures/"}" -tile 4x -geometry '420x300>+10+10' \
+  files=("${files[@]#"$pictures/"}")
+  # Pictures are made small while they are read: all of them at full size need more memory than the program may have.
+  (cd "$pictures" && montage -label '%d/%t' "${files[@]/%/[420x300>]}" -tile 4x -geometry '420x300>+10+10' \
     -background '#f4f2ee' contact-sheet.png)
 }

@@ -1,7 +1,9 @@
 # shellcheck shell=bash
 # shellcheck disable=SC2154  # stage and pictures come from installed.sh
-# What each rung of the test command does. Sourced by ./test.
+# shellcheck disable=SC2034  # needed_by_... are read by ./test
+# Defines each rung of the test command, and the groups of tools/packages that it needs. Sourced by ./test.
 
+needed_by_static=(build unit desktop static macos)
 rung_static() {
   step "rules of the tree" tools/check_includes
   local script
@@ -11,18 +13,32 @@ rung_static() {
   build dev vorli_helper_contract_headers && step "clang-tidy" tools/check_tidy build/dev
 }
 
+needed_by_macos=(build unit macos)
+rung_macos() {
+  step "framework headers against facts" tools/check_frameworks
+  step "property lists of the bundle" tests/macos/property_lists_test.py
+  step "sources for macOS" tools/check_macos
+  step "programs for macOS" tools/check_macos_programs
+  step "macOS back end on fakes" tests/macos/run
+}
+
+needed_by_unit=(build unit fonts)
 rung_unit() {
   build dev && ctest_step "unit tests" dev --label-exclude "desktop|helper"
 }
 
+needed_by_helper=(build run unit helper)
 rung_helper() {
   build dev && build package || return
-  step "promises of the root daemon" tests/helper/run --no-build
-  step "its client" tests/helper/run_client
+  step "promises of the root daemon" tests/daemon/run --no-build
+  step "all of them at once, under attack" tests/daemon/run --no-build --soak 45
+  step "its client" tests/daemon/run_client
+  step "logins of a user's service manager" tests/desktop/unit_logins.py build/dev/tests/vorli_startup_probe
   step "Debian package" tests/packaging/run --no-build
 }
 
-# The tests that bring their own programs and sessions are known to ctest; the others drive the installed program.
+needed_by_desktop=(build run unit desktop test fonts)
+# ctest runs the tests with their own programs and sessions; the other tests use the installed program.
 rung_desktop() {
   local name file options
   rm -rf "$pictures" && mkdir -p "$pictures"
@@ -35,16 +51,34 @@ rung_desktop() {
   must "contact sheet of the pictures" contact_sheet
 }
 
+needed_by_asan=(build run unit helper fonts)
 rung_asan() {
   build asan && ctest_step "unit tests under AddressSanitizer" asan --label-exclude desktop
-  step "root daemon under AddressSanitizer" tests/helper/run --build asan
+  step "root daemon under AddressSanitizer" tests/daemon/run --build asan
 }
 
+needed_by_tsan=(build run unit helper fonts)
 rung_tsan() {
-  build tsan && ctest_step "unit tests under ThreadSanitizer" tsan --label-exclude desktop
-  step "root daemon under ThreadSanitizer" tests/helper/run --build tsan
+  # Leaves out the drawing code, a quarter of the build, as it has only one thread. tests/CMakeLists.txt leaves out the
+  # tests of the core that start no other.
+  build tsan vorli_unit_tests vorli_linux_tests vorli_linux_daemon_tests vorli_helper_client_tests \
+    vorli-helper &&
+    ctest_step "unit tests under ThreadSanitizer" tsan --label-exclude "desktop|ui"
+  step "root daemon under ThreadSanitizer" tests/daemon/run --build tsan
 }
 
+needed_by_fuzz=(build unit static)
 rung_fuzz() {
   step "fuzzers" tests/fuzz/run
+}
+
+needed_by_elsewhere=(fonts elsewhere)
+rung_elsewhere() {
+  must "another release of Debian" tools/testing/elsewhere make && must "build there" tools/testing/elsewhere build ||
+    return
+  step "unit tests there" tools/testing/elsewhere unit
+  step "daemon's client there" tools/testing/elsewhere client
+  step "promises of the root daemon there" tools/testing/elsewhere promises
+  step "visit there" tools/testing/elsewhere visit
+  step "installation and removal there" tools/testing/elsewhere removal
 }

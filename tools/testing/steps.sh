@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# The steps of the test command: each runs something with its output in a log, tells how it went in one line, and
+# The steps of the test command: each runs something with its output in a log, prints its result in one line, and
 # adds to the counts. Sourced by ./test.
 
 logs=$PWD/build/logs
@@ -7,16 +7,16 @@ passed=0 failed=0
 failures=()
 mkdir -p "$logs"
 
-# begin NAME: on a terminal, what is being waited for.
+# begin NAME: prints the name of the running step on a terminal.
 begin() { [ ! -t 1 ] || printf '  ...   %s\r' "$1"; }
 
-# What of a log tells why its step failed: the lines that say so with what follows them; its end when there are none.
+# Prints the reason of a failure from a log: lines with an error and those after them, or else the end of the log.
 why() {
-  grep -E -A 3 -e '^(BROKEN|FAILED|FAIL:|ERROR:)' -e ': Failure$' -e '(^| |[a-z])[Ee]rror: ' -e 'Sanitizer: ' \
-    -e '\*\*\*|tests FAILED|took too long|was skipped' "$1" | head -n 25 | cut -c 1-240 | grep . || tail -n 25 "$1"
+  grep -v '^ *kept ' "$1" | grep -E -A 3 -e '^ *(BROKEN|FAILED|FAIL:|ERROR:)' -e ': Failure$' -e '(^| |[a-z])[Ee]rror: ' -e 'Sanitizer: ' \
+    -e '\*\*\*|tests FAILED|took too long|was skipped' | head -n 25 | cut -c 1-240 | grep . || tail -n 25 "$1"
 }
 
-# tell NAME GOOD BAD SECONDS LOG: counts; shows what matters of the log when something failed.
+# tell NAME GOOD BAD SECONDS LOG: prints a result and adds it to the counts; a failure with its reason from the log.
 tell() {
   passed=$((passed + $2)) failed=$((failed + $3))
   if [ "$3" -eq 0 ]; then
@@ -28,14 +28,14 @@ tell() {
   fi
 }
 
-# log_of NAME: a file for the output of a step.
+# log_of NAME: prints the file for the output of a step.
 log_of() {
   local name=${1//[^A-Za-z0-9._-]/-}
   mkdir -p "$logs"
   echo "$logs/$name.log"
 }
 
-# counts_of LOG: "PASSED FAILED" when the log closes with "N passed, N failed" or as Python's tests do.
+# counts_of LOG: prints "PASSED FAILED" if the log ends with "N passed, N failed" or like Python's tests.
 counts_of() {
   tail -n 3 "$1" | awk '
     /^[0-9]+ passed, [0-9]+ failed$/ { print $1, $3 + 0 }
@@ -44,7 +44,7 @@ counts_of() {
     /^FAILED \(/ && ran { gsub(/[^0-9]+/, " "); bad = $1 + $2; print ran - bad, bad }'
 }
 
-# bounded COMMAND...: none may hold up the rest for longer than this. Functions of the shell bring limits of their own.
+# bounded COMMAND...: ends the command after a time limit. Shell functions have their own limits.
 bounded() {
   if [ "$(type -t "$1")" = function ]; then
     "$@"
@@ -56,7 +56,7 @@ bounded() {
   fi
 }
 
-# step NAME COMMAND...: a test in itself, or as many as it counts.
+# step NAME COMMAND...: runs one test, or as many as its log counts.
 step() {
   local name=$1 log start=$SECONDS status counts
   shift
@@ -77,7 +77,7 @@ step() {
   [ "$2" = 0 ]
 }
 
-# must NAME COMMAND...: what the following steps build on. Not a test; counts only when it fails.
+# must NAME COMMAND...: runs a prerequisite of the next steps. It is no test, and counts only if it fails.
 must() {
   local name=$1 log start=$SECONDS
   shift
@@ -92,13 +92,17 @@ must() {
 }
 
 build() { # build PRESET [TARGET...]
-  local preset=$1
+  local preset=$1 light=()
   shift
   [ $# -eq 0 ] || set -- --target "$@"
-  must "configure $preset" cmake --preset "$preset" -Wno-dev && must "build $preset" cmake --build --preset "$preset" "$@"
+  # Nobody debugs or rebuilds what CI builds, so sources are compiled several at a time, and debug information is just
+  # enough for a stack trace. The shipped program is compiled as everywhere.
+  [ -z "${CI-}" ] || light=(-DCMAKE_CXX_FLAGS_DEBUG=-g1 "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O2 -g1 -DNDEBUG")
+  [ -z "${CI-}" ] || [ "$preset" = package ] || light+=(-DCMAKE_UNITY_BUILD=ON)
+  must "configure $preset" cmake --preset "$preset" -Wno-dev "${light[@]}" && must "build $preset" cmake --build --preset "$preset" "$@"
 }
 
-# ctest_step NAME PRESET [ARGUMENT...]: the tests of a build tree, each counted; not run or skipped is failed.
+# ctest_step NAME PRESET [ARGUMENT...]: runs and counts the tests of a build tree; skipped ones count as failed.
 ctest_step() {
   local name=$1 preset=$2 log report start=$SECONDS counts
   shift 2

@@ -20,9 +20,9 @@ std::string ownPath() {
 }  // namespace
 
 BinaryWatch::BinaryWatch() : path_(ownPath()), watch_(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
-  // Replacing by rename takes a link from the file: a change of its attributes.
+  // Replacing the file by rename lowers its link count, which is a change of its attributes.
   if (watch_ && ::inotify_add_watch(watch_.get(), ownFile, IN_ATTRIB | IN_MOVE_SELF | IN_DELETE_SELF) < 0)
-    watch_ = FileDescriptor();
+    watch_ = posix::FileDescriptor();
 }
 
 bool BinaryWatch::isReplaced() {

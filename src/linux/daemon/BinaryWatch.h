@@ -1,6 +1,6 @@
 #pragma once
 
-#include "linux/daemon/FileDescriptor.h"
+#include "posix/FileDescriptor.h"
 
 #include <string>
 
@@ -12,14 +12,14 @@ class BinaryWatch {
  public:
   BinaryWatch();
 
-  /// Can be read when there is something to look at; -1 when the system gives no watch.
+  /// Readable when the file may have changed; -1 when the system provides no watch.
   int fileDescriptor() const { return watch_.get(); }
-  /// Takes the news in. True when another file, or none, bears the name now.
+  /// Reads the pending events. True when the path now names another file, or none.
   bool isReplaced();
 
  private:
   std::string path_;
-  FileDescriptor watch_;
+  posix::FileDescriptor watch_;
 };
 
 }  // namespace vorli::linuxhost

@@ -6,7 +6,7 @@
 
 namespace vorli::linuxhost {
 
-/// A DNS cache that is emptied by calls that block: they are made on a worker.
+/// A DNS cache that is emptied by blocking calls, which run on a worker.
 class BlockingDNSCache : public daemon::DNSCache {
  public:
   BlockingDNSCache(Scheduler& scheduler, daemon::Workers& workers)
@@ -15,7 +15,7 @@ class BlockingDNSCache : public daemon::DNSCache {
   void flush(double seconds, OnceReply<Outcome> reply) final;
 
  protected:
-  /// On a worker's thread; returns within about `seconds`.
+  /// Runs on a worker's thread; returns within about `seconds`.
   virtual Outcome flushNow(double seconds) = 0;
 
  private:

@@ -1,10 +1,10 @@
 #include "linux/daemon/BusDNSCache.h"
 
+#include "linux/bus/Library.h"
 #include "linux/daemon/BusNames.h"
 
 #include <cerrno>
 #include <chrono>
-#include <sdbus-c++/sdbus-c++.h>
 
 namespace vorli::linuxhost {
 
@@ -36,14 +36,12 @@ const BusDNSCache::Method BusDNSCache::dnsmasq{"dnsmasq", "uk.org.thekelleys.dns
                                                "ClearCache"};
 
 BusDNSCache::BusDNSCache(sdbus::IConnection& connection, const Method& method)
-    : connection_(connection),
-      method_(method),
-      bus_(sdbus::createProxy(connection, bus::service, bus::path)) {}
+    : connection_(connection), method_(method), bus_(bus::proxy(connection, bus::service, bus::path)) {}
 
 BusDNSCache::~BusDNSCache() = default;
 
-// The call goes to the owner's unique name: one to the service's name would start a service that does not
-// run, and one that cannot start holds such a call for 25 seconds.
+// Calls the owner's unique name. A call to the service's name would start a service that is not running, and
+// hang for 25 seconds when the service cannot start.
 void BusDNSCache::flush(double seconds, OnceReply<Outcome> reply) {
   auto held = std::make_shared<OnceReply<Outcome>>(std::move(reply));
   try {
@@ -51,7 +49,7 @@ void BusDNSCache::flush(double seconds, OnceReply<Outcome> reply) {
         .onInterface(bus::interface)
         .withTimeout(microseconds(seconds))
         .withArguments(std::string(method_.service))
-        .uponReplyInvoke([this, seconds, held](const sdbus::Error* error, const std::string& owner) {
+        .uponReplyInvoke([this, seconds, held](bus::Failure error, const std::string& owner) {
           if (error) return std::move(*held)(Outcome{});
           call(owner, seconds, std::move(*held));
         });
@@ -63,11 +61,11 @@ void BusDNSCache::flush(double seconds, OnceReply<Outcome> reply) {
 void BusDNSCache::call(const std::string& owner, double seconds, OnceReply<Outcome> reply) {
   auto held = std::make_shared<OnceReply<Outcome>>(std::move(reply));
   try {
-    owner_ = sdbus::createProxy(connection_, owner, method_.path);
+    owner_ = bus::proxy(connection_, owner, method_.path);
     owner_->callMethodAsync(method_.name)
         .onInterface(method_.interface)
         .withTimeout(microseconds(seconds))
-        .uponReplyInvoke([held](const sdbus::Error* error) {
+        .uponReplyInvoke([held](bus::Failure error) {
           std::move (*held)(error ? failure(*error) : Outcome{State::flushed, {}});
         });
   } catch (const sdbus::Error& error) {

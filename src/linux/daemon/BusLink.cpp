@@ -1,24 +1,49 @@
 #include "linux/daemon/BusLink.h"
 
-#include "helper/HelperProtocol.h"
+#include "contract/HelperProtocol.h"
+#include "linux/bus/Library.h"
 #include "linux/daemon/BusNames.h"
 #include "linux/daemon/SharedReply.h"
 
-#include <sdbus-c++/sdbus-c++.h>
 #include <utility>
 
 namespace vorli::linuxhost {
 
+namespace {
+
+// Values of the bus's protocol.
+constexpr std::uint32_t doNotQueue = 4;
+constexpr std::uint32_t primaryOwner = 1;
+
+}  // namespace
+
 BusLink::BusLink(sdbus::IConnection& connection, BusLoopScheduler& loop)
-    : connection_(connection), loop_(loop), bus_(sdbus::createProxy(connection, bus::service, bus::path)) {}
+    : loop_(loop), bus_(bus::proxy(connection, bus::service, bus::path)) {}
 
 BusLink::~BusLink() = default;
 
+void BusLink::requestName(OnceReply<bool> reply) {
+  const SharedReply answer(std::move(reply));
+  try {
+    bus_->callMethodAsync("RequestName")
+        .onInterface(bus::interface)
+        .withArguments(std::string(helper::serviceName), doNotQueue)
+        .uponReplyInvoke([answer](bus::Failure error, const std::uint32_t& result) {
+          answer(!error && result == primaryOwner);
+        });
+  } catch (const sdbus::Error&) {
+    answer(false);
+  }
+}
+
 void BusLink::releaseName() {
   try {
-    connection_.releaseName(std::string(helper::serviceName));
+    bus_->callMethodAsync("ReleaseName")
+        .onInterface(bus::interface)
+        .withArguments(std::string(helper::serviceName))
+        .uponReplyInvoke([](bus::Failure, const std::uint32_t&) {});
   } catch (const sdbus::Error&) {
-    // The bus is gone, and the name with it.
+    return;  // the bus is gone, and the name with it
   }
 }
 
@@ -27,7 +52,7 @@ void BusLink::barrier(OnceReply<bool> reply) {
   try {
     bus_->callMethodAsync("GetId")
         .onInterface(bus::interface)
-        .uponReplyInvoke([answer](const sdbus::Error*, const std::string&) { answer(true); });
+        .uponReplyInvoke([answer](bus::Failure, const std::string&) { answer(true); });
   } catch (const sdbus::Error&) {
     answer(true);
   }

@@ -1,7 +1,8 @@
 #include "linux/daemon/HelperObject.h"
 
+#include "contract/HelperProtocol.h"
 #include "daemon/ExitCode.h"
-#include "helper/HelperProtocol.h"
+#include "linux/bus/Library.h"
 
 #include <exception>
 #include <utility>
@@ -10,11 +11,11 @@ namespace vorli::linuxhost {
 
 namespace {
 
-// The caller may be gone, or its queue full: then nobody waits for the answer.
 void send(const sdbus::Result<std::int32_t, std::string>& result, const HelperReply& reply) noexcept {
   try {
     result.returnResults(reply.exitCode, reply.output);
   } catch (const std::exception&) {
+    return;  // the caller is gone, or its queue is full: nobody waits for the answer
   }
 }
 
@@ -22,7 +23,7 @@ void send(const sdbus::Result<std::int32_t, std::string>& result, const HelperRe
 
 HelperObject::HelperObject(sdbus::IConnection& connection, daemon::RequestDesk& desk,
                            std::function<void()> called)
-    : AdaptorInterfaces(connection, path), desk_(desk), called_(std::move(called)) {
+    : AdaptorInterfaces(connection, sdbus::ObjectPath(path)), desk_(desk), called_(std::move(called)) {
   registerAdaptor();
 }
 
@@ -65,8 +66,7 @@ void HelperObject::submit(daemon::Method method, Arguments arguments, Result&& r
   auto held = std::make_shared<Result>(std::move(result));
   try {
     called_();
-    daemon::Request request{method, getObject().getCurrentlyProcessedMessage()->getSender(),
-                            std::move(arguments)};
+    daemon::Request request{method, bus::currentSender(getObject()), std::move(arguments)};
     desk_.submit(std::move(request),
                  OnceReply<HelperReply>([held](HelperReply reply) { send(*held, reply); }));
   } catch (const std::exception&) {

@@ -8,8 +8,8 @@
 
 namespace vorli::linuxhost {
 
-/// The object that callers see on the bus. It copies what they sent, hands it to the request desk and does
-/// nothing that could wait. No exception may leave a handler: the bus library would end the process.
+/// The object that callers see on the bus. It copies the arguments, passes them to the request desk and never
+/// blocks. No exception may leave a handler: the bus library would end the process.
 class HelperObject final : public sdbus::AdaptorInterfaces<com::kv::vorli::helper_adaptor> {
  public:
   static constexpr char path[] = "/com/kv/vorli/helper";

@@ -1,6 +1,6 @@
 #include "linux/daemon/KernelMemory.h"
 
-#include "linux/daemon/LastError.h"
+#include "daemon/SystemErrors.h"
 
 #include <cerrno>
 #include <chrono>
@@ -19,7 +19,7 @@ namespace vorli::linuxhost {
 namespace {
 
 std::string memoryInformation() {
-  const FileDescriptor file(::open("/proc/meminfo", O_RDONLY | O_CLOEXEC));
+  const posix::FileDescriptor file(::open("/proc/meminfo", O_RDONLY | O_CLOEXEC));
   char text[8192];
   const auto size = file ? ::read(file.get(), text, sizeof text) : 0;
   return size > 0 ? std::string(text, static_cast<std::size_t>(size)) : std::string();
@@ -34,7 +34,7 @@ std::uint64_t bytesOf(const std::string& information, const std::string& key) {
 
 }  // namespace
 
-/// One run of sync(2), which may hang on a broken disk for ever and cannot be called off.
+/// One run of sync(2), which may hang forever on a broken disk and cannot be cancelled.
 struct KernelMemory::Sync {
   std::mutex lock;
   std::condition_variable changed;
@@ -44,10 +44,10 @@ struct KernelMemory::Sync {
 MemoryLever::MemoryLever(const char* path)
     : file_(::open(path, O_WRONLY | O_CLOEXEC)), error_(file_ ? 0 : errno) {}
 
-// Always at the start of the file: the kernel takes a write behind it for done and does nothing.
+// Always writes at offset 0: the kernel reports success for a write at another offset, but does nothing.
 std::expected<void, daemon::SystemError> MemoryLever::pull(std::string_view value) const {
-  if (!file_) return std::unexpected(systemError(error_));
-  if (::pwrite(file_.get(), value.data(), value.size(), 0) < 0) return lastError();
+  if (!file_) return std::unexpected(daemon::systemError(error_));
+  if (::pwrite(file_.get(), value.data(), value.size(), 0) < 0) return daemon::lastError();
   return {};
 }
 
@@ -65,7 +65,7 @@ std::optional<daemon::MemoryReading> KernelMemory::read() {
   };
 }
 
-// One that still runs is waited for instead of a second: there is never more than one stuck thread.
+// Waits for a sync that is still running instead of starting another, so that at most one thread can hang.
 bool KernelMemory::syncWithin(double seconds) {
   std::unique_lock guard(sync_->lock);
   if (!sync_->running) {
@@ -75,13 +75,13 @@ bool KernelMemory::syncWithin(double seconds) {
       sync->running = false;
       sync->changed.notify_all();
     }).detach();
-    sync_->running = true;  // behind what may throw; the thread ends only after this lock
+    sync_->running = true;  // set after the code that may throw; the thread needs this lock to finish
   }
   return sync_->changed.wait_for(guard, std::chrono::duration<double>(seconds),
                                  [this] { return !sync_->running; });
 }
 
-// Never 4: that silences the kernel's own line about each of these writes for good.
+// Never writes 4: that would permanently stop the kernel from logging these writes.
 std::expected<void, daemon::SystemError> KernelMemory::dropPageCache() {
   return levers_.dropCaches.pull("1\n");
 }

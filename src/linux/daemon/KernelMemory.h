@@ -1,14 +1,14 @@
 #pragma once
 
 #include "daemon/MemoryControl.h"
-#include "linux/daemon/FileDescriptor.h"
+#include "posix/FileDescriptor.h"
 
 #include <memory>
 #include <string_view>
 
 namespace vorli::linuxhost {
 
-/// A file to write a number into; one that cannot be opened tells so when it is pulled.
+/// A kernel file to write a number to. A failure to open it is returned by `pull`.
 class MemoryLever {
  public:
   explicit MemoryLever(const char* path);
@@ -16,18 +16,18 @@ class MemoryLever {
   std::expected<void, daemon::SystemError> pull(std::string_view value) const;
 
  private:
-  FileDescriptor file_;
+  posix::FileDescriptor file_;
   int error_ = 0;
 };
 
 /// The two levers in /proc, opened before the process is confined and kept open: dropping the kernel's caches
-/// also drops its record of these files, and the confinement does not know the new one.
+/// also drops its record of these files, and the confinement would not recognise the new one.
 struct MemoryLevers {
   MemoryLever dropCaches{"/proc/sys/vm/drop_caches"};
   MemoryLever compact{"/proc/sys/vm/compact_memory"};
 };
 
-/// The kernel's memory as /proc shows and moves it.
+/// Reads the kernel's memory figures and reclaims memory, through /proc.
 class KernelMemory final : public daemon::MemoryControl {
  public:
   explicit KernelMemory(MemoryLevers levers);

@@ -1,8 +1,8 @@
 #include "linux/daemon/Narrowing.h"
 
-#include "helper/SystemStartupFolders.h"
-#include "linux/daemon/FileDescriptor.h"
-#include "linux/daemon/LastError.h"
+#include "contract/SystemStartupFolders.h"
+#include "daemon/SystemErrors.h"
+#include "posix/FileDescriptor.h"
 
 #include <cstdint>
 #include <fcntl.h>
@@ -18,14 +18,15 @@ namespace vorli::linuxhost {
 
 namespace {
 
-constexpr rlim_t mostFiles = 64;
+constexpr rlim_t mostFiles = 128;
 
-// Both functions leave alone what the service manager has narrowed already: it also forbids the calls that
-// narrow. The bounding set goes first, as shrinking it needs a capability that the second step gives up.
+// This function and `limit` skip what the service manager has already restricted, because it also forbids the
+// calls that restrict. The bounding set is reduced first: that needs a capability that the second step gives
+// up.
 bool keepOnlyKillCapability() {
   for (int capability = 0;; ++capability) {
     const int isHeld = ::prctl(PR_CAPBSET_READ, capability, 0, 0, 0);
-    if (isHeld < 0) break;  // beyond the last one
+    if (isHeld < 0) break;  // past the last capability
     if (isHeld == 0 || capability == CAP_KILL) continue;
     if (::prctl(PR_CAPBSET_DROP, capability, 0, 0, 0) != 0) return false;
   }
@@ -48,13 +49,13 @@ bool limit(__rlimit_resource resource, rlim_t most) {
 }
 
 void allowBeneath(int rules, const std::string& path, std::uint64_t access) {
-  const FileDescriptor place(::open(path.c_str(), O_PATH | O_CLOEXEC));
+  const posix::FileDescriptor place(::open(path.c_str(), O_PATH | O_CLOEXEC));
   if (!place) return;
   landlock_path_beneath_attr rule{access, place.get()};
   ::syscall(SYS_landlock_add_rule, rules, LANDLOCK_RULE_PATH_BENEATH, &rule, 0);
 }
 
-// Best effort: older kernels have none of it, and under the service manager its own walls stand as well.
+// Best effort: older kernels do not support it, and the service manager adds its own restrictions.
 void confineWriting() {
   constexpr std::uint64_t changes = LANDLOCK_ACCESS_FS_WRITE_FILE | LANDLOCK_ACCESS_FS_REMOVE_DIR |
                                     LANDLOCK_ACCESS_FS_REMOVE_FILE | LANDLOCK_ACCESS_FS_MAKE_CHAR |
@@ -63,7 +64,7 @@ void confineWriting() {
                                     LANDLOCK_ACCESS_FS_MAKE_BLOCK | LANDLOCK_ACCESS_FS_MAKE_SYM;
   landlock_ruleset_attr attributes{};
   attributes.handled_access_fs = changes;
-  const FileDescriptor rules(static_cast<int>(
+  const posix::FileDescriptor rules(static_cast<int>(
       ::syscall(SYS_landlock_create_ruleset, &attributes, sizeof attributes.handled_access_fs, 0)));
   if (!rules) return;
 
@@ -78,10 +79,10 @@ void confineWriting() {
 
 std::expected<void, daemon::SystemError> narrowProcess() {
   ::umask(077);
-  if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0) return lastError();
+  if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0) return daemon::lastError();
   confineWriting();
   if (!keepOnlyKillCapability() || !limit(RLIMIT_CORE, 0) || !limit(RLIMIT_NOFILE, mostFiles))
-    return lastError();
+    return daemon::lastError();
   return {};
 }
 

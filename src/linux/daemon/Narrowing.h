@@ -6,10 +6,10 @@
 
 namespace vorli::linuxhost {
 
-/// Gives up, for the life of the process, what the daemon does not need: every capability but the one to
-/// signal other users' processes, new privileges through executed files, core dumps, more than 64 files, and,
-/// where the kernel can, writing anywhere but in the startup folders. What is open stays usable. Before the
-/// first thread. Error: something that every kernel can do failed.
+/// Gives up, for the life of the process, what the daemon does not need: every capability except the one to
+/// signal other users' processes, new privileges through executed files, core dumps, more than 128 open files
+/// and, where the kernel supports it, writing anywhere but in the startup folders. Open files stay usable.
+/// Call it before the first thread starts. Error: a step that every kernel supports failed.
 std::expected<void, daemon::SystemError> narrowProcess();
 
 }  // namespace vorli::linuxhost

@@ -1,8 +1,8 @@
 #include "linux/daemon/PidFileDNSCache.h"
 
-#include "linux/daemon/FileDescriptor.h"
-#include "linux/daemon/LastError.h"
+#include "daemon/SystemErrors.h"
 #include "linux/daemon/ProcessFile.h"
+#include "posix/FileDescriptor.h"
 
 #include <algorithm>
 #include <charconv>
@@ -24,7 +24,7 @@ struct PidFile {
 };
 
 std::optional<PidFile> readPidFile(const char* path) {
-  const FileDescriptor file(::open(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  const posix::FileDescriptor file(::open(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
   struct stat status {};
   if (!file || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
   char text[32];
@@ -36,8 +36,8 @@ std::optional<PidFile> readPidFile(const char* path) {
   return PidFile{pid, status.st_uid};
 }
 
-// The server may own its pid file and so could name anybody's process in it: the process must be the owner's
-// own, and bear the server's name.
+// A server that owns its pid file could name any process in it, so the process must belong to the file's
+// owner and have the server's name.
 bool isServer(const PidFile& file, const char* command) {
   const auto users = process_file::usersOf(file.pid);
   return users && std::ranges::all_of(*users, [&](auto user) { return user == file.owner; }) &&
@@ -54,11 +54,11 @@ daemon::DNSCache::Outcome PidFileDNSCache::flushNow(double) {
   for (const auto* path : server_.pidFiles) {
     const auto file = readPidFile(path);
     if (!file) continue;
-    // Pinned before it is judged, so that the judgement and the signal meet the same process.
-    const FileDescriptor process(static_cast<int>(::syscall(SYS_pidfd_open, file->pid, 0)));
+    // Pins the process before checking it, so that the check and the signal apply to the same process.
+    const posix::FileDescriptor process(static_cast<int>(::syscall(SYS_pidfd_open, file->pid, 0)));
     if (!process || !isServer(*file, server_.command)) continue;
     if (::syscall(SYS_pidfd_send_signal, process.get(), SIGHUP, nullptr, 0) != 0)
-      return {State::failed, systemError(errno)};
+      return {State::failed, daemon::systemError(errno)};
     return {State::flushed, {}};
   }
   return {};

@@ -8,12 +8,12 @@
 
 namespace vorli::linuxhost {
 
-/// A DNS server that empties its cache at the hang-up signal, found by its pid file.
+/// A DNS server that empties its cache on SIGHUP, found by its pid file.
 class PidFileDNSCache final : public BlockingDNSCache {
  public:
   struct Server {
     const char* displayName;
-    /// What the process must be called.
+    /// Required command name of the process.
     const char* command;
     std::vector<const char*> pidFiles;
   };

@@ -1,7 +1,9 @@
 #include "linux/daemon/PinnedFolder.h"
 
-#include "linux/daemon/LastError.h"
+#include "daemon/SystemErrors.h"
+#include "linux/daemon/FileAttributes.h"
 
+#include <charconv>
 #include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
@@ -14,81 +16,80 @@ namespace vorli::linuxhost {
 
 namespace {
 
-constexpr std::size_t largestItem = 1 << 20;
-constexpr mode_t writableByOthers = 022;
-constexpr mode_t modeBits = 07777;
+using posix::FileDescriptor;
+using posix::RootFolder;
 
-std::unexpected<daemon::SystemError> refused(const char* text) {
-  return std::unexpected(daemon::SystemError{daemon::exit_code::refused, text});
+constexpr std::size_t largestItem = 1 << 20;
+constexpr mode_t modeBits = 07777;
+// Temporary names also begin with a dot, so that session managers ignore them.
+constexpr std::string_view temporaryEnding = ".vorli-new";
+
+// Opens a plain file through its pinned handle, without looking up its name again.
+FileDescriptor opened(const PinnedItem& item) {
+  const auto handle = "/proc/self/fd/" + std::to_string(item.file.get());
+  return FileDescriptor(::open(handle.c_str(), O_RDONLY | O_CLOEXEC));
 }
 
-bool isSameFile(const struct stat& a, const struct stat& b) {
-  return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+// The mode covers access control lists: its group bits are their mask.
+bool hasGrants(const FileDescriptor&) {
+  return false;
+}
+
+int renameWithoutReplacing(int folder, const char* from, const char* to) {
+  return ::renameat2(folder, from, folder, to, RENAME_NOREPLACE);
+}
+
+int swapNames(int folder, const char* one, const char* other) {
+  return ::renameat2(folder, one, folder, other, RENAME_EXCHANGE);
 }
 
 }  // namespace
 
-// Step by step and never through a link. openat2 would do it in one call, but the service manager forbids
-// that call to whom it forbids to make set-user files.
 Attempt<PinnedFolder> PinnedFolder::open(const std::string& path) {
-  constexpr int flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-  FileDescriptor folder(::open("/", flags));
-  for (std::string_view rest = path; !rest.empty();) {
-    rest.remove_prefix(1);  // the slash
-    const std::string name(rest.substr(0, rest.find('/')));
-    rest.remove_prefix(name.size());
-    folder = FileDescriptor(::openat(folder.get(), name.c_str(), flags));
-    struct stat status {};
-    if (!folder || ::fstat(folder.get(), &status) != 0) return lastError();
-    if (status.st_uid != 0 || (status.st_mode & writableByOthers) != 0)
-      return refused("Others than root can change the folder");
-  }
-  return PinnedFolder(std::move(folder));
+  auto folder = RootFolder::open(path, hasGrants);
+  if (!folder) return std::unexpected(folder.error());
+  return PinnedFolder(std::move(*folder));
 }
 
 Attempt<PinnedItem> PinnedFolder::pin(const std::string& name) const {
-  // The link itself, should it be one; never a pipe's or a device's other end.
-  PinnedItem item{FileDescriptor(::openat(folder_.get(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC)), {}};
-  if (!item.file || ::fstat(item.file.get(), &item.status) != 0) return lastError();
-  if (!S_ISREG(item.status.st_mode) || item.status.st_uid != 0 || item.status.st_nlink != 1)
-    return refused("Not a plain file of root's");
+  // Opens a link itself, not its target, and never the other end of a pipe or a device.
+  PinnedItem item{
+      FileDescriptor(::openat(folder_.descriptor(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC)), {}};
+  if (!item.file || ::fstat(item.file.get(), &item.status) != 0) return daemon::lastError();
+  if (!RootFolder::isPlainFileOfRoot(item.status)) return daemon::refused("Not a plain file of root's");
   return item;
 }
 
 bool PinnedFolder::contains(const std::string& name) const {
   struct stat status {};
-  return ::fstatat(folder_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
+  return ::fstatat(folder_.descriptor(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
-bool PinnedFolder::bears(const std::string& name, const PinnedItem& item) const {
+bool PinnedFolder::isMask(const std::string& name) const {
   struct stat status {};
-  return ::fstatat(folder_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
-         isSameFile(status, item.status);
+  if (::fstatat(folder_.descriptor(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return false;
+  if (S_ISREG(status.st_mode)) return status.st_size == 0;
+  constexpr std::string_view nothing = "/dev/null";
+  char target[nothing.size() + 1];
+  const auto size = ::readlinkat(folder_.descriptor(), name.c_str(), target, sizeof target);
+  return size > 0 && std::string_view(target, static_cast<std::size_t>(size)) == nothing;
 }
 
 Attempt<void> PinnedFolder::rename(const std::string& from, const std::string& to,
                                    const PinnedItem& item) const {
-  if (::renameat2(folder_.get(), from.c_str(), folder_.get(), to.c_str(), RENAME_NOREPLACE) != 0)
-    return lastError();
-  if (bears(to, item)) return {};
-  ::renameat2(folder_.get(), to.c_str(), folder_.get(), from.c_str(), RENAME_NOREPLACE);
-  return refused("The file was changed for another meanwhile");
+  return folder_.rename(from, to, item, renameWithoutReplacing);
 }
 
 Attempt<void> PinnedFolder::exchange(const std::string& other, const std::string& name,
                                      const PinnedItem& item) const {
-  if (::renameat2(folder_.get(), other.c_str(), folder_.get(), name.c_str(), RENAME_EXCHANGE) != 0)
-    return lastError();
-  if (bears(other, item)) return {};
-  ::renameat2(folder_.get(), other.c_str(), folder_.get(), name.c_str(), RENAME_EXCHANGE);
-  return refused("The file was changed for another meanwhile");
+  return folder_.rename(name, other, item, swapNames);
 }
 
 Attempt<void> PinnedFolder::write(const std::string& name, const std::string& content,
                                   const PinnedItem& item) const {
-  const FileDescriptor file(
-      ::openat(folder_.get(), name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
-  if (!file) return lastError();
+  const FileDescriptor file(::openat(folder_.descriptor(), name.c_str(),
+                                     O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+  if (!file) return daemon::lastError();
   auto filled = fill(file, content, item);
   if (!filled) remove(name);
   return filled;
@@ -97,58 +98,76 @@ Attempt<void> PinnedFolder::write(const std::string& name, const std::string& co
 Attempt<void> PinnedFolder::fill(const FileDescriptor& file, const std::string& content,
                                  const PinnedItem& item) const {
   const auto& status = item.status;
-  const timespec times[]{status.st_atim, status.st_mtim};
   std::string_view rest = content;
   while (!rest.empty()) {
     const auto written = ::write(file.get(), rest.data(), rest.size());
-    if (written < 0) return lastError();
+    if (written < 0) return daemon::lastError();
     rest.remove_prefix(static_cast<std::size_t>(written));
   }
-  // The mode after the group, which clears bits of it.
   if (status.st_gid != ::getegid() && ::fchown(file.get(), static_cast<uid_t>(-1), status.st_gid) != 0)
-    return lastError();
+    return daemon::refused("The file belongs to a group that the helper may not give to the rewritten one");
+  const auto original = opened(item);
+  if (!original) return daemon::lastError();
+  if (const auto copied = copyAttributes(original, file); !copied) return copied;
+  // Comes last: a change of the group clears bits of the mode, and the mask of the access control list is the
+  // group part of the mode.
+  const timespec times[]{status.st_atim, status.st_mtim};
   if (::fchmod(file.get(), status.st_mode & modeBits) != 0 || ::futimens(file.get(), times) != 0 ||
       ::fsync(file.get()) != 0)
-    return lastError();
+    return daemon::lastError();
   return {};
 }
 
 void PinnedFolder::remove(const std::string& name) const {
-  ::unlinkat(folder_.get(), name.c_str(), 0);
+  ::unlinkat(folder_.descriptor(), name.c_str(), 0);
 }
 
-void PinnedFolder::sweep(const std::string& ending) const {
-  const int copy = ::openat(folder_.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+std::string PinnedFolder::temporaryName(const std::string& name, const PinnedItem& item) {
+  return "." + name + "." + std::to_string(item.status.st_ino) + std::string(temporaryEnding);
+}
+
+bool PinnedFolder::isOwnTemporary(const std::string& name) const {
+  const auto stem = std::string_view(name).substr(0, name.size() - temporaryEnding.size());
+  const auto dot = stem.rfind('.');
+  if (dot == 0) return false;
+  ino_t inode = 0;
+  const auto* end = stem.data() + stem.size();
+  const auto parsed = std::from_chars(stem.data() + dot + 1, end, inode);
+  if (parsed.ec != std::errc() || parsed.ptr != end) return false;
+
+  const auto file = pin(name);
+  if (!file) return false;
+  if (file->status.st_ino == inode) return true;
+  const auto item = pin(std::string(stem.substr(1, dot - 1)));
+  return item && item->status.st_ino == inode;
+}
+
+void PinnedFolder::sweep() const {
+  const int copy = ::openat(folder_.descriptor(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   const std::unique_ptr<DIR, int (*)(DIR*)> entries(copy < 0 ? nullptr : ::fdopendir(copy), ::closedir);
   if (!entries) return;
   std::vector<std::string> stray;
   while (const auto* entry = ::readdir(entries.get())) {
     const std::string_view name = entry->d_name;
-    if (name.starts_with('.') && name.ends_with(ending)) stray.emplace_back(name);
+    if (name.starts_with('.') && name.ends_with(temporaryEnding)) stray.emplace_back(name);
   }
   for (const auto& name : stray)
-    if (pin(name)) remove(name);
-}
-
-Attempt<void> PinnedFolder::flush() const {
-  if (::fsync(folder_.get()) != 0) return lastError();
-  return {};
+    if (isOwnTemporary(name)) remove(name);
 }
 
 Attempt<std::string> contentOf(const PinnedItem& item) {
-  if (item.status.st_size > static_cast<off_t>(largestItem)) return std::unexpected(systemError(EFBIG));
-  // A plain file, by its pinned handle: its name is not looked up again.
-  const auto handle = "/proc/self/fd/" + std::to_string(item.file.get());
-  const FileDescriptor file(::open(handle.c_str(), O_RDONLY | O_CLOEXEC));
-  if (!file) return lastError();
+  if (item.status.st_size > static_cast<off_t>(largestItem))
+    return std::unexpected(daemon::systemError(EFBIG));
+  const auto file = opened(item);
+  if (!file) return daemon::lastError();
   std::string content;
   char block[16384];
   for (;;) {
     const auto size = ::read(file.get(), block, sizeof block);
-    if (size < 0) return lastError();
+    if (size < 0) return daemon::lastError();
     if (size == 0) return content;
     content.append(block, static_cast<std::size_t>(size));
-    if (content.size() > largestItem) return std::unexpected(systemError(EFBIG));
+    if (content.size() > largestItem) return std::unexpected(daemon::systemError(EFBIG));
   }
 }
 

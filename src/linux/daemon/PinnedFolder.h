@@ -1,64 +1,65 @@
 #pragma once
 
-#include "daemon/ExitCode.h"
-#include "linux/daemon/FileDescriptor.h"
+#include "posix/daemon/RootFolder.h"
 
 #include <cstdint>
-#include <expected>
 #include <optional>
 #include <string>
-#include <sys/stat.h>
+#include <utility>
 
 namespace vorli::linuxhost {
 
-/// A plain file of root's in a pinned folder, held open without access to its content.
-struct PinnedItem {
-  FileDescriptor file;
-  struct stat status;
-};
+using posix::Attempt;
+using posix::PinnedItem;
 
-template <typename T>
-using Attempt = std::expected<T, daemon::SystemError>;
-
-/// One folder that only root can change, held open: whatever its path is made to lead to afterwards, work
-/// goes on in the folder that was judged. Follows no link. Blocking calls of microseconds, `flush` of more.
+/// The daemon's operations in a folder that only root can change. Follows no link. Calls block for
+/// microseconds, `flush` for longer.
 class PinnedFolder {
  public:
-  /// Error 1: somebody else may change the folder.
+  /// Error 1: somebody other than root can change the folder.
   static Attempt<PinnedFolder> open(const std::string& path);
 
-  /// Error 1: not a plain file of root's with one name.
+  /// Error 1: not a plain file that is owned by root and has a single name.
   Attempt<PinnedItem> pin(const std::string& name) const;
   bool contains(const std::string& name) const;
-  /// True when `name` is that very file.
-  bool bears(const std::string& name, const PinnedItem& item) const;
+  /// True when `name` is a mask: an empty file, or a link to /dev/null, that keeps the service manager from
+  /// loading any unit of that name.
+  bool isMask(const std::string& name) const;
 
-  /// Gives `item` a new name, never taking one that is in use. Should another file have slipped into its
-  /// place meanwhile, that one gets its name back. Error 1: it had.
+  /// Renames `item` to a name that is not in use. If another file has taken its place in the meantime, that
+  /// file gets its name back. Error 1: another file had taken its place.
   Attempt<void> rename(const std::string& from, const std::string& to, const PinnedItem& item) const;
-  /// Lets two files swap their names, if `name` is `item`; it bears `other` then. Error 1: it was not.
+  /// Swaps the names of two files if `name` refers to `item`, which is called `other` afterwards. Error 1:
+  /// `name` refers to another file.
   Attempt<void> exchange(const std::string& other, const std::string& name, const PinnedItem& item) const;
 
-  /// Makes a file with the content and with the item's mode, group and times.
+  /// Creates a file with the content, and with the item's mode, group, times, extended attributes and access
+  /// control list. Error 1: one of them cannot be kept.
   Attempt<void> write(const std::string& name, const std::string& content, const PinnedItem& item) const;
   void remove(const std::string& name) const;
-  /// Removes what a run that was killed has left behind: plain files whose names begin with a dot and end so.
-  void sweep(const std::string& ending) const;
+  /// Name of the temporary file beside `item`, which is called `name`, while the two are exchanged.
+  static std::string temporaryName(const std::string& name, const PinnedItem& item);
+  /// Removes temporary files that a killed run left behind. A file that merely has such a name is kept: the
+  /// inode in the name must be that of the file itself or of the item that it was made for.
+  void sweep() const;
   /// Waits until the names are on disk.
-  Attempt<void> flush() const;
+  Attempt<void> flush() const { return folder_.flush(); }
 
  private:
-  explicit PinnedFolder(FileDescriptor folder) : folder_(std::move(folder)) {}
+  explicit PinnedFolder(posix::RootFolder folder) : folder_(std::move(folder)) {}
 
-  Attempt<void> fill(const FileDescriptor& file, const std::string& content, const PinnedItem& item) const;
+  bool isOwnTemporary(const std::string& name) const;
+  Attempt<void> fill(const posix::FileDescriptor& file, const std::string& content,
+                     const PinnedItem& item) const;
 
-  FileDescriptor folder_;
+  posix::RootFolder folder_;
 };
 
-/// The item's bytes. Error: among others, that it is too big to be a startup item.
+/// The item's bytes. Fails when they cannot be read or are more than 1 MiB, which is too much for a startup
+/// item.
 Attempt<std::string> contentOf(const PinnedItem& item);
 
-/// Seconds since 1970 at which the item was made; nothing when the file system does not keep it.
+/// Creation time of the item in seconds since 1970; empty when the file system does not record it.
 std::optional<std::int64_t> creationTimeOf(const PinnedItem& item);
 
 }  // namespace vorli::linuxhost

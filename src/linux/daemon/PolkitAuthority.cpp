@@ -1,9 +1,9 @@
 #include "linux/daemon/PolkitAuthority.h"
 
+#include "linux/bus/Library.h"
 #include "linux/daemon/SharedReply.h"
 
 #include <map>
-#include <sdbus-c++/sdbus-c++.h>
 #include <string>
 
 namespace vorli::linuxhost {
@@ -15,10 +15,11 @@ constexpr char path[] = "/org/freedesktop/PolicyKit1/Authority";
 constexpr char interface[] = "org.freedesktop.PolicyKit1.Authority";
 
 constexpr std::uint32_t neverAskTheUser = 0;
-constexpr std::chrono::seconds answerLimit(3);
+constexpr std::chrono::seconds polkitLimit(3);
 
 using Details = std::map<std::string, std::string>;
-/// A caller by its name on the bus. Written by hand, as the library's variant holds a connection of its own.
+/// A caller, identified by its bus name. Serialised by hand, because the library's variant holds a connection
+/// of its own.
 struct BusNameSubject {
   std::string name;
 };
@@ -48,7 +49,7 @@ daemon::Verdict verdictOf(const Answer& answer) {
 }  // namespace
 
 PolkitAuthority::PolkitAuthority(sdbus::IConnection& connection)
-    : polkit_(sdbus::createProxy(connection, service, path)) {}
+    : polkit_(bus::proxy(connection, service, path)) {}
 
 PolkitAuthority::~PolkitAuthority() = default;
 
@@ -59,9 +60,9 @@ void PolkitAuthority::check(const std::string& caller, std::string_view action, 
   try {
     polkit_->callMethodAsync("CheckAuthorization")
         .onInterface(interface)
-        .withTimeout(answerLimit)
+        .withTimeout(polkitLimit)
         .withArguments(BusNameSubject{caller}, std::string(action), details, neverAskTheUser, std::string())
-        .uponReplyInvoke([answer](const sdbus::Error* error, const Answer& result) {
+        .uponReplyInvoke([answer](bus::Failure error, const Answer& result) {
           answer(error ? daemon::Verdict::error : verdictOf(result));
         });
   } catch (const sdbus::Error&) {

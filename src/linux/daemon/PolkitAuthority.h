@@ -11,8 +11,8 @@ class IProxy;
 
 namespace vorli::linuxhost {
 
-/// Asks polkit, naming the caller by its name on the bus and by nothing else, and without letting polkit ask
-/// the user: a password takes longer than the application waits, so it asks for itself beforehand.
+/// Asks polkit about a caller, which is identified by its bus name and nothing else. Polkit may not prompt
+/// the user: a password takes longer than the application waits, so the application prompts beforehand.
 class PolkitAuthority final : public daemon::Authority {
  public:
   explicit PolkitAuthority(sdbus::IConnection& connection);

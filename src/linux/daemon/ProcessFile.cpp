@@ -1,6 +1,6 @@
 #include "linux/daemon/ProcessFile.h"
 
-#include "linux/daemon/FileDescriptor.h"
+#include "posix/FileDescriptor.h"
 
 #include <cstdio>
 #include <fcntl.h>
@@ -11,7 +11,7 @@ namespace {
 
 std::string contentOf(std::int32_t pid, const char* name) {
   const auto path = "/proc/" + std::to_string(pid) + "/" + name;
-  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  const posix::FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   char text[4096];
   const auto size = file ? ::read(file.get(), text, sizeof text) : 0;
   return size > 0 ? std::string(text, static_cast<std::size_t>(size)) : std::string();
@@ -21,7 +21,7 @@ std::string contentOf(std::int32_t pid, const char* name) {
 
 std::optional<std::array<std::uint32_t, 4>> usersOf(std::int32_t pid) {
   const auto status = contentOf(pid, "status");
-  // The name of the process stands before and cannot hold a line feed.
+  // The name of the process comes earlier in the file and cannot contain a line feed.
   const auto line = status.find("\nUid:");
   if (line == std::string::npos) return std::nullopt;
   std::array<std::uint32_t, 4> users{};

@@ -7,7 +7,7 @@
 
 namespace vorli::linuxhost {
 
-/// A OnceReply inside a callback that the bus library insists on copying.
+/// Makes a OnceReply copyable, because the bus library copies callbacks.
 template <typename T>
 class SharedReply {
  public:

@@ -1,6 +1,6 @@
 #include "linux/daemon/SocketDNSCache.h"
 
-#include "linux/daemon/LastError.h"
+#include "daemon/SystemErrors.h"
 
 #include <cstring>
 #include <sys/socket.h>
@@ -12,12 +12,11 @@ namespace vorli::linuxhost {
 
 namespace {
 
-using namespace std::string_view_literals;
 using State = daemon::DNSCache::Outcome::State;
 
 daemon::DNSCache::Outcome failure(int code) {
-  // A receive limit that has run out says "try again".
-  return {State::failed, systemError(code == EAGAIN ? ETIMEDOUT : code)};
+  // An expired receive limit is reported as EAGAIN.
+  return {State::failed, daemon::systemError(code == EAGAIN ? ETIMEDOUT : code)};
 }
 
 timeval limitOf(double seconds) {
@@ -29,13 +28,13 @@ timeval limitOf(double seconds) {
 
 // Version 2, request 10 "invalidate", key of 6 bytes, in the machine's own byte order; the answer is a 0.
 static_assert(std::endian::native == std::endian::little, "the request below is written little endian");
-const SocketDNSCache::Dialect SocketDNSCache::nscd{"nscd", "/run/nscd/socket",
-                                                   "\x02\0\0\0\x0a\0\0\0\x06\0\0\0hosts\0"sv, "\0\0\0\0"sv};
-const SocketDNSCache::Dialect SocketDNSCache::unbound{"unbound", "/run/unbound.ctl", "UBCT1 flush_zone .\n"sv,
-                                                      "ok"sv};
+const SocketDNSCache::Dialect SocketDNSCache::nscd{
+    "nscd", "/run/nscd/socket", {"\x02\0\0\0\x0a\0\0\0\x06\0\0\0hosts\0", 18}, {"\0\0\0\0", 4}};
+const SocketDNSCache::Dialect SocketDNSCache::unbound{"unbound", "/run/unbound.ctl", "UBCT1 flush_zone .\n",
+                                                      "ok"};
 
 daemon::DNSCache::Outcome SocketDNSCache::flushNow(double seconds) {
-  const FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  const posix::FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
   const auto limit = limitOf(seconds);
   ::setsockopt(socket.get(), SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
   ::setsockopt(socket.get(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "linux/daemon/BlockingDNSCache.h"
-#include "linux/daemon/FileDescriptor.h"
+#include "posix/FileDescriptor.h"
 
 #include <string>
 #include <string_view>
@@ -15,7 +15,7 @@ class SocketDNSCache final : public BlockingDNSCache {
     const char* displayName;
     const char* socketPath;
     std::string_view request;
-    /// How an answer that means success begins.
+    /// Prefix of an answer that means success.
     std::string_view success;
   };
   /// The name service cache: "invalidate the table hosts".

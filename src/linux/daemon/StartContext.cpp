@@ -22,7 +22,7 @@ StartContext StartContext::take() {
   if (context.startedByServiceManager) {
     context.journalStream = variable("JOURNAL_STREAM");
   }
-  // A message bus that starts a service itself names itself to it.
+  // A message bus that starts a service itself passes its type and address in the environment.
   std::string starter;
   if (!context.startedByServiceManager && variable("DBUS_STARTER_BUS_TYPE") == "system")
     starter = variable("DBUS_STARTER_ADDRESS");

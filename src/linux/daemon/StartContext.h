@@ -5,15 +5,16 @@
 
 namespace vorli::linuxhost {
 
-/// What the process that started the daemon told it by way of the environment.
+/// Facts that the process that started the daemon passed in the environment.
 struct StartContext {
-  /// The service manager is our parent; it fixes the bus and takes the log.
+  /// True when the service manager is the parent process; it determines the bus and collects the log.
   bool startedByServiceManager = false;
-  /// "device:inode" of a stream to the journal, as which standard error may be open.
+  /// "device:inode" of a stream to the journal. Standard error may be that stream.
   std::string journalStream;
 
-  /// Reads the environment and empties it. Only the bus that started us is told on to the bus library:
-  /// nothing else that somebody set may change what the daemon does. Before the first thread.
+  /// Reads the environment and clears it. Only the address of the bus that started the daemon is passed on to
+  /// the bus library; no other variable may change what the daemon does. Call it before the first thread
+  /// starts.
   static StartContext take();
 };
 

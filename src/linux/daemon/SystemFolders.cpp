@@ -1,19 +1,19 @@
 #include "linux/daemon/SystemFolders.h"
 
-#include "helper/PauseMarks.h"
-#include "linux/daemon/LastError.h"
+#include "daemon/SystemErrors.h"
+#include "formats/PauseMarks.h"
+#include "linux/daemon/OtherDefinition.h"
 
 #include <cerrno>
+#include <string>
+#include <utility>
 
 namespace vorli::linuxhost {
 
 namespace {
 
-// Session managers leave out what begins with a dot.
-constexpr char temporaryEnding[] = ".vorli-new";
-
-std::string temporaryName(const std::string& name) {
-  return "." + name + temporaryEnding;
+bool isOfUnits(const daemon::MoveOrder& order) {
+  return order.folder->suffixes.data() != helper::desktopEntrySuffixes.data();
 }
 
 }  // namespace
@@ -22,29 +22,32 @@ HelperReply SystemFolders::move(const daemon::MoveOrder& order) {
   const std::lock_guard guard(lock_);
   const auto folder = PinnedFolder::open(std::string(order.folder->path));
   if (!folder) return toReply(folder.error());
-  folder->sweep(temporaryEnding);
+  folder->sweep();
 
   const bool isPuttingAway = order.direction == daemon::MoveOrder::Direction::putAway;
   const auto moved = isPuttingAway ? putAway(*folder, order) : bringBack(*folder, order);
   if (!moved) return toReply(moved.error());
-  if (const auto flushed = folder->flush(); !flushed) return toReply(flushed.error());
-  return {daemon::exit_code::done, "Moved"};
+  return daemon::answerToMove(folder->flush());
 }
 
-// Marked under its own name first: should we be killed before the rename, it is put to rest where it stands.
+// Marks the entry under its own name first: if the daemon is killed before the rename, the entry is already
+// disabled where it is.
 Attempt<void> SystemFolders::putAway(const PinnedFolder& folder, const daemon::MoveOrder& order) const {
+  if (isOfUnits(order) && folder.isMask(order.fromName))
+    return daemon::refused("It is a mask: without it, what it masks could start");
   const auto item = folder.pin(order.fromName);
   if (!item) return std::unexpected(item.error());
-  if (folder.contains(order.toName)) return std::unexpected(systemError(EEXIST));
-  if (order.folder->suffixes.data() != helper::desktopEntrySuffixes.data())
-    return folder.rename(order.fromName, order.toName, *item);
+  if (folder.contains(order.toName)) return std::unexpected(daemon::systemError(EEXIST));
+  if (const auto other = otherDefinitionOf(*order.folder, order.fromName))
+    return daemon::refused("Without it, " + *other + " would start in its place");
+  if (isOfUnits(order)) return folder.rename(order.fromName, order.toName, *item);
 
   const auto content = contentOf(*item);
   if (!content) return std::unexpected(content.error());
-  const auto marked = helper::withPauseMarks(*content, creationTimeOf(*item));
+  const auto marked = formats::withPauseMarks(*content, creationTimeOf(*item));
   if (!marked) return folder.rename(order.fromName, order.toName, *item);
 
-  const auto temporary = temporaryName(order.fromName);
+  const auto temporary = PinnedFolder::temporaryName(order.fromName, *item);
   if (const auto written = folder.write(temporary, *marked, *item); !written) return written;
   const auto replacement = folder.pin(temporary);
   if (!replacement) return std::unexpected(replacement.error());
@@ -57,18 +60,21 @@ Attempt<void> SystemFolders::putAway(const PinnedFolder& folder, const daemon::M
   return moved;
 }
 
-// Renamed with its marks on first: should we be killed before they are off, it still rests, and the next try
-// finishes the work.
+// Renames the entry before its marks are removed: if the daemon is killed in between, the entry is still
+// disabled, and the next attempt finishes the work.
 Attempt<void> SystemFolders::bringBack(const PinnedFolder& folder, const daemon::MoveOrder& order) const {
   const auto item = folder.pin(order.fromName);
-  const bool isDesktopEntry = order.folder->suffixes.data() == helper::desktopEntrySuffixes.data();
+  const bool isDesktopEntry = !isOfUnits(order);
   if (!item && item.error().code == ENOENT && isDesktopEntry) return finishBringingBack(folder, order.toName);
   if (!item) return std::unexpected(item.error());
+  // A definition that came while the unit was away may be a mask, or be stricter.
+  if (const auto other = isDesktopEntry ? std::nullopt : otherDefinitionOf(*order.folder, order.toName))
+    return daemon::refused("It would take the place of " + *other);
 
   if (const auto renamed = folder.rename(order.fromName, order.toName, *item); !renamed) return renamed;
   if (!isDesktopEntry) return {};
   const auto content = contentOf(*item);
-  if (content && !helper::hasPauseMarks(*content)) return {};
+  if (content && !formats::hasPauseMarks(*content)) return {};
   auto finished = finishBringingBack(folder, order.toName);
   if (!finished) (void)folder.rename(order.toName, order.fromName, *item);
   return finished;
@@ -79,10 +85,10 @@ Attempt<void> SystemFolders::finishBringingBack(const PinnedFolder& folder, cons
   if (!item) return std::unexpected(item.error());
   const auto content = contentOf(*item);
   if (!content) return std::unexpected(content.error());
-  const auto plain = helper::withoutPauseMarks(*content);
-  if (!plain) return std::unexpected(systemError(ENOENT));
+  const auto plain = formats::withoutPauseMarks(*content);
+  if (!plain) return std::unexpected(daemon::systemError(ENOENT));
 
-  const auto temporary = temporaryName(name);
+  const auto temporary = PinnedFolder::temporaryName(name, *item);
   if (const auto written = folder.write(temporary, *plain, *item); !written) return written;
   auto exchanged = folder.exchange(temporary, name, *item);
   folder.remove(temporary);

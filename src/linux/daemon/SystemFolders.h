@@ -8,9 +8,9 @@
 
 namespace vorli::linuxhost {
 
-/// The system's startup folders. A unit is renamed and no more. A desktop entry is given its pause marks on
-/// the way out and loses them on the way back; at every moment in between it stands there once, whole, and
-/// whatever the moment, a killed daemon leaves it either running as before or put to rest.
+/// The system's startup folders. A unit is only renamed. A desktop entry gets pause marks when it is put away
+/// and loses them when it is brought back. At every moment exactly one complete entry is visible, and a
+/// daemon killed at any moment leaves the entry either enabled as before or disabled.
 class SystemFolders final : public daemon::StartupFolders {
  public:
   HelperReply move(const daemon::MoveOrder& order) override;
@@ -20,7 +20,7 @@ class SystemFolders final : public daemon::StartupFolders {
   Attempt<void> bringBack(const PinnedFolder& folder, const daemon::MoveOrder& order) const;
   Attempt<void> finishBringingBack(const PinnedFolder& folder, const std::string& name) const;
 
-  /// One move at a time: two of the same item would share its temporary file.
+  /// Allows one move at a time: two moves of the same item would share its temporary file.
   std::mutex lock_;
 };
 

@@ -15,4 +15,8 @@ void callAsync(QDBusConnection bus, const QDBusMessage& call, QObject* owner,
                    });
 }
 
+bool isReply(const QDBusMessage& answer) {
+  return answer.type() == QDBusMessage::ReplyMessage;
+}
+
 }  // namespace vorli::ui

@@ -7,7 +7,7 @@
 namespace vorli::ui {
 namespace {
 
-constexpr char introspection[] = R"xml(<interface name="com.canonical.dbusmenu">
+constexpr char menuIntrospection[] = R"xml(<interface name="com.canonical.dbusmenu">
   <property name="Version" type="u" access="read"/>
   <property name="TextDirection" type="s" access="read"/>
   <property name="Status" type="s" access="read"/>
@@ -57,7 +57,7 @@ const DBusMenu::Method DBusMenu::methods[] = {
     {"GetLayout", "iias", &DBusMenu::getLayout},
     {"GetGroupProperties", "aias", &DBusMenu::getGroupProperties},
     {"GetProperty", "is", &DBusMenu::getProperty},
-    {"Event", "isvu", &DBusMenu::event},
+    {"Event", "isvu", &DBusMenu::itemEvent},
     {"EventGroup", "a(isvu)", &DBusMenu::eventGroup},
     {"AboutToShow", "i", &DBusMenu::aboutToShow},
     {"AboutToShowGroup", "ai", &DBusMenu::aboutToShowGroup},
@@ -73,7 +73,7 @@ DBusMenu::~DBusMenu() {
 }
 
 QString DBusMenu::introspect(const QString&) const {
-  return QLatin1String(introspection);
+  return QLatin1String(menuIntrospection);
 }
 
 bool DBusMenu::handleMessage(const QDBusMessage& message, const QDBusConnection& bus) {
@@ -117,7 +117,7 @@ void DBusMenu::getProperty(const QDBusMessage& message) {
   answer(message, bus_, {QVariant::fromValue(QDBusVariant(properties.first()))});
 }
 
-void DBusMenu::event(const QDBusMessage& message) {
+void DBusMenu::itemEvent(const QDBusMessage& message) {
   const auto arguments = message.arguments();
   const int id = arguments[0].toInt();
   if (!model_.contains(id))
@@ -164,7 +164,7 @@ bool DBusMenu::rebuild() {
 
 void DBusMenu::happened(int id, const QString& event) {
   if (event != QLatin1String("clicked")) return;
-  // After the answer: what a row does may take long, or end the program.
+  // Posted to run after the reply: an action may take long or end the program.
   if (auto action = model_.actionOf(id)) scheduler_.post(std::move(action));
 }
 

@@ -10,8 +10,8 @@
 namespace vorli::ui {
 
 /// The status item's menu on the session bus (com.canonical.dbusmenu): the panel draws it and reports what
-/// was chosen. Always there, because a panel without one shows its own; its rows are built anew for each
-/// opening.
+/// was chosen. It always exists, because a panel shows its own menu for an item without one. Its rows are
+/// rebuilt for each opening.
 class DBusMenu final : public QDBusVirtualObject {
  public:
   static constexpr auto path = "/Menu";
@@ -37,7 +37,7 @@ class DBusMenu final : public QDBusVirtualObject {
   void getLayout(const QDBusMessage& message);
   void getGroupProperties(const QDBusMessage& message);
   void getProperty(const QDBusMessage& message);
-  void event(const QDBusMessage& message);
+  void itemEvent(const QDBusMessage& message);
   void eventGroup(const QDBusMessage& message);
   void aboutToShow(const QDBusMessage& message);
   void aboutToShowGroup(const QDBusMessage& message);

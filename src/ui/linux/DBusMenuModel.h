@@ -10,8 +10,8 @@
 
 namespace vorli::ui {
 
-/// The rows of the status item's menu as a panel sees them: numbered, and with a revision that rises when
-/// they change. A number is never given to another row, so a late click on a row that is gone hits nothing.
+/// The rows of the status item's menu as a panel sees them: numbered, with a revision that increases when
+/// they change. Numbers are never reused, so a late click on a removed row is ignored.
 class DBusMenuModel {
  public:
   using Provider = std::function<std::vector<ports::MenuRow>()>;
@@ -19,20 +19,21 @@ class DBusMenuModel {
 
   void setProvider(Provider provider) { provider_ = std::move(provider); }
 
-  /// Asks for the rows of one opening. True when they look different from those before.
+  /// Asks the provider for the rows of one opening. Returns whether they look different from the previous
+  /// ones.
   bool rebuild();
 
   std::uint32_t revision() const { return revision_; }
   bool contains(int id) const { return id == rootId || rowOf(id); }
 
-  /// The item and, `depth` levels down (negative: all), what is below it. An empty list of names asks for all
-  /// properties.
+  /// The item with `depth` levels of its descendants (negative: all). An empty list of names selects all
+  /// properties. Empty for an unknown id.
   std::optional<DBusMenuNode> layout(int id, int depth, const QStringList& names) const;
   QVariantMap properties(int id, const QStringList& names) const;
   /// Every id, the root's first.
   QList<int> ids() const;
 
-  /// What a click on the row does; empty for a separator, the root and unknown ids.
+  /// Action of a click on the row; empty for a separator, the root and unknown ids.
   std::function<void()> actionOf(int id) const;
 
  private:

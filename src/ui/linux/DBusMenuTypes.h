@@ -10,7 +10,7 @@
 
 namespace vorli::ui {
 
-/// One item of a menu with those below it, as com.canonical.dbusmenu carries it.
+/// One item of a menu with its children, as transferred by com.canonical.dbusmenu.
 struct DBusMenuNode {
   int id = 0;
   QVariantMap properties;
@@ -38,7 +38,7 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, DBusMenuPropertie
 QDBusArgument& operator<<(QDBusArgument& argument, const DBusMenuEvent& event);
 const QDBusArgument& operator>>(const QDBusArgument& argument, DBusMenuEvent& event);
 
-/// Teaches QtDBus the types above. Once or more often.
+/// Registers the types above with QtDBus. May be called more than once.
 void registerDBusMenuTypes();
 
 }  // namespace vorli::ui

@@ -7,8 +7,8 @@
 
 namespace vorli::ui {
 
-/// Hands a signal of the bus to a function for as long as it lives, whoever sends it: naming a sender would
-/// make Qt ask the bus for its owner and wait.
+/// Passes a signal of the bus to a function while the receiver exists. Accepts any sender: for a named one,
+/// Qt would ask the bus for its owner and wait.
 class DBusSignalReceiver final : public QObject {
   Q_OBJECT
 

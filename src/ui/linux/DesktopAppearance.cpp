@@ -1,7 +1,8 @@
 #include "ui/linux/DesktopAppearance.h"
 
+#include "formats/XSettings.h"
+#include "ui/kit/QtText.h"
 #include "ui/linux/DBusCalls.h"
-#include "ui/linux/XSettings.h"
 
 #include <QDBusVariant>
 #include <QGuiApplication>
@@ -19,7 +20,7 @@ const QString colourScheme = QStringLiteral("color-scheme");
 
 constexpr int middleLightness = 128;
 
-// The portal wraps the value in one variant or two, by version and by call.
+// The portal wraps the value in one or two variants, depending on its version and on the call.
 QVariant unwrapped(QVariant value) {
   while (value.canConvert<QDBusVariant>()) value = value.value<QDBusVariant>().variant();
   return value;
@@ -70,8 +71,8 @@ void DesktopAppearance::update() {
 bool DesktopAppearance::derive() const {
   if (preference_ != Preference::none) return preference_ == Preference::dark;
   if (gtk_.prefersDark) return true;
-  const auto published =
-      xSettingsText(selections_.published(ManagerSelections::Selection::settings), "Net/ThemeName");
+  const auto published = formats::xSettingsText(
+      bytesOf(selections_.published(ManagerSelections::Selection::settings)), "Net/ThemeName");
   const QString theme = published ? QString::fromStdString(*published) : gtk_.theme;
   if (!theme.isEmpty()) return theme.contains(QLatin1String("dark"), Qt::CaseInsensitive);
   return QGuiApplication::palette().color(QPalette::Window).lightness() < middleLightness;

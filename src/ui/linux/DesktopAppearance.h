@@ -11,9 +11,9 @@
 
 namespace vorli::ui {
 
-/// Whether the desktop wants dark windows: by the portal's preference, then by the theme that its settings
-/// daemon or the user's own file names, then by Qt's palette. The portal is asked without waiting, so the
-/// first answers may come from the others.
+/// Finds out whether the desktop wants dark windows: from the portal's preference, else from the theme named
+/// by the settings daemon or by the user's own file, else from Qt's palette. The portal is asked without
+/// waiting, so the first answers may come from the others.
 class DesktopAppearance {
  public:
   DesktopAppearance(QDBusConnection bus, ManagerSelections& selections);
@@ -33,7 +33,7 @@ class DesktopAppearance {
 
   QDBusConnection bus_;
   ManagerSelections& selections_;
-  const GtkPreference gtk_ = GtkPreference::ofThisUser();  // programs read it when they start
+  const GtkPreference gtk_ = GtkPreference::ofThisUser();  // read once, as other programs do
   Preference preference_ = Preference::none;
   bool dark_ = false;
   SubscriberList<> changed_;

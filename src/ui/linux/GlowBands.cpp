@@ -1,20 +1,39 @@
 #include "ui/linux/GlowBands.h"
 
 #include "ui/linux/QtX11.h"
+#include "ui/linux/X11Reply.h"
 
 #include <QPainter>
 #include <QRasterWindow>
+#include <algorithm>
 #include <cstdint>
+#include <span>
 
 namespace vorli::ui {
 namespace {
 
 constexpr std::array edges{ScreenEdge::top, ScreenEdge::bottom, ScreenEdge::left, ScreenEdge::right};
-constexpr double fullLevel = 255.0;
 
-// Qt leaves a changed opacity in its buffer, which may take seconds to fill.
+// Sends a changed opacity at once; Qt leaves it in its buffer, which may take seconds to fill.
 void flush() {
   if (auto* connection = qtConnection()) xcb_flush(connection);
+}
+
+// Returns whether the compositor applies the opacity of X11 windows. In a Wayland session it is also the
+// window manager and announces this. In other sessions it may be a separate program, which announces nothing
+// but does so.
+bool appliesOpacity() {
+  auto* connection = qtConnection();
+  if (!connection || !qEnvironmentVariableIsSet("WAYLAND_DISPLAY")) return true;
+  constexpr std::uint32_t mostAtoms = 1024;
+  const auto cookie = xcb_get_property(connection, 0, rootWindow(connection),
+                                       atomNamed(connection, "_NET_SUPPORTED"), XCB_ATOM_ATOM, 0, mostAtoms);
+  const X11Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection, cookie, nullptr));
+  if (!reply) return true;
+  const std::span supported(static_cast<const xcb_atom_t*>(xcb_get_property_value(reply.get())),
+                            reply->value_len);
+  const auto opacity = atomNamed(connection, "_NET_WM_WINDOW_OPACITY");
+  return std::ranges::find(supported, opacity) != supported.end();
 }
 
 }  // namespace
@@ -46,7 +65,7 @@ class GlowBands::Band final : public QRasterWindow {
   QColor colour_;
 };
 
-GlowBands::GlowBands(const QRect& screen, int depth) : depth_(depth) {
+GlowBands::GlowBands(const QRect& screen, int depth) : depth_(depth), paintsOpacity_(!appliesOpacity()) {
   for (std::size_t i = 0; i < edges.size(); ++i) bands_[i] = std::make_unique<Band>(edges[i]);
   setScreen(screen);
 }
@@ -61,11 +80,13 @@ void GlowBands::setScreen(const QRect& screen) {
 }
 
 void GlowBands::show(const QColor& colour, int level) {
-  for (auto& band : bands_) band->setColour(colour);
+  QColor painted = colour;
+  if (paintsOpacity_) painted.setAlpha(level);
+  for (auto& band : bands_) band->setColour(painted);
   if (level == level_) return;
   level_ = level;
   for (auto& band : bands_) {
-    band->setOpacity(level / fullLevel);
+    if (!paintsOpacity_) band->setOpacity(level / fullLevel);
     if (!band->isVisible()) band->show();
   }
   flush();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/GlowBandPainter.h"
+#include "ui/glow/GlowBandPainter.h"
 
 #include <QColor>
 #include <QRect>
@@ -9,25 +9,31 @@
 
 namespace vorli::ui {
 
-/// The four windows of a glow: unmanaged, so that they lie above full-screen windows and on every workspace,
-/// and without an input region, so that every click goes through them. Drawn once for a colour; their
-/// opacity is the compositor's work. Needs a compositor.
+/// The four windows of a glow. They are unmanaged, so that they are above full-screen windows and on every
+/// workspace, also among the native windows of a Wayland session: a surface of its layer shell, which not
+/// every compositor has, would be no higher. They have no input region, so that clicks pass through. They
+/// are drawn once per colour; the compositor applies their opacity. Where it does not, they are drawn for
+/// each level. Needs a compositor.
 class GlowBands {
  public:
-  /// `depth` and `screen` in Qt's logical pixels.
+  /// Level of opaque bands.
+  static constexpr double fullLevel = 255.0;
+
+  /// `depth` and `screen` are in Qt's logical pixels.
   GlowBands(const QRect& screen, int depth);
   ~GlowBands();
 
   void setScreen(const QRect& screen);
-  /// Paints again only for another colour; sends only another level.
+  /// Does nothing when neither has changed.
   void show(const QColor& colour, int level);
-  /// Above what came up since, except for one window of the program's own.
+  /// Raises the bands above other windows, but below `windowAbove`, a window of the program (0: none).
   void raise(std::uint32_t windowAbove);
 
  private:
   class Band;
 
   int depth_;
+  const bool paintsOpacity_;
   int level_ = -1;
   std::array<std::unique_ptr<Band>, 4> bands_;
 };

@@ -1,6 +1,6 @@
 #include "ui/linux/GlowOverlay.h"
 
-#include "ui/QtColour.h"
+#include "ui/kit/QtColour.h"
 #include "ui/linux/GlowBands.h"
 #include "ui/linux/MainScreen.h"
 #include "ui/linux/QtX11.h"
@@ -8,17 +8,12 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <cmath>
-#include <cstdlib>
+#include <utility>
 
 namespace vorli::ui {
 namespace {
 
-constexpr double frameSeconds = 1.0 / 30.0;
-// While the opacity creeps: a breath has about 17 levels in 4.5 seconds.
-constexpr double slowFrameSeconds = 1.0 / 10.0;
-constexpr int creepingLevels = 1;
-constexpr double fullLevel = 255.0;
-// The window manager tells of a window before it has put it where it belongs.
+// The window manager announces a window before it has restacked it.
 constexpr double settlingSeconds = 0.25;
 
 QRect rectangle(const ports::ScreenFrame& frame) {
@@ -32,6 +27,7 @@ GlowOverlay::GlowOverlay(Scheduler& scheduler, ManagerSelections& selections,
     : scheduler_(scheduler),
       selections_(selections),
       windowAbove_(std::move(windowAbove)),
+      frames_(scheduler, [this](const ports::GlowPicture& picture) { return show(picture); }),
       compositing_(selections.subscribe([this] { compositingChanged(); })) {
   watchScreens();
 }
@@ -84,53 +80,36 @@ void GlowOverlay::setFrame(const ports::ScreenFrame& frame) {
 }
 
 void GlowOverlay::animate(Frames frames, double restsAt) {
-  scheduler_.cancel(timer_);
-  frames_ = std::move(frames);
-  restsAt_ = restsAt;
-  showFrame();
+  frames_.start(std::move(frames), restsAt);
 }
 
 void GlowOverlay::remove() {
-  scheduler_.cancel(timer_);
+  frames_.stop();
   scheduler_.cancel(settling_);
-  timer_ = 0;
-  frames_ = nullptr;
-  shownLevel_ = 0;
   if (bands_) qGuiApp->removeNativeEventFilter(this);
   bands_.reset();
 }
 
-void GlowOverlay::showFrame() {
-  timer_ = 0;
-  if (!frames_) return;
-  const double now = scheduler_.now();
-  const int before = shownLevel_;
-  ++frameCount_;
-  show(frames_(now));
-  if (now >= restsAt_) return;
-  const bool isCreeping = std::isinf(restsAt_) && std::abs(shownLevel_ - before) <= creepingLevels;
-  timer_ = scheduler_.after(isCreeping ? slowFrameSeconds : frameSeconds, [this] { showFrame(); });
-}
-
-void GlowOverlay::show(const ports::GlowPicture& picture) {
-  shownLevel_ = static_cast<int>(std::lround(picture.opacity * fullLevel));
-  const bool isLit = shownLevel_ > 0 && selections_.isManaged(ManagerSelections::Selection::compositor);
+double GlowOverlay::show(const ports::GlowPicture& picture) {
+  const int level = static_cast<int>(std::lround(picture.opacity * GlowBands::fullLevel));
+  const bool isLit = level > 0 && selections_.isManaged(ManagerSelections::Selection::compositor);
   if (!isLit) {
     if (bands_) qGuiApp->removeNativeEventFilter(this);
     bands_.reset();
-    return;
+    return level;
   }
   const bool isNew = !bands_;
   if (isNew) bands_ = std::make_unique<GlowBands>(screen_, depth_);
-  bands_->show(qtColour(picture.colour.withAlpha(1.0)), shownLevel_);
-  if (!isNew) return;
+  bands_->show(qtColour(picture.colour.withAlpha(1.0)), level);
+  if (!isNew) return level;
   qGuiApp->installNativeEventFilter(this);
   raise();
+  return level;
 }
 
-// Without a compositor a see-through window is a black one.
+// Shows the frame again: without a compositor, a transparent window would be black.
 void GlowOverlay::compositingChanged() {
-  if (frames_) show(frames_(scheduler_.now()));
+  frames_.showAgain();
 }
 
 void GlowOverlay::raise() {
@@ -138,7 +117,7 @@ void GlowOverlay::raise() {
   bands_->raise(windowAbove_ ? topLevelAncestor(windowAbove_()) : 0);
 }
 
-// Another window came up, and maybe over the bands: the window manager does not look after those.
+// Raises the bands when another window may cover them; the window manager does not stack unmanaged ones.
 bool GlowOverlay::nativeEventFilter(const QByteArray& type, void* message, qintptr*) {
   if (type != "xcb_generic_event_t" || !bands_) return false;
   const auto* event = static_cast<const xcb_generic_event_t*>(message);

@@ -3,6 +3,7 @@
 #include "base/Scheduler.h"
 #include "base/SubscriberList.h"
 #include "ports/GlowOverlay.h"
+#include "ui/glow/GlowFrames.h"
 #include "ui/linux/ManagerSelections.h"
 
 #include <QAbstractNativeEventFilter>
@@ -17,12 +18,12 @@ namespace vorli::ui {
 
 class GlowBands;
 
-/// The glow on an X11 desktop: four bands that are there only while there is light, and only with a
-/// compositor, which may come and go.
+/// The glow on an X11 desktop: four bands that exist only while there is light and a compositor, which may
+/// start and stop at any time.
 class GlowOverlay final : public ports::GlowOverlay, private QAbstractNativeEventFilter {
  public:
-  /// `windowAbove` names the program's window that the glow does not lie over; 0 when it has none. Both
-  /// references outlive this.
+  /// `windowAbove` returns the program's window that the glow must not cover, or 0. Both references must
+  /// outlive this object.
   GlowOverlay(Scheduler& scheduler, ManagerSelections& selections,
               std::function<std::uint32_t()> windowAbove);
   ~GlowOverlay() override;
@@ -35,13 +36,12 @@ class GlowOverlay final : public ports::GlowOverlay, private QAbstractNativeEven
   void animate(Frames frames, double restsAt) override;
   void remove() override;
 
-  /// Frames asked for since the start: at rest it stands still.
-  std::uint64_t frameCount() const { return frameCount_; }
+  /// Number of frames requested since the start; constant while the picture is at rest.
+  std::uint64_t frameCount() const { return frames_.count(); }
 
  private:
   void watchScreens();
-  void showFrame();
-  void show(const ports::GlowPicture& picture);
+  double show(const ports::GlowPicture& picture);
   void compositingChanged();
   void raise();
   bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
@@ -49,18 +49,14 @@ class GlowOverlay final : public ports::GlowOverlay, private QAbstractNativeEven
   Scheduler& scheduler_;
   ManagerSelections& selections_;
   std::function<std::uint32_t()> windowAbove_;
+  GlowFrames frames_;
   Subscription compositing_;
   SubscriberList<> screensChanged_;
-  QObject context_;  // of Qt's connections
+  QObject context_;  // for Qt's connections
 
   QRect screen_;
   int depth_ = 0;
-  Frames frames_;
-  double restsAt_ = -1.0;
-  int shownLevel_ = 0;
-  Scheduler::TimerId timer_ = 0;
   Scheduler::TimerId settling_ = 0;
-  std::uint64_t frameCount_ = 0;
   std::unique_ptr<GlowBands> bands_;
 };
 

@@ -16,7 +16,8 @@ GtkPreference GtkPreference::read(const QString& file) {
   };
   return {.theme = value("gtk-theme-name"),
           .prefersDark = says("gtk-application-prefer-dark-theme", "1", "true"),
-          .dropsAnimations = says("gtk-enable-animations", "0", "false")};
+          .dropsAnimations = says("gtk-enable-animations", "0", "false"),
+          .iconTheme = value("gtk-icon-theme-name")};
 }
 
 GtkPreference GtkPreference::ofThisUser() {

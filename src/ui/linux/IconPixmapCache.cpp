@@ -1,6 +1,6 @@
 #include "ui/linux/IconPixmapCache.h"
 
-#include "ui/StatusPicturePainter.h"
+#include "ui/status/StatusPicturePainter.h"
 
 #include <algorithm>
 #include <array>
@@ -8,7 +8,7 @@
 namespace vorli::ui {
 namespace {
 
-// The sizes that panels show, single and doubled; a panel scales from the next larger one.
+// Sizes that panels show, single and doubled; a panel scales down the next larger one.
 constexpr std::array sides{16, 22, 24, 32, 48};
 
 IconPixmaps draw(const ports::StatusPicture& picture) {

@@ -7,15 +7,14 @@
 
 namespace vorli::ui {
 
-/// The pixmaps of the pictures shown last: each is drawn once and used again when it comes back, and no more
-/// than `capacity` are kept.
+/// Caches the pixmaps of the `capacity` pictures shown last, so that one that returns is not drawn again.
 class IconPixmapCache {
  public:
-  static constexpr std::size_t capacity = 16;  // 19 kB each
+  static constexpr std::size_t capacity = 16;  // 19 kB per entry
 
   const IconPixmaps& pixmapsOf(const ports::StatusPicture& picture);
 
-  /// How many pictures were drawn so far.
+  /// Number of pictures drawn so far.
   std::size_t drawn() const { return drawn_; }
   std::size_t size() const { return entries_.size(); }
 
@@ -25,7 +24,7 @@ class IconPixmapCache {
     IconPixmaps pixmaps;
   };
 
-  std::list<Entry> entries_;  // the one used last comes first
+  std::list<Entry> entries_;  // most recently used first
   std::size_t drawn_ = 0;
 };
 

@@ -1,9 +1,9 @@
 #include "ui/linux/MainScreen.h"
 
-#include "ui/linux/ClickAnchor.h"
+#include "ui/kit/ScreenPlaces.h"
 #include "ui/linux/QtX11.h"
-#include "ui/linux/ScreenPlaces.h"
 #include "ui/linux/X11Reply.h"
+#include "ui/status/ClickAnchor.h"
 
 #include <QGuiApplication>
 #include <QScreen>

@@ -6,15 +6,15 @@
 
 namespace vorli::ui {
 
-// Questions to the X server that Qt does not answer, over Qt's own connection: one or two round trips each.
-// Without an X server the answers are empty.
+// Queries to the X server that Qt does not offer, over Qt's own connection. They block for a few round trips.
+// Without an X server the results are empty.
 
-/// The screen that the user works on, in Qt's logical pixels: that of the window with the keyboard, else the
-/// primary one. Empty when there is no screen.
+/// Returns the geometry of the screen that the user works on, in Qt's logical pixels: the one of the focused
+/// window, else the primary one. Empty when there is no screen.
 std::optional<QRect> mainScreenGeometry();
 
-/// The window, or what the window manager put around it: the one that stands among the root's children. 0 for
-/// 0, and when it is gone.
+/// Returns the window, or the frame that the window manager put around it: whichever is a child of the root.
+/// 0 for 0 and for a window that does not exist.
 std::uint32_t topLevelAncestor(std::uint32_t window);
 
 }  // namespace vorli::ui

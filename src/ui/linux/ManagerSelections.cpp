@@ -34,7 +34,7 @@ ManagerSelections::ManagerSelections() {
   notifier_ = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection_), QSocketNotifier::Read);
   QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { process(); });
   refreshAll();
-  process();  // events may have come with the replies, and then the socket stays silent
+  process();  // events may have been read with the replies, and the notifier does not report those
 }
 
 ManagerSelections::~ManagerSelections() {
@@ -46,7 +46,7 @@ bool ManagerSelections::watchOwners(std::uint32_t root) {
   const auto* extension = xcb_get_extension_data(connection_, &xcb_xfixes_id);
   if (!extension || !extension->present) return false;
   firstFixesEvent_ = extension->first_event;
-  const auto cookie = xcb_xfixes_query_version(connection_, 2, 0);  // nothing else works before this
+  const auto cookie = xcb_xfixes_query_version(connection_, 2, 0);  // required before any other request
   const X11Reply<xcb_xfixes_query_version_reply_t> version(
       xcb_xfixes_query_version_reply(connection_, cookie, nullptr));
   for (const auto& state : states_) {

@@ -13,9 +13,8 @@ struct xcb_connection_t;
 
 namespace vorli::ui {
 
-/// Who manages the X11 tray, the desktop's settings and the compositing of the default screen, and what the
-/// managers publish: watched over a connection of its own, by events alone. Without an X server nobody
-/// manages anything.
+/// Tracks the managers of the X11 tray, the desktop's settings and the compositing of the default screen, and
+/// what they publish. Uses its own connection and only events. Without an X server, nothing is managed.
 class ManagerSelections {
  public:
   enum class Selection { systemTray, settings, compositor };
@@ -27,11 +26,11 @@ class ManagerSelections {
 
   bool isManaged(Selection selection) const { return state(selection).owner != 0; }
 
-  /// The bytes of _NET_SYSTEM_TRAY_COLORS (numbers of 32 bits) or _XSETTINGS_SETTINGS on the manager's
-  /// window. Empty without a manager, when it does not tell, and for the compositor.
+  /// The bytes of _NET_SYSTEM_TRAY_COLORS (32-bit numbers) or _XSETTINGS_SETTINGS on the manager's window.
+  /// Empty without a manager, when it publishes nothing, and for the compositor.
   const QByteArray& published(Selection selection) const { return state(selection).published; }
 
-  /// `handler` runs after a manager came or left, or published something else.
+  /// `handler` runs after a manager has appeared, disappeared or published something else.
   Subscription subscribe(std::function<void()> handler) { return changed_.add(std::move(handler)); }
 
  private:

@@ -1,6 +1,7 @@
 #include "ui/linux/MotionPreference.h"
 
-#include "ui/linux/XSettings.h"
+#include "formats/XSettings.h"
+#include "ui/kit/QtText.h"
 
 #include <utility>
 
@@ -12,8 +13,8 @@ MotionPreference::MotionPreference(ManagerSelections& selections, GtkPreference 
 }
 
 bool MotionPreference::derive() const {
-  const auto published =
-      xSettingsNumber(selections_.published(ManagerSelections::Selection::settings), "Gtk/EnableAnimations");
+  const auto published = formats::xSettingsNumber(
+      bytesOf(selections_.published(ManagerSelections::Selection::settings)), "Gtk/EnableAnimations");
   return published ? *published == 0 : gtk_.dropsAnimations;
 }
 

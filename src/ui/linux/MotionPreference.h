@@ -7,8 +7,8 @@
 
 namespace vorli::ui {
 
-/// The switch for animations among the settings that the desktop publishes to X11 programs, else the one in
-/// the user's own file.
+/// The switch for animations in the settings that the desktop publishes to X11 programs, else in the user's
+/// own file.
 class MotionPreference final : public ports::MotionPreference {
  public:
   explicit MotionPreference(ManagerSelections& selections, GtkPreference gtk = GtkPreference::ofThisUser());

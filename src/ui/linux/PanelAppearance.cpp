@@ -23,7 +23,7 @@ bool PanelAppearance::isDark() const {
 }
 
 std::optional<bool> hasLightForeground(const QByteArray& trayColours) {
-  // Red, green and blue of foreground, error, warning and success; 16 bits each, in 32.
+  // Red, green and blue of foreground, error, warning and success, each a 16-bit value in 32 bits.
   std::array<std::uint32_t, 12> components;
   if (trayColours.size() != static_cast<qsizetype>(sizeof components)) return std::nullopt;
   std::memcpy(components.data(), trayColours.constData(), sizeof components);

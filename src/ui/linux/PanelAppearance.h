@@ -10,8 +10,8 @@
 
 namespace vorli::ui {
 
-/// Whether the panel behind the status item is dark: by the colours that the panel itself publishes, else by
-/// the desktop. Windows and panel may differ, so this is not the appearance of windows.
+/// Finds out whether the panel behind the status item is dark: from the colours that the panel publishes,
+/// else from the desktop. Panel and windows may differ, so this is not the appearance of windows.
 class PanelAppearance {
  public:
   /// `currentDesktop` is the session's XDG_CURRENT_DESKTOP.
@@ -31,8 +31,8 @@ class PanelAppearance {
   Subscription windows_;
 };
 
-/// Whether the foreground colour in the bytes of a _NET_SYSTEM_TRAY_COLORS property is a light one; empty
-/// when they are none.
+/// Whether the foreground colour in the bytes of a _NET_SYSTEM_TRAY_COLORS property is light; empty when the
+/// bytes are malformed.
 std::optional<bool> hasLightForeground(const QByteArray& trayColours);
 
 }  // namespace vorli::ui

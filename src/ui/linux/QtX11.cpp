@@ -18,7 +18,7 @@ xcb_window_t rootWindow(xcb_connection_t* connection) {
 }
 
 xcb_atom_t atomNamed(xcb_connection_t* connection, const char* name) {
-  // An atom stays what it is while the server runs, and a server that ends takes this program along.
+  // Atoms do not change while the server runs, and this program does not outlive the server.
   static std::map<std::string_view, xcb_atom_t> known;
   const std::string_view text(name);
   if (const auto found = known.find(text); found != known.end()) return found->second;

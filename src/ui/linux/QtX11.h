@@ -6,17 +6,18 @@
 
 namespace vorli::ui {
 
-// The X server over Qt's own connection to it. Main thread.
+// Access to the X server over Qt's own connection. Main thread.
 
-/// Null on a platform other than X11, where nothing of the rest must be called.
+/// Null on platforms other than X11, where none of the other functions may be called.
 xcb_connection_t* qtConnection();
 
 xcb_window_t rootWindow(xcb_connection_t* connection);
 
-/// XCB_ATOM_NONE when the server does not answer. It is asked once for each name, which must live on.
+/// Returns XCB_ATOM_NONE when the server does not answer. Atoms are cached; `name` must stay valid until the
+/// program ends.
 xcb_atom_t atomNamed(xcb_connection_t* connection, const char* name);
 
-/// Where the window is on the desktop, in native pixels.
+/// Rectangle of the window on the desktop, in native pixels.
 std::optional<QRect> rectangleOf(xcb_connection_t* connection, xcb_window_t window);
 
 }  // namespace vorli::ui

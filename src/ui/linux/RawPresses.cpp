@@ -20,8 +20,12 @@ RawPresses::~RawPresses() {
   if (connection_) xcb_disconnect(connection_);
 }
 
-void RawPresses::listen() {
+void RawPresses::prepare() {
   if (!connection_) connect();
+}
+
+void RawPresses::listen() {
+  prepare();
   if (!connection_ || listens_) return;
   listens_ = true;
   select(XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS);
@@ -36,7 +40,7 @@ void RawPresses::connect() {
   auto* connection = xcb_connect(nullptr, nullptr);
   const auto giveUp = [&] { xcb_disconnect(connection); };
   if (xcb_connection_has_error(connection)) return giveUp();
-  const auto cookie = xcb_input_xi_query_version(connection, 2, 2);  // nothing else works before this
+  const auto cookie = xcb_input_xi_query_version(connection, 2, 2);  // required before any other request
   const X11Reply<xcb_input_xi_query_version_reply_t> version(
       xcb_input_xi_query_version_reply(connection, cookie, nullptr));
   if (!version) return giveUp();
@@ -55,7 +59,7 @@ void RawPresses::select(std::uint32_t events) {
   xcb_flush(connection_);
 }
 
-// However many presses have come, the handler hears of them once.
+// Calls the handler once, however many presses have come.
 void RawPresses::process() {
   bool pressed = false;
   while (takePress()) pressed = true;
@@ -64,7 +68,7 @@ void RawPresses::process() {
   if (const auto place = pointer()) handler_(*place);
 }
 
-// True for a press; what else comes, and what came under an earlier selection, is dropped on the way to it.
+// Returns true for a press. Drops other events, and events of an earlier selection, on the way to it.
 bool RawPresses::takePress() {
   while (const X11Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
     if ((event->response_type & 0x7F) != XCB_GE_GENERIC) continue;
@@ -77,7 +81,7 @@ bool RawPresses::takePress() {
   return false;
 }
 
-// A raw event has no position.
+// Asks for the pointer's position, because a raw event has none.
 std::optional<QPoint> RawPresses::pointer() {
   const X11Reply<xcb_query_pointer_reply_t> reply(
       xcb_query_pointer_reply(connection_, xcb_query_pointer(connection_, root_), nullptr));

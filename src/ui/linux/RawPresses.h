@@ -11,10 +11,10 @@ struct xcb_connection_t;
 
 namespace vorli::ui {
 
-/// Tells of every press of the left and the right mouse button on the whole X11 desktop while it listens,
-/// without taking it from the window that it was meant for. The events come over a connection of its own,
-/// which is made by the first `listen` and kept: to make one takes longer than a frame may. Without X11, or
-/// without its input extension, nothing comes.
+/// Reports every press of the left and the right mouse button on the whole X11 desktop while it listens,
+/// without taking it from the window that it was meant for. Uses its own connection, which is opened by
+/// `prepare` or the first `listen` and kept: opening one takes longer than a frame may. Reports nothing
+/// without X11 or without its input extension.
 class RawPresses {
  public:
   using Handler = std::function<void(QPoint native)>;
@@ -24,9 +24,11 @@ class RawPresses {
   RawPresses(const RawPresses&) = delete;
   RawPresses& operator=(const RawPresses&) = delete;
 
-  /// Presses from now on.
+  /// Opens the connection, so that the first `listen` need not.
+  void prepare();
+  /// Starts reporting presses.
   void listen();
-  /// No press is told any more, even if it happened before.
+  /// Stops reporting presses, including those that happened before this call.
   void stop();
 
  private:
@@ -39,7 +41,7 @@ class RawPresses {
   Handler handler_;
   xcb_connection_t* connection_ = nullptr;
   unsigned root_ = 0;
-  unsigned selection_ = 0;  // the number of the request that chose what comes
+  unsigned selection_ = 0;  // sequence number of the last request that selected events
   bool listens_ = false;
   std::unique_ptr<QSocketNotifier> notifier_;
 };

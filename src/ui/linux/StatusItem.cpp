@@ -1,7 +1,7 @@
 #include "ui/linux/StatusItem.h"
 
-#include "ui/linux/ScreenPlaces.h"
-#include "ui/linux/StatusMenuPopup.h"
+#include "ui/kit/ScreenPlaces.h"
+#include "ui/status/StatusMenuPopup.h"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -12,14 +12,14 @@ namespace {
 
 using ports::StatusClick;
 
-// On X11 the pointer still is where it was clicked, in pixels that need no conversion. Under Wayland an X11
-// program does not learn where the pointer is.
+// On X11 the pointer is still where the click was, and its position needs no conversion. Under Wayland, an
+// X11 program does not learn the pointer's position.
 bool knowsThePointer() {
   return QGuiApplication::platformName() == QLatin1String("xcb") &&
          !qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
 }
 
-// Empty for a click by keyboard, which panels report at 0,0.
+// Place of the click; empty for one by keyboard, which panels report at 0,0.
 std::optional<QPoint> clickedPoint(QPoint native, const QList<ScreenPlace>& screens) {
   if (native.isNull()) return std::nullopt;
   return knowsThePointer() ? QCursor::pos() : logicalPoint(native, screens);

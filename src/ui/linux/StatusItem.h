@@ -2,8 +2,6 @@
 
 #include "base/Scheduler.h"
 #include "ports/StatusItem.h"
-#include "ui/PictureThrottle.h"
-#include "ui/linux/ClickAnchor.h"
 #include "ui/linux/DBusMenu.h"
 #include "ui/linux/DesktopAppearance.h"
 #include "ui/linux/IconPixmapCache.h"
@@ -12,6 +10,8 @@
 #include "ui/linux/StatusNotifierWatcher.h"
 #include "ui/linux/TrayHost.h"
 #include "ui/linux/TrayIconFallback.h"
+#include "ui/status/ClickAnchor.h"
+#include "ui/status/PictureThrottle.h"
 
 #include <QDBusConnection>
 #include <memory>
@@ -19,11 +19,11 @@
 
 namespace vorli::ui {
 
-/// The program's place in the tray: on the session bus where a panel listens there, else in an X11 tray, and
-/// over to the other whenever panels come and go. With neither it keeps what it would show.
+/// The program's item in the tray: on the session bus where a panel listens there, else in an X11 tray. It
+/// moves between them as panels start and stop. Without either, it remembers what to show.
 class StatusItem final : public ports::StatusItem {
  public:
-  /// `bus` is a connection to the session bus of the item's own, or one that is not connected.
+  /// `bus` is the item's own connection to the session bus; it may be disconnected.
   StatusItem(Scheduler& scheduler, QDBusConnection bus, ManagerSelections& selections,
              DesktopAppearance& desktop, PanelAppearance& appearance);
   ~StatusItem() override;
@@ -40,11 +40,11 @@ class StatusItem final : public ports::StatusItem {
   bool hasDarkAppearance() const override { return appearance_.isDark(); }
   void setAppearanceHandler(std::function<void()> handler) override;
 
-  /// Where the item shows now; `handler` runs when that changes.
+  /// The tray that shows the item now; `handler` runs when it changes.
   TrayKind tray() const { return host_ ? host_->kind() : TrayKind::undecided; }
   void setTrayHandler(std::function<void(TrayKind)> handler) { trayHandler_ = std::move(handler); }
 
-  /// The place of the last click; empty when there was none, or none that is on a screen.
+  /// Place of the last click; empty when there was none, or when it was on no screen.
   const std::optional<ClickAnchor>& lastClick() const { return lastClick_; }
 
  private:
@@ -71,7 +71,7 @@ class StatusItem final : public ports::StatusItem {
   std::optional<ports::StatusPicture> shown_;
   PictureThrottle throttle_;
 
-  // The menu and the item are on the bus before the watcher hears of them.
+  // Order matters: the menu and the item must be on the bus before the watcher learns of them.
   std::unique_ptr<DBusMenu> menu_;
   std::unique_ptr<StatusNotifierItem> item_;
   std::unique_ptr<StatusNotifierWatcher> watcher_;

@@ -10,7 +10,7 @@
 namespace vorli::ui {
 namespace {
 
-constexpr char introspection[] = R"xml(<interface name="org.kde.StatusNotifierItem">
+constexpr char itemIntrospection[] = R"xml(<interface name="org.kde.StatusNotifierItem">
   <property name="Category" type="s" access="read"/>
   <property name="Id" type="s" access="read"/>
   <property name="Title" type="s" access="read"/>
@@ -53,7 +53,8 @@ StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, GestureHandler handl
     : bus_(std::move(bus)), gestureHandler_(std::move(handler)) {
   registerStatusNotifierTypes();
   bus_.registerVirtualObject(QLatin1String(path), this, QDBusConnection::SingleNode);
-  // Not registerService, which waits for the bus. What is asked of the bus afterwards comes after this.
+  // Does not use registerService(), which waits for the bus. The bus handles this request before any later
+  // one.
   auto request = QDBusMessage::createMethodCall(
       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("RequestName"));
@@ -91,7 +92,7 @@ void StatusNotifierItem::setAccessibleDescription(const QString& text) {
 }
 
 QString StatusNotifierItem::introspect(const QString&) const {
-  return QLatin1String(introspection);
+  return QLatin1String(itemIntrospection);
 }
 
 bool StatusNotifierItem::handleMessage(const QDBusMessage& message, const QDBusConnection& bus) {

@@ -10,12 +10,12 @@
 
 namespace vorli::ui {
 
-/// The status item on the session bus (org.kde.StatusNotifierItem): what it looks like and says, and the
-/// clicks that a panel reports. It shows once a watcher knows its name.
+/// The status item on the session bus (org.kde.StatusNotifierItem): its icon, its texts, and the clicks that
+/// a panel reports. It shows once a watcher knows its name.
 class StatusNotifierItem final : public QDBusVirtualObject {
  public:
   enum class Gesture { activate, secondaryActivate, contextMenu };
-  /// Called after the panel has its answer, with the place of the click in the panel's own pixels.
+  /// Called after the panel's call has been answered, with the place of the click in the panel's own pixels.
   using GestureHandler = std::function<void(Gesture, QPoint)>;
 
   static constexpr auto path = "/StatusNotifierItem";

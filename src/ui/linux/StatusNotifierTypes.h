@@ -10,7 +10,7 @@ class QImage;
 
 namespace vorli::ui {
 
-/// One size of an icon as the protocol carries it: ARGB, 32 bits, big endian, not premultiplied.
+/// One size of an icon in the protocol's format: ARGB, 32 bits, big endian, not premultiplied.
 struct IconPixmap {
   int width = 0;
   int height = 0;
@@ -21,7 +21,7 @@ struct IconPixmap {
 
 using IconPixmaps = QList<IconPixmap>;
 
-/// A tool tip as the protocol carries it.
+/// A tool tip in the protocol's format.
 struct NotifierToolTip {
   QString iconName;
   IconPixmaps pixmaps;
@@ -34,7 +34,7 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, IconPixmap& pixma
 QDBusArgument& operator<<(QDBusArgument& argument, const NotifierToolTip& toolTip);
 const QDBusArgument& operator>>(const QDBusArgument& argument, NotifierToolTip& toolTip);
 
-/// Teaches QtDBus the types above. Once or more often.
+/// Registers the types above with QtDBus. May be called more than once.
 void registerStatusNotifierTypes();
 
 }  // namespace vorli::ui

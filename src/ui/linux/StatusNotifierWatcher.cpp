@@ -8,7 +8,7 @@
 namespace vorli::ui {
 namespace {
 
-constexpr Logger logger{logSubsystem, "status-item"};
+constexpr Logger statusItemLog{logSubsystem, "status-item"};
 
 const QString watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString watcherPath = QStringLiteral("/StatusNotifierWatcher");
@@ -23,7 +23,7 @@ StatusNotifierWatcher::StatusNotifierWatcher(QDBusConnection bus, std::function<
                       [this](const QDBusMessage&) { askForHost(); }),
       hostUnregistered_(bus_, watcherPath, watcherName, QStringLiteral("StatusNotifierHostUnregistered"),
                         [this](const QDBusMessage&) { askForHost(); }),
-      // What Qt itself sends when the connection breaks; the change of owner is not told then.
+      // Sent by Qt itself when the connection breaks; no change of owner is reported then.
       busLost_(bus_, QStringLiteral("/org/freedesktop/DBus/Local"),
                QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),
                [this](const QDBusMessage&) { ownerIs({}); }) {
@@ -38,7 +38,7 @@ StatusNotifierWatcher::StatusNotifierWatcher(QDBusConnection bus, std::function<
       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"));
   ask << watcherName;
   callAsync(bus_, ask, &names_, [this](const QDBusMessage& reply) {
-    if (presence_ != Presence::unknown || !owner_.isEmpty()) return;  // a change of owner was faster
+    if (presence_ != Presence::unknown || !owner_.isEmpty()) return;  // a change of owner came first
     ownerIs(reply.type() == QDBusMessage::ReplyMessage ? reply.arguments().value(0).toString() : QString());
   });
 }
@@ -62,7 +62,7 @@ void StatusNotifierWatcher::askForHost() {
   ask << watcherName << QStringLiteral("IsStatusNotifierHostRegistered");
   callAsync(bus_, ask, &names_, [this, asked = owner_](const QDBusMessage& reply) {
     if (asked != owner_) return;
-    // A watcher that does not tell is taken to be a panel's own.
+    // A watcher that does not answer is assumed to be a panel's own.
     const auto answer = reply.arguments().value(0).value<QDBusVariant>().variant();
     const bool without = reply.type() == QDBusMessage::ReplyMessage && answer.isValid() && !answer.toBool();
     set(without ? Presence::withoutHost : Presence::present);
@@ -75,7 +75,8 @@ void StatusNotifierWatcher::registerItem() {
   call << serviceName_;
   callAsync(bus_, call, &names_, [](const QDBusMessage& reply) {
     if (reply.type() == QDBusMessage::ErrorMessage) {
-      logger.error("registering the status item failed: %{public}s", reply.errorMessage().toStdString());
+      statusItemLog.error("registering the status item failed: %{public}s",
+                          reply.errorMessage().toStdString());
     }
   });
 }

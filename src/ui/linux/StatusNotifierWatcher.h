@@ -9,14 +9,14 @@
 
 namespace vorli::ui {
 
-/// The session's org.kde.StatusNotifierWatcher, the registry between items and panels, as far as it is known.
-/// Nothing here waits for the bus.
+/// Tracks the session's org.kde.StatusNotifierWatcher, the registry of items and panels. Never waits for the
+/// bus.
 class StatusNotifierWatcher {
  public:
   enum class Presence {
     unknown,      // not answered yet
-    absent,       // nobody has the name
-    withoutHost,  // somebody has, but no panel shows what is registered
+    absent,       // nobody owns the name
+    withoutHost,  // the name has an owner, but no panel shows registered items
     present,
   };
 
@@ -25,7 +25,7 @@ class StatusNotifierWatcher {
 
   Presence presence() const { return presence_; }
 
-  /// Tells the watcher of the item that `serviceName` owns, now and each time that a watcher appears.
+  /// Registers the item that `serviceName` owns, now and each time that a watcher appears.
   void announce(const QString& serviceName);
 
  private:

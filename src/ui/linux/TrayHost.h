@@ -8,7 +8,7 @@
 
 namespace vorli::ui {
 
-/// Where a status item can show.
+/// The kinds of tray that can show a status item.
 enum class TrayKind {
   undecided,       // the session has not answered yet
   statusNotifier,  // a panel that speaks org.kde.StatusNotifierItem
@@ -19,10 +19,10 @@ enum class TrayKind {
 /// The better of the two trays that the session offers now.
 TrayKind preferredTray(StatusNotifierWatcher::Presence watcher, bool hasXEmbedTray);
 
-/// Follows which tray is there, and tells when the item has to move.
+/// Follows which trays are available, and reports when the item has to move.
 class TrayHost {
  public:
-  /// A panel that starts or restarts may bring its X11 tray a moment before its other one.
+  /// A panel that starts or restarts may offer its X11 tray a moment before its StatusNotifier one.
   static constexpr double xembedDelaySeconds = 0.3;
 
   TrayHost(Scheduler& scheduler, StatusNotifierWatcher& watcher, ManagerSelections& selections,
@@ -33,7 +33,7 @@ class TrayHost {
 
   TrayKind kind() const { return kind_; }
 
-  /// Looks again; called when watcher or selections have changed.
+  /// Chooses the tray again; called when the watcher or the selections have changed.
   void update();
 
  private:

@@ -1,6 +1,7 @@
 #include "ui/linux/TrayIconFallback.h"
 
-#include "ui/StatusPicturePainter.h"
+#include "ui/status/StatusPicturePainter.h"
+#include "ui/status/TrayClick.h"
 
 #include <QApplication>
 #include <QHelpEvent>
@@ -13,7 +14,7 @@
 namespace vorli::ui {
 namespace {
 
-// Draws at the size that the tray gives, into the window itself: nothing is scaled, nothing cached.
+// Draws directly into the window at the size that the tray gives; nothing is scaled or cached.
 class PictureEngine final : public QIconEngine {
  public:
   explicit PictureEngine(ports::StatusPicture picture) : picture_(std::move(picture)) {}
@@ -30,10 +31,25 @@ class PictureEngine final : public QIconEngine {
   ports::StatusPicture picture_;
 };
 
+Qt::MouseButton buttonOf(QSystemTrayIcon::ActivationReason reason) {
+  switch (reason) {
+    case QSystemTrayIcon::Trigger:
+    case QSystemTrayIcon::DoubleClick:
+      return Qt::LeftButton;
+    case QSystemTrayIcon::Context:
+      return Qt::RightButton;
+    case QSystemTrayIcon::MiddleClick:
+      return Qt::MiddleButton;
+    case QSystemTrayIcon::Unknown:
+      break;
+  }
+  return Qt::NoButton;
+}
+
 }  // namespace
 
 TrayIconFallback::TrayIconFallback(ClickHandler handler) : clickHandler_(std::move(handler)) {
-  setPicture({});  // Qt warns of a tray icon without one
+  setPicture({});  // Qt warns about a tray icon without one
   icon_.show();
   adoptWindow();
 }
@@ -54,8 +70,8 @@ void TrayIconFallback::setTexts(const QString& title, const QString& sentence) {
   window_->setAccessibleDescription(sentence);
 }
 
-// Qt reports a click when the button goes down and without its modifiers, so its window is listened to
-// itself.
+// Watches the events of Qt's tray window, because Qt reports a click when the button goes down and without
+// its modifiers.
 void TrayIconFallback::adoptWindow() {
   for (QWidget* window : QApplication::topLevelWidgets()) {
     if (!window->inherits("QSystemTrayIconSys")) continue;
@@ -64,10 +80,7 @@ void TrayIconFallback::adoptWindow() {
     return;
   }
   connect(&icon_, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
-    const bool right = reason == QSystemTrayIcon::Context;
-    clickHandler_({right ? ports::StatusClick::Button::right : ports::StatusClick::Button::left,
-                   ports::StatusClick::Control::up},
-                  QCursor::pos());
+    if (const auto click = trayClick(buttonOf(reason), Qt::NoModifier)) clickHandler_(*click, QCursor::pos());
   });
 }
 
@@ -80,11 +93,9 @@ bool TrayIconFallback::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::MouseButtonRelease: {
       const auto* mouse = static_cast<QMouseEvent*>(event);
       if (!window_->rect().contains(mouse->position().toPoint())) return true;
-      const bool right = mouse->button() == Qt::RightButton;
-      const bool control = mouse->modifiers().testFlag(Qt::ControlModifier);
-      clickHandler_({right ? ports::StatusClick::Button::right : ports::StatusClick::Button::left,
-                     control ? ports::StatusClick::Control::held : ports::StatusClick::Control::up},
-                    mouse->globalPosition().toPoint());
+      if (const auto click = trayClick(mouse->button(), mouse->modifiers())) {
+        clickHandler_(*click, mouse->globalPosition().toPoint());
+      }
       return true;
     }
     default:

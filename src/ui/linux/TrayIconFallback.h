@@ -12,8 +12,8 @@ class QWidget;
 
 namespace vorli::ui {
 
-/// The status item in an X11 system tray (XEmbed), for panels that know nothing better. Exists only while
-/// such a tray is wanted: Qt decides once in a process which kind of tray it uses, and must not see the
+/// The status item in an X11 system tray (XEmbed), for panels that support nothing better. Must exist only
+/// while such a tray is wanted: Qt decides once per process which kind of tray it uses, and must not find the
 /// other.
 class TrayIconFallback final : public QObject {
  public:
@@ -25,7 +25,7 @@ class TrayIconFallback final : public QObject {
   void setPicture(const ports::StatusPicture& picture);
   void setTexts(const QString& title, const QString& sentence);
 
-  /// Where the icon is, in logical pixels.
+  /// Rectangle of the icon, in logical pixels.
   QRect geometry() const { return icon_.geometry(); }
 
  private:

@@ -1,4 +1,4 @@
-#include "ui/WakeTimer.h"
+#include "ui/loop/WakeTimer.h"
 
 #include <QtGlobal>
 #include <algorithm>
@@ -8,7 +8,6 @@
 #include <cstring>
 #include <sys/timerfd.h>
 #include <unistd.h>
-#include <utility>
 
 namespace vorli::ui {
 namespace {
@@ -16,14 +15,7 @@ namespace {
 constexpr double nanosecondsPerSecond = 1e9;
 constexpr double latestMoment = 4e9;  // more than a century of uptime
 
-int openTimer() {
-  const int descriptor = timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC);
-  // Happens only to a program that has used up its descriptors before its first timer; nothing runs then.
-  if (descriptor < 0) qFatal("no timer: %s", std::strerror(errno));
-  return descriptor;
-}
-
-// Rounded up. All zeroes would mean never.
+// Rounds up, and never returns zero, which would disarm the timer.
 timespec timeAt(double moment) {
   const double seconds = std::floor(moment);
   const auto nanoseconds = static_cast<long>(std::ceil((moment - seconds) * nanosecondsPerSecond));
@@ -34,30 +26,26 @@ timespec timeAt(double moment) {
 
 }  // namespace
 
-WakeTimer::WakeTimer(UniqueFunction<void()> wake)
-    : descriptor_(openTimer()), notifier_(descriptor_, QSocketNotifier::Read), wake_(std::move(wake)) {
-  QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] { fire(); });
+int WakeTimer::openTimer() {
+  const int descriptor = timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC);
+  // Fails only in a program that has used up its descriptors before its first timer; nothing could run then.
+  if (descriptor < 0) qFatal("no timer: %s", std::strerror(errno));
+  return descriptor;
 }
 
-WakeTimer::~WakeTimer() {
-  notifier_.setEnabled(false);  // before its descriptor goes
-  close(descriptor_);
+void WakeTimer::closeTimer(int descriptor) {
+  close(descriptor);
 }
 
-void WakeTimer::set(std::optional<double> moment) {
-  if (moment == moment_) return;
-  moment_ = moment;
+void WakeTimer::setTimer(int descriptor, std::optional<double> moment) {
   itimerspec time{};
   if (moment) time.it_value = timeAt(std::clamp(*moment, 0.0, latestMoment));
-  timerfd_settime(descriptor_, TFD_TIMER_ABSTIME, &time, nullptr);
+  timerfd_settime(descriptor, TFD_TIMER_ABSTIME, &time, nullptr);
 }
 
-void WakeTimer::fire() {
+bool WakeTimer::takeExpiry(int descriptor) {
   std::uint64_t expirations = 0;
-  // A moment that was put off after the loop had seen it gives nothing to read.
-  if (read(descriptor_, &expirations, sizeof expirations) != sizeof expirations) return;
-  moment_.reset();
-  wake_();
+  return read(descriptor, &expirations, sizeof expirations) == sizeof expirations;
 }
 
 }  // namespace vorli::ui

@@ -9,7 +9,7 @@ struct FreeReply {
   void operator()(void* memory) const { std::free(memory); }
 };
 
-/// A reply or an event of the X server, which comes from malloc.
+/// Owns a reply or an event of the X server, which is allocated with malloc.
 template <typename Reply>
 using X11Reply = std::unique_ptr<Reply, FreeReply>;
 

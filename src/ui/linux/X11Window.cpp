@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::uint32_t mostWindows = 1024, mostTypes = 16;
 
-// Atoms and windows are numbers of 32 bits alike.
+// Reads atoms or windows; both are 32-bit numbers.
 std::vector<std::uint32_t> numbersOf(xcb_connection_t* connection, xcb_get_property_cookie_t cookie) {
   const X11Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection, cookie, nullptr));
   if (!reply || reply->format != 32) return {};
@@ -34,7 +34,7 @@ std::vector<xcb_window_t> docks(xcb_connection_t* connection) {
              type = atomNamed(connection, "_NET_WM_WINDOW_TYPE");
   const auto dock = atomNamed(connection, "_NET_WM_WINDOW_TYPE_DOCK");
   const auto windows = numbersOf(connection, ask(connection, rootWindow(connection), list, mostWindows));
-  // All asked at once: one way there and back instead of one for each window.
+  // Sends all requests first: one round trip instead of one for each window.
   std::vector<xcb_get_property_cookie_t> cookies;
   for (const auto window : windows) cookies.push_back(ask(connection, window, type, mostTypes));
   std::vector<xcb_window_t> found;

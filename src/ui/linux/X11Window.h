@@ -8,19 +8,19 @@ class QWindow;
 
 namespace vorli::ui {
 
-// What Qt does not do for a window on X11. On another platform these do nothing, and know of nothing.
+// Features of X11 windows that Qt lacks. On other platforms, nothing is changed and nothing is found.
 
-/// Keeps the window out of task lists and pagers and above others, from its first showing on. Before it is
+/// Keeps the window above others and out of task lists and pagers. Must be called before the window is first
 /// shown.
 void keepOutOfTaskLists(QWindow& window);
 
-/// Lets presses outside of `area`, in the window's native pixels, go to what lies behind the window.
+/// Passes presses outside of `area`, in the window's native pixels, to the windows behind.
 void limitInput(QWindow& window, const QRect& area);
 
-/// Whether a mouse button is held down, wherever on the desktop.
+/// Whether a mouse button is held down anywhere on the desktop.
 bool isButtonHeld();
 
-/// The panel's window that holds the point; native pixels of the desktop.
+/// Rectangle of the panel at the point, in native pixels of the desktop; empty when there is none.
 std::optional<QRect> panelAt(QPoint point);
 
 }  // namespace vorli::ui

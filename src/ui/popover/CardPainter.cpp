@@ -1,46 +1,21 @@
 #include "ui/popover/CardPainter.h"
 
-#include "ui/QtColour.h"
+#include "ui/kit/QtColour.h"
+#include "ui/popover/CardShadowPainter.h"
 #include "ui/popover/PopoverLayout.h"
 
 #include <QLinearGradient>
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 namespace vorli::ui {
 namespace {
 
-using Metrics = PopoverMetrics;
-
-// Of a card that is cut in three: this much of it belongs to the upper and to the lower part, and so much is
-// drawn of the one between. Whole pixels where a point is a number of quarters of one.
-constexpr double endPart = 48.0, middlePart = 4.0;
-
-double normalDistribution(double x) {
-  return 0.5 * (1.0 + std::erf(x / std::numbers::sqrt2));
-}
-
-// Rounded rectangles on each other, from wide and faint to narrow, whose opacities add up to the bell curve's
-// edge.
-void paintSoftShadow(QPainter& painter, const QRectF& card, const CardShadow& shadow, const Colour& colour) {
-  constexpr double rounding = 0.35;
-  const double radius = CardPainter::radiusOf(card);
-  const int count = std::max(6, static_cast<int>(std::lround(shadow.reach)));
-  double reached = 0.0;
-  for (int i = 0; i < count; ++i) {
-    const double grown = shadow.reach - 2.0 * shadow.reach * (i + 0.5) / count;
-    const double target = shadow.opacity * normalDistribution(-grown / (shadow.reach / 2.0));
-    const double opacity = (target - reached) / (1.0 - reached);
-    reached = target;
-    const QRectF shape = card.adjusted(-grown, shadow.fall - grown, grown, shadow.fall + grown);
-    if (opacity <= 0.0 || shape.height() <= 2.0) continue;
-    const double corner = std::clamp(radius + grown + rounding * shadow.reach, 1.0, shape.height() / 2.0);
-    painter.setBrush(qtColour(colour.withAlpha(opacity)));
-    painter.drawRoundedRect(shape, corner, corner);
-  }
-}
+// The shadow is cut into three slices. `endPart` is the height of the card in the upper and in the lower one,
+// `middlePart` the height that is drawn of the middle one and repeated. At pixel ratios in steps of 1/4 both
+// are whole pixels, and the middle one holds whole patterns of the dither.
+constexpr double endPart = 48.0, middlePart = 32.0;
 
 void paintOuterHairline(QPainter& painter, const QRectF& card, Appearance appearance) {
   painter.setPen(Qt::NoPen);
@@ -49,11 +24,20 @@ void paintOuterHairline(QPainter& painter, const QRectF& card, Appearance appear
   painter.drawRoundedRect(card.adjusted(-1.0, -1.0, 1.0, 1.0), radius, radius);
 }
 
-void paintFrame(QPainter& painter, const QRectF& card, Appearance appearance) {
-  const auto& palette = PopoverPalette::of(appearance);
-  painter.setPen(Qt::NoPen);
-  for (const auto& shadow : palette.shadows) paintSoftShadow(painter, card, shadow, palette.shadow);
-  paintOuterHairline(painter, card, appearance);
+constexpr QMargins around{static_cast<int>(CardPainter::sideReach), static_cast<int>(CardPainter::topReach),
+                          static_cast<int>(CardPainter::sideReach),
+                          static_cast<int>(CardPainter::bottomReach)};
+
+// Draws everything around a card of this size: its shadow, and the dark hairline over it.
+QImage frameOf(const QSizeF& card, Appearance appearance, double pixelRatio) {
+  const QRectF place({CardPainter::sideReach, CardPainter::topReach}, card);
+  QImage frame =
+      cardShadow(card, CardPainter::radiusOf(place), around, PopoverPalette::of(appearance), pixelRatio);
+  QPainter painter(&frame);
+  painter.scale(pixelRatio, pixelRatio);
+  painter.setRenderHint(QPainter::Antialiasing);
+  paintOuterHairline(painter, place, appearance);
+  return frame;
 }
 
 void paintBrightLine(QPainter& painter, const QRectF& card, Appearance appearance) {
@@ -77,8 +61,8 @@ QRectF scaled(const QRectF& rect, double factor) {
   return {rect.topLeft() * factor, rect.size() * factor};
 }
 
-// The pixels that a corner rounds, of a card that lies at the origin. The upper ones have the middle row of a
-// card that has one.
+// Pixels that the rounded corners of a card at the origin affect. If the height is odd, the upper corners
+// include the middle row.
 std::array<QRect, 4> cornersOf(const QSizeF& card, double pixelRatio) {
   const QSize size = (card * pixelRatio).toSize();
   const int side = static_cast<int>(std::ceil(CardPainter::radiusOf({{0.0, 0.0}, card}) * pixelRatio));
@@ -105,7 +89,7 @@ QImage rounded(const QImage& content, const QRect& corner, const QImage& mask) {
 }  // namespace
 
 double CardPainter::radiusOf(const QRectF& card) {
-  return std::min(Metrics::cornerRadius, card.height() / 2.0);
+  return std::min(PopoverMetrics::cornerRadius, card.height() / 2.0);
 }
 
 std::array<QRectF, 8> CardPainter::openParts(const QRectF& card, double pixelRatio) {
@@ -136,13 +120,7 @@ bool CardPainter::isShadowKept(const QRectF& card) {
 
 void CardPainter::paintShadow(QPainter& painter, const QRectF& card, const QRectF& part,
                               Appearance appearance, double pixelRatio) {
-  if (!isShadowKept(card)) {
-    painter.save();
-    painter.setClipRect(part, Qt::IntersectClip);
-    paintFrame(painter, card, appearance);
-    painter.restore();
-    return;
-  }
+  if (!isShadowKept(card)) return paintLowShadow(painter, card, part, appearance, pixelRatio);
   const QSizeF sliced(card.width(), 2.0 * endPart + middlePart);
   if (!slices_.shows(sliced, appearance, pixelRatio)) drawSlices(sliced, appearance, pixelRatio);
   const QPointF corner = card.topLeft() - QPointF(sideReach, topReach);
@@ -156,21 +134,29 @@ void CardPainter::paintShadow(QPainter& painter, const QRectF& card, const QRect
   };
   copy({corner.x(), corner.y(), width, upper}, 0.0);
   copy({corner.x(), card.bottom() - endPart, width, lower}, upper + middlePart);
-  // Between the two ends one row is enough for all.
-  const QRectF between =
-      QRectF(corner.x(), card.top() + endPart, width, card.height() - 2.0 * endPart) & part;
-  if (between.isEmpty()) return;
-  painter.drawImage(between, slices_.image,
-                    scaled({between.left() - corner.x(), upper, between.width(), 1.0}, pixelRatio));
+  const double end = card.bottom() - endPart;
+  for (double y = card.top() + endPart; y < end; y += middlePart) {
+    copy({corner.x(), y, width, std::min(middlePart, end - y)}, upper);
+  }
+}
+
+// Keeps the lowest card's, because every opening begins with it.
+void CardPainter::paintLowShadow(QPainter& painter, const QRectF& card, const QRectF& part,
+                                 Appearance appearance, double pixelRatio) {
+  const QRectF all = card.adjusted(-sideReach, -topReach, sideReach, bottomReach);
+  const QRectF shown = all & part;
+  const auto draw = [&](const QImage& frame) {
+    painter.drawImage(shown, frame, scaled(shown.translated(-all.topLeft()), pixelRatio));
+  };
+  if (lowest_.shows(card.size(), appearance, pixelRatio)) return draw(lowest_.image);
+  Kept drawn{frameOf(card.size(), appearance, pixelRatio), card.size(), appearance, pixelRatio};
+  draw(drawn.image);
+  const bool isOfOtherKind = lowest_.appearance != appearance || lowest_.pixelRatio != pixelRatio;
+  if (isOfOtherKind || card.height() < lowest_.card.height()) lowest_ = std::move(drawn);
 }
 
 void CardPainter::drawSlices(const QSizeF& card, Appearance appearance, double pixelRatio) {
-  const QSizeF whole(card.width() + 2.0 * sideReach, topReach + card.height() + bottomReach);
-  slices_ = {clearImage(whole, pixelRatio), card, appearance, pixelRatio};
-  QPainter painter(&slices_.image);
-  painter.scale(pixelRatio, pixelRatio);
-  painter.setRenderHint(QPainter::Antialiasing);
-  paintFrame(painter, {{sideReach, topReach}, card}, appearance);
+  slices_ = {frameOf(card, appearance, pixelRatio), card, appearance, pixelRatio};
 }
 
 void CardPainter::paintContent(QPainter& painter, const QRectF& card, const QRectF& dirty,
@@ -216,9 +202,9 @@ void CardPainter::drawMasks(const QSizeF& card, double pixelRatio) {
 void CardPainter::paintInnerHairline(QPainter& painter, const QRectF& card, Appearance appearance,
                                      double pixelRatio) {
   if (!edge_.shows(card.size(), appearance, pixelRatio)) drawEdge(card.size(), appearance, pixelRatio);
-  // Only where the line runs: a blit of the whole card would cost as much as its light.
+  // Draws only where the line is: a blit of the whole card would cost as much as its light.
   constexpr double line = 2.0;
-  const double corner = Metrics::cornerRadius, width = card.width(), height = card.height();
+  const double corner = PopoverMetrics::cornerRadius, width = card.width(), height = card.height();
   const double end = std::min(corner, height / 2.0), between = height - 2.0 * end;
   const auto part = [&](double x, double y, double partWidth, double partHeight) {
     const QRectF to(x, y, partWidth, partHeight);

@@ -40,12 +40,12 @@ std::optional<QRectF> changedPart(const PopoverPicture& shown, const PopoverPict
   if (!sameAurora(shown.aurora, next.aurora) || shown.calmIntensity != next.calmIntensity) return card;
   QRectF changed;
   if (shown.haloBreath != next.haloBreath || shown.ring != next.ring) {
-    // A grown ring has a grown halo.
+    // The halo grows with the ring.
     const bool isOfOneSize = shown.ring.scale == 1.0 && next.ring.scale == 1.0;
     changed |= isOfOneSize ? PopoverPainter::haloOf(next) : card;
   }
   if (shown.words != next.words) {
-    // At a fractional scale it begins and ends within a pixel, which a window may round away.
+    // At a fractional scale, the gear's edges lie within pixels, which a window may round away.
     const QRectF gear = PopoverMetrics::gear.adjusted(-1.0, -1.0, 1.0, 1.0);
     changed |= sameButForTheGear(shown.words, next.words) ? gear : card;
   }

@@ -9,8 +9,8 @@ namespace vorli::ui {
 
 bool hasLitSparks(const AuroraPicture& aurora);
 
-/// Where the second picture differs from the first, relative to the content's origin; empty when nowhere, and
-/// nothing when the whole window is to be painted anew.
+/// Returns the part in which `next` differs from `shown`, relative to the content's origin: an empty
+/// rectangle when they are equal, and nothing when the whole window must be repainted.
 std::optional<QRectF> changedPart(const PopoverPicture& shown, const PopoverPicture& next);
 
 }  // namespace vorli::ui

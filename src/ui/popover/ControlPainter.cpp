@@ -1,28 +1,26 @@
 #include "ui/popover/ControlPainter.h"
 
 #include "base/Animated.h"
-#include "ui/QtColour.h"
+#include "ui/kit/QtColour.h"
+#include "ui/kit/Symbol.h"
 #include "ui/popover/TextStyle.h"
 
 #include <QPainter>
-#include <QPainterPath>
 #include <algorithm>
-#include <array>
-#include <cmath>
-#include <numbers>
 
 namespace vorli::ui {
 namespace {
 
 constexpr double focusGap = 3.0;
 
-// As the fill of a control goes from rest to hovered, and from there to pressed.
+// Returns the fill of a control on its way from rest to hovered, and from there to pressed.
 Colour fillOf(const ControlColours& colours, const ControlPicture& state) {
   const double press = std::clamp(state.press, 0.0, 1.0);
   return mix(mix(colours.rest, colours.hover, state.hover), colours.pressed, press);
 }
 
-// A key presses without the pointer: what is held down is raised all the same.
+// Strength of a control's highlight, from 0 to 1. A key presses without the pointer, so a press counts as
+// well.
 double raised(const ControlPicture& state) {
   return std::max(state.hover, std::clamp(state.press, 0.0, 1.0));
 }
@@ -38,44 +36,6 @@ void paintCapsuleFocus(QPainter& painter, const QRectF& shape, const PopoverPale
   painter.setBrush(Qt::NoBrush);
   painter.setPen(QPen(qtColour(palette.focus), PopoverMetrics::focusWidth));
   painter.drawRoundedRect(ring, ring.height() / 2.0, ring.height() / 2.0);
-}
-
-// A square of 10 points with an arrow to the upper right.
-void paintArrowSquare(QPainter& painter, const QPointF& corner, const Colour& colour) {
-  painter.save();
-  painter.translate(corner);
-  painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(qtColour(colour), 1.25, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-  painter.drawRoundedRect(QRectF(0.75, 0.75, 8.5, 8.5), 2.25, 2.25);
-  QPainterPath arrow({3.25, 6.75});
-  arrow.lineTo(6.6, 3.4);
-  arrow.moveTo(3.9, 3.25);
-  arrow.lineTo(6.75, 3.25);
-  arrow.lineTo(6.75, 6.1);
-  painter.drawPath(arrow);
-  painter.restore();
-}
-
-// Eight teeth on a wheel of 14 points, and its hole.
-QPainterPath gearShape() {
-  constexpr double rootRadius = 4.9, outerRadius = 6.35, holeRadius = 2.2;
-  struct Corner {
-    double degrees, radius;
-  };
-  constexpr std::array tooth{Corner{-15.0, rootRadius}, Corner{-9.0, outerRadius}, Corner{9.0, outerRadius},
-                             Corner{15.0, rootRadius}};
-  QPolygonF wheel;
-  for (int k = 0; k < 8; ++k) {
-    for (const auto& corner : tooth) {
-      const double angle = (k * 45.0 - 90.0 + corner.degrees) * std::numbers::pi / 180.0;
-      wheel << QPointF(corner.radius * std::cos(angle), corner.radius * std::sin(angle));
-    }
-  }
-  QPainterPath path;
-  path.addPolygon(wheel);
-  path.closeSubpath();
-  path.addEllipse(QPointF(), holeRadius, holeRadius);
-  return path;
 }
 
 }  // namespace
@@ -98,7 +58,7 @@ void paintLink(QPainter& painter, const PlacedLabel& link, const QRectF& symbol,
   paintCapsule(painter, link.capsule, mix(palette.linkPlate, palette.linkPlateHover, raised(state)));
   if (state.focused) paintCapsuleFocus(painter, link.capsule, palette);
   PopoverTextStyles::shared().link.draw(painter, link.text.text, link.text.origin, colour);
-  paintArrowSquare(painter, symbol.topLeft(), colour);
+  paintSymbol(painter, "arrow.up.right.square", symbol, qtColour(colour));
   painter.restore();
 }
 
@@ -117,7 +77,7 @@ void paintQuit(QPainter& painter, const PlacedQuit& placed, const QuitPicture& p
 }
 
 void paintGear(QPainter& painter, const ControlPicture& state, const PopoverPalette& palette) {
-  constexpr double plateRadius = 8.0, stroke = 1.2;
+  constexpr double plateRadius = 8.0, symbolSide = 14.0;
   const QRectF& frame = PopoverMetrics::gear;
   if (raised(state) > 0.0) {
     Colour plate = mix(palette.plate.rest, palette.plate.pressed, std::clamp(state.press, 0.0, 1.0));
@@ -131,10 +91,9 @@ void paintGear(QPainter& painter, const ControlPicture& state, const PopoverPale
     painter.setPen(QPen(qtColour(palette.focus), PopoverMetrics::focusWidth));
     painter.drawRoundedRect(frame.adjusted(1.0, 1.0, -1.0, -1.0), plateRadius - 1.0, plateRadius - 1.0);
   }
-  static const QPainterPath shape = gearShape();
-  const Colour colour = blend(palette.gear, palette.gearHover, raised(state));
-  painter.setPen(QPen(qtColour(colour), stroke, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-  painter.drawPath(shape.translated(frame.center()));
+  QRectF place(0.0, 0.0, symbolSide, symbolSide);
+  place.moveCenter(frame.center());
+  paintSymbol(painter, "gearshape", place, qtColour(blend(palette.gear, palette.gearHover, raised(state))));
 }
 
 }  // namespace vorli::ui

@@ -9,11 +9,11 @@ namespace vorli::ui {
 
 void paintBanner(QPainter& painter, const PlacedLabel& banner, const PopoverPalette& palette);
 
-/// The capsule that leads to the settings, with its arrow in `symbol`.
+/// Paints the capsule that opens the settings, with its arrow in `symbol`.
 void paintLink(QPainter& painter, const PlacedLabel& link, const QRectF& symbol, const ControlPicture& state,
                const PopoverPalette& palette);
 
-/// The question whether to quit an application, with its two buttons.
+/// Paints the question whether to quit an application, with its two buttons.
 void paintQuit(QPainter& painter, const PlacedQuit& placed, const QuitPicture& picture,
                const PopoverPalette& palette);
 

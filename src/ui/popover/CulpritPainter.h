@@ -9,7 +9,8 @@ class QPainter;
 
 namespace vorli::ui {
 
-/// The sentence of who uses the most memory, with its names as they are hovered, pressed and focused.
+/// Paints the sentence that names the applications with the most memory. `names` are the states of its names:
+/// hovered, pressed, focused. The words beside a highlighted name move aside for its plate.
 void paintCulprits(QPainter& painter, const PlacedCulprits& culprits, std::span<const ControlPicture> names,
                    const PopoverPalette& palette);
 

@@ -8,14 +8,14 @@
 
 namespace vorli::ui {
 
-/// What is shown of something that cannot move by itself, such as a sentence: the old one fades out, then the
-/// new one in. Main thread.
+/// The shown value of something that cannot move by itself, such as a sentence: the old value fades out, then
+/// the new one fades in. Main thread.
 template <typename T>
 class FadedValue {
  public:
   static constexpr double outSeconds = 0.12, inSeconds = 0.18;
 
-  /// `changed` is called when the shown value has been exchanged.
+  /// `changed` is called when the shown value has been replaced.
   FadedValue(Scheduler& scheduler, std::function<void()> changed)
       : scheduler_(scheduler), changed_(std::move(changed)), opacity_(scheduler, 1.0) {}
   ~FadedValue() { scheduler_.cancel(exchange_); }
@@ -27,19 +27,20 @@ class FadedValue {
   double opacity(double time) const { return opacity_.shown(time); }
   double restsAt() const { return opacity_.restsAt(); }
 
-  /// At once.
+  /// Shows `value` at once.
   void jumpTo(T value) {
     scheduler_.cancel(std::exchange(exchange_, 0));
     shown_ = wanted_ = std::move(value);
     withoutAnimation([this] { opacity_ = 1.0; });
   }
 
-  void fadeTo(T value) {
+  /// `leaving` fades the old value out. One that is fading out already keeps its pace.
+  void fadeTo(T value, const Animation& leaving = Animation::easeIn(outSeconds)) {
     if (value == wanted_) return;
     wanted_ = std::move(value);
-    if (exchange_ != 0) return;  // the old one is on its way out already
-    withAnimation(Animation::easeIn(outSeconds), [this] { opacity_ = 0.0; });
-    exchange_ = scheduler_.after(outSeconds, [this] {
+    if (exchange_ != 0) return;
+    withAnimation(leaving, [this] { opacity_ = 0.0; });
+    exchange_ = scheduler_.after(leaving.activeSeconds(), [this] {
       exchange_ = 0;
       shown_ = wanted_;
       withAnimation(Animation::easeOut(inSeconds), [this] { opacity_ = 1.0; });

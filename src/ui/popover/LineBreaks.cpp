@@ -13,7 +13,7 @@ bool leansOnTheNext(const QString& word) {
   return words.contains(word);
 }
 
-// The pieces between which a line may end.
+// Splits the sentence into pieces between which a line may end.
 QStringList unbreakablePieces(const QString& sentence) {
   QStringList pieces;
   bool joins = false;
@@ -51,8 +51,8 @@ struct Cut {
   QStringList lines;
 };
 
-// Of all ways to set the pieces from `first` on in `count` lines, the one with the shortest longest line.
-// A sentence has a dozen words and two or three lines.
+// Tries all ways to break the pieces from `first` on into `count` lines, and returns the one whose longest
+// line is shortest. A sentence has only a dozen words and two or three lines.
 Cut bestCut(const QStringList& pieces, qsizetype first, qsizetype count,
             const std::function<double(const QString&)>& widthOf) {
   if (count == 1) {

@@ -6,13 +6,13 @@
 
 namespace vorli::ui {
 
-/// Cuts a sentence into the fewest lines that fit `width`, and those so that the longest is as short as it
-/// can be. No line ends in a word that leans on the next one, and "Login Items" stays together.
+/// Breaks a sentence into the fewest lines that fit `width`, with the longest line as short as possible. No
+/// line ends in a word that belongs to the next one, and "Login Items" stays together.
 QStringList balancedLines(const QString& sentence, double width,
                           const std::function<double(const QString&)>& widthOf);
 
-/// A status sentence in its two voices: what stands to the first full stop that a blank follows, and the
-/// rest, which may be empty.
+/// A status sentence in its two voices: the text up to the first full stop that is followed by a space, and
+/// the rest, which may be empty.
 struct SentenceVoices {
   QString headline, aside;
 };

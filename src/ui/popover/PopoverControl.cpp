@@ -1,7 +1,7 @@
 #include "ui/popover/PopoverControl.h"
 
-#include "ui/FocusRing.h"
-#include "ui/ReadOnlyAccessibleText.h"
+#include "ui/kit/FocusRing.h"
+#include "ui/kit/SpokenButtonAccessible.h"
 #include "ui/popover/PopoverWidget.h"
 
 #include <QAccessible>
@@ -12,38 +12,12 @@
 namespace vorli::ui {
 namespace {
 
-class ControlAccessible final : public QAccessibleWidget, public ReadOnlyAccessibleText {
- public:
-  explicit ControlAccessible(PopoverControl* control)
-      : QAccessibleWidget(
-            control, control->id() == PopoverControlId::link ? QAccessible::Link : QAccessible::Button) {}
-
-  void* interface_cast(QAccessible::InterfaceType type) override {
-    if (type == QAccessible::TextInterface && !content().isEmpty())
-      return static_cast<QAccessibleTextInterface*>(this);
-    return QAccessibleWidget::interface_cast(type);
+// Makes the popover a dialog: a plain window would count as part of one, whose appearance is not announced.
+QAccessibleInterface* makeAccessiblePart(const QString&, QObject* object) {
+  if (auto* control = dynamic_cast<PopoverControl*>(object)) {
+    const bool isLink = control->id() == PopoverControlId::link;
+    return new SpokenButtonAccessible(control, isLink ? QAccessible::Link : QAccessible::Button);
   }
-
-  using ReadOnlyAccessibleText::text;
-  QString text(QAccessible::Text kind) const override {
-    if (kind == QAccessible::Value) return control()->spokenValue();
-    return QAccessibleWidget::text(kind);
-  }
-
-  QStringList actionNames() const override { return {pressAction()}; }
-
-  void doAction(const QString& name) override {
-    if (name == pressAction()) control()->click();
-  }
-
- private:
-  QString content() const override { return control()->spokenValue(); }
-  PopoverControl* control() const { return static_cast<PopoverControl*>(object()); }
-};
-
-// A plain window would count as a piece of one, and nobody is told of a piece that comes up.
-QAccessibleInterface* makeAccessible(const QString&, QObject* object) {
-  if (auto* control = dynamic_cast<PopoverControl*>(object)) return new ControlAccessible(control);
   if (auto* window = dynamic_cast<PopoverWidget*>(object))
     return new QAccessibleWidget(window, QAccessible::Dialog);
   return nullptr;
@@ -52,19 +26,10 @@ QAccessibleInterface* makeAccessible(const QString&, QObject* object) {
 }  // namespace
 
 PopoverControl::PopoverControl(PopoverControlId id, Watcher watcher, QWidget* parent)
-    : QAbstractButton(parent), id_(id), watcher_(std::move(watcher)) {
+    : SpokenButton(parent), id_(id), watcher_(std::move(watcher)) {
   setFocusPolicy(Qt::TabFocus);
   connect(this, &QAbstractButton::pressed, this, [this] { watcher_.pressed(true); });
   connect(this, &QAbstractButton::released, this, [this] { watcher_.pressed(false); });
-}
-
-void PopoverControl::say(const QString& name, const QString& hint, const QString& value) {
-  if (accessibleName() != name) setAccessibleName(name);
-  if (accessibleDescription() != hint) setAccessibleDescription(hint);
-  if (value_ == value) return;
-  QAccessibleTextUpdateEvent change(this, 0, value_, value);
-  value_ = value;
-  QAccessible::updateAccessibility(&change);
 }
 
 void PopoverControl::setRound() {
@@ -81,7 +46,7 @@ void PopoverControl::placeAt(const QRectF& place) {
 bool PopoverControl::event(QEvent* event) {
   if (event->type() == QEvent::Enter) watcher_.hovered(true);
   if (event->type() == QEvent::Leave || event->type() == QEvent::Hide) watcher_.hovered(false);
-  if (event->type() == QEvent::Hide && isDown()) {  // no release comes to what is hidden
+  if (event->type() == QEvent::Hide && isDown()) {  // a hidden control gets no release
     setDown(false);
     watcher_.pressed(false);
   }
@@ -104,14 +69,9 @@ void PopoverControl::showFocus() {
   watcher_.focusShown(true);
 }
 
-PopoverText::PopoverText(QWidget* parent) : QLabel(parent) {
-  setAttribute(Qt::WA_TransparentForMouseEvents);
-  setTextFormat(Qt::PlainText);  // the name of an application may look like markup
-}
-
 void installPopoverAccessibility() {
   static const bool installed = [] {
-    QAccessible::installFactory(makeAccessible);
+    QAccessible::installFactory(makeAccessiblePart);
     return true;
   }();
   static_cast<void>(installed);

@@ -1,18 +1,17 @@
 #pragma once
 
+#include "ui/kit/SpokenButton.h"
 #include "ui/popover/PopoverScene.h"
 
-#include <QAbstractButton>
-#include <QLabel>
 #include <functional>
 
 namespace vorli::ui {
 
 /// A control of the popover for pointer, keyboard and assistive tools. It draws nothing: the popover's
 /// painter shows its state.
-class PopoverControl final : public QAbstractButton {
+class PopoverControl final : public SpokenButton {
  public:
-  /// What it tells the popover, besides being clicked.
+  /// Callbacks of the control, besides its clicks.
   struct Watcher {
     std::function<void(bool)> hovered, pressed, focusShown;
   };
@@ -21,15 +20,11 @@ class PopoverControl final : public QAbstractButton {
 
   PopoverControlId id() const { return id_; }
 
-  /// What is said of it: its name, what it does, and its value, if it has one.
-  void say(const QString& name, const QString& hint, const QString& value = {});
-  const QString& spokenValue() const { return value_; }
-
-  /// Whether it has the focus and shows so: the first Tab shows where the focus is, the next ones move it.
+  /// Whether the control has the focus and shows it: the first Tab shows the focus, the next ones move it.
   bool showsFocus() const { return showsFocus_; }
   void showFocus();
 
-  /// The control is the disc in its rectangle.
+  /// Limits the control to the disc in its rectangle.
   void setRound();
   void placeAt(const QRectF& place);
 
@@ -41,21 +36,11 @@ class PopoverControl final : public QAbstractButton {
 
   const PopoverControlId id_;
   const Watcher watcher_;
-  QString value_;
   bool isRound_ = false;
   bool showsFocus_ = false;
 };
 
-/// A text of the popover for assistive tools; drawn by the popover's painter.
-class PopoverText final : public QLabel {
- public:
-  explicit PopoverText(QWidget* parent);
-
- private:
-  void paintEvent(QPaintEvent*) override {}
-};
-
-/// Makes the popover and its controls known to assistive tools. Once in a process is enough.
+/// Registers the popover and its controls with assistive tools. One call per process is enough.
 void installPopoverAccessibility();
 
 }  // namespace vorli::ui

@@ -1,8 +1,8 @@
 #include "ui/popover/PopoverLayout.h"
 
-#include "ambient/PopoverView.h"
-#include "insights/FlowingText.h"
-#include "ui/QtText.h"
+#include "popover/FlowingText.h"
+#include "popover/PopoverView.h"
+#include "ui/kit/QtText.h"
 #include "ui/popover/LineBreaks.h"
 
 #include <algorithm>
@@ -12,8 +12,6 @@
 namespace vorli::ui {
 namespace {
 
-using Metrics = PopoverMetrics;
-
 constexpr double headlineLine = 22.0, headlineBaseline = 16.0;
 constexpr double asideLine = 18.0, asideBaseline = 13.0;
 constexpr double culpritLine = 14.0, culpritLineSpacing = 2.0, culpritBaseline = 11.0;
@@ -21,7 +19,12 @@ constexpr double buttonWidth = 84.0, buttonHeight = 28.0, buttonGap = 8.0;
 constexpr double capsulePadding = 12.0;
 constexpr double linkSymbolSide = 10.0, linkSymbolGap = 6.0;
 
-/// Sets the elements from the top down.
+QStringList linesOf(const TextStyle& style, const QString& text) {
+  const auto widthOf = [&style](const QString& part) { return style.width(part); };
+  return balancedLines(text, PopoverMetrics::columnWidth, widthOf);
+}
+
+/// Places the elements from the top down.
 class Setter {
  public:
   Setter(const WordsPicture& words, double pixelRatio)
@@ -59,9 +62,8 @@ class Setter {
   std::vector<PlacedText> setLines(const TextStyle& style, const QString& text, double pitch,
                                    double baseline) {
     std::vector<PlacedText> placed;
-    const auto widthOf = [&style](const QString& part) { return style.width(part); };
-    for (const QString& line : balancedLines(text, Metrics::columnWidth, widthOf)) {
-      placed.push_back(centred(style, line, Metrics::centreX, y_ + baseline));
+    for (const QString& line : linesOf(style, text)) {
+      placed.push_back(centred(style, line, PopoverMetrics::centreX, y_ + baseline));
       y_ += pitch;
     }
     return placed;
@@ -73,8 +75,8 @@ class Setter {
     // An even width, so that both ends lie on whole points.
     double width = std::ceil(styles_.banner.width(words_.banner->text)) + 2.0 * capsulePadding;
     if (std::fmod(width, 2.0) != 0.0) width += 1.0;
-    layout_.banner = {{Metrics::centreX - width / 2.0, y_, width, height},
-                      centred(styles_.banner, words_.banner->text, Metrics::centreX, y_ + baseline)};
+    layout_.banner = {{PopoverMetrics::centreX - width / 2.0, y_, width, height},
+                      centred(styles_.banner, words_.banner->text, PopoverMetrics::centreX, y_ + baseline)};
     y_ += height;
   }
 
@@ -84,7 +86,7 @@ class Setter {
     y_ += above;
     const double textWidth = styles_.link.width(text);
     const double width = std::round(textWidth + linkSymbolGap + linkSymbolSide + 2.0 * capsulePadding);
-    const double left = std::round(Metrics::centreX - width / 2.0);
+    const double left = std::round(PopoverMetrics::centreX - width / 2.0);
     layout_.link = {{left, y_, width, height}, {text, {left + capsulePadding, y_ + baseline}}};
     layout_.linkSymbol = {left + capsulePadding + textWidth + linkSymbolGap, y_ + symbolTop, linkSymbolSide,
                           linkSymbolSide};
@@ -99,11 +101,11 @@ class Setter {
     auto pieces = words_.culprits->pieces;
     std::vector<FlowingText::Size> sizes;
     for (auto& piece : pieces) {
-      piece.text = cutToWidth(styleOf(piece), piece.text, Metrics::columnWidth);
+      piece.text = cutToWidth(styleOf(piece), piece.text, PopoverMetrics::columnWidth);
       sizes.push_back({styleOf(piece).width(piece.text), culpritLine});
     }
-    const auto flow =
-        FlowingText{.spacing = 0.0, .lineSpacing = culpritLineSpacing}.arrange(sizes, Metrics::columnWidth);
+    const auto flow = FlowingText{.spacing = 0.0, .lineSpacing = culpritLineSpacing}.arrange(
+        sizes, PopoverMetrics::columnWidth);
 
     layout_.culprits.emplace();
     const auto count = static_cast<std::size_t>(pieces.size());
@@ -118,7 +120,7 @@ class Setter {
     y_ += flow.size.height;
   }
 
-  // Centred as the eye sees it: a blank at either end does not count.
+  // Centres the line as the eye sees it, without the spaces at its ends.
   void setCulpritLine(const QList<CulpritPiece>& pieces, std::span<const FlowingText::Size> sizes,
                       double top) {
     const double blank = styles_.culprit.width(QStringLiteral(" "));
@@ -126,7 +128,7 @@ class Setter {
     const double trailing = pieces.back().text.endsWith(QLatin1Char(' ')) ? blank : 0.0;
     double width = 0.0;
     for (const auto& size : sizes) width += size.width;
-    double x = onPixel(Metrics::centreX - (width - leading - trailing) / 2.0 - leading);
+    double x = onPixel(PopoverMetrics::centreX - (width - leading - trailing) / 2.0 - leading);
     for (std::size_t i = 0; i < sizes.size(); ++i) {
       const auto& piece = pieces[static_cast<qsizetype>(i)];
       if (piece.kind == CulpritPiece::Kind::name) {
@@ -142,12 +144,12 @@ class Setter {
   void setQuit() {
     constexpr double questionBaseline = 12.0, buttonsTop = 24.0, textBaseline = 18.0;
     const QString opening = QStringLiteral("Quit "), closing = QStringLiteral("?");
-    const double room = Metrics::columnWidth - styles_.question.width(opening + closing);
+    const double room = PopoverMetrics::columnWidth - styles_.question.width(opening + closing);
     const QString question = opening + cutToWidth(styles_.question, words_.quit->name, room) + closing;
     PlacedQuit placed;
-    placed.question = centred(styles_.question, question, Metrics::centreX, y_ + questionBaseline);
+    placed.question = centred(styles_.question, question, PopoverMetrics::centreX, y_ + questionBaseline);
     y_ += buttonsTop;
-    placed.cancel = {Metrics::centreX - buttonGap / 2.0 - buttonWidth, y_, buttonWidth, buttonHeight};
+    placed.cancel = {PopoverMetrics::centreX - buttonGap / 2.0 - buttonWidth, y_, buttonWidth, buttonHeight};
     placed.quit = placed.cancel.translated(buttonWidth + buttonGap, 0.0);
     placed.cancelText = centred(styles_.button, qtText(PopoverView::cancelTitle), placed.cancel.center().x(),
                                 y_ + textBaseline);
@@ -164,12 +166,18 @@ class Setter {
   double y_ = 0.0;
 };
 
+double tallestRingCentre(const SentenceVoices& sentence, PopoverGrid::Under under) {
+  if (!sentence.aside.isEmpty()) return 102.0;
+  if (under == PopoverGrid::Under::nothing) return 110.0;
+  return linesOf(PopoverTextStyles::shared().headline, sentence.headline).size() > 1 ? 96.0 : 114.0;
+}
+
 }  // namespace
 
-PopoverGrid PopoverGrid::of(double height, const QString& sentence) {
+PopoverGrid PopoverGrid::of(double height, const QString& sentence, Under under) {
   constexpr double toHeadline = 79.0, toHeadlineWhenTallest = 77.0;
-  if (height >= Metrics::tallest) {
-    const double centre = voicesOf(sentence).aside.isEmpty() ? 110.0 : 102.0;
+  if (height >= PopoverMetrics::tallest) {
+    const double centre = tallestRingCentre(voicesOf(sentence), under);
     return {centre, centre + toHeadlineWhenTallest};
   }
   const double centre = height > 252.0 ? 98.0 : 96.0;

@@ -11,7 +11,7 @@
 
 namespace vorli::ui {
 
-/// The measures that do not depend on the content. Points.
+/// Measures that do not depend on the content, in points.
 struct PopoverMetrics {
   static constexpr double width = 270.0;
   static constexpr double tallest = 304.0;
@@ -22,26 +22,32 @@ struct PopoverMetrics {
   static constexpr double ringWidth = 6.0;
   static constexpr double ringHitRadius = 56.0;
   static constexpr double lensRadius = 42.0;
-  static constexpr double focusWidth = 2.0;  // of the ring round what has the focus
+  static constexpr double focusWidth = 2.0;  // of the focus ring
   static constexpr QRectF gear{234.0, 8.0, 28.0, 28.0};
 };
 
-/// Where the ring and the words begin in a card of a given height.
+/// Vertical positions of the ring and of the words in a card of a given height.
 struct PopoverGrid {
   double ringCentreY, headlineTop;
 
-  /// `height` as the content asks for it: 240, 264 or 304; an aside is the second part of the sentence.
-  static PopoverGrid of(double height, const QString& sentence);
+  /// Content under the sentence, besides a banner or a link.
+  enum class Under { nothing, culprits };
+
+  /// `height` is the height that the content needs: 240, 264 or 304. In the tallest card, the ring lies
+  /// higher when the sentence has an aside, its second part. A ring over culprits leaves room for the
+  /// question that may take their place, and lies in the middle of what remains; it does not depend on their
+  /// number.
+  static PopoverGrid of(double height, const QString& sentence, Under under);
 };
 
-/// Text on its base line.
+/// Text and the start of its baseline.
 struct PlacedText {
   QString text;
   QPointF origin;
 };
 
-/// A name of the culprit sentence, cut if it is wider than the column; the box is as high as a line and as
-/// wide as what is left of it.
+/// A name in the culprit sentence, cut if it is wider than the column. The box is as high as a line and as
+/// wide as the cut text.
 struct PlacedName {
   QString text;
   QRectF box;
@@ -66,7 +72,7 @@ struct PlacedLabel {
   PlacedText text;
 };
 
-/// The place of every word and control under the ring.
+/// Places of all words and controls under the ring.
 struct PopoverLayout {
   std::vector<PlacedText> headline, aside;
   std::optional<PlacedCulprits> culprits;
@@ -76,7 +82,7 @@ struct PopoverLayout {
   QRectF linkSymbol;
   double bottom = 0.0;  // of the last element
 
-  /// `pixelRatio` puts the left ends of lines on device pixels.
+  /// `pixelRatio` is used to align the left ends of lines to device pixels.
   static PopoverLayout of(const WordsPicture& words, double pixelRatio);
 };
 

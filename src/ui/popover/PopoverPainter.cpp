@@ -10,15 +10,29 @@
 namespace vorli::ui {
 namespace {
 
-using Metrics = PopoverMetrics;
-
 double onPixel(double value, double pixelRatio) {
   return std::round(value * pixelRatio) / pixelRatio;
 }
 
-// All that the points touch.
+// All pixels that the rectangle touches.
 QRect pixelsOf(const QRectF& points, double pixelRatio) {
   return QRectF(points.topLeft() * pixelRatio, points.size() * pixelRatio).toAlignedRect();
+}
+
+// Adds every font of the popover to the picture.
+PopoverPicture withEveryFont(PopoverPicture picture) {
+  const auto letters = QStringLiteral("Abcdefghijklmnopqrstuvwxyz. Abcdefghijklmnopqrstuvwxyz.");
+  using enum CulpritPiece::Kind;
+  picture.cardTop = 0.0;
+  picture.cardHeight = PopoverMetrics::tallest;
+  picture.contentOpacity = picture.ring.labelOpacity = 1.0;
+  auto& words = picture.words;
+  words.sentence = {letters};
+  words.culprits = CulpritPicture{.pieces = {{name, letters}, {text, letters}}, .names = {{}}};
+  words.quit = QuitPicture{.name = letters, .cancel = {}, .quit = {}};
+  words.banner = BannerPicture{QStringLiteral("0123456789% LIGHTER")};
+  words.link = LinkPicture{};
+  return picture;
 }
 
 }  // namespace
@@ -27,13 +41,14 @@ QRectF PopoverPainter::cardOf(const QPointF& origin, const PopoverPicture& pictu
   const auto onPixels = [&](double x, double y) {
     return QPointF(onPixel(origin.x() + x, pixelRatio), onPixel(origin.y() + y, pixelRatio));
   };
-  return {onPixels(0.0, picture.cardTop), onPixels(Metrics::width, picture.cardTop + picture.cardHeight)};
+  return {onPixels(0.0, picture.cardTop),
+          onPixels(PopoverMetrics::width, picture.cardTop + picture.cardHeight)};
 }
 
 QRectF PopoverPainter::haloOf(const PopoverPicture& picture) {
-  constexpr double reach = 100.0;  // 96 grown by the breath
-  const QRectF halo(Metrics::centreX - reach, picture.ringCentreY - reach, 2.0 * reach, 2.0 * reach);
-  return halo & QRectF(0.0, picture.cardTop, Metrics::width, picture.cardHeight);
+  constexpr double reach = 100.0;  // 96, enlarged by the breath
+  const QRectF halo(PopoverMetrics::centreX - reach, picture.ringCentreY - reach, 2.0 * reach, 2.0 * reach);
+  return halo & QRectF(0.0, picture.cardTop, PopoverMetrics::width, picture.cardHeight);
 }
 
 void PopoverPainter::paint(QPainter& painter, const QPointF& origin, const PopoverPicture& picture,
@@ -53,7 +68,7 @@ void PopoverPainter::paint(QPainter& painter, const QPointF& origin, const Popov
   painter.restore();
 }
 
-// Only what the card does not hide.
+// Paints only what the card does not cover.
 void PopoverPainter::paintAround(QPainter& painter, const QRectF& card, Appearance appearance, Frame frame,
                                  const QRectF& dirty, double pixelRatio) {
   if (frame == Frame::hairline && !card.contains(dirty)) {
@@ -70,16 +85,17 @@ void PopoverPainter::paintAround(QPainter& painter, const QRectF& card, Appearan
   }
 }
 
-// `content` is where the content's origin lies in the composed image, in points.
+// `content` is the position of the content's origin in the composed image, in points.
 void PopoverPainter::compose(const PopoverPicture& picture, const QPointF& content, const QRect& area,
                              double pixelRatio) {
   constexpr double overshoot = 8.0;  // of the unfurl
-  const QSize size = (QSizeF(Metrics::width, Metrics::tallest + overshoot) * pixelRatio).toSize();
+  const QSize size =
+      (QSizeF(PopoverMetrics::width, PopoverMetrics::tallest + overshoot) * pixelRatio).toSize();
   if (composed_.size() != size) composed_ = QImage(size, QImage::Format_RGB32);
 
   const auto& palette = PopoverPalette::of(picture.appearance);
-  // On whole pixels, where the picture of the ring lies as well.
-  const QPoint centre(qRound(Metrics::centreX * pixelRatio),
+  // Aligned to whole pixels, like the picture of the ring.
+  const QPoint centre(qRound(PopoverMetrics::centreX * pixelRatio),
                       qRound((content.y() + picture.ringCentreY) * pixelRatio));
   paper_.paint(composed_, area, {pixelRatio, content.y() * pixelRatio, centre}, palette,
                light_.sample(picture), RingLight::samplesPerPoint);
@@ -106,8 +122,21 @@ void PopoverPainter::compose(const PopoverPicture& picture, const QPointF& conte
   }
 }
 
+void PopoverPainter::prepare(const PopoverPicture& resting, double pixelRatio) {
+  QImage image((QSizeF(PopoverMetrics::width, PopoverMetrics::tallest) * pixelRatio).toSize(),
+               QImage::Format_ARGB32_Premultiplied);
+  for (const bool labelReady : {false, true}) {
+    PopoverPicture picture = withEveryFont(resting);
+    picture.ring.labelReady = labelReady;
+    QPainter painter(&image);
+    painter.scale(pixelRatio, pixelRatio);
+    paint(painter, {}, picture, Frame::shadow,
+          QRectF(0.0, 0.0, PopoverMetrics::width, PopoverMetrics::tallest), pixelRatio);
+  }
+  forget();
+}
+
 void PopoverPainter::forget() {
-  light_ = {};
   paper_ = {};
   ring_.forget();
   words_.forget();

@@ -5,10 +5,6 @@
 namespace vorli::ui {
 namespace {
 
-constexpr Colour brown = palette::brownWash.withAlpha(1.0);
-constexpr Colour white{1.0, 1.0, 1.0};
-constexpr Colour black{0.0, 0.0, 0.0};
-
 void addTheme(PopoverPalette& colours, Appearance appearance) {
   const VorliTheme theme = themeOf(appearance);
   colours.paperTop = theme.cardTop();
@@ -19,6 +15,7 @@ void addTheme(PopoverPalette& colours, Appearance appearance) {
   colours.labelResting = theme.polishResting();
   colours.culprit = theme.culpritText();
   colours.name = theme.chip();
+  colours.quit.rest = theme.chip();
   colours.nameHover = theme.chipHovered();
   colours.namePlate = theme.chipPlate();
   colours.gearHover = theme.headline();
@@ -29,26 +26,27 @@ void addTheme(PopoverPalette& colours, Appearance appearance) {
   colours.cancelText = theme.headline();
 }
 
-PopoverPalette makeLight() {
+PopoverPalette makeLightPopover() {
   constexpr Colour accent = palette::calmForLight;
   PopoverPalette light{
-      .outerHairline = brown.withAlpha(0.20),
-      .innerHairlineTop = white.withAlpha(0.95),
-      .innerHairlineBottom = white.withAlpha(0.30),
+      .outerHairline = palette::brown.withAlpha(0.20),
+      .innerHairlineTop = palette::white.withAlpha(0.95),
+      .innerHairlineBottom = palette::white.withAlpha(0.30),
       .shadow = {0.22, 0.17, 0.11},
       .shadows = {{{2.0, 4.0, 0.10}, {10.0, 22.0, 0.17}}},
       .gear = {0.40, 0.392, 0.388},
-      .track = brown.withAlpha(0.16),
-      .bead = white.withAlpha(0.95),
+      .track = palette::brown.withAlpha(0.16),
+      .bead = palette::white.withAlpha(0.95),
       .bannerPlate = accent.withAlpha(0.13),
       .linkPlate = accent.withAlpha(0.10),
       .linkPlateHover = accent.withAlpha(0.18),
-      .plate = {brown.withAlpha(0.14), brown.withAlpha(0.22), brown.withAlpha(0.30)},
-      .quit = {{0.227, 0.184, 0.141}, {0.165, 0.133, 0.102}, {0.102, 0.082, 0.063}},
+      .plate = {palette::brown.withAlpha(0.14), palette::brown.withAlpha(0.22),
+                palette::brown.withAlpha(0.30)},
+      .quit = {{}, {0.165, 0.133, 0.102}, {0.102, 0.082, 0.063}},
       .haloStrength = 0.17,
       .cloudShare = 0.64,
       .bloomShare = 1.0,
-      .lens = {0.62, 0.82, 0.34, 0.12, 0.55, white.withAlpha(0.95), brown.withAlpha(0.22)},
+      .lens = {0.62, 0.82, 0.34, 0.12, 0.55, palette::white.withAlpha(0.95), palette::brown.withAlpha(0.22)},
       .sparkShadowShare = 0.55,
   };
   addTheme(light, Appearance::light);
@@ -56,27 +54,28 @@ PopoverPalette makeLight() {
   return light;
 }
 
-PopoverPalette makeDark() {
+PopoverPalette makeDarkPopover() {
   constexpr Colour accent = palette::teal;
   PopoverPalette dark{
-      .outerHairline = black.withAlpha(0.42),
-      .innerHairlineTop = white.withAlpha(0.16),
-      .innerHairlineBottom = white.withAlpha(0.05),
-      .shadow = black,
+      .outerHairline = palette::black.withAlpha(0.42),
+      .innerHairlineTop = palette::white.withAlpha(0.16),
+      .innerHairlineBottom = palette::white.withAlpha(0.05),
+      .shadow = palette::black,
       .shadows = {{{2.0, 4.0, 0.34}, {10.0, 22.0, 0.42}}},
       .gear = palette::mutedInkForDark,
-      .track = white.withAlpha(0.10),
-      .bead = white.withAlpha(0.85),
+      .track = palette::white.withAlpha(0.10),
+      .bead = palette::white.withAlpha(0.85),
       .bannerPlate = accent.withAlpha(0.13),
       .linkPlate = accent.withAlpha(0.11),
       .linkPlateHover = accent.withAlpha(0.19),
-      .plate = {white.withAlpha(0.10), white.withAlpha(0.16), white.withAlpha(0.07)},
-      .quit = {{0.91, 0.875, 0.816}, {0.965, 0.937, 0.886}, {0.80, 0.765, 0.706}},
+      .plate = {palette::white.withAlpha(0.10), palette::white.withAlpha(0.16),
+                palette::white.withAlpha(0.07)},
+      .quit = {{}, {0.965, 0.937, 0.886}, {0.80, 0.765, 0.706}},
       .quitText = palette::ink,
       .haloStrength = 0.24,
       .cloudShare = 0.58,
       .bloomShare = 0.85,
-      .lens = {0.09, 0.13, 0.05, 0.03, 0.45, white.withAlpha(0.22), white.withAlpha(0.03)},
+      .lens = {0.09, 0.13, 0.05, 0.03, 0.45, palette::white.withAlpha(0.22), palette::white.withAlpha(0.03)},
       .sparkShadowShare = 1.0,
   };
   addTheme(dark, Appearance::dark);
@@ -87,8 +86,8 @@ PopoverPalette makeDark() {
 }  // namespace
 
 const PopoverPalette& PopoverPalette::of(Appearance appearance) {
-  static const PopoverPalette light = makeLight();
-  static const PopoverPalette dark = makeDark();
+  static const PopoverPalette light = makeLightPopover();
+  static const PopoverPalette dark = makeDarkPopover();
   return appearance == Appearance::dark ? dark : light;
 }
 

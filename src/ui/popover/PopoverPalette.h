@@ -2,13 +2,13 @@
 
 #include "ambient/VorliTheme.h"
 #include "base/Colour.h"
-#include "ui/WindowPalette.h"
+#include "ui/kit/WindowPalette.h"
 
 #include <array>
 
 namespace vorli::ui {
 
-/// One of the stacked shadows under the card: how far it falls, how far it reaches, how dark it is.
+/// Offset, reach and opacity of one of the two shadows under the card.
 struct CardShadow {
   double fall, reach, opacity;
 };
@@ -18,14 +18,15 @@ struct ControlColours {
   Colour rest, hover, pressed;
 };
 
-/// The glass in the ring: white, its opacity at the top by state, and what the gradient does below.
+/// The glass in the ring: the opacity of its white by state, what is added to it at the top, its share at the
+/// bottom, and the colours of the rim.
 struct LensColours {
   double rest, hover, pressed;
   double topExtra, bottomShare;
   Colour rimTop, rimBottom;
 };
 
-/// The popover's colours, by what they are for: the theme's, and those of paper, glass and plates.
+/// The popover's colours, named by purpose: those of the theme, and those of paper, glass and plates.
 struct PopoverPalette {
   Colour paperTop{}, paperBottom{};
   Colour outerHairline{}, innerHairlineTop{}, innerHairlineBottom{};
@@ -43,7 +44,7 @@ struct PopoverPalette {
   double haloStrength = 0.0, cloudShare = 0.0, bloomShare = 0.0;
   LensColours lens{};
   double sparkShadowShare = 0.0;
-  Colour arcTailGround{};  // towards which the arc's tail pales
+  Colour arcTailGround{};  // the colour that the arc's tail fades towards
 
   static const PopoverPalette& of(Appearance appearance);
 };

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "ambient/AuroraField.h"
-#include "ambient/DottedReassuranceRing.h"
 #include "base/Colour.h"
-#include "ui/WindowPalette.h"
+#include "popover/DottedReassuranceRing.h"
+#include "ui/kit/WindowPalette.h"
 
 #include <QList>
 #include <QString>
@@ -12,7 +12,7 @@
 
 namespace vorli::ui {
 
-/// How far a control has gone towards a state, 0 to 1 each. A press may overshoot, as its spring does.
+/// Progress of a control towards each state, from 0 to 1. A press may overshoot with its spring.
 struct ControlPicture {
   double hover = 0.0;
   double press = 0.0;
@@ -22,14 +22,15 @@ struct ControlPicture {
   bool operator==(const ControlPicture&) const = default;
 };
 
-/// The ring and what stands in it, without the light behind.
+/// The ring and its content, without the light behind.
 struct RingPicture {
   double progress = 0.0;
   Colour stateColour;
   double scale = 1.0;
-  double lens = 0.45;  // presence of the glass: 1 where a press would polish
+  double lens = 0.45;   // presence of the glass; 1 when a press would start a polish
+  double rested = 0.0;  // 1 while a polished ring rests under the outcome
   bool canPolish = false;
-  bool labelReady = false;  // the word in its heavier face
+  bool labelReady = false;  // the label uses its heavier face
   ControlPicture button;
   double labelOpacity = 1.0;
   DottedReassuranceRing::Dots dots{};
@@ -55,7 +56,7 @@ struct SentencePicture {
 
 struct CulpritPicture {
   QList<CulpritPiece> pieces;
-  std::vector<ControlPicture> names;  // of each name, in order
+  std::vector<ControlPicture> names;  // states of the names, in order
   double opacity = 1.0;
   bool operator==(const CulpritPicture&) const = default;
 };
@@ -79,7 +80,7 @@ struct LinkPicture {
   bool operator==(const LinkPicture&) const = default;
 };
 
-/// Everything with words, and the gear.
+/// All texts, their controls, and the gear.
 struct WordsPicture {
   double headlineTop = 175.0;
   SentencePicture sentence;
@@ -92,8 +93,8 @@ struct WordsPicture {
   bool operator==(const WordsPicture&) const = default;
 };
 
-/// All that the popover shows at one moment. Lengths in points; the origin is the upper left corner of the
-/// content, which is the card's while no unfurl runs.
+/// Everything that the popover shows at one moment. Lengths are in points. The origin is the upper left
+/// corner of the content, which is also the card's unless the card is unfolding.
 struct PopoverPicture {
   Appearance appearance = Appearance::light;
   double cardTop = 0.0;
@@ -101,10 +102,10 @@ struct PopoverPicture {
   double ringCentreY = 96.0;
   double calmIntensity = 0.0;
   double haloBreath = 0.5;
-  AuroraPicture aurora;  // its opacities with the calm, as the model gives them
+  AuroraPicture aurora;  // its opacities include the calm, as the model delivers them
   RingPicture ring;
   WordsPicture words;
-  double contentOpacity = 1.0;  // of all but the card and the aurora
+  double contentOpacity = 1.0;  // of everything but the card and the aurora
 };
 
 }  // namespace vorli::ui

@@ -1,6 +1,6 @@
 #include "ui/popover/PopoverScene.h"
 
-#include "ui/QtText.h"
+#include "ui/kit/QtText.h"
 
 #include <algorithm>
 #include <utility>
@@ -8,18 +8,19 @@
 namespace vorli::ui {
 namespace {
 
-struct Timings {
+struct PopoverSceneTimings {
   static constexpr double resize = 0.32;
   static constexpr double hoverIn = 0.12, hoverOut = 0.16;
   static constexpr double pressResponse = 0.2, pressDamping = 0.55;
   static constexpr double labelOut = 0.25, labelIn = 0.6, labelUnderDots = 0.16;
+  static constexpr double rest = 0.9;  // as long as the calm takes to rise
 };
 
 constexpr double readyLens = 1.0, restingLens = 0.45, releasingLens = 0.25;
 constexpr double collapsedHeight = 24.0;
-constexpr double unseen = 0.05;  // of opacity
+constexpr double unseen = 0.05;  // an opacity below which nothing can be seen
 
-// The light and the sparks belong to the ring's group, and grow with it.
+// Scales the light and the sparks with the ring, whose group they belong to.
 void scaleAurora(AuroraPicture& aurora, double scale) {
   for (auto* layer : {&aurora.warmCloud, &aurora.bloom, &aurora.leak}) layer->scale *= scale;
   if (!aurora.sparks) return;
@@ -28,6 +29,16 @@ void scaleAurora(AuroraPicture& aurora, double scale) {
     spark.y *= scale;
     spark.scale *= scale;
   }
+}
+
+// True from the outcome of a polish on, when its ring rests.
+bool isPolished(const PopoverView& view) {
+  return view.isReleasing && view.postClearSentence.get().has_value() && view.animatedProgress.model() == 0.0;
+}
+
+double lensOf(const PopoverView& view) {
+  if (view.isReleasing && !isPolished(view)) return releasingLens;
+  return view.canPolish() ? readyLens : restingLens;
 }
 
 CulpritPiece pieceOf(const CulpritSentence::Segment& segment) {
@@ -45,6 +56,7 @@ PopoverScene::PopoverScene(Scheduler& scheduler, PopoverView& view, std::functio
       ringCentreY_(scheduler, 0.0),
       headlineTop_(scheduler, 0.0),
       lens_(scheduler, restingLens),
+      rested_(scheduler, 0.0),
       label_(scheduler, 1.0),
       labelOverDots_(scheduler, 1.0),
       sentence_(scheduler, [this] { changed_(); }),
@@ -73,17 +85,22 @@ PopoverScene::Under PopoverScene::underOf() const {
   return under;
 }
 
+PopoverGrid::Under PopoverScene::gridUnder() const {
+  return under_.wanted().culprits.isEmpty() ? PopoverGrid::Under::nothing : PopoverGrid::Under::culprits;
+}
+
 void PopoverScene::jumpToContent() {
   sentence_.jumpTo(qtText(view_.statusSentence()));
   under_.jumpTo(underOf());
   withoutAnimation([this] {
     const double height = view_.desiredSize().height;
-    const auto grid = PopoverGrid::of(height, sentence_.wanted());
+    const auto grid = PopoverGrid::of(height, sentence_.wanted(), gridUnder());
     contentHeight_ = height;
     ringCentreY_ = grid.ringCentreY;
     headlineTop_ = grid.headlineTop;
     labelReady_ = view_.canPolish();
-    lens_ = view_.isReleasing ? releasingLens : view_.canPolish() ? readyLens : restingLens;
+    lens_ = lensOf(view_);
+    rested_ = isPolished(view_) ? 1.0 : 0.0;
     label_ = view_.isReleasing ? 0.0 : 1.0;
     labelOverDots_ = view_.showsReassurance() ? 0.0 : 1.0;
   });
@@ -91,31 +108,33 @@ void PopoverScene::jumpToContent() {
 }
 
 void PopoverScene::followContent(double now) {
-  if (view_.presentationOpacity(now) < unseen) {
-    jumpToContent();
-    return changed_();
-  }
-  sentence_.fadeTo(qtText(view_.statusSentence()));
-  under_.fadeTo(underOf());
+  if (view_.presentationOpacity(now) < unseen) return jumpToContent();
+  // The outcome of a polish leaves at the pace that the polish gives it, more slowly than other texts.
+  const double fade = view_.outcomeFadesUntil() - now;
+  const auto leaving =
+      fade > 0.0 ? Animation::easeInOut(fade) : Animation::easeIn(FadedValue<QString>::outSeconds);
+  sentence_.fadeTo(qtText(view_.statusSentence()), leaving);
+  under_.fadeTo(underOf(), leaving);
   const double height = view_.desiredSize().height;
-  const auto grid = PopoverGrid::of(height, sentence_.wanted());
+  const auto grid = PopoverGrid::of(height, sentence_.wanted(), gridUnder());
   const auto go = [](Animated<double>& value, double target, const Animation& animation) {
     if (value.model() != target) withAnimation(animation, [&] { value = target; });
   };
-  const auto resize = isReduced() ? Animation::linear(0.0) : Animation::standard(Timings::resize);
+  const auto resize = isReduced() ? Animation::linear(0.0) : Animation::standard(PopoverSceneTimings::resize);
   go(contentHeight_, height, resize);
   go(ringCentreY_, grid.ringCentreY, resize);
   go(headlineTop_, grid.headlineTop, resize);
 
   const bool releases = view_.isReleasing;
   if (!releases) labelReady_ = view_.canPolish();
-  const double lens = releases ? releasingLens : view_.canPolish() ? readyLens : restingLens;
-  go(lens_, lens, Animation::easeOut(Timings::labelOut));
+  go(lens_, lensOf(view_), Animation::easeOut(PopoverSceneTimings::labelOut));
+  go(rested_, isPolished(view_) ? 1.0 : 0.0, Animation::easeInOut(PopoverSceneTimings::rest));
   go(label_, releases ? 0.0 : 1.0,
-     releases ? Animation::easeOut(Timings::labelOut) : Animation::easeInOut(Timings::labelIn));
-  go(labelOverDots_, view_.showsReassurance() ? 0.0 : 1.0, Animation::easeOut(Timings::labelUnderDots));
+     releases ? Animation::easeOut(PopoverSceneTimings::labelOut)
+              : Animation::easeInOut(PopoverSceneTimings::labelIn));
+  go(labelOverDots_, view_.showsReassurance() ? 0.0 : 1.0,
+     Animation::easeOut(PopoverSceneTimings::labelUnderDots));
   restWords();
-  changed_();
 }
 
 void PopoverScene::restWords() {
@@ -140,7 +159,7 @@ void PopoverScene::setCardHeight(double height) {
   changed_();
 }
 
-// Without movement the card stands at its full height from the start to the end, and its content fades.
+// Gives the card its full height at once if the user asked for less movement; then only its content fades.
 void PopoverScene::moveCard(double height, const Animation& animation) {
   if (!isReduced()) {
     withAnimation(animation, [&] { cardHeight_ = height; });
@@ -151,13 +170,14 @@ void PopoverScene::moveCard(double height, const Animation& animation) {
 }
 
 void PopoverScene::setHovered(PopoverControlId control, bool hovered) {
-  const double seconds = hovered ? Timings::hoverIn : Timings::hoverOut;
+  const double seconds = hovered ? PopoverSceneTimings::hoverIn : PopoverSceneTimings::hoverOut;
   withAnimation(Animation::easeOut(seconds), [&] { state(control).hover = hovered ? 1.0 : 0.0; });
   changed_();
 }
 
 void PopoverScene::setPressed(PopoverControlId control, bool pressed) {
-  const auto spring = Animation::spring(Timings::pressResponse, Timings::pressDamping);
+  const auto spring =
+      Animation::spring(PopoverSceneTimings::pressResponse, PopoverSceneTimings::pressDamping);
   withAnimation(isReduced() ? Animation::linear(0.0) : spring,
                 [&] { state(control).press = pressed ? 1.0 : 0.0; });
   changed_();
@@ -189,6 +209,7 @@ RingPicture PopoverScene::ring(double time) const {
   ring.stateColour = view_.stateColor(time);
   ring.scale = view_.ringScale(time);
   ring.lens = lens_.shown(time);
+  ring.rested = rested_.shown(time);
   ring.canPolish = view_.canPolish();
   ring.labelReady = labelReady_;
   ring.button = control(PopoverControlId::polish, time);
@@ -221,6 +242,13 @@ WordsPicture PopoverScene::words(double time) const {
   return words;
 }
 
+QString PopoverScene::paintedName(qsizetype index) const {
+  for (const auto& piece : under_.shown().culprits) {
+    if (piece.kind == CulpritPiece::Kind::name && index-- == 0) return piece.text;
+  }
+  return {};
+}
+
 PopoverPicture PopoverScene::picture(double time) const {
   PopoverPicture picture;
   picture.appearance = appearance_;
@@ -230,7 +258,7 @@ PopoverPicture PopoverScene::picture(double time) const {
   picture.calmIntensity = view_.calmIntensity();
   picture.haloBreath = view_.haloBreath(time);
   picture.aurora = view_.aurora(time);
-  // A round light that turns changes no pixel, and needs no new picture.
+  // Turning a round light changes no pixel, so it must not cause a new picture.
   picture.aurora.warmCloud.rotationDegrees = 0.0;
   picture.aurora.bloom.rotationDegrees = 0.0;
   picture.ring = ring(time);
@@ -242,8 +270,8 @@ PopoverPicture PopoverScene::picture(double time) const {
 
 double PopoverScene::restsAt() const {
   double rest = std::max({cardHeight_.restsAt(), contentHeight_.restsAt(), ringCentreY_.restsAt(),
-                          headlineTop_.restsAt(), lens_.restsAt(), label_.restsAt(), labelOverDots_.restsAt(),
-                          sentence_.restsAt(), under_.restsAt()});
+                          headlineTop_.restsAt(), lens_.restsAt(), rested_.restsAt(), label_.restsAt(),
+                          labelOverDots_.restsAt(), sentence_.restsAt(), under_.restsAt()});
   for (const auto& control : controls_)
     rest = std::max({rest, control.hover.restsAt(), control.press.restsAt()});
   return rest;

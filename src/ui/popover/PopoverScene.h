@@ -1,8 +1,8 @@
 #pragma once
 
-#include "ambient/PopoverView.h"
 #include "base/Animated.h"
 #include "base/Scheduler.h"
+#include "popover/PopoverView.h"
 #include "ui/popover/FadedValue.h"
 #include "ui/popover/PopoverLayout.h"
 #include "ui/popover/PopoverPicture.h"
@@ -12,25 +12,26 @@
 
 namespace vorli::ui {
 
-/// What can be pressed in the popover, in the order of the Tab key.
+/// The controls of the popover, in tab order.
 enum class PopoverControlId { polish, firstName, secondName, cancel, quit, link, gear };
 inline constexpr std::size_t popoverControlCount = 7;
 
 /// Turns the view's state, the pointer and the card's motion into the picture of a moment. Main thread.
 class PopoverScene {
  public:
-  /// On which side of the card the status item lies: from there the card unfolds.
+  /// The side of the card on which the status item lies; the card unfolds from it.
   enum class Edge { top, bottom };
 
-  /// `changed` is called when a picture that was at rest is so no longer.
+  /// `changed` is called when a picture that was at rest starts to change, unless the caller causes that with
+  /// `jumpToContent` or `followContent`.
   PopoverScene(Scheduler& scheduler, PopoverView& view, std::function<void()> changed);
 
   void setAppearance(Appearance appearance);
   void setEdge(Edge edge);
 
-  /// Takes what the view shows at once: while nobody sees it.
+  /// Shows the view's current content at once, for use while the popover is hidden.
   void jumpToContent();
-  /// Goes over to what the view shows; at once where nothing of it can be seen yet.
+  /// Moves to the view's current content; shows it at once while nothing is visible yet.
   void followContent(double now);
 
   double cardHeight() const { return cardHeight_.model(); }
@@ -43,15 +44,18 @@ class PopoverScene {
   void releaseControls();
 
   PopoverPicture picture(double time) const;
+  /// The name that is painted at this place in the culprit sentence, which may be about to change. Empty when
+  /// there is none.
+  QString paintedName(qsizetype index) const;
 
-  /// What the card shows once all has come to rest, for the places of its controls.
+  /// The words of the card once everything is at rest; used to place its controls.
   const WordsPicture& restingWords() const { return restingWords_; }
   double restingRingCentreY() const { return ringCentreY_.model(); }
-  /// The upper edge of the content when the card rests, from the card's anchored edge downwards.
+  /// Height of the content when the card is at rest.
   double restingContentHeight() const { return contentHeight_.model(); }
   Edge edge() const { return edge_; }
 
-  /// When the scene's own motions end; the view's are its own.
+  /// Time at which the scene's own motions end, not counting those of the view.
   double restsAt() const;
 
  private:
@@ -68,6 +72,7 @@ class PopoverScene {
   };
 
   Under underOf() const;
+  PopoverGrid::Under gridUnder() const;
   ControlPicture control(PopoverControlId id, double time) const;
   RingPicture ring(double time) const;
   WordsPicture words(double time) const;
@@ -81,10 +86,10 @@ class PopoverScene {
   Edge edge_ = Edge::top;
 
   Animated<double> cardHeight_, contentHeight_, ringCentreY_, headlineTop_;
-  Animated<double> lens_, label_, labelOverDots_;
+  Animated<double> lens_, rested_, label_, labelOverDots_;
   FadedValue<QString> sentence_;
   FadedValue<Under> under_;
-  QString quitName_;  // the last one that was asked for, while its question fades
+  QString quitName_;  // the last one asked about; kept while its question fades out
   bool labelReady_ = false;
   std::array<ControlState, popoverControlCount> controls_;
   WordsPicture restingWords_;

@@ -1,12 +1,14 @@
 #include "ui/popover/PopoverWidget.h"
 
-#include "ui/QtText.h"
+#include "ui/kit/QtText.h"
 #include "ui/popover/ChangedPart.h"
+#include "ui/popover/FramePace.h"
 
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QScreen>
 #include <QTextDocument>
 #include <algorithm>
 #include <cmath>
@@ -14,16 +16,26 @@
 namespace vorli::ui {
 namespace {
 
-using Metrics = PopoverMetrics;
 using Id = PopoverControlId;
 
-// The card's own motions are short and quick, and so are sparks; the other light of a polish is soft, and the
-// breath slow.
-constexpr double quickFrame = 1.0 / 60.0, lightFrame = 1.0 / 30.0, breathFrame = 1.0 / 10.0;
+// Rates of a screen that are believed, in frames a second. Some drivers report nonsense.
+constexpr double leastRate = 30.0, usualRate = 60.0, mostRate = 240.0;
 
-// A tool tip follows what looks like markup, as the name of an application may.
+// Returns the place of a name's control in the culprit sentence.
+constexpr std::size_t placeOfName(Id id) {
+  return id == Id::secondName ? 1 : 0;
+}
+
+// Escapes what a tool tip would take for markup, as it may occur in the name of an application.
 QString asToolTip(const QString& text) {
   return Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
+}
+
+QImage clearImage(const QSize& points, double pixelRatio) {
+  QImage image((QSizeF(points) * pixelRatio).toSize(), QImage::Format_ARGB32_Premultiplied);
+  image.setDevicePixelRatio(pixelRatio);
+  image.fill(Qt::transparent);
+  return image;
 }
 
 }  // namespace
@@ -43,15 +55,13 @@ PopoverWidget::PopoverWidget(Scheduler& scheduler, PopoverView& view, Compositin
   setFocusPolicy(Qt::NoFocus);
   setAttribute(Qt::WA_AlwaysShowToolTips);
   setAttribute(compositing == Compositing::present ? Qt::WA_TranslucentBackground : Qt::WA_OpaquePaintEvent);
-  setFixedSize(QSize(static_cast<int>(Metrics::width), static_cast<int>(Metrics::tallest)).grownBy(margins));
+  setFixedSize(QSize(static_cast<int>(PopoverMetrics::width), static_cast<int>(PopoverMetrics::tallest))
+                   .grownBy(margins));
   makeControls();
-  content_ = view_.subscribeToContent([this] {
-    scene_.followContent(scheduler_.now());
-    updateControls();
-  });
+  content_ = view_.subscribeToContent([this] { followContent(); });
 }
 
-// The controls tell what becomes of them, while there still is somebody to tell.
+// Destroys the controls first, because they report their last changes to the other members.
 PopoverWidget::~PopoverWidget() {
   for (auto* control : controls_) delete control;
   scheduler_.cancel(frameTimer_);
@@ -60,7 +70,7 @@ PopoverWidget::~PopoverWidget() {
 void PopoverWidget::begin() {
   isSeen_ = false;
   usesKeyboard_ = false;
-  asksToQuit_ = false;  // a question that is still open takes the focus anew
+  asksToQuit_ = false;  // so that an open question takes the focus again
   releaseControls();
   scene_.jumpToContent();
   updateControls();
@@ -68,17 +78,31 @@ void PopoverWidget::begin() {
   shownCard_ = {};
 }
 
+void PopoverWidget::prepare() {
+  begin();
+  painter_.prepare(shown_, devicePixelRatioF());
+}
+
 void PopoverWidget::paintAhead() {
   if (isSeen_) return;
-  const double ratio = devicePixelRatioF();
-  QImage image((QSizeF(size()) * ratio).toSize(), QImage::Format_ARGB32_Premultiplied);
-  image.setDevicePixelRatio(ratio);
-  image.fill(Qt::transparent);
+  const QRect part = partAhead();
+  QImage image = clearImage(part.size(), devicePixelRatioF());
   QPainter painter(&image);
-  paint(painter, rect());
+  painter.translate(-part.topLeft());
+  paint(painter, part);
   painter.end();
   ahead_ = std::move(image);
+  aheadAt_ = part.topLeft();
   update();
+}
+
+// The part of the window that the card and its shadow need: at the opening a narrow strip. It begins on a
+// device pixel at every pixel ratio in steps of 1/4.
+QRect PopoverWidget::partAhead() const {
+  if (compositing_ == Compositing::absent) return rect();
+  constexpr int step = 4;
+  const QRect needed = card().marginsAdded(margins) & rect();
+  return {QPoint(needed.left() / step * step, needed.top() / step * step), needed.bottomRight()};
 }
 
 void PopoverWidget::end() {
@@ -88,13 +112,13 @@ void PopoverWidget::end() {
   releaseControls();
 }
 
-// The pointer comes anew to a window that opens under it.
+// Resets hover and press: a window that opens under the pointer gets a new Enter event.
 void PopoverWidget::releaseControls() {
   scene_.releaseControls();
-  if (view_.hovered) view_.hovered = false;
+  view_.setHovered(false);
 }
 
-// Where the content begins: the card hangs from its upper edge, or stands on its lower one.
+// Upper left corner of the content. The card is fixed at its upper edge or at its lower one.
 QPointF PopoverWidget::origin() const {
   if (scene_.edge() == PopoverScene::Edge::top) return {margins.left() * 1.0, margins.top() * 1.0};
   constexpr double shadowBelow = CardPainter::bottomReach;
@@ -111,17 +135,27 @@ QRect PopoverWidget::card() const {
 }
 
 QRect PopoverWidget::restingCard() const {
-  const QSizeF size(Metrics::width, std::max(scene_.restingContentHeight(), scene_.cardHeight()));
+  const QSizeF size(PopoverMetrics::width, std::max(scene_.restingContentHeight(), scene_.cardHeight()));
   return QRectF(restingOrigin(), size).toAlignedRect();
 }
 
 void PopoverWidget::wake() {
   if (!isVisible() || !ahead_.isNull()) return;
   const double now = scheduler_.now();
-  if (frameTimer_ != 0 && nextFrame_ <= now + quickFrame) return;
+  if (frameTimer_ != 0 && nextFrame_ <= now + displaySeconds()) return;
   scheduler_.cancel(std::exchange(frameTimer_, 0));
   nextFrame_ = now;
   frameTimer_ = scheduler_.after(0.0, [this] { frame(); });
+}
+
+// A slow change, such as that of most ticks, waits for the next frame.
+void PopoverWidget::followContent() {
+  const double now = scheduler_.now();
+  scene_.followContent(now);
+  updateControls();
+  if (frameTimer_ == 0) return wake();
+  const auto interval = secondsToNextFrame(view_, scene_, shown_, now, displaySeconds());
+  if (!interval || nextFrame_ > now + *interval) wake();
 }
 
 void PopoverWidget::frame() {
@@ -129,7 +163,7 @@ void PopoverWidget::frame() {
   if (!isVisible() || !ahead_.isNull()) return;
   const double now = scheduler_.now();
   PopoverPicture next = scene_.picture(now);
-  const bool isTurned = placedEdge_ != scene_.edge();  // all of it lies elsewhere in the window
+  const bool isTurned = placedEdge_ != scene_.edge();  // everything moves within the window
   if (isTurned) placeControls();
   const auto changed = isTurned ? std::nullopt : changedPart(shown_, next);
   shown_ = std::move(next);
@@ -145,20 +179,16 @@ void PopoverWidget::frame() {
   armNextFrame(now);
 }
 
+double PopoverWidget::displaySeconds() const {
+  const double rate = screen()->refreshRate();
+  return 1.0 / (rate < leastRate ? usualRate : std::min(rate, mostRate));
+}
+
 void PopoverWidget::armNextFrame(double now) {
-  const PopoverMotion motion = view_.motion(now);
-  double interval = 0.0;
-  if (now < scene_.restsAt() || (motion == PopoverMotion::full && hasLitSparks(shown_.aurora))) {
-    interval = quickFrame;
-  } else if (motion == PopoverMotion::full) {
-    interval = lightFrame;
-  } else if (motion == PopoverMotion::breath) {
-    interval = breathFrame;
-  } else {
-    return;
-  }
-  // In step with the last frame, unless this one came late.
-  nextFrame_ = std::max(nextFrame_ + interval, now + interval / 2.0);
+  const auto interval = secondsToNextFrame(view_, scene_, shown_, now, displaySeconds());
+  if (!interval) return;
+  // Keeps in step with the last frame, unless this one came late.
+  nextFrame_ = std::max(nextFrame_ + *interval, now + *interval / 2.0);
   frameTimer_ = scheduler_.after(nextFrame_ - now, [this] { frame(); });
 }
 
@@ -168,7 +198,7 @@ void PopoverWidget::paintEvent(QPaintEvent* event) {
   QPainter painter(this);
   if (ahead_.isNull()) return paint(painter, event->region().boundingRect());
   painter.setCompositionMode(QPainter::CompositionMode_Source);
-  painter.drawImage(QPointF(), std::exchange(ahead_, {}));
+  painter.drawImage(aheadAt_, std::exchange(ahead_, {}));
   wake();
 }
 
@@ -181,9 +211,12 @@ void PopoverWidget::paint(QPainter& painter, const QRectF& dirty) {
 PopoverControl* PopoverWidget::makeControl(Id id, std::function<void()> action) {
   PopoverControl::Watcher watcher{[this, id](bool hovered) {
                                     scene_.setHovered(id, hovered);
-                                    if (id == Id::polish && view_.hovered != hovered) view_.hovered = hovered;
+                                    if (id == Id::polish) view_.setHovered(hovered);
                                   },
-                                  [this, id](bool pressed) { scene_.setPressed(id, pressed); },
+                                  [this, id](bool pressed) {
+                                    scene_.setPressed(id, pressed);
+                                    if (pressed) pressedName_ = paintedName(id);
+                                  },
                                   [this, id](bool shown) { scene_.setFocusShown(id, shown); }};
   auto* control = new PopoverControl(id, std::move(watcher), this);
   controls_[static_cast<std::size_t>(id)] = control;
@@ -196,17 +229,23 @@ PopoverControl* PopoverWidget::makeControl(Id id, std::function<void()> action) 
 
 void PopoverWidget::makeControls() {
   makeControl(Id::polish, [this] { view_.polishPressed(); })->setRound();
-  sentence_ = new PopoverText(this);
-  culprits_ = new PopoverText(this);
-  makeControl(Id::firstName, [this] { view_.culpritNamePressed(nameAt(0)); });
-  makeControl(Id::secondName, [this] { view_.culpritNamePressed(nameAt(1)); });
-  question_ = new PopoverText(this);
+  sentence_ = new SpokenText(this);
+  culprits_ = new SpokenText(this);
+  for (const Id id : {Id::firstName, Id::secondName}) makeControl(id, [this, id] { nameClicked(id); });
+  question_ = new SpokenText(this);
   makeControl(Id::cancel, [this] { view_.quitCancelled(); });
   makeControl(Id::quit, [this] { view_.quitConfirmed(); });
-  banner_ = new PopoverText(this);
+  banner_ = new SpokenText(this);
   makeControl(Id::link, [this] { view_.openSettingsLinkPressed(); });
   makeControl(Id::gear, [this] { view_.gearPressed(); });
   for (std::size_t i = 1; i < controls_.size(); ++i) setTabOrder(controls_[i - 1], controls_[i]);
+}
+
+// Names can change under the pointer: a click counts only when one name was painted from its beginning to its
+// end, and is still the current one.
+void PopoverWidget::nameClicked(Id id) {
+  const std::string name = nameAt(placeOfName(id));
+  if (qtText(name) == pressedName_ && paintedName(id) == pressedName_) view_.culpritNamePressed(name);
 }
 
 std::string PopoverWidget::nameAt(std::size_t index) const {
@@ -215,6 +254,11 @@ std::string PopoverWidget::nameAt(std::size_t index) const {
     if (index-- == 0) return segment.text;
   }
   return {};
+}
+
+QString PopoverWidget::paintedName(Id id) const {
+  const bool isName = id == Id::firstName || id == Id::secondName;
+  return isName ? scene_.paintedName(static_cast<qsizetype>(placeOfName(id))) : QString();
 }
 
 void PopoverWidget::updateControls() {
@@ -228,15 +272,16 @@ void PopoverWidget::placeControls() {
   const QPointF at = restingOrigin();
   const auto& words = scene_.restingWords();
   const auto layout = PopoverLayout::of(words, devicePixelRatioF());
-  const double ring = Metrics::ringHitRadius;
+  const double ring = PopoverMetrics::ringHitRadius;
   control(Id::polish)
-      .placeAt(QRectF(Metrics::centreX - ring, scene_.restingRingCentreY() - ring, 2.0 * ring, 2.0 * ring)
-                   .translated(at));
-  control(Id::gear).placeAt(Metrics::gear.translated(at));
+      .placeAt(
+          QRectF(PopoverMetrics::centreX - ring, scene_.restingRingCentreY() - ring, 2.0 * ring, 2.0 * ring)
+              .translated(at));
+  control(Id::gear).placeAt(PopoverMetrics::gear.translated(at));
 
   const auto place = [&](Id id, const QRectF* shape) {
     if (shape) control(id).placeAt(shape->translated(at));
-    // The focus must not wander to the next control by itself when its own goes.
+    // Otherwise Qt would move the focus to the next control when this one is hidden.
     if (!shape && control(id).hasFocus()) control(id).clearFocus();
     control(id).setVisible(shape != nullptr);
   };
@@ -253,9 +298,9 @@ void PopoverWidget::placeControls() {
   place(Id::quit, layout.quit ? &layout.quit->quit : nullptr);
   place(Id::link, layout.link ? &layout.link->capsule : nullptr);
 
-  const double column = (Metrics::width - Metrics::columnWidth) / 2.0;
+  const double column = (PopoverMetrics::width - PopoverMetrics::columnWidth) / 2.0;
   const auto textPlace = [&](double top, double height) {
-    return QRectF(column, top, Metrics::columnWidth, height).translated(at).toAlignedRect();
+    return QRectF(column, top, PopoverMetrics::columnWidth, height).translated(at).toAlignedRect();
   };
   sentence_->setGeometry(textPlace(words.headlineTop, 44.0));
   culprits_->setVisible(layout.culprits.has_value());
@@ -271,7 +316,7 @@ void PopoverWidget::sayControls() {
     const QString said = asToolTip(text);
     if (control(id).toolTip() != said) control(id).setToolTip(said);
   };
-  const auto text = [](PopoverText& label, const QString& words) {
+  const auto text = [](SpokenText& label, const QString& words) {
     if (label.text() != words) label.setText(words);
   };
   const QString sentence = qtText(view_.statusSentence());
@@ -282,8 +327,8 @@ void PopoverWidget::sayControls() {
   QString culprits;
   for (const auto& segment : view_.culpritSegments()) culprits += qtText(segment.text);
   text(*culprits_, culprits);
-  for (const auto& [id, index] : {std::pair(Id::firstName, 0U), std::pair(Id::secondName, 1U)}) {
-    const std::string name = nameAt(index);
+  for (const Id id : {Id::firstName, Id::secondName}) {
+    const std::string name = nameAt(placeOfName(id));
     if (name.empty()) continue;
     control(id).say(qtText(AppNameChip::accessibilityLabel(name)),
                     qtText(AppNameChip::accessibilityHint(name)));
@@ -294,22 +339,25 @@ void PopoverWidget::sayControls() {
   control(Id::quit).say(qtText(PopoverView::quitTitle), {});
   const auto banner = view_.percentBannerAccessibilityText();
   text(*banner_, banner ? qtText(*banner) : QString());
-  control(Id::link).say(qtText(PopoverView::openSettingsTitle), qtText(PopoverView::openSettingsHint));
+  control(Id::link).say(qtText(PopoverView::openSettingsTitle), qtText(view_.openSettingsHint()));
   control(Id::gear).say(qtText(PopoverView::gearLabel), qtText(PopoverView::gearHint));
 }
 
-// The question takes the focus to its harmless answer.
+// Moves the focus to the harmless answer when the question appears.
 void PopoverWidget::askedToQuit(bool asks) {
   if (std::exchange(asksToQuit_, asks) == asks || !asks) return;
   control(Id::cancel).setFocus(usesKeyboard_ ? Qt::TabFocusReason : Qt::OtherFocusReason);
 }
 
+// A key that is held down counts once.
 void PopoverWidget::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Escape) {
+    if (event->isAutoRepeat()) return;
     if (view_.confirmingQuitName().get()) return view_.quitCancelled();
     return callbacks_.escape();
   }
   if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+    if (event->isAutoRepeat()) return;
     auto* focused = dynamic_cast<PopoverControl*>(focusWidget());
     return (focused ? focused : &control(Id::polish))->click();
   }
@@ -323,8 +371,8 @@ bool PopoverWidget::focusNextPrevChild(bool next) {
   return true;
 }
 
-// The user's wish, by the window manager, goes the way of every other. The program's own, at its end, is not
-// refused: that would keep it from ending.
+// A close by the user through the window manager is handled like every other one. The program's own close at
+// its end is accepted, because refusing it would keep the program from ending.
 void PopoverWidget::closeEvent(QCloseEvent* event) {
   if (!event->spontaneous()) return QWidget::closeEvent(event);
   event->ignore();

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "base/Scheduler.h"
-#include "ui/WindowSurroundings.h"
+#include "ui/kit/SpokenText.h"
+#include "ui/kit/WindowSurroundings.h"
 #include "ui/popover/PopoverControl.h"
 #include "ui/popover/PopoverPainter.h"
 #include "ui/popover/PopoverScene.h"
@@ -12,20 +13,22 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <string>
 
 namespace vorli::ui {
 
-/// The popover's window: the card with its shadow on a clear ground, painted only while it is shown and only
-/// when its picture changes. Which part of it is card changes as it unfolds; the window stays as it is.
+/// The popover's window: the card with its shadow on a transparent background. It is painted only while it is
+/// shown and only when its picture changes. The card moves within the window as it unfolds; the window itself
+/// does not change.
 class PopoverWidget final : public QWidget {
  public:
-  /// Where the card lies in the window, at the most: the overshoot of the unfurl has room.
+  /// Margins around the largest card; they leave room for the overshoot when it unfolds.
   static constexpr QMargins margins{24, 16, 24, 40};
 
   struct Callbacks {
-    std::function<void()> escape;            // the popover is to close
-    std::function<void()> left;              // another window has the keyboard
-    std::function<void(const QRect&)> card;  // the card has another rectangle, in the window
+    std::function<void()> escape;            // asks to close the popover
+    std::function<void()> left;              // another window has received the keyboard focus
+    std::function<void(const QRect&)> card;  // the card has a new rectangle in the window
   };
 
   PopoverWidget(Scheduler& scheduler, PopoverView& view, Compositing compositing, Callbacks callbacks);
@@ -33,21 +36,25 @@ class PopoverWidget final : public QWidget {
 
   PopoverScene& scene() { return scene_; }
 
-  /// Before the window is shown: the content as it is now, at rest.
+  /// Loads what the first picture would otherwise have to load, above all fonts and glyphs.
+  void prepare();
+  /// Takes over the current content, at rest. Must be called before the window is shown.
   void begin();
-  /// After it was told to show: paints its first frame while others bring the window up. Nothing moves before
-  /// that frame is seen.
+  /// Paints the first frame while the X server and the window manager bring the window up. Must be called
+  /// after show(); nothing moves before that frame is seen.
   void paintAhead();
-  /// After it has been hidden.
+  /// Must be called after the window has been hidden.
   void end();
 
-  /// The card as it is painted now, and as it is to be when it rests; in the window.
+  /// The card as it is painted now, and as it will be at rest, in coordinates of the window.
   QRect card() const;
   QRect restingCard() const;
 
-  /// Counted since the window was made.
+  /// Number of frames painted since the window was created.
   std::uint64_t framesPainted() const { return framesPainted_; }
-  /// Drops what is kept for painting.
+  /// Number of profiles of the light computed so far.
+  std::size_t lightProfiles() const { return painter_.lightProfiles(); }
+  /// Drops the caches of the painter.
   void forgetPictures() { painter_.forget(); }
 
  private:
@@ -58,9 +65,12 @@ class PopoverWidget final : public QWidget {
   bool event(QEvent* event) override;
 
   void paint(QPainter& painter, const QRectF& dirty);
+  QRect partAhead() const;
   void wake();
+  void followContent();
   void frame();
   void armNextFrame(double now);
+  double displaySeconds() const;
   void releaseControls();
   void makeControls();
   PopoverControl* makeControl(PopoverControlId id, std::function<void()> action);
@@ -71,7 +81,9 @@ class PopoverWidget final : public QWidget {
   QPointF origin() const;
   QPointF restingOrigin() const;
   PopoverControl& control(PopoverControlId id) { return *controls_[static_cast<std::size_t>(id)]; }
+  void nameClicked(PopoverControlId id);
   std::string nameAt(std::size_t index) const;
+  QString paintedName(PopoverControlId id) const;
 
   Scheduler& scheduler_;
   PopoverView& view_;
@@ -81,19 +93,21 @@ class PopoverWidget final : public QWidget {
   PopoverPainter painter_;
   PopoverPicture shown_;
   QRect shownCard_;
-  PopoverScene::Edge placedEdge_ = PopoverScene::Edge::top;  // for which the controls lie
+  PopoverScene::Edge placedEdge_ = PopoverScene::Edge::top;  // the edge that the controls were placed for
   QImage ahead_;                                             // the first frame, until it is seen
+  QPoint aheadAt_;                                           // its place in the window
   bool isSeen_ = false;
   Scheduler::TimerId frameTimer_ = 0;
   double nextFrame_ = 0.0;
   std::uint64_t framesPainted_ = 0;
   bool usesKeyboard_ = false;  // at the last click on a control
   bool asksToQuit_ = false;
+  QString pressedName_;  // painted under the press that began last; empty when it was on no name
   std::array<PopoverControl*, popoverControlCount> controls_{};
-  PopoverText* sentence_ = nullptr;
-  PopoverText* culprits_ = nullptr;
-  PopoverText* banner_ = nullptr;
-  PopoverText* question_ = nullptr;
+  SpokenText* sentence_ = nullptr;
+  SpokenText* culprits_ = nullptr;
+  SpokenText* banner_ = nullptr;
+  SpokenText* question_ = nullptr;
   Subscription content_;
 };
 

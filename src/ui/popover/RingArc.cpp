@@ -1,6 +1,6 @@
 #include "ui/popover/RingArc.h"
 
-#include "ui/popover/RadialProfile.h"
+#include "ui/light/RadialProfile.h"
 
 #include <algorithm>
 #include <array>
@@ -25,7 +25,7 @@ QRgb toPixel(const Premultiplied& value) {
   return byte(value.alpha) << 24 | byte(value.red) << 16 | byte(value.green) << 8 | byte(value.blue);
 }
 
-/// The arc with all that does not change from pixel to pixel.
+/// The arc with everything that is the same for all pixels.
 class Band {
  public:
   explicit Band(const RingArc& arc)
@@ -54,7 +54,7 @@ class Band {
     return trackPixel_;
   }
 
-  /// Whether a round end of the arc may reach there.
+  /// Whether a round end of the arc may reach `turn`.
   bool isAtEnd(float turn) const {
     const float reach = 1.3F * cap_;
     return hasArc_ && turn > progress_ && (turn < progress_ + reach || turn > 1.0F - reach);

@@ -8,24 +8,24 @@
 
 namespace vorli::ui {
 
-/// The band of the ring: its track, and the arc over it from twelve o'clock clockwise, with round ends. The
-/// arc pales from `head` at its end towards `tail` at its beginning; the seam between the two lies in the
-/// middle of what is left empty, so that it never shows in a round end.
+/// The band of the ring: its track and, over it, an arc with round ends that runs clockwise from twelve
+/// o'clock. The arc fades from `head` at its end to `tail` at its beginning. The seam between the two lies in
+/// the middle of the empty part, so that it never shows in a round end.
 struct RingArc {
-  double radius = 52.0;  // device pixels, of the middle of the band
+  double radius = 52.0;  // radius of the middle of the band, in device pixels
   double width = 6.0;
   double progress = 0.0;
   Colour track, head, tail;
 
-  /// Below it no arc is shown.
+  /// No arc is shown below this progress.
   static constexpr double leastProgress = 0.004;
 };
 
-/// Paints ring bands. Coverage and angle of each pixel are computed, which is smoother than a conic gradient
-/// of few stops, and kept for as long as the band has the same size.
+/// Paints ring bands. Coverage and angle are computed for each pixel, which is smoother than a conic gradient
+/// of few stops, and cached while the band has the same size.
 class RingBand {
  public:
-  /// Round the middle of a premultiplied image that is clear there.
+  /// Paints the band around the middle of a premultiplied image, which must be clear there.
   void paint(QImage& image, const RingArc& arc);
   void forget() { *this = {}; }
 

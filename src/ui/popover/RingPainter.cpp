@@ -1,9 +1,9 @@
 #include "ui/popover/RingPainter.h"
 
-#include "ambient/PopoverView.h"
 #include "base/Animated.h"
-#include "ui/QtColour.h"
-#include "ui/QtText.h"
+#include "popover/PopoverView.h"
+#include "ui/kit/QtColour.h"
+#include "ui/kit/QtText.h"
 #include "ui/popover/PopoverLayout.h"
 #include "ui/popover/TextStyle.h"
 
@@ -17,15 +17,13 @@
 namespace vorli::ui {
 namespace {
 
-using Metrics = PopoverMetrics;
-
-constexpr double lensShrink = 0.025;    // of the lens and its word, when held down
-constexpr double labelBaseline = 4.75;  // below the centre: half the height of a capital
+constexpr double lensShrink = 0.025;    // share by which the pressed lens and its word shrink
+constexpr double labelBaseline = 4.75;  // below the centre: half the height of a capital letter
 constexpr double beadRadius = 1.5, beadFrom = 0.03;
 constexpr double tailPaleness = 0.42;
 constexpr double focusRadius = 45.5;
 
-// Mixes colour and opacity apart, which keeps the brown of a white-to-brown rim.
+// Mixes colour and opacity separately, which keeps the brown of a white-to-brown rim.
 QBrush vertical(double halfHeight, const Colour& top, const Colour& bottom) {
   constexpr int parts = 8;
   QLinearGradient gradient(0.0, -halfHeight, 0.0, halfHeight);
@@ -41,7 +39,7 @@ QPointF onCircle(double radius, double turns) {
   return {radius * std::sin(angle), -radius * std::cos(angle)};
 }
 
-/// Draws round the origin, in points.
+/// Draws around the origin, in points.
 class RingDrawing {
  public:
   RingDrawing(QPainter& painter, const RingPicture& ring, Appearance appearance)
@@ -60,13 +58,13 @@ class RingDrawing {
     const double hovered = ring_.canPolish ? mix(glass.rest, glass.hover, ring_.button.hover) : glass.rest;
     const double opacity = mix(hovered, glass.pressed, press_) * on;
     painter_.setPen(Qt::NoPen);
-    painter_.setBrush(vertical(Metrics::lensRadius, white.withAlpha(opacity + glass.topExtra * on),
+    painter_.setBrush(vertical(PopoverMetrics::lensRadius, white.withAlpha(opacity + glass.topExtra * on),
                                white.withAlpha(opacity * glass.bottomShare)));
-    painter_.drawEllipse(QPointF(), Metrics::lensRadius, Metrics::lensRadius);
+    painter_.drawEllipse(QPointF(), PopoverMetrics::lensRadius, PopoverMetrics::lensRadius);
 
-    const double rim = Metrics::lensRadius - 0.5;
+    const double rim = PopoverMetrics::lensRadius - 0.5;
     painter_.setBrush(Qt::NoBrush);
-    painter_.setPen(QPen(vertical(Metrics::lensRadius, glass.rimTop.withAlpha(glass.rimTop.alpha * on),
+    painter_.setPen(QPen(vertical(PopoverMetrics::lensRadius, glass.rimTop.withAlpha(glass.rimTop.alpha * on),
                                   glass.rimBottom.withAlpha(glass.rimBottom.alpha * on)),
                          1.0));
     painter_.drawEllipse(QPointF(), rim, rim);
@@ -76,13 +74,13 @@ class RingDrawing {
     if (ring_.progress <= beadFrom) return;
     painter_.setPen(Qt::NoPen);
     painter_.setBrush(qtColour(palette_.bead));
-    painter_.drawEllipse(onCircle(Metrics::ringRadius, ring_.progress), beadRadius, beadRadius);
+    painter_.drawEllipse(onCircle(PopoverMetrics::ringRadius, ring_.progress), beadRadius, beadRadius);
   }
 
   void focus() const {
     if (!ring_.button.focused) return;
     painter_.setBrush(Qt::NoBrush);
-    painter_.setPen(QPen(qtColour(palette_.focus), Metrics::focusWidth));
+    painter_.setPen(QPen(qtColour(palette_.focus), PopoverMetrics::focusWidth));
     painter_.drawEllipse(QPointF(), focusRadius, focusRadius);
   }
 
@@ -102,7 +100,7 @@ class RingDrawing {
     for (const auto& dot : ring_.dots) {
       if (dot.opacity <= 0.0) continue;
       painter_.setBrush(qtColour(ink_.withAlpha(dot.opacity)));
-      const double radius = DottedReassuranceRing::dotSize / 2.0 * dot.scale;
+      const double radius = DottedReassuranceRing::dotSize / 2.0 * dot.scale * ring_.dotsScale;
       painter_.drawEllipse(QPointF(dot.x, dot.y) * ring_.dotsScale, radius, radius);
     }
   }
@@ -121,7 +119,7 @@ void preparePainter(QPainter& painter, double scale) {
   painter.scale(scale, scale);
 }
 
-// What the band changes is left out. The dots have its colour.
+// Reduces the picture to what the base shows, without the band. The state's colour remains only for the dots.
 RingPicture baseOf(RingPicture ring) {
   ring.progress = 0.0;
   const bool showsDots =
@@ -158,8 +156,8 @@ const QImage& RingPainter::draw(const RingPicture& ring, Appearance appearance, 
   std::memcpy(image_.bits(), base_.constBits(), static_cast<std::size_t>(base_.sizeInBytes()));
   const auto& palette = PopoverPalette::of(appearance);
   const Colour ink = themeOf(appearance).ringInk(ring.stateColour);
-  band_.paint(image_, {.radius = Metrics::ringRadius * scale,
-                       .width = Metrics::ringWidth * scale,
+  band_.paint(image_, {.radius = PopoverMetrics::ringRadius * scale,
+                       .width = PopoverMetrics::ringWidth * scale,
                        .progress = ring.progress,
                        .track = palette.track,
                        .head = ink,

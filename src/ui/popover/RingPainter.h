@@ -11,21 +11,21 @@ class QPainter;
 
 namespace vorli::ui {
 
-/// Draws the ring with its glass, arc, word or dots on a clear ground, and keeps the picture until another
-/// one is asked for; what the arc does not change is kept apart.
+/// Draws the ring with its glass, its arc, and its word or dots on a transparent background. Caches the
+/// picture until another one is requested; the parts that the arc does not change are cached separately.
 class RingPainter {
  public:
-  /// Half the side of the picture, in points: the grown ring with its overshoot.
+  /// Half the side of the picture, in points. Has room for the grown ring with its overshoot.
   static constexpr double reach = 64.0;
 
-  /// The ring's centre is the picture's. The reference holds until the next call.
+  /// The ring is centred in the picture. The reference is valid until the next call.
   const QImage& draw(const RingPicture& ring, Appearance appearance, double pixelRatio);
   void forget();
 
  private:
   void drawBase(const RingPicture& ring, double scale);
 
-  QImage image_, base_;  // base: all but the band and its bead
+  QImage image_, base_;  // base: everything but the band and its bead
   std::optional<RingPicture> drawn_, drawnBase_;
   RingBand band_;
   Appearance appearance_ = Appearance::light;

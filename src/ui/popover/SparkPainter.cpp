@@ -1,7 +1,8 @@
 #include "ui/popover/SparkPainter.h"
 
-#include "ui/popover/LitPaper.h"
-#include "ui/popover/OpacityStops.h"
+#include "ambient/Palette.h"
+#include "ui/light/LitPaper.h"
+#include "ui/light/OpacityStops.h"
 
 #include <algorithm>
 #include <array>
@@ -11,16 +12,18 @@
 namespace vorli::ui {
 namespace {
 
-constexpr double discRadius = WhiteSparkShower{}.sparkSize / 2.0, shadowReach = 5.2, glowRadius = 7.0;
+constexpr double discRadius = WhiteSparkShower{}.sparkSize / 2.0, shadowReach = 5.2, glowRadius = 12.0;
 constexpr int samplesPerPixel = 4;
-constexpr Colour white{1.0, 1.0, 1.0};
 
-constexpr std::array glowStops{OpacityStop{0.0, 0.36}, OpacityStop{0.4, 0.18}, OpacityStop{1.0, 0.0}};
-// A disc that is blurred by the shadow's radius, as a gradient.
+// Wide and saturated: a narrow grey glow makes the disc look like a hole in the paper.
+constexpr Colour glow{0.05, 0.60, 0.52};
+constexpr std::array glowStops{OpacityStop{0.0, 0.60}, OpacityStop{0.3, 0.30}, OpacityStop{0.6, 0.09},
+                               OpacityStop{1.0, 0.0}};
+// Gradient of a disc that is blurred by the shadow's radius.
 constexpr std::array shadowStops{OpacityStop{0.0, WhiteSparkShower::shadowOpacity}, OpacityStop{0.3, 0.62},
                                  OpacityStop{0.6, 0.2}, OpacityStop{1.0, 0.0}};
 
-// One spark along its radius, in device pixels; the disc's edge is as soft as one of them.
+// Samples one spark along its radius, in device pixels. The edge of the disc is one pixel soft.
 std::vector<Premultiplied> lightOf(double pointPixels, double opacity, const PopoverPalette& palette,
                                    Appearance appearance) {
   const bool onPaper = appearance == Appearance::light;
@@ -30,12 +33,11 @@ std::vector<Premultiplied> lightOf(double pointPixels, double opacity, const Pop
     const double radius = (static_cast<double>(i) + 0.5) / samplesPerPixel;
     const double points = radius / pointPixels;
     Premultiplied light;
-    if (onPaper)
-      light = Premultiplied::of(palette.focus, opacityAt(glowStops, points / glowRadius) * opacity);
+    if (onPaper) light = Premultiplied::of(glow, opacityAt(glowStops, points / glowRadius) * opacity);
     const double shadow = opacityAt(shadowStops, points / shadowReach) * opacity * palette.sparkShadowShare;
-    light = Premultiplied::of(white, shadow).over(light);
+    light = Premultiplied::of(palette::white, shadow).over(light);
     const double covered = std::clamp(discRadius * pointPixels - radius + 0.5, 0.0, 1.0);
-    samples[i] = Premultiplied::of(white, covered * opacity).over(light);
+    samples[i] = Premultiplied::of(palette::white, covered * opacity).over(light);
   }
   return samples;
 }

@@ -9,8 +9,8 @@
 
 namespace vorli::ui {
 
-/// Paints the sparks over opaque pixels: a white disc each, with its white shadow and, on paper, a calm glow
-/// beneath, since white needs something to shine on. `centre` is the ring's, in device pixels.
+/// Paints the sparks over opaque pixels. Each one is a white disc with a white shadow and, on light paper, a
+/// calm glow beneath, because white needs something to shine on. `centre` is the ring's, in device pixels.
 void paintSparks(QImage& image, const QRect& clip, QPointF centre, double pixelRatio,
                  const WhiteSparkShower::Sparks& sparks, double opacity, Appearance appearance);
 

@@ -10,14 +10,14 @@ class QPainter;
 
 namespace vorli::ui {
 
-/// A face at a size, with what is added after every glyph but the last.
+/// A font at a size; `tracking` is added after every glyph but the last.
 struct TextStyle {
   QFont font;
   double tracking = 0.0;
 
-  /// In points, as it is drawn.
+  /// Width of the drawn text, in points.
   double width(const QString& text) const;
-  /// `origin` is the left end of the base line.
+  /// `origin` is the left end of the baseline.
   void draw(QPainter& painter, const QString& text, const QPointF& origin, const Colour& colour) const;
 };
 
@@ -25,11 +25,11 @@ struct TextStyle {
 struct PopoverTextStyles {
   TextStyle headline, aside, label, labelResting, culprit, name, question, button, banner, link;
 
-  /// Made on the first use; needs the application object.
+  /// Created on first use; needs the application object.
   static const PopoverTextStyles& shared();
 };
 
-/// The text, or as many whole letters of its beginning as fit `width` together with an ellipsis.
+/// Returns the text, or as many whole letters of its beginning as fit `width` together with an ellipsis.
 QString cutToWidth(const TextStyle& style, const QString& text, double width);
 
 }  // namespace vorli::ui

@@ -10,7 +10,7 @@
 namespace vorli::ui {
 namespace {
 
-constexpr double belowLast = 8.0;  // a focus ring reaches there
+constexpr double belowLast = 8.0;  // room for a focus ring
 
 void paintLines(QPainter& painter, const std::vector<PlacedText>& lines, const TextStyle& style,
                 const Colour& colour) {

@@ -10,16 +10,16 @@
 
 namespace vorli::ui {
 
-/// Draws the sentences, the controls under them and the gear on a clear ground, and keeps the picture until
-/// other words are asked for.
+/// Draws the sentences, the controls under them and the gear on a transparent background. Caches the picture
+/// until other words are requested.
 class WordsPainter {
  public:
   struct Drawing {
     const QImage& image;
-    const std::vector<QRectF>& parts;  // in points, outside of which nothing is drawn
+    const std::vector<QRectF>& parts;  // in points; nothing is drawn outside of them
   };
 
-  /// The content's origin is the picture's. The references hold until the next call.
+  /// The origin of the picture is the content's. The references are valid until the next call.
   Drawing draw(const WordsPicture& words, Appearance appearance, double pixelRatio);
   void forget();
 

@@ -17,9 +17,10 @@ GtkPreference preferenceIn(const QByteArray& text) {
   return GtkPreference::read(file.fileName());
 }
 
-TEST(GtkPreferenceTest, readsTheThemesName) {
+TEST(GtkPreferenceTest, readsTheNamesOfTheThemes) {
   const auto preference = preferenceIn("[Settings]\ngtk-icon-theme-name=Papirus\ngtk-theme-name=Arc-Dark\n");
   EXPECT_EQ(preference.theme, "Arc-Dark");
+  EXPECT_EQ(preference.iconTheme, "Papirus");
   EXPECT_FALSE(preference.prefersDark);
 }
 

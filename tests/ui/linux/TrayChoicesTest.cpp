@@ -1,6 +1,6 @@
-#include "ui/linux/ClickAnchor.h"
 #include "ui/linux/PanelAppearance.h"
 #include "ui/linux/TrayHost.h"
+#include "ui/status/ClickAnchor.h"
 
 #include <array>
 #include <cstdint>

@@ -1,6 +1,8 @@
+#include "tests/ui/popover/AlphaAt.h"
 #include "ui/popover/CardPainter.h"
 
 #include <QPainter>
+#include <array>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <tuple>
@@ -8,11 +10,10 @@
 namespace vorli::ui {
 namespace {
 
-constexpr double tolerance = 0.002;
+constexpr double shadowTolerance = 0.002;
 
-// Of 16 bits a component: the shadow is made of thin layers, which 8 bits would round away one by one.
-QImage clear(int height, QImage::Format format = QImage::Format_RGBA64_Premultiplied) {
-  QImage image(318, height, format);
+QImage clear(int height) {
+  QImage image(318, height, QImage::Format_ARGB32_Premultiplied);
   image.fill(Qt::transparent);
   return image;
 }
@@ -23,53 +24,93 @@ void paintShadow(QImage& image, const QRectF& card, Appearance appearance) {
   CardPainter().paintShadow(painter, card, QRectF(image.rect()), appearance, 1.0);
 }
 
-double alphaAt(const QImage& image, int x, int y) {
-  return static_cast<double>(image.pixelColor(x, y).alphaF());
-}
-
-// Too low to be put together from slices.
+// Too low to be assembled from slices.
 constexpr QRectF card{24.0, 16.0, 270.0, 95.0};
+
+// Mean of eight pixels along the edge, over which the dither evens out.
+double alphaDown(const QImage& image, int x, int y) {
+  double sum = 0.0;
+  for (int i = 0; i < 8; ++i) sum += alphaAt(image, x, y + i);
+  return sum / 8.0;
+}
+double alphaAlong(const QImage& image, int x, int y) {
+  double sum = 0.0;
+  for (int i = 0; i < 8; ++i) sum += alphaAt(image, x + i, y);
+  return sum / 8.0;
+}
 
 struct Expected {
   Appearance appearance;
-  // Alpha in the middle of the pixel that far outside of the card.
-  double left1, left2, left8, left20, below3, below20, below30, above4, above10;
+  // Opacity in the middle of the pixel that far outside of the card: A1 P(-2 d1 / 4) over A2 P(-2 d2 / 22),
+  // where P is the normal distribution and d1, d2 are the distances from the two shadows.
+  double left1, left5, left10, left18, below3, below20, above4;
 };
 
-class CardShadow : public testing::TestWithParam<Expected> {};
-INSTANTIATE_TEST_SUITE_P(appearances, CardShadow,
-                         testing::Values(Expected{Appearance::light, 0.08154, 0.07119, 0.03513, 0.00478,
-                                                  0.12884, 0.02697, 0.00478, 0.01468, 0.00478},
-                                         Expected{Appearance::dark, 0.20991, 0.17843, 0.08678, 0.01181,
-                                                  0.32226, 0.06664, 0.01181, 0.03626, 0.01181}));
+class CardShadowTest : public testing::TestWithParam<Expected> {};
+INSTANTIATE_TEST_SUITE_P(appearances, CardShadowTest,
+                         testing::Values(Expected{Appearance::light, 0.09673, 0.05245, 0.02888, 0.00787,
+                                                  0.14274, 0.02888, 0.01593},
+                                         Expected{Appearance::dark, 0.24985, 0.12959, 0.07136, 0.01945,
+                                                  0.35720, 0.07136, 0.03936}));
 
-TEST_P(CardShadow, fallsOffAsABellCurve) {
+TEST_P(CardShadowTest, fallsOffAsABellCurve) {
   const auto& expected = GetParam();
   QImage image = clear(170);
   paintShadow(image, card, expected.appearance);
   constexpr int middleX = 24 + 135, middleY = 16 + 47, bottom = 16 + 95;
-  EXPECT_NEAR(alphaAt(image, 24 - 2, middleY), expected.left1, tolerance);
-  EXPECT_NEAR(alphaAt(image, 24 - 3, middleY), expected.left2, tolerance);
-  EXPECT_NEAR(alphaAt(image, 24 - 9, middleY), expected.left8, tolerance);
-  EXPECT_NEAR(alphaAt(image, 24 - 21, middleY), expected.left20, tolerance);
-  EXPECT_NEAR(alphaAt(image, 24 + 270 + 8, middleY), expected.left8, tolerance);
-  EXPECT_NEAR(alphaAt(image, middleX, bottom + 3), expected.below3, tolerance);
-  EXPECT_NEAR(alphaAt(image, middleX, bottom + 20), expected.below20, tolerance);
-  EXPECT_NEAR(alphaAt(image, middleX, bottom + 30), expected.below30, tolerance);
-  EXPECT_NEAR(alphaAt(image, middleX, 16 - 5), expected.above4, tolerance);
-  EXPECT_NEAR(alphaAt(image, middleX, 16 - 11), expected.above10, tolerance);
+  EXPECT_NEAR(alphaDown(image, 24 - 2, middleY), expected.left1, shadowTolerance);
+  EXPECT_NEAR(alphaDown(image, 24 - 6, middleY), expected.left5, shadowTolerance);
+  EXPECT_NEAR(alphaDown(image, 24 - 11, middleY), expected.left10, shadowTolerance);
+  EXPECT_NEAR(alphaDown(image, 24 - 19, middleY), expected.left18, shadowTolerance);
+  EXPECT_NEAR(alphaDown(image, 24 + 270 + 5, middleY), expected.left5, shadowTolerance);
+  EXPECT_NEAR(alphaAlong(image, middleX, bottom + 3), expected.below3, shadowTolerance);
+  EXPECT_NEAR(alphaAlong(image, middleX, bottom + 20), expected.below20, shadowTolerance);
+  EXPECT_NEAR(alphaAlong(image, middleX, 16 - 5), expected.above4, shadowTolerance);
+}
+
+// A terrace is a run of points with one opacity, and then a step. Beside the card every point is fainter than
+// the one before it, until the shadow is too faint for that.
+TEST_P(CardShadowTest, hasNoTerraces) {
+  QImage image = clear(170);
+  paintShadow(image, card, GetParam().appearance);
+  double before = 1.0;
+  for (int outside = 1; outside <= 16; ++outside) {
+    const double alpha = alphaDown(image, 24 - 1 - outside, 16 + 47);
+    EXPECT_LT(alpha, before) << outside;
+    if (outside > 1) {
+      EXPECT_LT(before - alpha, GetParam().left1 / 4.0) << outside;
+    }
+    before = alpha;
+  }
+}
+
+TEST_P(CardShadowTest, isClearAtTheEdgesOfItsImage) {
+  QImage image = clear(16 + 95 + 34);
+  paintShadow(image, card, GetParam().appearance);
+  for (int x = 0; x < image.width(); ++x) {
+    EXPECT_EQ(alphaAt(image, x, 0), 0.0);
+    EXPECT_EQ(alphaAt(image, x, image.height() - 1), 0.0);
+  }
+  for (int y = 0; y < image.height(); ++y) EXPECT_EQ(alphaAt(image, 0, y), 0.0);
 }
 
 TEST(CardPainter, shadowIsBrownOnPaperAndBlackOnCharcoal) {
   QImage light = clear(170), dark = clear(170);
   paintShadow(light, card, Appearance::light);
   paintShadow(dark, card, Appearance::dark);
-  const QColor brown = light.pixelColor(24 + 135, 16 + 95 + 5),
-               black = dark.pixelColor(24 + 135, 16 + 95 + 5);
-  EXPECT_NEAR(brown.redF(), 0.22, 0.01);
-  EXPECT_NEAR(brown.greenF(), 0.17, 0.01);
-  EXPECT_NEAR(brown.blueF(), 0.11, 0.01);
-  EXPECT_EQ(black.redF(), 0.0F);
+  // Each component's share of the opacity, in eight pixels over which the dither evens out.
+  const auto shares = [](const QImage& image) {
+    std::array<double, 4> sums{};
+    const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(16 + 95 + 5)) + 24 + 135;
+    for (int x = 0; x < 8; ++x) {
+      for (std::size_t i = 0; i < 4; ++i) sums[i] += static_cast<double>(row[x] >> (24 - 8 * i) & 0xFFU);
+    }
+    return std::array{sums[1] / sums[0], sums[2] / sums[0], sums[3] / sums[0]};
+  };
+  EXPECT_NEAR(shares(light)[0], 0.22, 0.01);
+  EXPECT_NEAR(shares(light)[1], 0.17, 0.01);
+  EXPECT_NEAR(shares(light)[2], 0.11, 0.01);
+  EXPECT_EQ(shares(dark), (std::array{0.0, 0.0, 0.0}));
 }
 
 TEST(CardPainter, tallCardIsPutTogetherFromTheSameShadow) {
@@ -89,7 +130,7 @@ TEST(CardPainter, tallCardIsPutTogetherFromTheSameShadow) {
   }
 }
 
-// Where a point is no whole number of pixels. A low card is drawn in one piece.
+// Covers scales at which a point is not a whole number of pixels. A low card is drawn in one piece.
 TEST(CardPainter, tallCardIsFramedAsSharplyAsALowOne) {
   constexpr double low = 88.0, tall = 304.0, top = 16.0;
   for (const double pixelRatio : {1.25, 1.5, 1.75}) {
@@ -119,10 +160,10 @@ TEST(CardPainter, tallCardIsFramedAsSharplyAsALowOne) {
   }
 }
 
-// Over a whole pixel of the hairline, and the shadow that lies under it.
+// Averages over a whole pixel of the hairline, and the shadow below it.
 TEST(CardPainter, hairlineOutsideIsOnePointWide) {
   for (const auto& [appearance, line, shadow] :
-       {std::tuple(Appearance::light, 0.20, 0.11), std::tuple(Appearance::dark, 0.42, 0.27)}) {
+       {std::tuple(Appearance::light, 0.20, 0.119), std::tuple(Appearance::dark, 0.42, 0.311)}) {
     QImage image = clear(170);
     paintShadow(image, card, appearance);
     for (const int x : {23, 24 + 270}) {
@@ -161,7 +202,7 @@ TEST(CardPainter, hairlineInsideFollowsTheRoundCorner) {
     QPainter painter(&image);
     CardPainter().paintInnerHairline(painter, {24.0, 16.0, 270.0, 304.0}, Appearance::light, 1.0);
   }
-  // On the diagonal the middle of a line of radius 17.5 lies 5.63 from either side of the card.
+  // On the diagonal, the middle of a line of radius 17.5 is 5.63 away from either side of the card.
   EXPECT_GT(alphaAt(image, 24 + 5, 16 + 5), 0.4);
   EXPECT_EQ(alphaAt(image, 24 + 3, 16 + 3), 0.0);
   EXPECT_EQ(alphaAt(image, 24 + 8, 16 + 8), 0.0);

@@ -31,6 +31,19 @@ TEST_F(FadedValueTest, oldOneFadesOutBeforeTheNewOneFadesIn) {
   EXPECT_EQ(exchanges, 1);
 }
 
+TEST_F(FadedValueTest, oldOneCanLeaveAtAnotherPace) {
+  value.fadeTo("new", Animation::easeInOut(0.6));
+  clock.advance(0.3);
+  EXPECT_NEAR(value.opacity(clock.now()), 0.5, 1e-9);
+  clock.advance(0.299);
+  EXPECT_EQ(value.shown(), "old");
+  clock.advance(0.002);
+  EXPECT_EQ(value.shown(), "new");
+  EXPECT_LT(value.opacity(clock.now()), 0.02);
+  clock.advance(0.18);
+  EXPECT_EQ(value.opacity(clock.now()), 1.0);
+}
+
 TEST_F(FadedValueTest, sameValueDoesNotMove) {
   value.fadeTo("old");
   EXPECT_LT(value.restsAt(), clock.now());

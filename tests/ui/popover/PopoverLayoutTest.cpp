@@ -10,11 +10,17 @@ namespace {
 const QString full = QStringLiteral("Your Mac is full. Time to polish it.");
 const QString filling = QStringLiteral("Your Mac is starting to fill up.");
 
-WordsPicture words(double height, const QString& sentence) {
+using Under = PopoverGrid::Under;
+
+WordsPicture words(double height, const QString& sentence, Under under = Under::nothing) {
   WordsPicture words;
   words.sentence.text = sentence;
-  words.headlineTop = PopoverGrid::of(height, sentence).headlineTop;
+  words.headlineTop = PopoverGrid::of(height, sentence, under).headlineTop;
   return words;
+}
+
+double ringCentre(double height, const QString& sentence, Under under = Under::nothing) {
+  return PopoverGrid::of(height, sentence, under).ringCentreY;
 }
 
 CulpritPicture twoNames(const char* first, const char* second) {
@@ -26,15 +32,45 @@ CulpritPicture twoNames(const char* first, const char* second) {
           .names = {{}, {}}};
 }
 
+CulpritPicture oneName(const char* name) {
+  return {.pieces = {{CulpritPiece::Kind::name, QString::fromUtf8(name)},
+                     {CulpritPiece::Kind::text, QStringLiteral(" is using the most right now.")}},
+          .names = {{}}};
+}
+
 TEST(PopoverLayout, ringAndHeadlineStandByTheHeightOfTheCard) {
-  EXPECT_EQ(PopoverGrid::of(240.0, filling).ringCentreY, 96.0);
-  EXPECT_EQ(PopoverGrid::of(240.0, full).headlineTop, 175.0);
-  EXPECT_EQ(PopoverGrid::of(264.0, filling).ringCentreY, 98.0);
-  EXPECT_EQ(PopoverGrid::of(264.0, filling).headlineTop, 177.0);
-  EXPECT_EQ(PopoverGrid::of(304.0, full).ringCentreY, 102.0);
-  EXPECT_EQ(PopoverGrid::of(304.0, full).headlineTop, 179.0);
-  EXPECT_EQ(PopoverGrid::of(304.0, filling).ringCentreY, 110.0);
-  EXPECT_EQ(PopoverGrid::of(304.0, filling).headlineTop, 187.0);
+  EXPECT_EQ(ringCentre(240.0, filling), 96.0);
+  EXPECT_EQ(words(240.0, full).headlineTop, 175.0);
+  EXPECT_EQ(ringCentre(264.0, filling), 98.0);
+  EXPECT_EQ(words(264.0, filling).headlineTop, 177.0);
+  EXPECT_EQ(ringCentre(304.0, full), 102.0);
+  EXPECT_EQ(words(304.0, full).headlineTop, 179.0);
+  EXPECT_EQ(ringCentre(304.0, filling), 110.0);
+  EXPECT_EQ(words(304.0, filling).headlineTop, 187.0);
+  EXPECT_EQ(ringCentre(304.0, full, Under::culprits), 102.0);
+}
+
+// Compares the room between the ring's outer edge and the top of the card with the room below the last line.
+TEST(PopoverLayout, oneLineOfCulpritsLiesInTheMiddleOfTheCard) {
+  auto content = words(304.0, filling, Under::culprits);
+  content.culprits = oneName("Chrome");
+  const double above = ringCentre(304.0, filling, Under::culprits) - 55.0;
+  const double below = 304.0 - PopoverLayout::of(content, 1.0).bottom;
+  EXPECT_EQ(above, 59.0);
+  EXPECT_EQ(below, 63.0);
+}
+
+TEST(PopoverLayout, sentenceOfTwoLinesHasRoomForItsCulpritsAndForTheQuestion) {
+  const QString longer = QStringLiteral("Your computer is starting to fill up.");
+  auto content = words(304.0, longer, Under::culprits);
+  ASSERT_EQ(PopoverLayout::of(content, 1.0).headline.size(), 2U);
+  const double above = ringCentre(304.0, longer, Under::culprits) - 55.0;
+  content.culprits = twoNames("Chrome", "Photoshop");
+  EXPECT_EQ(above, 41.0);
+  EXPECT_EQ(304.0 - PopoverLayout::of(content, 1.0).bottom, 43.0);
+  content.culprits.reset();
+  content.quit = QuitPicture{QStringLiteral("Chrome"), {}, {}};
+  EXPECT_EQ(304.0 - PopoverLayout::of(content, 1.0).bottom, 21.0);
 }
 
 TEST(PopoverLayout, headlineAndAsideStandOnTheirBaseLines) {
@@ -71,14 +107,10 @@ TEST(PopoverLayout, culpritSentenceStandsUnderTheAsideAndNothingAboveItMoves) {
 }
 
 TEST(PopoverLayout, culpritsWithoutAnAsideStandTwoPointsLower) {
-  auto content = words(304.0, filling);
-  content.culprits =
-      CulpritPicture{.pieces = {{CulpritPiece::Kind::name, QStringLiteral("Chrome")},
-                                {CulpritPiece::Kind::text, QStringLiteral(" is using the most right now.")}},
-                     .names = {{}}};
+  auto content = words(304.0, filling, Under::culprits);
+  content.culprits = oneName("Chrome");
   const auto layout = PopoverLayout::of(content, 1.0);
-  EXPECT_EQ(layout.culprits->names[0].box.top(), 187.0 + 22.0 + 14.0);
-  EXPECT_EQ(304.0 - layout.bottom, 67.0);
+  EXPECT_EQ(layout.culprits->names[0].box.top(), 191.0 + 22.0 + 14.0);
 }
 
 TEST(PopoverLayout, blankAtTheBeginningOfALineDoesNotPushIt) {
@@ -163,7 +195,7 @@ TEST(PopoverLayout, textOfManyPagesIsCutWithoutDelay) {
   const auto& style = PopoverTextStyles::shared().name;
   const auto before = std::clock();
   const QString cut = cutToWidth(style, QStringLiteral("Chrome ").repeated(5000), 230.0);
-  EXPECT_LT(std::clock() - before, 2 * CLOCKS_PER_SEC);  // letter by letter it takes minutes
+  EXPECT_LT(std::clock() - before, 2 * CLOCKS_PER_SEC);  // letter by letter, this would take minutes
   EXPECT_TRUE(cut.startsWith("Chrome Chrome"));
   EXPECT_LE(style.width(cut), 230.0);
 }

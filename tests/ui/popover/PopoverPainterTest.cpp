@@ -41,7 +41,7 @@ void paint(QImage& image, PopoverPainter& popover, const PopoverPicture& picture
   popover.paint(painter, origin, picture, PopoverPainter::Frame::shadow, dirty, pixelRatio);
 }
 
-QImage painted(const PopoverPicture& picture, double pixelRatio) {
+QImage paintedPopover(const PopoverPicture& picture, double pixelRatio) {
   PopoverPainter popover;
   QImage image = window(pixelRatio);
   paint(image, popover, picture, QRectF({0.0, 0.0}, QSizeF(windowSize)), pixelRatio);
@@ -57,11 +57,11 @@ TEST_P(PopoverPainterAt, repaintOfTheHaloAloneGivesTheWholePicture) {
   QImage image = window(pixelRatio);
   paint(image, popover, critical(0.2), QRectF({0.0, 0.0}, QSizeF(windowSize)), pixelRatio);
   paint(image, popover, critical(0.9), PopoverPainter::haloOf(critical(0.9)).translated(origin), pixelRatio);
-  EXPECT_EQ(image, painted(critical(0.9), pixelRatio));
-  EXPECT_NE(image, painted(critical(0.2), pixelRatio));
+  EXPECT_EQ(image, paintedPopover(critical(0.9), pixelRatio));
+  EXPECT_NE(image, paintedPopover(critical(0.2), pixelRatio));
 }
 
-// Pictures that follow critical(), by how they differ from it.
+// Pictures that follow critical(), named by their difference from it.
 std::vector<PopoverPicture> successors() {
   std::vector<PopoverPicture> pictures(9, critical());
   pictures[1].haloBreath = 0.9;
@@ -86,14 +86,14 @@ TEST_P(PopoverPainterAt, repaintOfTheChangedPartGivesTheWholePicture) {
     const auto changed = changedPart(critical(), next);
     const QRectF dirty = changed ? changed->translated(origin) : all;
     {
-      // As a window does before it is painted anew.
+      // Clears the picture like a window before it is repainted.
       QPainter painter(&image);
       painter.scale(pixelRatio, pixelRatio);
       painter.setCompositionMode(QPainter::CompositionMode_Clear);
       painter.fillRect(dirty.toAlignedRect(), Qt::transparent);
     }
     if (!dirty.isEmpty()) paint(image, popover, next, dirty.toAlignedRect(), pixelRatio);
-    EXPECT_EQ(image, painted(next, pixelRatio)) << dirty.width() << " x " << dirty.height();
+    EXPECT_EQ(image, paintedPopover(next, pixelRatio)) << dirty.width() << " x " << dirty.height();
   }
 }
 
@@ -102,7 +102,7 @@ TEST_P(PopoverPainterAt, cardBeginsAndEndsOnADevicePixel) {
   const auto isWhole = [pixelRatio](double place) {
     return std::abs(place * pixelRatio - std::round(place * pixelRatio)) < 1e-9;
   };
-  // As it lies on an upper panel, and as it stands on a lower one.
+  // The card below an upper panel, and above a lower one.
   for (const QPointF& from : {origin, QPointF(24.0, 22.0)}) {
     const QRectF card = PopoverPainter::cardOf(from, critical(), pixelRatio);
     EXPECT_TRUE(isWhole(card.left()) && isWhole(card.right())) << card.left() << ' ' << card.right();
@@ -114,7 +114,7 @@ TEST_P(PopoverPainterAt, cardBeginsAndEndsOnADevicePixel) {
 // Straight side and round corner are painted apart.
 TEST_P(PopoverPainterAt, sideOfTheCardIsAsOpaqueAsItsCorner) {
   const double pixelRatio = GetParam();
-  const QImage image = painted(critical(), pixelRatio);
+  const QImage image = paintedPopover(critical(), pixelRatio);
   const auto pixel = [pixelRatio](double place) { return static_cast<int>(std::lround(place * pixelRatio)); };
   const int last = pixel(24.0 + 270.0) - 1;
   for (const double y : {17.4, 120.0, 222.6}) {
@@ -123,14 +123,14 @@ TEST_P(PopoverPainterAt, sideOfTheCardIsAsOpaqueAsItsCorner) {
   }
 }
 
-// Without the sentence and the arc the picture is its own mirror image, but for the dither.
+// Without the sentence and the arc, the picture is its own mirror image except for the dither.
 TEST_P(PopoverPainterAt, ringAndItsLightHaveOneCentre) {
   const double pixelRatio = GetParam();
   auto picture = critical();
   picture.ring.progress = 0.0;
   picture.ring.labelOpacity = 0.0;
   picture.words.sentence.text.clear();
-  const QImage image = painted(picture, pixelRatio);
+  const QImage image = paintedPopover(picture, pixelRatio);
   const int centre = static_cast<int>(std::lround(24.0 * pixelRatio) + std::lround(135.0 * pixelRatio));
   const int y = static_cast<int>(std::lround((16.0 + 96.0) * pixelRatio));
   for (int x = 0; x < static_cast<int>(90.0 * pixelRatio); ++x) {
@@ -154,11 +154,11 @@ TEST_P(PopoverPainterAt, keptPicturesAreThoseOfANewPainter) {
   changed.words.sentence.text = QStringLiteral("Your Mac feels great.");
   paint(first, popover, critical(), all, pixelRatio);
   paint(second, popover, changed, all, pixelRatio);
-  EXPECT_EQ(second, painted(changed, pixelRatio));
+  EXPECT_EQ(second, paintedPopover(changed, pixelRatio));
 }
 
 TEST(PopoverPainter, cornersOfTheCardAreClearButForTheShadow) {
-  const QImage image = painted(critical(), 1.0);
+  const QImage image = paintedPopover(critical(), 1.0);
   EXPECT_LT(image.pixelColor(24, 16).alpha(), 80);
   EXPECT_EQ(image.pixelColor(24 + 18, 16 + 18).alpha(), 255);
   EXPECT_EQ(image.pixelColor(24 + 135, 16 + 239).alpha(), 255);
@@ -166,26 +166,26 @@ TEST(PopoverPainter, cornersOfTheCardAreClearButForTheShadow) {
 }
 
 TEST(PopoverPainter, shadowEndsInsideTheWindow) {
-  const QImage image = painted(critical(), 1.0);
+  const QImage image = paintedPopover(critical(), 1.0);
   for (int y = 0; y < image.height(); ++y) EXPECT_LE(image.pixelColor(0, y).alpha(), 1) << y;
 }
 
 TEST(PopoverPainter, foldedContentLeavesPaperAndAurora) {
   auto folded = critical();
   folded.contentOpacity = 0.0;
-  const QImage image = painted(folded, 1.0);
-  EXPECT_EQ(image.pixelColor(24 + 248, 16 + 22), painted(folded, 1.0).pixelColor(24 + 248, 16 + 22));
+  const QImage image = paintedPopover(folded, 1.0);
+  EXPECT_EQ(image.pixelColor(24 + 248, 16 + 22), paintedPopover(folded, 1.0).pixelColor(24 + 248, 16 + 22));
   auto other = folded;
   other.words.sentence.text = QStringLiteral("Your Mac feels great.");
   other.ring.progress = 0.1;
-  EXPECT_EQ(painted(other, 1.0), image);
+  EXPECT_EQ(paintedPopover(other, 1.0), image);
 }
 
 TEST(PopoverPainter, cardThatGrowsFromBelowKeepsItsContentInPlace) {
   auto strip = critical();
   strip.cardTop = 120.0;
   strip.cardHeight = 120.0;
-  const QImage image = painted(strip, 1.0), whole = painted(critical(), 1.0);
+  const QImage image = paintedPopover(strip, 1.0), whole = paintedPopover(critical(), 1.0);
   EXPECT_EQ(image.pixelColor(24 + 135, 16 + 80).alpha(), 0);
   EXPECT_EQ(image.pixelColor(24 + 135, 16 + 191), whole.pixelColor(24 + 135, 16 + 191));
 }
@@ -194,18 +194,18 @@ TEST(PopoverPainter, rotationOfTheAuroraChangesNoPixel) {
   auto turned = critical();
   turned.aurora.warmCloud.rotationDegrees = 77.0;
   turned.aurora.bloom.rotationDegrees = -77.0;
-  EXPECT_EQ(painted(turned, 1.0), painted(critical(), 1.0));
+  EXPECT_EQ(paintedPopover(turned, 1.0), paintedPopover(critical(), 1.0));
 }
 
 TEST(PopoverPainter, pointerOnAReadyRingRaisesItsGlassAndOnACalmOneDoesNot) {
   auto hovered = critical();
   hovered.ring.button.hover = 1.0;
-  EXPECT_NE(painted(hovered, 1.0), painted(critical(), 1.0));
+  EXPECT_NE(paintedPopover(hovered, 1.0), paintedPopover(critical(), 1.0));
   auto calm = critical();
   calm.ring.canPolish = false;
   auto calmHovered = calm;
   calmHovered.ring.button.hover = 1.0;
-  EXPECT_EQ(painted(calmHovered, 1.0), painted(calm, 1.0));
+  EXPECT_EQ(paintedPopover(calmHovered, 1.0), paintedPopover(calm, 1.0));
 }
 
 }  // namespace

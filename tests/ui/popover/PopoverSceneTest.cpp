@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 // The fixture is written for a program that has both precompiled.
+#include "tests/fakes/Publish.h"
 #include "tests/polish/PolishFixture.h"
 #include "ui/popover/PopoverScene.h"
 
@@ -10,9 +11,9 @@ namespace {
 
 using Id = PopoverControlId;
 
-// What the curves have made of their way: eased out, in, and in and out after a half, and after a quarter.
+// Progress of the curves after a half (eased out, in, and both), and after a quarter.
 constexpr double outHalf = 0.684643, inHalf = 0.315357, inOutQuarter = 0.129162, standardHalf = 0.802403;
-constexpr double tolerance = 1e-5;
+constexpr double sceneTolerance = 1e-5;
 
 struct PopoverSceneTest : PolishFixture {
   PopoverSceneTest() {
@@ -26,8 +27,8 @@ struct PopoverSceneTest : PolishFixture {
   ~PopoverSceneTest() override { scene.reset(); }
 
   void showRing(double progress) {
-    view->animatedProgress = progress;
-    view->animatedState = ringState(progress);
+    fakes::publish(view->animatedProgress, progress);
+    fakes::publish(view->animatedState, ringState(progress));
     scheduler.advance(5.0);
   }
   PopoverPicture after(double seconds) const { return scene->picture(scheduler.now() + seconds); }
@@ -36,7 +37,7 @@ struct PopoverSceneTest : PolishFixture {
     process.name = process.displayName = name;
     process.activationPolicy = ports::ActivationPolicy::regular;
     process.residentBytes = 1;
-    monitor.topMemoryHogs = std::vector{process};
+    fakes::publish(monitor.topMemoryHogs, std::vector{process});
     scheduler.advance(5.0);
   }
 
@@ -46,19 +47,19 @@ struct PopoverSceneTest : PolishFixture {
 
 TEST_F(PopoverSceneTest, pointerRaisesAControlFasterThanItLetsItGo) {
   scene->setHovered(Id::polish, true);
-  EXPECT_NEAR(after(0.06).ring.button.hover, outHalf, tolerance);
+  EXPECT_NEAR(after(0.06).ring.button.hover, outHalf, sceneTolerance);
   EXPECT_EQ(after(0.12).ring.button.hover, 1.0);
   scheduler.advance(1.0);
   scene->setHovered(Id::polish, false);
-  EXPECT_NEAR(after(0.08).ring.button.hover, 1.0 - outHalf, tolerance);
+  EXPECT_NEAR(after(0.08).ring.button.hover, 1.0 - outHalf, sceneTolerance);
   EXPECT_EQ(after(0.16).ring.button.hover, 0.0);
 }
 
 TEST_F(PopoverSceneTest, pressSpringsAndOvershoots) {
   scene->setPressed(Id::polish, true);
-  EXPECT_NEAR(after(0.05).ring.button.press, 0.623753, tolerance);
-  EXPECT_NEAR(after(0.1).ring.button.press, 1.096452, tolerance);
-  EXPECT_NEAR(after(0.15).ring.button.press, 1.087663, tolerance);
+  EXPECT_NEAR(after(0.05).ring.button.press, 0.623753, sceneTolerance);
+  EXPECT_NEAR(after(0.1).ring.button.press, 1.096452, sceneTolerance);
+  EXPECT_NEAR(after(0.15).ring.button.press, 1.087663, sceneTolerance);
   EXPECT_EQ(after(1.0).ring.button.press, 1.0);
 }
 
@@ -79,23 +80,42 @@ TEST_F(PopoverSceneTest, glassStandsOutByWhatAPressWouldDo) {
   EXPECT_EQ(after(0.0).ring.lens, 0.45);
   setHelperStatus(1);
   scheduler.advance(5.0);
-  view->isReleasing = true;
+  fakes::publish(view->isReleasing, true);
   scheduler.runReady();
-  EXPECT_NEAR(after(0.125).ring.lens, 1.0 - 0.75 * outHalf, tolerance);
+  EXPECT_NEAR(after(0.125).ring.lens, 1.0 - 0.75 * outHalf, sceneTolerance);
   EXPECT_EQ(after(0.25).ring.lens, 0.25);
 }
 
+TEST_F(PopoverSceneTest, polishedRingRestsLikeACalmOne) {
+  press();
+  goTo(2.6);
+  EXPECT_EQ(after(0.0).ring.lens, 0.25);
+  goTo(2.65 + 1e-6);
+  EXPECT_NEAR(after(0.125).ring.lens, 0.25 + 0.2 * outHalf, 0.001);
+  EXPECT_EQ(after(0.25).ring.lens, 0.45);
+}
+
+TEST_F(PopoverSceneTest, ringOverCulpritsLiesWhereTheirCardIsInBalance) {
+  showRing(0.6);
+  addProcess("Notes");
+  EXPECT_EQ(after(0.0).words.sentence.text, "Your Mac is starting to fill up.");
+  EXPECT_EQ(after(0.0).ringCentreY, 114.0);
+  view->culpritNamePressed("Notes");
+  scheduler.advance(1.0);
+  EXPECT_EQ(after(0.0).ringCentreY, 114.0);
+}
+
 TEST_F(PopoverSceneTest, wordOfTheButtonGoesAtThePressAndComesBackAtTheEnd) {
-  view->isReleasing = true;
+  fakes::publish(view->isReleasing, true);
   scheduler.runReady();
   EXPECT_EQ(after(0.0).ring.labelOpacity, 1.0);
-  EXPECT_NEAR(after(0.125).ring.labelOpacity, 1.0 - outHalf, tolerance);
+  EXPECT_NEAR(after(0.125).ring.labelOpacity, 1.0 - outHalf, sceneTolerance);
   EXPECT_EQ(after(0.25).ring.labelOpacity, 0.0);
   scheduler.advance(5.0);
-  view->isReleasing = false;
+  fakes::publish(view->isReleasing, false);
   scheduler.runReady();
-  EXPECT_NEAR(after(0.15).ring.labelOpacity, inOutQuarter, tolerance);
-  EXPECT_NEAR(after(0.3).ring.labelOpacity, 0.5, tolerance);
+  EXPECT_NEAR(after(0.15).ring.labelOpacity, inOutQuarter, sceneTolerance);
+  EXPECT_NEAR(after(0.3).ring.labelOpacity, 0.5, sceneTolerance);
   EXPECT_EQ(after(0.6).ring.labelOpacity, 1.0);
 }
 
@@ -105,14 +125,14 @@ TEST_F(PopoverSceneTest, wordKeepsItsHeavyFaceWhileItGoes) {
   scheduler.advance(5.0);
   EXPECT_FALSE(after(0.0).ring.canPolish);
   EXPECT_TRUE(after(0.0).ring.labelReady);
-  view->isReleasing = false;
+  fakes::publish(view->isReleasing, false);
   scheduler.runReady();
   EXPECT_FALSE(after(0.0).ring.labelReady);  // the ring is calm now
 }
 
 TEST_F(PopoverSceneTest, calmIsHandedOn) {
   EXPECT_EQ(after(0.0).calmIntensity, 0.0);
-  clearState.calmIntensity = 0.4;
+  fakes::publish(clearState.calmIntensity, 0.4);
   EXPECT_EQ(after(0.0).calmIntensity, 0.4);
 }
 
@@ -120,7 +140,7 @@ TEST_F(PopoverSceneTest, whatNobodyCanSeeYetJumps) {
   notifications.post(VorliAnimateDismiss{});
   scheduler.advance(1.0);
   notifications.post(VorliAnimateAppear{});
-  view->postClearSentence = "Now, your Mac has room to breathe.";
+  fakes::publish(view->postClearSentence, "Now, your Mac has room to breathe.");
   scheduler.runReady();
   EXPECT_EQ(after(0.0).ringCentreY, 110.0);
   EXPECT_EQ(after(0.0).words.sentence.text, "Now, your Mac has room to breathe.");
@@ -138,22 +158,22 @@ TEST_F(PopoverSceneTest, cardAboveALowerPanelKeepsItsLowerEdge) {
 
 TEST_F(PopoverSceneTest, wordMakesRoomForTheDots) {
   showRing(0.1);
-  view->hovered = true;
+  view->setHovered(true);
   scheduler.runReady();
-  EXPECT_NEAR(after(0.08).ring.labelOpacity, 1.0 - outHalf, tolerance);
+  EXPECT_NEAR(after(0.08).ring.labelOpacity, 1.0 - outHalf, sceneTolerance);
   EXPECT_EQ(after(0.16).ring.labelOpacity, 0.0);
-  EXPECT_NEAR(after(0.1).ring.dots[0].opacity, 0.88 * 0.661914, tolerance);
-  EXPECT_NEAR(after(0.1).ring.dotsScale, 0.94 + 0.06 * 0.502909, tolerance);
+  EXPECT_NEAR(after(0.1).ring.dots[0].opacity, 0.88 * 0.661914, sceneTolerance);
+  EXPECT_NEAR(after(0.1).ring.dotsScale, 0.94 + 0.06 * 0.502909, sceneTolerance);
   EXPECT_EQ(after(5.0).ring.dots[11].opacity, 0.88);
 }
 
 TEST_F(PopoverSceneTest, ringAndWordsMoveTogetherWithTheHeight) {
   EXPECT_EQ(after(0.0).ringCentreY, 96.0);
   EXPECT_EQ(after(0.0).words.headlineTop, 175.0);
-  view->postClearSentence = "Now, your Mac has room to breathe.";
+  fakes::publish(view->postClearSentence, "Now, your Mac has room to breathe.");
   scheduler.runReady();
-  EXPECT_NEAR(after(0.16).ringCentreY, 96.0 + 14.0 * standardHalf, tolerance * 14.0);
-  EXPECT_NEAR(after(0.16).words.headlineTop, 175.0 + 12.0 * standardHalf, tolerance * 12.0);
+  EXPECT_NEAR(after(0.16).ringCentreY, 96.0 + 14.0 * standardHalf, sceneTolerance * 14.0);
+  EXPECT_NEAR(after(0.16).words.headlineTop, 175.0 + 12.0 * standardHalf, sceneTolerance * 12.0);
   EXPECT_EQ(after(0.32).ringCentreY, 110.0);
   EXPECT_EQ(after(0.32).words.headlineTop, 187.0);
   EXPECT_EQ(scene->restingContentHeight(), 304.0);
@@ -161,14 +181,38 @@ TEST_F(PopoverSceneTest, ringAndWordsMoveTogetherWithTheHeight) {
 
 TEST_F(PopoverSceneTest, sentencesFollowEachOtherInPlace) {
   showRing(0.6);
-  view->animatedState = RingState::critical;
+  fakes::publish(view->animatedState, RingState::critical);
   scheduler.runReady();
   EXPECT_EQ(after(0.0).words.sentence.text, "Your Mac is starting to fill up.");
-  EXPECT_NEAR(after(0.06).words.sentence.opacity, 1.0 - inHalf, tolerance);
+  EXPECT_NEAR(after(0.06).words.sentence.opacity, 1.0 - inHalf, sceneTolerance);
   scheduler.advance(0.12);
   EXPECT_EQ(after(0.0).words.sentence.text, "Your Mac is full. Time to polish it.");
   EXPECT_EQ(after(0.0).words.sentence.opacity, 0.0);
-  EXPECT_NEAR(after(0.09).words.sentence.opacity, outHalf, tolerance);
+  EXPECT_NEAR(after(0.09).words.sentence.opacity, outHalf, sceneTolerance);
+  EXPECT_EQ(after(0.18).words.sentence.opacity, 1.0);
+}
+
+TEST_F(PopoverSceneTest, outcomeOfAPolishLeavesInSixTenthsOfASecond) {
+  press();
+  setUsedPages(500'000);
+  setHeat(0);
+  goTo(15.0);
+  const QString outcome = QStringLiteral("Now, your Mac has room to breathe.");
+  ASSERT_EQ(after(0.0).words.sentence.text, outcome);
+  ASSERT_TRUE(after(0.0).words.banner);
+  goTo(15.05 + 1e-6);
+  for (const auto& [seconds, opacity] : {std::pair(0.0, 1.0), std::pair(0.15, 1.0 - inOutQuarter),
+                                         std::pair(0.3, 0.5), std::pair(0.59, 0.0)}) {
+    const auto words = after(seconds).words;
+    EXPECT_EQ(words.sentence.text, outcome);
+    ASSERT_TRUE(words.banner) << seconds;
+    EXPECT_NEAR(words.sentence.opacity, opacity, 0.002) << seconds;
+    EXPECT_NEAR(words.banner->opacity, opacity, 0.002) << seconds;
+  }
+  goTo(15.05 + 0.6 + 2e-6);
+  EXPECT_NE(after(0.0).words.sentence.text, outcome);
+  EXPECT_FALSE(after(0.0).words.banner);
+  EXPECT_NEAR(after(0.09).words.sentence.opacity, outHalf, 0.001);
   EXPECT_EQ(after(0.18).words.sentence.opacity, 1.0);
 }
 
@@ -176,8 +220,8 @@ TEST_F(PopoverSceneTest, questionFadesOverTheCulpritsInPlace) {
   addProcess("Notes");
   view->culpritNamePressed("Notes");
   scheduler.runReady();
-  EXPECT_NEAR(after(0.1).words.culprits->opacity, 1.0 - outHalf, tolerance);
-  EXPECT_NEAR(after(0.1).words.quit->opacity, outHalf, tolerance);
+  EXPECT_NEAR(after(0.1).words.culprits->opacity, 1.0 - outHalf, sceneTolerance);
+  EXPECT_NEAR(after(0.1).words.quit->opacity, outHalf, sceneTolerance);
   EXPECT_FALSE(after(0.2).words.culprits);
   EXPECT_EQ(after(0.2).words.quit->opacity, 1.0);
   EXPECT_EQ(after(0.2).words.quit->name, "Notes");
@@ -188,7 +232,7 @@ TEST_F(PopoverSceneTest, bounceTakesTheWholeGroupOfTheRingWithIt) {
   press();
   goTo(1.7);
   const auto before = after(0.0);
-  view->celebrationScale = 1.08;
+  fakes::publish(view->celebrationScale, 1.08);
   const auto grown = after(0.0);
   EXPECT_EQ(grown.ring.scale, 1.08);
   EXPECT_DOUBLE_EQ(grown.aurora.warmCloud.scale, before.aurora.warmCloud.scale * 1.08);

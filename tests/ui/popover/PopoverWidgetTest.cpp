@@ -1,15 +1,16 @@
-#include <gmock/gmock.h>
-// The fixture is written for a program that has both precompiled.
-#include "tests/polish/PolishFixture.h"
+#include "tests/fakes/Publish.h"
+#include "tests/ui/popover/PopoverWidgetFixture.h"
 #include "ui/popover/PopoverWidget.h"
 
 #include <QAccessible>
 #include <QApplication>
-#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QTextDocument>
 #include <QtTest/qtestspontaneevent.h>
+#include <algorithm>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <optional>
 
 namespace vorli::ui {
@@ -17,110 +18,21 @@ namespace {
 
 using Id = PopoverControlId;
 
-struct PopoverWidgetTest : PolishFixture {
-  PopoverWidgetTest() {
-    addProcess("Chrome", 3'000'000'000);
-    addProcess("Figma", 2'000'000'000);
-    monitor.refresh();
-    widget.emplace(scheduler, *view, Compositing::present,
-                   PopoverWidget::Callbacks{[this] { ++escapes; }, [] {}, [](const QRect&) {}});
-  }
-  ~PopoverWidgetTest() override { widget.reset(); }
-
-  void addProcess(const std::string& name, std::uint64_t bytes) {
-    ProcessSnapshot process;
-    process.id = static_cast<std::int32_t>(1000 + hogs.size());
-    process.name = name;
-    process.displayName = name;
-    process.activationPolicy = ports::ActivationPolicy::regular;
-    process.residentBytes = bytes;
-    hogs.push_back(process);
-  }
-
-  /// As the host does: the view plays its opening, and the card takes the size it asks for.
-  void open() {
-    widget->begin();
-    widget->show();
-    notifications.post(VorliAnimateAppear{});
-    view->animatedState = RingState::critical;
-    view->animatedProgress = 0.91;
-    monitor.topMemoryHogs = hogs;
-    widget->scene().setCardHeight(view->desiredSize().height);
-    scheduler.advance(1.0);
-    QApplication::setActiveWindow(&*widget);
-    QApplication::processEvents();
-  }
-
-  void close() {
-    notifications.post(VorliAnimateDismiss{});
-    scheduler.advance(0.3);
-    widget->hide();
-    widget->end();
-  }
-
-  void showState(double progress) {
-    view->animatedProgress = progress;
-    view->animatedState = ringState(progress);
-    scheduler.advance(1.0);
-  }
-
-  void press(Qt::Key key) {
-    QWidget* target = widget->focusWidget() ? widget->focusWidget() : &*widget;
-    QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier), up(QEvent::KeyRelease, key, Qt::NoModifier);
-    QApplication::sendEvent(target, &down);
-    QApplication::sendEvent(target, &up);
-    scheduler.runReady();
-  }
-
-  PopoverControl* control(Id id) const {
-    for (auto* found : widget->findChildren<PopoverControl*>()) {
-      if (found->id() == id) return found;
-    }
-    return nullptr;
-  }
-
-  void click(Id id) {
-    control(id)->click();
-    scheduler.runReady();
-  }
-
-  /// What an assistive tool finds in the window: role, name, description and value of all that is shown.
-  std::vector<std::string> spoken() {
-    std::vector<std::string> lines;
-    auto* root = QAccessible::queryAccessibleInterface(&*widget);
-    for (int i = 0; i < root->childCount(); ++i) {
-      auto* child = root->child(i);
-      if (child->state().invisible) continue;
-      QString line = child->role() == QAccessible::Button ? "button"
-                     : child->role() == QAccessible::Link ? "link"
-                                                          : "text";
-      for (const auto kind : {QAccessible::Name, QAccessible::Description, QAccessible::Value}) {
-        const QString said = child->text(kind);
-        line += " | " + said;
-      }
-      lines.push_back(line.toStdString());
-    }
-    return lines;
-  }
-
-  std::vector<ProcessSnapshot> hogs;
-  std::optional<PopoverWidget> widget;
-  int escapes = 0;
-};
+struct PopoverWidgetTest : PopoverWidgetFixture {};
 
 constexpr const char* readyPolish =
     "button | Polish | Frees memory and flushes caches. Takes about three seconds. | Your Mac is full. Time "
     "to polish it.";
-constexpr const char* gear = "button | Settings | Open Vorli settings. | ";
+constexpr const char* settingsButton = "button | Settings | Open Vorli settings. | ";
 
 TEST_F(PopoverWidgetTest, everythingShownIsSpoken) {
   open();
-  EXPECT_THAT(spoken(),
-              testing::UnorderedElementsAre(
-                  readyPolish, "text | Your Mac is full. Time to polish it. |  | ",
-                  "text | Chrome and Figma are using the most right now. |  | ",
-                  "button | Quit Chrome | Closes Chrome right away. It can still launch later. | ",
-                  "button | Quit Figma | Closes Figma right away. It can still launch later. | ", gear));
+  EXPECT_THAT(spoken(), testing::UnorderedElementsAre(
+                            readyPolish, "text | Your Mac is full. Time to polish it. |  | ",
+                            "text | Chrome and Figma are using the most right now. |  | ",
+                            "button | Quit Chrome | Closes Chrome right away. It can still launch later. | ",
+                            "button | Quit Figma | Closes Figma right away. It can still launch later. | ",
+                            settingsButton));
 }
 
 TEST_F(PopoverWidgetTest, calmRingSaysThatThereIsNothingToPolish) {
@@ -130,7 +42,7 @@ TEST_F(PopoverWidgetTest, calmRingSaysThatThereIsNothingToPolish) {
       spoken(),
       testing::UnorderedElementsAre(
           "button | Polish (disabled) | Your Mac doesn't need polishing right now. | Your Mac feels great.",
-          "text | Your Mac feels great. |  | ", gear));
+          "text | Your Mac feels great. |  | ", settingsButton));
 }
 
 TEST_F(PopoverWidgetTest, questionWhetherToQuitIsSpokenWithItsAnswers) {
@@ -140,13 +52,13 @@ TEST_F(PopoverWidgetTest, questionWhetherToQuitIsSpokenWithItsAnswers) {
   EXPECT_THAT(spoken(),
               testing::UnorderedElementsAre(readyPolish, "text | Your Mac is full. Time to polish it. |  | ",
                                             "text | Quit Chrome? |  | ", "button | Cancel |  | ",
-                                            "button | Quit |  | ", gear));
+                                            "button | Quit |  | ", settingsButton));
 }
 
 TEST_F(PopoverWidgetTest, linkAndBannerAreSpokenInTheirOwnWords) {
   open();
-  view->postClearSentence = "A gentle tidy. Couldn't reach the helper for a full polish.";
-  view->postClearPercentage = 12;
+  fakes::publish(view->postClearSentence, "A gentle tidy. Couldn't reach the helper for a full polish.");
+  fakes::publish(view->postClearPercentage, 12);
   scheduler.advance(1.0);
   const auto lines = spoken();
   EXPECT_THAT(lines, testing::Contains("text | 12 percent lighter |  | "));
@@ -200,6 +112,25 @@ TEST_F(PopoverWidgetTest, returnPolishesWhileNothingElseHasTheFocus) {
   open();
   press(Qt::Key_Return);
   EXPECT_TRUE(view->isReleasing);
+}
+
+TEST_F(PopoverWidgetTest, keyThatIsHeldDownCountsOnce) {
+  open();
+  log.clear();
+  hold(Qt::Key_Return, 30);
+  EXPECT_TRUE(view->isReleasing);
+  const auto lines = popoverLines();
+  EXPECT_EQ(
+      std::ranges::count_if(lines, [](const auto& line) { return line.starts_with("handleTap entered"); }),
+      1);
+}
+
+TEST_F(PopoverWidgetTest, escapeThatIsHeldDownCancelsTheQuestionAndDoesNotClose) {
+  open();
+  click(Id::firstName);
+  hold(Qt::Key_Escape, 30);
+  EXPECT_EQ(view->confirmingQuitName().get(), std::nullopt);
+  EXPECT_EQ(escapes, 0);
 }
 
 TEST_F(PopoverWidgetTest, firstTabShowsTheFocusAndTheNextOnesMoveIt) {
@@ -271,7 +202,7 @@ TEST_F(PopoverWidgetTest, windowManagersWishToCloseRollsUpAndTheProgramsOwnIsNot
   open();
   QCloseEvent byTheUser;
   QSpontaneKeyEvent::setSpontaneous(&byTheUser);
-  qApp->notify(&*widget, &byTheUser);  // sendEvent would make it the program's own
+  qApp->notify(&*widget, &byTheUser);  // with sendEvent it would count as the program's own event
   EXPECT_FALSE(byTheUser.isAccepted());
   EXPECT_EQ(escapes, 1);
   QCloseEvent byTheProgram;
@@ -309,27 +240,6 @@ TEST_F(PopoverWidgetTest, windowThatTakesThePlaceOfAnotherWaitsForThePointer) {
   EXPECT_FALSE(view->hovered);
 }
 
-TEST_F(PopoverWidgetTest, nameThatLeavesWhileItIsHeldDownComesBackReleased) {
-  open();
-  auto* name = control(Id::secondName);
-  QMouseEvent down(QEvent::MouseButtonPress, {5, 5}, {5, 5}, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
-  QApplication::sendEvent(name, &down);
-  ASSERT_TRUE(name->isDown());
-  const auto press = [this] {
-    return widget->scene().picture(scheduler.now()).words.culprits->names.at(1).press;
-  };
-  scheduler.advance(1.0);
-  ASSERT_EQ(press(), 1.0);
-  monitor.topMemoryHogs = std::vector{hogs[0]};
-  scheduler.advance(1.0);
-  ASSERT_FALSE(name->isVisible());
-  monitor.topMemoryHogs = hogs;
-  scheduler.advance(1.0);
-  ASSERT_TRUE(name->isVisible());
-  EXPECT_FALSE(name->isDown());
-  EXPECT_EQ(press(), 0.0);
-}
-
 TEST_F(PopoverWidgetTest, closingForgetsThePointer) {
   open();
   QEnterEvent enter({1, 1}, {1, 1}, {1, 1});
@@ -339,7 +249,7 @@ TEST_F(PopoverWidgetTest, closingForgetsThePointer) {
   EXPECT_FALSE(view->hovered);
 }
 
-/// All that a window is asked to paint.
+/// Everything that a window is asked to paint.
 struct PaintWatch : QObject {
   bool eventFilter(QObject*, QEvent* event) override {
     if (event->type() == QEvent::Paint) painted |= static_cast<QPaintEvent*>(event)->region();
@@ -367,17 +277,63 @@ TEST_F(PopoverFramesTest, restingPopoverPaintsTenTimesASecond) {
   EXPECT_NEAR(static_cast<double>(framesIn(2.0)), 20.0, 1.0);
 }
 
-TEST_F(PopoverFramesTest, sparksFlyAtThePaceOfTheScreenAndTheRestOfAPolishAtHalfOfIt) {
+TEST_F(PopoverFramesTest, ringAndSparksOfAPolishKeepThePaceOfTheScreen) {
   open();
   scheduler.advance(5.0);
   press(Qt::Key_Return);
-  framesIn(0.6);  // the label's and the card's own motions are as quick
+  framesIn(0.6);  // the label's and the card's own motions are just as fast
   EXPECT_NEAR(static_cast<double>(framesIn(1.0)), 60.0, 5.0);
   framesIn(1.9);  // to 3.5, where the sparks are out and the ring still bounces
-  EXPECT_NEAR(static_cast<double>(framesIn(0.5)), 15.0, 2.0);
-  // At rest but for the breath; the sparks, which are put away later, are out.
+  EXPECT_NEAR(static_cast<double>(framesIn(0.5)), 30.0, 3.0);
+  // At rest except for the breath; the sparks are out, and are removed later.
   framesIn(0.1);
   EXPECT_NEAR(static_cast<double>(framesIn(0.5)), 5.0, 2.0);
+}
+
+TEST_F(PopoverFramesTest, ringThatFollowsTheMonitorKeepsThePaceOfTheScreen) {
+  open();
+  scheduler.advance(5.0);
+  publishRing(0.3);
+  scheduler.advance(2.0);
+  publishRing(0.5);
+  EXPECT_NEAR(static_cast<double>(framesIn(0.5)), 30.0, 3.0);
+  EXPECT_NEAR(static_cast<double>(framesIn(0.6)), 9.0, 4.0);  // the end, then the breath
+}
+
+TEST_F(PopoverFramesTest, ringThatCreepsCostsNoMoreThanTheBreath) {
+  open();
+  scheduler.advance(5.0);
+  publishRing(0.9);
+  scheduler.advance(2.0);
+  framesIn(1.0);
+  for (const double ring : {0.904, 0.899, 0.903}) {
+    publishRing(ring);
+    EXPECT_LE(framesIn(2.0), 22U);
+    EXPECT_EQ(view->ringProgress(scheduler.now()), ring);
+  }
+}
+
+TEST_F(PopoverFramesTest, ticksThatMoveTheRingALittleAddNoFramesToTheBreath) {
+  open();
+  scheduler.advance(5.0);
+  publishRing(0.9);
+  framesIn(1.05);
+  const auto before = widget->framesPainted();
+  for (const double ring : {0.904, 0.899, 0.903, 0.9, 0.905}) {
+    fakes::publish(monitor.topMemoryHogs, hogs);
+    publishRing(ring);
+    framesIn(2.05);  // so that ticks come between two breaths
+  }
+  EXPECT_NEAR(static_cast<double>(widget->framesPainted() - before), 102.0, 1.5);
+}
+
+TEST_F(PopoverFramesTest, dotsSpringAtThePaceOfTheScreen) {
+  open();
+  showState(0.1);
+  scheduler.advance(5.0);
+  view->setHovered(true);
+  framesIn(0.2);  // the word has faded
+  EXPECT_NEAR(static_cast<double>(framesIn(0.25)), 15.0, 3.0);
 }
 
 TEST_F(PopoverFramesTest, nothingIsPaintedWhileItIsShut) {
@@ -398,14 +354,14 @@ TEST_F(PopoverFramesTest, nothingMovesAtRestForWhoAskedForLessMovement) {
 TEST_F(PopoverFramesTest, calmThatLeavesIsPaintedThoughNothingElseMoves) {
   motion.setReduced(true);
   open();
-  clearState.calmIntensity = 0.9;
+  fakes::publish(clearState.calmIntensity, 0.9);
   widget->scene().setHovered(Id::gear, true);  // wakes it
   framesIn(1.0);
   const auto painted = framesIn(0.5);
   EXPECT_EQ(painted, 0U);
   std::uint64_t frames = 0;
   for (int i = 0; i < 6; ++i) {
-    clearState.calmIntensity = 0.8 - i * 0.1;
+    fakes::publish(clearState.calmIntensity, 0.8 - i * 0.1);
     frames += framesIn(1.0 / 10.0);
   }
   EXPECT_NEAR(static_cast<double>(frames), 6.0, 1.0);

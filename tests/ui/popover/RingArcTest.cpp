@@ -14,8 +14,8 @@ QImage ring(double progress) {
   return image;
 }
 
-// At a share of the turn from the top, in the middle of the band.
-QColor at(const QImage& image, double share, double radius = 52.0) {
+// A point in the middle of the band, at a share of the turn from the top.
+QColor arcColourAt(const QImage& image, double share, double radius = 52.0) {
   const double angle = share * 2.0 * M_PI;
   return image.pixelColor(static_cast<int>(64.0 + radius * std::sin(angle)),
                           static_cast<int>(64.0 - radius * std::cos(angle)));
@@ -24,11 +24,11 @@ QColor at(const QImage& image, double share, double radius = 52.0) {
 TEST(RingArc, emptyRingShowsItsTrackAlone) {
   const QImage image = ring(0.0);
   for (const double share : {0.0, 0.25, 0.5, 0.75}) {
-    EXPECT_EQ(at(image, share).alpha(), 128);
-    EXPECT_EQ(at(image, share).green(), 255);
+    EXPECT_EQ(arcColourAt(image, share).alpha(), 128);
+    EXPECT_EQ(arcColourAt(image, share).green(), 255);
   }
-  EXPECT_EQ(at(image, 0.3, 46.0).alpha(), 0);
-  EXPECT_EQ(at(image, 0.3, 58.0).alpha(), 0);
+  EXPECT_EQ(arcColourAt(image, 0.3, 46.0).alpha(), 0);
+  EXPECT_EQ(arcColourAt(image, 0.3, 58.0).alpha(), 0);
 }
 
 TEST(RingArc, nothingIsShownOfAProgressThatIsHardlyThere) {
@@ -38,38 +38,37 @@ TEST(RingArc, nothingIsShownOfAProgressThatIsHardlyThere) {
 
 TEST(RingArc, arcRunsClockwiseFromTheTop) {
   const QImage image = ring(0.5);
-  EXPECT_EQ(at(image, 0.25).alpha(), 255);
-  EXPECT_EQ(at(image, 0.75).alpha(), 128);
+  EXPECT_EQ(arcColourAt(image, 0.25).alpha(), 255);
+  EXPECT_EQ(arcColourAt(image, 0.75).alpha(), 128);
 }
 
 TEST(RingArc, palesFromItsHeadToItsTail) {
   const QImage image = ring(0.5);
-  EXPECT_GT(at(image, 0.02).blue(), 235);
-  EXPECT_NEAR(at(image, 0.25).red(), 128, 6);
-  EXPECT_GT(at(image, 0.48).red(), 235);
+  EXPECT_GT(arcColourAt(image, 0.02).blue(), 235);
+  EXPECT_NEAR(arcColourAt(image, 0.25).red(), 128, 6);
+  EXPECT_GT(arcColourAt(image, 0.48).red(), 235);
 }
 
 TEST(RingArc, bothEndsAreRoundAndKeepTheirColour) {
   const QImage image = ring(0.5);
-  // Two points past either end, in the middle of the band.
+  // Points in the middle of the band, two past either end.
   const double past = 2.0 / (2.0 * M_PI * 52.0);
-  EXPECT_GT(at(image, 0.5 + past).red(), 250);
-  EXPECT_GT(at(image, 1.0 - past).blue(), 250);
-  EXPECT_EQ(at(image, 0.5 + 2.5 * past).alpha(), 128);
+  EXPECT_GT(arcColourAt(image, 0.5 + past).red(), 250);
+  EXPECT_GT(arcColourAt(image, 1.0 - past).blue(), 250);
+  EXPECT_EQ(arcColourAt(image, 0.5 + 2.5 * past).alpha(), 128);
 }
 
 TEST(RingArc, colourChangesInTheMiddleOfWhatIsEmpty) {
-  // All of the band is arc when the gap is narrower than the two round ends: there the seam shows where it
-  // is.
+  // The arc fills the whole band if the gap is narrower than the two round ends; only the seam shows where.
   constexpr double progress = 0.985;
   const QImage image = ring(progress);
-  EXPECT_GT(at(image, 0.990).red(), 250);
-  EXPECT_GT(at(image, 0.998).blue(), 250);
+  EXPECT_GT(arcColourAt(image, 0.990).red(), 250);
+  EXPECT_GT(arcColourAt(image, 0.998).blue(), 250);
 }
 
 TEST(RingArc, fullRingHasNoGap) {
   const QImage image = ring(1.0);
-  for (int i = 0; i < 100; ++i) EXPECT_EQ(at(image, i / 100.0).alpha(), 255) << i;
+  for (int i = 0; i < 100; ++i) EXPECT_EQ(arcColourAt(image, i / 100.0).alpha(), 255) << i;
 }
 
 TEST(RingArc, keptBandIsThatOfANewOneAtAnySize) {

@@ -7,13 +7,13 @@
 namespace vorli::ui {
 namespace {
 
-constexpr double pixelRatio = 4.0;
-constexpr Colour amber{0.9, 0.6, 0.1};
+constexpr double ringRatio = 4.0;
+constexpr Colour glassAmber{0.9, 0.6, 0.1};
 
-// Glass alone: no word, no dots, no arc.
+// The glass alone, without word, dots or arc.
 RingPicture glass(double lens = 1.0) {
   RingPicture ring;
-  ring.stateColour = amber;
+  ring.stateColour = glassAmber;
   ring.lens = lens;
   ring.canPolish = true;
   ring.labelOpacity = 0.0;
@@ -21,17 +21,17 @@ RingPicture glass(double lens = 1.0) {
 }
 
 QImage drawn(const RingPicture& ring, Appearance appearance = Appearance::light) {
-  return RingPainter().draw(ring, appearance, pixelRatio);
+  return RingPainter().draw(ring, appearance, ringRatio);
 }
 
 // In points from the ring's centre.
-QColor at(const QImage& image, double x, double y) {
+QColor colourFromCentre(const QImage& image, double x, double y) {
   const double middle = image.width() / 2.0;
-  return image.pixelColor(static_cast<int>(std::floor(middle + x * pixelRatio)),
-                          static_cast<int>(std::floor(middle + y * pixelRatio)));
+  return image.pixelColor(static_cast<int>(std::floor(middle + x * ringRatio)),
+                          static_cast<int>(std::floor(middle + y * ringRatio)));
 }
-double alphaAt(const QImage& image, double x, double y) {
-  return static_cast<double>(at(image, x, y).alphaF());
+double alphaFromCentre(const QImage& image, double x, double y) {
+  return static_cast<double>(colourFromCentre(image, x, y).alphaF());
 }
 
 struct Glass {
@@ -58,16 +58,16 @@ TEST_P(RingGlass, isWhiteAndThinsDownwards) {
   ring.button.press = state.press;
   ring.button.scales = false;
   const QImage image = drawn(ring, state.appearance);
-  EXPECT_NEAR(alphaAt(image, 0.0, -21.0), state.upper, 0.007);
-  EXPECT_NEAR(alphaAt(image, 0.0, 21.0), state.lower, 0.007);
-  EXPECT_EQ(at(image, 0.0, 0.0).red(), 255);
+  EXPECT_NEAR(alphaFromCentre(image, 0.0, -21.0), state.upper, 0.007);
+  EXPECT_NEAR(alphaFromCentre(image, 0.0, 21.0), state.lower, 0.007);
+  EXPECT_EQ(colourFromCentre(image, 0.0, 0.0).red(), 255);
 }
 
 TEST(RingPainter, pointerOnACalmRingLeavesTheGlass) {
   auto ring = glass(0.45);
   ring.canPolish = false;
   ring.button.hover = ring.button.press = 1.0;
-  EXPECT_NEAR(alphaAt(drawn(ring), 0.0, -21.0), 0.28811, 0.007);
+  EXPECT_NEAR(alphaFromCentre(drawn(ring), 0.0, -21.0), 0.28811, 0.007);
 }
 
 TEST(RingPainter, screenOfAlmostTheSameScaleHasARingOfItsOwn) {
@@ -81,32 +81,32 @@ TEST(RingPainter, screenOfAlmostTheSameScaleHasARingOfItsOwn) {
 
 TEST(RingPainter, rimRunsFromWhiteToBrown) {
   const QImage image = drawn(glass());
-  EXPECT_GT(alphaAt(image, 0.0, -41.5), 0.97);
-  EXPECT_GE(at(image, 0.0, -41.5).red(), 253);
-  EXPECT_NEAR(alphaAt(image, 0.0, 41.5), 1.0 - (1.0 - 0.345) * (1.0 - 0.224), 0.02);
-  EXPECT_LT(at(image, 0.0, 41.5).blue(), 200);
-  EXPECT_EQ(alphaAt(image, 0.0, 43.0), 0.0);
+  EXPECT_GT(alphaFromCentre(image, 0.0, -41.5), 0.97);
+  EXPECT_GE(colourFromCentre(image, 0.0, -41.5).red(), 253);
+  EXPECT_NEAR(alphaFromCentre(image, 0.0, 41.5), 1.0 - (1.0 - 0.345) * (1.0 - 0.224), 0.02);
+  EXPECT_LT(colourFromCentre(image, 0.0, 41.5).blue(), 200);
+  EXPECT_EQ(alphaFromCentre(image, 0.0, 43.0), 0.0);
 }
 
 TEST(RingPainter, heldDownTheGlassShrinks) {
   auto ring = glass();
-  EXPECT_GT(alphaAt(drawn(ring), 41.5, 0.0), 0.3);
+  EXPECT_GT(alphaFromCentre(drawn(ring), 41.5, 0.0), 0.3);
   ring.button.press = 1.0;
-  EXPECT_EQ(alphaAt(drawn(ring), 41.5, 0.0), 0.0);
-  EXPECT_GT(alphaAt(drawn(ring), 40.5, 0.0), 0.3);
+  EXPECT_EQ(alphaFromCentre(drawn(ring), 41.5, 0.0), 0.0);
+  EXPECT_GT(alphaFromCentre(drawn(ring), 40.5, 0.0), 0.3);
   ring.button.scales = false;
-  EXPECT_GT(alphaAt(drawn(ring), 41.5, 0.0), 0.3);
+  EXPECT_GT(alphaFromCentre(drawn(ring), 41.5, 0.0), 0.3);
 }
 
 TEST(RingPainter, trackIsSixPointsWide) {
   for (const auto& [appearance, alpha] :
        {std::pair(Appearance::light, 0.16), std::pair(Appearance::dark, 0.10)}) {
     const QImage image = drawn(glass(), appearance);
-    EXPECT_NEAR(alphaAt(image, 52.0, 0.0), alpha, 0.003);
-    EXPECT_NEAR(alphaAt(image, 54.6, 0.0), alpha, 0.003);
-    EXPECT_NEAR(alphaAt(image, 49.4, 0.0), alpha, 0.003);
-    EXPECT_EQ(alphaAt(image, 55.5, 0.0), 0.0);
-    EXPECT_EQ(alphaAt(image, 48.5, 0.0), 0.0);
+    EXPECT_NEAR(alphaFromCentre(image, 52.0, 0.0), alpha, 0.003);
+    EXPECT_NEAR(alphaFromCentre(image, 54.6, 0.0), alpha, 0.003);
+    EXPECT_NEAR(alphaFromCentre(image, 49.4, 0.0), alpha, 0.003);
+    EXPECT_EQ(alphaFromCentre(image, 55.5, 0.0), 0.0);
+    EXPECT_EQ(alphaFromCentre(image, 48.5, 0.0), 0.0);
   }
 }
 
@@ -117,9 +117,9 @@ TEST(RingPainter, arcRunsFromItsPaleTailToItsInk) {
   // Amber's luma is 0.6327: its ink on paper is 0.7873 of it, and the tail is mixed with 0.42 of the card.
   const double inkRed = 0.9 * 0.7873, tailRed = inkRed + 0.42 * (0.992 - inkRed);
   const double third = 2.0 / 3.0;
-  EXPECT_NEAR(at(image, 0.0, 52.0).redF(), tailRed + (inkRed - tailRed) * third, 0.01);
-  EXPECT_NEAR(at(image, 52.0, 0.0).redF(), tailRed + (inkRed - tailRed) * third / 2.0, 0.01);
-  EXPECT_NEAR(at(image, -54.0, -0.5).redF(), inkRed, 0.01);
+  EXPECT_NEAR(colourFromCentre(image, 0.0, 52.0).redF(), tailRed + (inkRed - tailRed) * third, 0.01);
+  EXPECT_NEAR(colourFromCentre(image, 52.0, 0.0).redF(), tailRed + (inkRed - tailRed) * third / 2.0, 0.01);
+  EXPECT_NEAR(colourFromCentre(image, -54.0, -0.5).redF(), inkRed, 0.01);
 }
 
 TEST(RingPainter, beadSitsOnTheEndOfTheArc) {
@@ -127,14 +127,14 @@ TEST(RingPainter, beadSitsOnTheEndOfTheArc) {
   ring.progress = 0.5;
   for (const auto appearance : {Appearance::light, Appearance::dark}) {
     const QImage image = drawn(ring, appearance);
-    EXPECT_GT(at(image, 0.0, 52.0).blue(), 200);
-    EXPECT_GT(at(image, 1.2, 52.0).blue(), 200);
-    EXPECT_LT(at(image, 2.0, 52.0).blue(), 150);
+    EXPECT_GT(colourFromCentre(image, 0.0, 52.0).blue(), 200);
+    EXPECT_GT(colourFromCentre(image, 1.2, 52.0).blue(), 200);
+    EXPECT_LT(colourFromCentre(image, 2.0, 52.0).blue(), 150);
   }
   ring.progress = 0.03;
   const double angle = 0.03 * 2.0 * M_PI;
   const auto end = [&](const QImage& image) {
-    return at(image, 52.0 * std::sin(angle), -52.0 * std::cos(angle)).blue();
+    return colourFromCentre(image, 52.0 * std::sin(angle), -52.0 * std::cos(angle)).blue();
   };
   EXPECT_LT(end(drawn(ring)), 150);
   ring.progress = 0.0301;
@@ -149,39 +149,41 @@ TEST(RingPainter, dotsStandOnTheirCircleInTheInkOfTheRing) {
   ring.dots = model.dots(clock.now());
   const QImage image = drawn(ring);
   for (const auto& [x, y] : {std::pair(0.0, -15.0), std::pair(15.0, 0.0), std::pair(-7.5, 12.99)}) {
-    EXPECT_NEAR(alphaAt(image, x, y), 0.88, 0.01);
-    EXPECT_NEAR(alphaAt(image, x + 0.7, y), 0.88, 0.01);
-    EXPECT_EQ(alphaAt(image, x + 1.5, y), 0.0);
-    EXPECT_NEAR(at(image, x, y).redF(), 0.9 * 0.7873, 0.01);
+    EXPECT_NEAR(alphaFromCentre(image, x, y), 0.88, 0.01);
+    EXPECT_NEAR(alphaFromCentre(image, x + 0.7, y), 0.88, 0.01);
+    EXPECT_EQ(alphaFromCentre(image, x + 1.5, y), 0.0);
+    EXPECT_NEAR(colourFromCentre(image, x, y).redF(), 0.9 * 0.7873, 0.01);
   }
   ring.dots[0].opacity = 0.44;
   ring.dots[0].scale = 0.6;
   const QImage coming = drawn(ring);
-  EXPECT_NEAR(alphaAt(coming, 0.0, -15.0), 0.44, 0.01);
-  EXPECT_EQ(alphaAt(coming, 1.0, -15.0), 0.0);
+  EXPECT_NEAR(alphaFromCentre(coming, 0.0, -15.0), 0.44, 0.01);
+  EXPECT_EQ(alphaFromCentre(coming, 1.0, -15.0), 0.0);
   ring.dotsScale = 0.5;
-  EXPECT_NEAR(alphaAt(drawn(ring), 7.5, 0.0), 0.88, 0.01);
+  const QImage half = drawn(ring);
+  EXPECT_NEAR(alphaFromCentre(half, 7.5, 0.0), 0.88, 0.01);
+  EXPECT_EQ(alphaFromCentre(half, 7.5 + 0.8, 0.0), 0.0);  // the dots themselves have half the size
 }
 
 TEST(RingPainter, focusLiesInTheGapBetweenGlassAndBand) {
   auto ring = glass();
-  EXPECT_EQ(alphaAt(drawn(ring), 45.5, 0.0), 0.0);
+  EXPECT_EQ(alphaFromCentre(drawn(ring), 45.5, 0.0), 0.0);
   ring.button.focused = true;
   const QImage image = drawn(ring);
-  EXPECT_EQ(alphaAt(image, 45.0, 0.0), 1.0);
-  EXPECT_EQ(alphaAt(image, 46.0, 0.0), 1.0);
-  EXPECT_EQ(alphaAt(image, 44.0, 0.0), 0.0);
-  EXPECT_EQ(alphaAt(image, 47.0, 0.0), 0.0);
-  EXPECT_NEAR(at(image, 45.5, 0.0).redF(), 0.239, 0.003);
+  EXPECT_EQ(alphaFromCentre(image, 45.0, 0.0), 1.0);
+  EXPECT_EQ(alphaFromCentre(image, 46.0, 0.0), 1.0);
+  EXPECT_EQ(alphaFromCentre(image, 44.0, 0.0), 0.0);
+  EXPECT_EQ(alphaFromCentre(image, 47.0, 0.0), 0.0);
+  EXPECT_NEAR(colourFromCentre(image, 45.5, 0.0).redF(), 0.239, 0.003);
 }
 
 TEST(RingPainter, allOfItGrowsInTheBounce) {
   auto ring = glass();
   ring.scale = 1.08;
   const QImage image = drawn(ring);
-  EXPECT_NEAR(alphaAt(image, 52.0 * 1.08, 0.0), 0.16, 0.003);
-  EXPECT_EQ(alphaAt(image, 52.0, 0.0), 0.0);
-  EXPECT_GT(alphaAt(image, 41.5 * 1.08, 0.0), 0.3);
+  EXPECT_NEAR(alphaFromCentre(image, 52.0 * 1.08, 0.0), 0.16, 0.003);
+  EXPECT_EQ(alphaFromCentre(image, 52.0, 0.0), 0.0);
+  EXPECT_GT(alphaFromCentre(image, 41.5 * 1.08, 0.0), 0.3);
 }
 
 TEST(RingPainter, wordIsThereAsFarAsItIsShown) {
@@ -191,7 +193,7 @@ TEST(RingPainter, wordIsThereAsFarAsItIsShown) {
     const QImage image = drawn(ring);
     double sum = 0.0;
     for (double x = -25.0; x < 25.0; x += 0.25) {
-      for (double y = -8.0; y < 8.0; y += 0.25) sum += alphaAt(image, x, y);
+      for (double y = -8.0; y < 8.0; y += 0.25) sum += alphaFromCentre(image, x, y);
     }
     return sum;
   };

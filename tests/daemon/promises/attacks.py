@@ -1,0 +1,221 @@
+"""Attacks by unprivileged users on the log, on other callers and on the daemon's memory."""
+
+import fcntl
+import os
+import re
+import signal
+import subprocess
+import time
+
+from harness.calls import call, finish_tool, start_tool, tool
+from harness.machine import Machine
+from harness.memory import MemoryLimit
+from harness.rung import promise
+from harness.sandbox import NAME, OBJECT, TOOLS, WORK, write
+from harness.waiting import let_pass, wait_for
+from promises.authority import STANDINS
+from promises.load import status
+
+ITEM = "/etc/systemd/user/item.service"
+AWAY = ITEM + ".vorli-disabled"
+FLOODS = ((4001, "own"), (4002, "wrong"), (4001, "long"), (4002, "dump"))
+LOAD = f"{TOOLS}/vorli_helper_load"
+STUCK = "leaving: the bus takes no answers"
+
+
+def start_as(box, uid, *arguments, session=None):
+    return subprocess.Popen([*box.as_user(uid, session), LOAD, *map(str, arguments)], stdout=subprocess.PIPE,
+                            stderr=subprocess.PIPE, text=True)
+
+
+def end_all(processes):
+    """Figures of the attackers."""
+    for process in processes:
+        process.send_signal(signal.SIGTERM)
+    return [finish_tool(process, 60) for process in processes]
+
+
+@promise("P26", "Nobody can push another user's lines out of the log, or fill the disk with it")
+def log_is_no_weapon(rung):
+    seconds = 30 if rung.options.long else 8
+    in_a_file(rung, seconds)
+    in_the_journal(rung, seconds)
+
+
+def in_a_file(rung, seconds):
+    box = rung.sandbox
+    box.restart()
+    call(box, "Ping")
+    before = os.path.getsize(box.helper_log)
+    floods = [start_as(box, uid, "flood", kind) for uid, kind in FLOODS]
+    let_pass(seconds)
+    sent = sum(figures["sent"] for figures in end_all(floods))
+    grown = os.path.getsize(box.helper_log) - before
+    box.stop_bus()  # ended first, because its waiting messages would start the daemon again
+    rung.figure(f"requests of two users without rights in {seconds} s", sent, 10000, at_least=True)
+    # The target is for 30 seconds.
+    rung.figure("the log has grown by", grown / 1e6, seconds / 30, " MB")
+
+
+def in_the_journal(rung, seconds):
+    machine = Machine(rung.sandbox)
+    try:
+        write(ITEM, "[Service]\nExecStart=/bin/true\n")
+        for paths in ((ITEM, AWAY), (AWAY, ITEM)):  # polkit needs time to start
+            machine.run(LOAD, "call", "MoveLaunchAgentPlist", *paths)
+        before = granted_lines(machine)
+        floods = [subprocess.Popen(machine.enter(*rung.sandbox.as_user(uid), LOAD, "flood", kind), stdout=subprocess.PIPE,
+                                   stderr=subprocess.PIPE, text=True) for uid, kind in FLOODS]
+        replies = []
+        end = time.monotonic() + seconds
+        while time.monotonic() < end or len(replies) < seconds // 2:
+            goes = os.path.exists(ITEM)
+            replies.append(machine.run(LOAD, "call", "MoveLaunchAgentPlist", *((ITEM, AWAY) if goes else (AWAY, ITEM))))
+            let_pass(0.6)
+        sent = sum(figures["sent"] for figures in end_all_inside(machine, floods))
+        asked = len(replies)
+        rung.figure(f"requests of two users without rights in {seconds} s", sent, 10000, at_least=True)
+        rung.equal(f"of {asked} moves by root meanwhile, those that were not done",
+                   [reply for reply in replies if "answer 0 " not in reply], [])
+        rung.equal("their lines in the journal", granted_lines(machine) - before, asked)
+    finally:
+        machine.end()
+
+
+def granted_lines(machine):
+    return len(re.findall(r"(?m)uid=0 method=MoveLaunchAgentPlist .* verdict=granted exit=0", machine.journal()))
+
+
+def end_all_inside(machine, floods):
+    machine.run("pkill", "-TERM", "-x", "vorli_helper_lo", check=False)
+    return [finish_tool(process, 60) for process in floods]
+
+
+@promise("P27", "One user with many connections takes nothing from another")
+def nobody_is_starved(rung):
+    box = rung.sandbox
+    # Number of the attacker's connections at a time, and of pings that each one sends after its eight requests.
+    attacks = ((16, 0), (16, 300), (64, 100)) if rung.options.long else ((64, 100),)
+    for connections, pings in attacks:
+        box.restart()
+        box.add_session(4002, "s2")
+        box.add_session(4003, "s3", active=False)
+        call(box, "Ping")
+        attacker = start_as(box, 4001, "starve", connections, pings)
+        let_pass(0.5)
+        # Time of a call without the daemon, because the attacker keeps the bus busy as well.
+        floor = tool("bus", 200)["p99"] * 1000
+        victims = {"kept": start_as(box, 4002, "victim", 100, 110, "kept", session="s2"),
+                   "new": start_as(box, 4003, "victim", 100, 110, "new", session="s3")}
+        what = f"{connections} connections with {pings} pings behind each"
+        for kind, process in victims.items():
+            figures = finish_tool(process)
+            rung.equal(f"{what}: of 100 calls on {kind} connections, those done", figures["done"], 100)
+            rung.figure("p50", figures["p50"] * 1000, 500, " ms", busy=max(500, 10 * floor))
+            rung.figure("p99", figures["p99"] * 1000, 500, " ms", busy=max(500, 10 * floor))
+        rung.figure("connections that the attacker made", end_all([attacker])[0]["made"], 100, at_least=True)
+
+
+@promise("P28", "No message, and no number of messages, kills it")
+def messages_cannot_kill(rung):
+    box = rung.sandbox
+    with open(f"{rung.options.source}/packaging/linux/vorli-helper.service.in", encoding="utf-8") as file:
+        mebibytes = int(re.search(r"(?m)^MemoryMax=(\d+)M$", file.read())[1])
+    limit = MemoryLimit(mebibytes)
+    rounds = 20 if rung.options.long else 3
+    try:
+        box.restart(environment=[limit.entrance], with_polkit=False)
+        answered = wrong = 0
+        for _ in range(rounds):
+            box.terminate_helper()
+            done = subprocess.run([*box.as_user(4001), "/usr/bin/python3", f"{STANDINS}/burst.py", "8", "31"],
+                                  capture_output=True, text=True, check=True)
+            codes = done.stdout.split()
+            # 22 means not a path. The bus itself may refuse too many messages, with -1.
+            wrong += any(code not in ("22", "-1") for code in codes) or "22" not in codes
+            answered += call(box, "Ping").answered
+        rung.equal(f"rounds of 8 messages of 31 MiB at a cold start, of {rounds}: with another answer than a refusal", wrong, 0)
+        rung.equal("pings behind them that were answered", answered, rounds)
+        rung.equal(f"kills under the unit's {mebibytes} MiB", limit.kills(), 0)
+        rung.figure("the most that it took", limit.peak(), mebibytes, " MiB")
+        box.terminate_helper()
+    finally:
+        box.stop_helper()
+        limit.end()
+
+
+@promise("P34", "Callers who never read their answers block nobody for long")
+def unread_answers(rung):
+    refused_for_their_length(rung)
+    many_unread(rung)
+    more_than_the_bus_holds(rung)
+
+
+def refused_for_their_length(rung):
+    """Checks that the bus refuses calls whose answer would be as long as the caller likes."""
+    box = rung.sandbox
+    box.restart(with_polkit=False)
+    words = [*box.as_user(4001), "/usr/bin/dbus-send", "--system", "--print-reply", f"--dest={NAME}"]
+    for what, arguments in (("a call to another object", [f"/{'x' * 60000}", f"{NAME}.Ping"]),
+                            ("Introspect", [OBJECT, "org.freedesktop.DBus.Introspectable.Introspect"])):
+        done = subprocess.run([*words, *arguments], capture_output=True, text=True)
+        rung.holds(f"{what} is refused by the bus", "AccessDenied" in done.stderr)
+
+
+def many_unread(rung):
+    """Two users leave fewer answers unread than the bus holds."""
+    box = rung.sandbox
+    box.restart()
+    box.add_session(4002, "s2")
+    box.add_session(4004, "s4", active=False)
+    call(box, "Ping")
+    first = box.helper_pids()
+    attackers = [start_as(box, uid, "flood", "unread") for uid in (4001, 4003)]
+    victims = [start_as(box, 4002, "victim", 100, 110, "kept", session="s2"),
+               start_as(box, 4004, "victim", 100, 110, "new", session="s4")]
+    figures = [finish_tool(process) for process in victims]
+    sent = sum(figures["sent"] for figures in end_all(attackers))
+    rung.figure("pings of two users who read no answer", sent, 10000, at_least=True)
+    rung.equal("of 200 calls of two other users, those done", sum(figures["done"] for figures in figures), 200)
+    rung.figure("p99", max(figures["p99"] for figures in figures) * 1000, 500, " ms", busy=5000)
+    rung.equal("the daemon is the same", box.helper_pids(), first)
+
+
+def more_than_the_bus_holds(rung):
+    """One user leaves so many answers unread that the bus accepts no more answers of the daemon."""
+    box = rung.sandbox
+    box.restart(with_polkit=False, max_incoming_bytes=1 << 20)
+    call(box, "Ping")
+    pid, mark = box.helper_pids()[0], len(box.log())
+    attacker = start_as(box, 4001, "flood", "unread")
+    let_pass(4)  # a daemon waits five seconds for a bus that does not accept its messages
+    rung.figure("resident, with the queued answers", status(pid, "VmRSS") / 1024, 8.0, " MiB")
+    wait_for(lambda: STUCK in box.log()[mark:], 60, "the daemon gives the bus up", 0.05)
+    wait_for(lambda: pid not in box.helper_pids(), 10, "it has left", 0.02)
+    rung.holds("it gives the bus up and leaves", True)
+    end_all([attacker])
+    wait_for(lambda: call(box, "Ping").answered, 10, "the next call is answered", 0.1)
+    rung.holds("the next call is answered", True)
+
+
+@promise("P31", "A log that nobody reads blocks nobody")
+def stuck_log(rung):
+    box = rung.sandbox
+    pipe = f"{WORK}/unread"
+    wrapper = f"{WORK}/unread.sh"
+    write(wrapper, f'#!/bin/sh\nexec "$@" 2>{pipe}\n', 0o755)
+    if not os.path.exists(pipe):
+        os.mkfifo(pipe)
+    reader = os.open(pipe, os.O_RDWR | os.O_NONBLOCK)
+    fcntl.fcntl(reader, fcntl.F_SETPIPE_SZ, 4096)
+    try:
+        box.restart(environment=[wrapper], with_polkit=False)
+        replies = [call(box, "DumpBTM", uid=4001 + n % 4) for n in range(60)]
+        rung.equal("calls that were answered, each with a line", {reply.code for reply in replies}, {203})
+        rung.figure("the slowest answer", max(reply.seconds for reply in replies), 1.0, " s", busy=10.0)
+        rung.figure("of the log, in the pipe", len(os.read(reader, 65536)), 3000, " bytes", at_least=True)
+        call(box, "DumpBTM", uid=4009)
+        rung.holds("the dropped lines are reported", b"lines lost" in os.read(reader, 65536))
+    finally:
+        os.close(reader)
+        box.stop_helper()

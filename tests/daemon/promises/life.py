@@ -1,0 +1,138 @@
+"""Starting, leaving and being killed."""
+
+import os
+import random
+import signal
+
+from harness.calls import call, finish_call, finish_tool, start_call, start_tool, tool
+from harness.rung import promise
+from harness.sandbox import FOLDERS, HELPER, SYNC_BEGINS, send, stuck_sync, with_harmless_levers
+from harness.waiting import let_pass, wait_for
+
+
+@promise("P1", "No accepted call is lost when the helper exits idle or is asked to stop")
+def no_call_is_lost(rung):
+    calls = 200000 if rung.options.long else 3000
+    rung.sandbox.restart(["--idle-milliseconds=2"], with_polkit=False)
+    mark = len(rung.sandbox.log())
+    figures = tool("hammer", calls, 4000, seconds=3600)
+    rung.figure("of which met a daemon that had to be started",
+                rung.sandbox.log()[mark:].count("Activating service name"), calls // 20, at_least=True)
+    rung.equal(f"lost of {calls} calls around an idle exit", figures["lost"], 0)
+
+    rung.sandbox.restart(with_polkit=False)
+    dice = random.Random(1)
+    stopped = made = lost = 0
+    while stopped < 15 and made < 20 * calls:  # on a fast machine the calls end before that many
+        hammer = start_tool("hammer", calls // 3, 1000)
+        while hammer.poll() is None:
+            for pid in rung.sandbox.helper_pids():
+                if listens(pid):
+                    send(pid, signal.SIGTERM)
+                    stopped += 1
+            let_pass(dice.uniform(0.0, 0.03))
+        made += calls // 3
+        lost += finish_tool(hammer)["lost"]
+    rung.equal(f"lost of {made} calls around {stopped} SIGTERMs", lost, 0)
+    rung.figure("daemons told to stop", stopped, 15, at_least=True)
+
+
+def listens(pid):
+    """Whether the daemon handles the signal itself by now; before its first line, the kernel ends it."""
+    try:
+        with open(f"/proc/{pid}/status", encoding="utf-8") as file:
+            blocked = next(line.split()[1] for line in file if line.startswith("SigBlk:"))
+    except (FileNotFoundError, ProcessLookupError, StopIteration):
+        return False
+    return bool(int(blocked, 16) >> (signal.SIGTERM - 1) & 1)
+
+
+@promise("P4", "It starts quickly")
+def starts_quickly(rung):
+    rung.sandbox.restart(["--idle-milliseconds=1"], with_polkit=False)
+    figures = tool("cold", 200)
+    rung.figure("cold start with its first ping, p50", figures["p50"] * 1000, 60, " ms", busy=600)
+    rung.figure("cold start with its first ping, p99", figures["p99"] * 1000, 60, " ms", busy=600)
+
+
+@promise("P5", "A killed helper is noticed and started again")
+def comes_back(rung):
+    rung.sandbox.restart(with_polkit=True)
+    with_harmless_levers()
+    rounds = 250
+    cut_off = 0
+    # A fast machine has answered most calls before the later moments, and a slow one none before the earlier ones.
+    for moment in (4000, 100):
+        figures = tool("killed", rounds, moment)
+        cut_off += figures["cut_off"]
+        rung.figure(f"killed within {moment} us: error after, p99", figures["told_p99"] * 1000, 20, " ms", busy=200)
+        rung.figure("error after, at most", figures["told_max"] * 1000, 250, " ms", busy=1000)
+        rung.figure("next call answered, p99", figures["back_p99"] * 1000, 60, " ms", busy=600)
+        rung.equal(f"unanswered of {rounds}", figures["unanswered"], 0)
+    rung.figure("calls cut off by the kills", cut_off, 50, at_least=True)
+
+
+@promise("P6", "Every caller gets an answer or an error: stopped, removed and unreachable helpers")
+def callers_get_a_word(rung):
+    box = rung.sandbox
+    box.restart(with_polkit=False)
+    call(box, "Ping")
+    pid = box.helper_pids()[0]
+    os.kill(pid, signal.SIGSTOP)
+    held = start_call(box, "Ping")
+    let_pass(0.2)
+    rung.holds("a stopped helper answers nothing", held.poll() is None)
+    os.kill(pid, signal.SIGCONT)
+    rung.holds("and answers when it goes on", finish_call(held).answered)
+
+    os.unlink(HELPER)
+    wait_for(lambda: not box.helper_pids(), 5, "a helper whose program is removed leaves")
+    rung.holds("a helper whose program is removed exits", True)
+    reply = call(box, "Ping")
+    rung.holds(f"a call then fails with an error ({reply.text})", not reply.answered)
+    rung.figure("after", reply.seconds, 2.0, " s", busy=10.0)
+    box.install()
+    rung.holds("and is answered again when the program is back", call(box, "Ping").answered)
+
+    box.restart(with_polkit=False, environment=stuck_sync())
+    box.start_polkit()
+    mark = len(box.log())
+    held = start_call(box, "PurgeMemory")
+    wait_for(lambda: SYNC_BEGINS in box.log()[mark:], 10, "the purge has begun")
+    box.stop_bus()
+    rung.holds("a caller on a bus that ends gets an error", not finish_call(held).answered)
+    wait_for(lambda: not box.helper_pids(), 5, "the helper leaves with its bus")
+    rung.holds("and the helper leaves with its bus", True)
+
+
+def programs(box):
+    """Programs of the running daemons, as the kernel names them."""
+    found = []
+    for pid in box.helper_pids():
+        try:
+            found.append(os.readlink(f"/proc/{pid}/exe"))
+        except OSError:  # it has ended in the meantime
+            continue
+    return found
+
+
+@promise("P6b", "A replaced program answers the next call, and nothing is lost")
+def replaced_program(rung):
+    box = rung.sandbox
+    box.restart(with_polkit=False)
+    call(box, "Ping")
+    hammer = start_tool("hammer", 3000, 2000)
+    replaced = 0
+    pids = set()
+    while hammer.poll() is None:
+        box.use_daemon(f"{box.installed}{HELPER}")
+        replaced += 1
+        pids.update(box.helper_pids())
+        let_pass(0.05)
+    rung.equal(f"lost of 3000 calls around {replaced} replacements", finish_tool(hammer)["lost"], 0)
+    rung.figure("different daemons seen", len(pids), 3, at_least=True)
+    # The program may have been replaced while the daemon started.
+    wait_for(lambda: all(program == HELPER for program in programs(box)), 5, "what was replaced has left")
+    call(box, "Ping")
+    rung.equal("the program that answers", programs(box), [HELPER])
+    rung.holds("the startup folders are untouched", not any(os.listdir(folder) for folder in FOLDERS))

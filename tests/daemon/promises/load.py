@@ -1,0 +1,129 @@
+"""Many callers, slow work, memory and quiet."""
+
+import os
+import subprocess
+import time
+
+from harness.calls import call, finish_call, start_call, tool
+from harness.rung import promise
+from harness.sandbox import NAME, SYNC_BEGINS, WORK, stuck_sync, with_harmless_levers, write
+from harness.waiting import let_pass, wait_for
+
+
+def status(pid, key, folder="/proc"):
+    for line in open(f"{folder}/{pid}/status", encoding="utf-8"):
+        if line.startswith(key + ":"):
+            return int(line.split()[1])
+    raise AssertionError(key)
+
+
+@promise("P2", "Ping never waits for work")
+def ping_never_waits(rung):
+    box = rung.sandbox
+    box.restart(environment=stuck_sync(3000))
+    item = "/etc/systemd/user/a.service"
+    write(item, "x")
+    mark = len(box.log())
+    purges = [start_call(box, "PurgeMemory")]
+    wait_for(lambda: SYNC_BEGINS in box.log()[mark:], 5, "it works")
+    purges += [start_call(box, "PurgeMemory") for _ in range(3)]
+    call(box, "FlushDNS")  # gives polkit time for the others; a late one would wait for the hung polkit
+    box.polkitd.send_signal(19)  # SIGSTOP: its answers hang
+    hung = [start_call(box, "FlushDNS", uid=4001), start_call(box, "FlushDNS", uid=4002)]
+    hung += [start_call(box, "MoveLaunchAgentPlist", item, item + ".vorli-disabled", uid=4003 + n) for n in range(4)]
+    pings = 20000
+    figures = tool("ping", pings)
+    refused = [finish_call(process) for process in hung]
+    box.polkitd.send_signal(18)
+    done = [finish_call(process) for process in purges]
+    # The bus alone takes half of this time.
+    rung.figure("ping with 4 purges, 2 checks and 4 moves out, p99", figures["p99"] * 1000, 1.0, " ms", busy=20)
+    rung.figure(f"the slowest of {pings}", figures["max"] * 1000, 50, " ms", busy=1000)
+    rung.equal("answers to those whom a hung polkit could not judge", {reply.code for reply in refused}, {200})
+    rung.figure("which came after, at most", max(reply.seconds for reply in refused), 3.3, " s", busy=4.0)
+    rung.equal("answer to the purge that runs", done[0].code, 0)
+    rung.figure("after its 3 s, at least", done[0].seconds, 2.9, " s", at_least=True)
+    rung.equal("answers to those behind it, but 0 and 200", {reply.code for reply in done[1:]} - {0, 200}, set())
+    rung.holds("the item has not moved", os.path.exists(item))
+
+
+@promise("P3", "Many callers")
+def many_callers(rung):
+    rung.sandbox.restart()
+    call(rung.sandbox, "Ping")
+    clients = 100
+    floor = tool("bus", 2000)["p50"]  # cost of one call of one client for the machine and the bus
+    figures = tool("many", clients, 500)
+    rung.figure(f"answers a second to {clients} clients", figures["rate"], 5000, at_least=True, busy=min(500, 0.05 / floor))
+    rung.figure("p99 of the slowest client", figures["worst_p99"] * 1000, 100, " ms",
+                busy=max(1000, 50 * clients * floor * 1000))
+    rung.equal("errors", figures["errors"], 0)
+    figures = tool("churn", 200, 10)
+    rung.equal(f"errors of {figures['connections']:.0f} clients that come and go", figures["errors"], 0)
+    rung.equal("daemons", len(rung.sandbox.helper_pids()), 1)
+
+
+@promise("P15", "Small and quiet")
+def small_and_quiet(rung):
+    box = rung.sandbox
+    box.restart()
+    call(box, "Ping")
+    call(box, "FlushDNS")
+    pid = box.helper_pids()[0]
+    tool("ping", 5000)
+    before = status(pid, "VmRSS")
+    tool("many", 20, 5000)
+    after = status(pid, "VmRSS")
+    rung.figure("resident", after / 1024, 8.0, " MiB")
+    rung.figure("growth over 100000 calls", after - before, 256, " KiB")
+    files = [name for name in os.listdir(f"/proc/{pid}/fd") if int(name) > 2]
+    rung.figure("open files besides the three standard ones", len(files), 12)
+    rung.figure("threads", status(pid, "Threads"), 8)
+
+    trace = subprocess.Popen(["/usr/bin/strace", "-f", "-q", "-o", f"{WORK}/strace", "-p", str(pid)],
+                             stderr=subprocess.DEVNULL)
+    wait_for(lambda: status(pid, "TracerPid"), 5, "it is traced")
+    wait_for(lambda: is_quiet(f"{WORK}/strace"), 15, "the end of what attaching interrupts")
+    mark = os.path.getsize(f"{WORK}/strace")
+    let_pass(10)
+    with open(f"{WORK}/strace", encoding="utf-8") as file:
+        file.seek(mark)
+        calls = [line for line in file if line.strip()]
+    trace.terminate()
+    trace.wait()
+    rung.equal("system calls in 10 idle seconds", len(calls), 0)
+
+    wait_for(lambda: not box.helper_pids(), 35, "it has left 35 s after the last call", 0.1)
+    rung.holds("it has left 35 s after the last call", True)
+    rung.equal("and its name is free", box.owner_of(NAME), None)
+
+
+def is_quiet(trace):
+    """Whether nothing is written to the file for a second."""
+    before = os.path.getsize(trace)
+    let_pass(1)
+    return os.path.getsize(trace) == before
+
+
+@promise("P16", "One purge at a time, no storm")
+def no_purge_storm(rung):
+    box = rung.sandbox
+    box.restart(allow_everything=True, environment=stuck_sync(1000))
+    with_harmless_levers()
+    call(box, "Ping")
+    mark = len(box.log())
+    start = time.monotonic()
+    figures = tool("purges", 5, 10)
+    rounds = 20 if rung.options.long else 2
+    storms = [tool("purges", 100, 5) for _ in range(rounds)]
+    seconds = time.monotonic() - start
+    begun = box.log()[mark:].count(SYNC_BEGINS)
+    rung.equal("answers to 50 purges at once", answers(figures), 50)
+    rung.figure("a refusal for want of room came after, at most", figures["refusal_max"] * 1000, 5, " ms", busy=1000)
+    rung.equal(f"answers to {500 * rounds} more", sum(map(answers, storms)), 500 * rounds)
+    rung.figure("purges begun", begun, 1, at_least=True)
+    rung.figure(f"purges begun within {seconds:.1f} s, one in 5 s", begun, 1 + int(seconds / 5))
+
+
+def answers(figures):
+    return figures["done"] + figures["busy"] + figures["refused"]

@@ -1,0 +1,79 @@
+#include "formats/KernelRelease.h"
+#include "formats/KernelText.h"
+#include "formats/PowerProfile.h"
+
+#include <gtest/gtest.h>
+
+namespace vorli::formats {
+namespace {
+
+TEST(KernelTextTest, linesAreTakenOneByOneWithTheLastOneUnended) {
+  std::string_view text = "one\n\nthree";
+  EXPECT_EQ(takeLine(text), "one");
+  EXPECT_EQ(takeLine(text), "");
+  EXPECT_EQ(takeLine(text), "three");
+  EXPECT_TRUE(text.empty());
+  EXPECT_EQ(takeLine(text), "");
+}
+
+TEST(KernelTextTest, wordsStandBetweenAnyBlanks) {
+  std::string_view text = "  a\t\tbc \n d";
+  EXPECT_EQ(takeWord(text), "a");
+  EXPECT_EQ(takeWord(text), "bc");
+  EXPECT_EQ(takeWord(text), "d");
+  EXPECT_EQ(takeWord(text), "");
+  EXPECT_EQ(takeWord(text), "");
+}
+
+TEST(KernelTextTest, blanksAroundATextAreTrimmed) {
+  EXPECT_EQ(trimmed(" \tlow power\n"), "low power");
+  EXPECT_EQ(trimmed(" \n"), "");
+  EXPECT_EQ(trimmed(""), "");
+}
+
+TEST(KernelTextTest, aWholeNumberIsDigitsOnlyAndFits) {
+  EXPECT_EQ(parseWhole("18446744073709551615"), 18446744073709551615U);
+  EXPECT_FALSE(parseWhole("18446744073709551616"));
+  EXPECT_FALSE(parseWhole(""));
+  EXPECT_FALSE(parseWhole("-1"));
+  EXPECT_FALSE(parseWhole("+1"));
+  EXPECT_FALSE(parseWhole(" 1"));
+  EXPECT_FALSE(parseWhole("12kB"));
+  EXPECT_EQ(parseSigned("-274000"), -274000);
+  EXPECT_FALSE(parseSigned("9223372036854775808"));
+}
+
+TEST(KernelTextTest, aDecimalIsTheNearestDouble) {
+  EXPECT_EQ(parseDecimal("0.07"), 0.07);
+  EXPECT_EQ(parseDecimal("312.5"), 312.5);
+  EXPECT_EQ(parseDecimal("12"), 12.0);
+  EXPECT_EQ(parseDecimal("12."), 12.0);
+  EXPECT_EQ(parseDecimal("0.3333333333333333333333333333"), 0.33333333333333);
+  EXPECT_EQ(parseDecimal("999999999999999.9"), 999999999999999.0);
+}
+
+TEST(KernelTextTest, whatIsNoDecimalIsEmpty) {
+  for (const char* text : {"", ".", ".5", "-0.5", "1e5", "nan", "1,5", "1.2.3", "1000000000000000.0"}) {
+    EXPECT_FALSE(parseDecimal(text)) << text;
+  }
+}
+
+TEST(KernelReleaseTest, theFirstTwoNumbersTell) {
+  EXPECT_EQ(parseKernelRelease("6.1.0-18-amd64\n"), (KernelRelease{6, 1}));
+  EXPECT_EQ(parseKernelRelease("7.0-rc1"), (KernelRelease{7, 0}));
+  EXPECT_LT(*parseKernelRelease("5.19.2"), (KernelRelease{6, 2}));
+  EXPECT_GT(*parseKernelRelease("6.10"), (KernelRelease{6, 2}));
+  EXPECT_FALSE(parseKernelRelease("6"));
+  EXPECT_FALSE(parseKernelRelease("six.two"));
+  EXPECT_FALSE(parseKernelRelease("6."));
+}
+
+TEST(PowerProfileTest, theChosenProfileStandsInTheStateFile) {
+  EXPECT_EQ(parsePowerProfile("[State]\nCpuDriver=intel_pstate\nProfile=power-saver\n"), "power-saver");
+  EXPECT_EQ(parsePowerProfile("[State]\nProfile = balanced"), "balanced");
+  EXPECT_EQ(parsePowerProfile("[State]\nOldProfile=power-saver\n"), "");
+  EXPECT_EQ(parsePowerProfile("Profile"), "");
+}
+
+}  // namespace
+}  // namespace vorli::formats

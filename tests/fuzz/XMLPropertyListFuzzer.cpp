@@ -1,0 +1,9 @@
+#include "formats/XMLPropertyList.h"
+#include "tests/fuzz/PropertyListWalk.h"
+
+using namespace vorli;
+
+void fuzz(std::string_view bytes) {
+  const auto list = readXMLPropertyList(bytes);
+  if (list) walk(*list);
+}

@@ -1,0 +1,80 @@
+#include "formats/SwapDevices.h"
+#include "linux/kernel/SwapTraffic.h"
+
+#include <gtest/gtest.h>
+
+namespace vorli::linuxhost {
+namespace {
+
+TEST(SwapTrafficTest, withoutZramEverythingWentToDisks) {
+  SwapTraffic traffic;
+  traffic.add({100, 200}, {});
+  traffic.add({130, 260}, {});
+  EXPECT_EQ(traffic.onDisks(), (PageTraffic{130, 260}));
+  EXPECT_EQ(traffic.onZram(), (PageTraffic{}));
+}
+
+TEST(SwapTrafficTest, zramsPartIsTakenOutOfTheWhole) {
+  SwapTraffic traffic;
+  traffic.add({100, 200}, {{0, {60, 150}}, {1, {10, 20}}});
+  EXPECT_EQ(traffic.onDisks(), (PageTraffic{30, 30}));
+  EXPECT_EQ(traffic.onZram(), (PageTraffic{70, 170}));
+  traffic.add({150, 300}, {{0, {80, 190}}, {1, {40, 80}}});
+  EXPECT_EQ(traffic.onDisks(), (PageTraffic{30, 30}));
+  EXPECT_EQ(traffic.onZram(), (PageTraffic{120, 270}));
+}
+
+TEST(SwapTrafficTest, aDeviceReadSomePagesLaterNeverMakesTheDisksRunBackwards) {
+  SwapTraffic traffic;
+  traffic.add({100, 100}, {{0, {100, 100}}});
+  traffic.add({110, 110}, {{0, {113, 110}}});
+  EXPECT_EQ(traffic.onDisks(), (PageTraffic{0, 0}));
+  traffic.add({120, 120}, {{0, {120, 120}}});
+  EXPECT_EQ(traffic.onDisks(), (PageTraffic{3, 0}));
+}
+
+TEST(SwapTrafficTest, aDeviceThatWentAwayLeavesNoJump) {
+  SwapTraffic traffic;
+  traffic.add({5000, 5000}, {{0, {5000, 5000}}});
+  traffic.add({5001, 5002}, {});
+  EXPECT_EQ(traffic.onDisks(), (PageTraffic{1, 2}));
+  EXPECT_EQ(traffic.onZram(), (PageTraffic{5000, 5000}));
+}
+
+TEST(SwapTrafficTest, aDeviceThatCameStartsFromWhatItHas) {
+  SwapTraffic traffic;
+  traffic.add({10, 10}, {});
+  traffic.add({10, 10}, {{0, {700, 700}}});
+  EXPECT_EQ(traffic.onZram(), (PageTraffic{0, 0}));
+  traffic.add({14, 15}, {{0, {704, 705}}});
+  EXPECT_EQ(traffic.onZram(), (PageTraffic{4, 5}));
+  EXPECT_EQ(traffic.onDisks(), (PageTraffic{10, 10}));
+}
+
+TEST(SwapTrafficTest, aDeviceMadeAnewCountsFromNothing) {
+  SwapTraffic traffic;
+  traffic.add({900, 900}, {{0, {900, 900}}});
+  traffic.add({905, 906}, {{0, {5, 6}}});
+  EXPECT_EQ(traffic.onZram(), (PageTraffic{905, 906}));
+  EXPECT_EQ(traffic.onDisks(), (PageTraffic{0, 0}));
+}
+
+TEST(SwapDevicesTest, onlyZramDevicesInUseAreNamed) {
+  EXPECT_EQ(formats::parseZramSwaps(
+                "Filename Type Size Used Priority\n/dev/sda2 partition 1 1 -2\n/dev/zram0 partition 9 1 "
+                "100\n/dev/zram12 partition 9 1 100\n"),
+            (std::vector<std::uint32_t>{0, 12}));
+  EXPECT_TRUE(
+      formats::parseZramSwaps("/dev/zram\n/dev/zram-1\n/dev/zram0/../sda\n/dev/zram4294967296\n").empty());
+}
+
+TEST(SwapDevicesTest, trafficIsTheThirdAndTheSeventhNumber) {
+  EXPECT_EQ(formats::parseBlockTraffic("  1  2  3  4  5  6  7  8\n"), (formats::BlockTraffic{3, 7}));
+  EXPECT_FALSE(formats::parseBlockTraffic("1 2 3 4 5 6"));
+  EXPECT_FALSE(formats::parseBlockTraffic("1 2 -3 4 5 6 7"));
+  EXPECT_EQ(formats::parseZramMemoryUsed("2048 512 524288 0\n"), 524288U);
+  EXPECT_FALSE(formats::parseZramMemoryUsed("2048 512"));
+}
+
+}  // namespace
+}  // namespace vorli::linuxhost

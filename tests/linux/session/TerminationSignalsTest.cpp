@@ -1,0 +1,67 @@
+#include "linux/session/TerminationSignals.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <csignal>
+#include <gtest/gtest.h>
+#include <optional>
+
+namespace vorli {
+namespace {
+
+using linuxhost::TerminationSignals;
+
+struct TerminationSignalsTest : testing::Test {
+  void TearDown() override {
+    for (const int number : {SIGTERM, SIGINT, SIGHUP}) std::signal(number, SIG_DFL);
+  }
+  void handleSignals() {
+    handled.emplace([this] { ++wishes; });
+  }
+  void waitForWishes(int count) {
+    const QDeadlineTimer deadline(10'000);
+    while (wishes < count && !deadline.hasExpired()) {
+      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
+    }
+  }
+  static auto actionOf(int number) {
+    struct sigaction action {};
+    sigaction(number, nullptr, &action);
+    return action.sa_handler;
+  }
+
+  std::optional<TerminationSignals> handled;
+  int wishes = 0;
+};
+
+TEST_F(TerminationSignalsTest, eachOfThemIsAWishToEndFromTheLoop) {
+  handleSignals();
+  int expected = 0;
+  for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+    std::raise(number);
+    EXPECT_EQ(wishes, expected);
+    waitForWishes(++expected);
+    EXPECT_EQ(wishes, expected);
+  }
+}
+
+TEST_F(TerminationSignalsTest, severalBeforeTheLoopTurnsAreOneWish) {
+  handleSignals();
+  for (int i = 0; i < 5; ++i) std::raise(SIGTERM);
+  waitForWishes(1);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(wishes, 1);
+}
+
+TEST_F(TerminationSignalsTest, anIgnoredHangupStaysIgnored) {
+  std::signal(SIGHUP, SIG_IGN);
+  handleSignals();
+  std::raise(SIGHUP);
+  EXPECT_EQ(actionOf(SIGHUP), SIG_IGN);
+  handled.reset();
+  EXPECT_EQ(actionOf(SIGHUP), SIG_IGN);
+  EXPECT_EQ(actionOf(SIGTERM), SIG_DFL);
+}
+
+}  // namespace
+}  // namespace vorli

@@ -1,0 +1,6 @@
+#pragma once
+
+#include_next <fcntl.h>
+#include <sys/stat.h>
+
+#define O_EVTONLY O_PATH

@@ -1,0 +1,5 @@
+#pragma once
+
+#include <stdint.h>
+
+extern "C" uintptr_t vm_kernel_page_size;

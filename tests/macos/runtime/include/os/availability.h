@@ -1,0 +1,3 @@
+#pragma once
+
+#define API_AVAILABLE(...)

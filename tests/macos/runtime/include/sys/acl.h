@@ -1,0 +1,16 @@
+#pragma once
+
+typedef struct vorli_acl* acl_t;
+typedef struct vorli_acl_entry* acl_entry_t;
+typedef enum { ACL_UNDEFINED_TAG = 0, ACL_EXTENDED_ALLOW = 1, ACL_EXTENDED_DENY = 2 } acl_tag_t;
+typedef enum { ACL_TYPE_EXTENDED = 0x100 } acl_type_t;
+
+#define ACL_FIRST_ENTRY 0
+#define ACL_NEXT_ENTRY (-1)
+
+extern "C" {
+acl_t acl_get_fd_np(int file, acl_type_t type);
+int acl_get_entry(acl_t list, int which, acl_entry_t* entry);
+int acl_get_tag_type(acl_entry_t entry, acl_tag_t* tag);
+int acl_free(void* list);
+}

@@ -1,0 +1,1 @@
+"""Compares declarations of the system's frameworks with facts about them."""

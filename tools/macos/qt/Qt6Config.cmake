@@ -1,0 +1,10 @@
+# Qt for a build that is only checked: the headers of the installed Qt, and link stubs in the place of its frameworks.
+file(GLOB headers /usr/include/qt6 /usr/include/*/qt6)
+list(GET headers 0 headers)
+foreach(module Core Gui Widgets)
+  add_library(Qt6::${module} INTERFACE IMPORTED)
+  target_include_directories(Qt6::${module} INTERFACE ${headers} ${headers}/Qt${module})
+  target_link_libraries(Qt6::${module} INTERFACE "-framework Qt${module}")
+endforeach()
+target_link_libraries(Qt6::Gui INTERFACE Qt6::Core)
+target_link_libraries(Qt6::Widgets INTERFACE Qt6::Gui)

@@ -1,0 +1,1 @@
+"""Builds and checks the two programs for a Mac."""
