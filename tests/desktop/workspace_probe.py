@@ -69,9 +69,14 @@ class Probe:
         self.process.stdout.close()
 
 
+def is_placed_by_the_window_manager(window):
+    told = subprocess.run(["xwininfo", "-id", window], capture_output=True, text=True, check=False).stdout
+    return "Override Redirect State: no" in told
+
+
 def window_of(title):
-    found = found_windows("--name", title)
-    return found[0] if found else None
+    """A shown window of that title. Tooltips are left out: GTK gives them the name of their program."""
+    return next(filter(is_placed_by_the_window_manager, found_windows("--name", title)), None)
 
 
 def client_list():
