@@ -1,10 +1,32 @@
 #!/usr/bin/python3
-"""count_junit.py REPORT: prints "PASSED FAILED" for a report of ctest. A test that was not run counts as failed."""
+"""count_junit.py REPORT: prints "PASSED FAILED" for a report of ctest. A test that was not run counts as failed.
 
+A program of GoogleTest counts as many tests as its summary says, which it prints last. A skipped test in it counts as
+failed.
+"""
+
+import re
 import sys
 import xml.etree.ElementTree as ElementTree
 
-cases = ElementTree.parse(sys.argv[1]).getroot().iter("testcase")
-states = [case.get("status") for case in cases]
-passed = states.count("run")
-print(passed, max(len(states) - passed, 0 if states else 1))
+
+def summed(output, word):
+    """The number of tests in the lines `[  WORD  ] N tests`."""
+    return sum(map(int, re.findall(rf"^\[  {word} +\] (\d+) tests?\b", output, re.MULTILINE)))
+
+
+def counts_of(case):
+    output = case.findtext("system-out") or ""
+    passed, failed = summed(output, "PASSED"), summed(output, "FAILED") + summed(output, "SKIPPED")
+    if case.get("status") != "run":
+        return passed, failed or 1  # it crashed, took too long or was not run
+    return (passed, failed) if passed + failed else (1, 0)
+
+
+def main():
+    counts = [counts_of(case) for case in ElementTree.parse(sys.argv[1]).getroot().iter("testcase")]
+    print(sum(passed for passed, _ in counts), sum(failed for _, failed in counts) if counts else 1)
+
+
+if __name__ == "__main__":
+    main()

@@ -29,7 +29,7 @@ rung_unit() {
 
 needed_by_helper=(build run unit helper)
 rung_helper() {
-  build dev && build package || return
+  build dev vorli_plain_programs && build package || return
   step "promises of the root daemon" tests/daemon/run --no-build
   step "all of them at once, under attack" tests/daemon/run --no-build --soak 45
   step "its client" tests/daemon/run_client
@@ -42,7 +42,7 @@ needed_by_desktop=(build run unit desktop test fonts)
 rung_desktop() {
   local name file options
   rm -rf "$pictures" && mkdir -p "$pictures"
-  build dev && ctest_step "parts in a desktop" dev --label-regex desktop --parallel 1
+  build dev vorli_plain_programs && ctest_step "parts in a desktop" dev --label-regex desktop --parallel 1
   build package && must "install for the tests" prepare_installed package || return
   step "packaging" tools/testing/check_packaging.sh "$stage/prefix"
   while IFS=$'\t' read -r name file options; do
@@ -52,7 +52,9 @@ rung_desktop() {
 }
 
 needed_by_asan=(build run unit helper fonts)
+# Sanitizers would catch the crashes that the tests of crashes cause.
 rung_asan() {
+  build dev vorli_plain_programs && ctest_step "tests of crashes" dev --label-regex '^crash$'
   build asan && ctest_step "unit tests under AddressSanitizer" asan --label-exclude desktop
   step "root daemon under AddressSanitizer" tests/daemon/run --build asan
 }

@@ -96,9 +96,8 @@ build() { # build PRESET [TARGET...]
   shift
   [ $# -eq 0 ] || set -- --target "$@"
   # Nobody debugs or rebuilds what CI builds, so sources are compiled several at a time, and debug information is just
-  # enough for a stack trace. The shipped program is compiled as everywhere.
-  [ -z "${CI-}" ] || light=(-DCMAKE_CXX_FLAGS_DEBUG=-g1 "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O2 -g1 -DNDEBUG")
-  [ -z "${CI-}" ] || [ "$preset" = package ] || light+=(-DCMAKE_UNITY_BUILD=ON)
+  # enough for a stack trace.
+  [ -z "${CI-}" ] || light=(-DCMAKE_UNITY_BUILD=ON -DCMAKE_CXX_FLAGS_DEBUG=-g1 "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O2 -g1 -DNDEBUG")
   must "configure $preset" cmake --preset "$preset" -Wno-dev "${light[@]}" && must "build $preset" cmake --build --preset "$preset" "$@"
 }
 
@@ -110,7 +109,8 @@ ctest_step() {
   report=${log%.log}.xml
   rm -f "$report"
   begin "$name"
-  ctest --preset "$preset" --parallel "$(nproc)" --timeout 120 --output-junit "$report" "$@" >"$log" 2>&1 </dev/null
+  ctest --preset "$preset" --parallel "$(nproc)" --timeout 120 --output-junit "$report" --test-output-size-passed 4096 \
+    --test-output-truncation head "$@" >"$log" 2>&1 </dev/null
   counts=$(/usr/bin/python3 tools/testing/count_junit.py "$report") || counts="0 1"
   # shellcheck disable=SC2086
   set -- $counts
