@@ -3,6 +3,7 @@
 #include "linux/applications/WindowProcess.h"
 #include "linux/applications/X11Reply.h"
 
+#include <QMetaObject>
 #include <QSocketNotifier>
 #include <algorithm>
 #include <array>
@@ -127,6 +128,7 @@ WindowList::WindowList(const char* display) {
 
   notifier_ = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection_), QSocketNotifier::Read);
   QObject::connect(notifier_.get(), &QSocketNotifier::activated, [this] { readEvents(); });
+  readEventsLater();
 }
 
 WindowList::~WindowList() {
@@ -180,6 +182,15 @@ void WindowList::readEvents() {
     connectionLost();
     if (handlers_.windowsChanged) handlers_.windowsChanged();
   }
+}
+
+// Sending a request or waiting for a reply may pull events into the queue, and the socket will not wake us
+// for these.
+void WindowList::readEventsLater() {
+  const auto read = [this] {
+    if (connection_) readEvents();
+  };
+  QMetaObject::invokeMethod(notifier_.get(), read, Qt::QueuedConnection);
 }
 
 void WindowList::readClientList() {
@@ -293,6 +304,7 @@ std::optional<std::vector<std::int32_t>> WindowList::ownersOfVisibleWindows() {
       owners.push_back(windows_[i].pid);
     }
   }
+  readEventsLater();
   return isShowingDesktop ? std::nullopt : std::optional(std::move(owners));
 }
 
@@ -322,6 +334,7 @@ void WindowList::requestClose(std::uint32_t window) {
     xcb_send_event(connection_, 0, window, XCB_EVENT_MASK_NO_EVENT, bytes);
   }
   xcb_flush(connection_);
+  readEventsLater();
 }
 
 }  // namespace vorli::linuxhost

@@ -64,6 +64,7 @@ class WindowList {
   struct Atoms;
 
   void readEvents();
+  void readEventsLater();
   void readClientList();
   void readActiveWindow();
   void readCurrentDesktop();

@@ -59,13 +59,19 @@ void RawPresses::select(std::uint32_t events) {
   xcb_flush(connection_);
 }
 
-// Calls the handler once, however many presses have come.
+// Calls the handler once, however many presses have come. Asking for the place may pull further ones into the
+// queue, and the notifier does not report those.
 void RawPresses::process() {
+  while (takePresses()) {
+    if (const auto place = pointer()) handler_(*place);
+  }
+  if (xcb_connection_has_error(connection_)) notifier_->setEnabled(false);
+}
+
+bool RawPresses::takePresses() {
   bool pressed = false;
   while (takePress()) pressed = true;
-  if (xcb_connection_has_error(connection_)) notifier_->setEnabled(false);
-  if (!pressed) return;
-  if (const auto place = pointer()) handler_(*place);
+  return pressed;
 }
 
 // Returns true for a press. Drops other events, and events of an earlier selection, on the way to it.

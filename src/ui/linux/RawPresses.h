@@ -35,6 +35,7 @@ class RawPresses {
   void connect();
   void select(std::uint32_t events);
   void process();
+  bool takePresses();
   bool takePress();
   std::optional<QPoint> pointer();
 

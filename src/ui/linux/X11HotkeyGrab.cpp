@@ -106,8 +106,15 @@ void X11HotkeyGrab::ungrab() {
   xcb_flush(connection_);
 }
 
-// Reads the keyboard once for all events: a change of layout sends several.
+// Follows the keyboard once for all events: a change of layout sends several. Following it may pull further
+// ones into the queue, and the notifier does not report those.
 void X11HotkeyGrab::process() {
+  while (readEvents()) followKeyboard();
+  if (xcb_connection_has_error(connection_)) notifier_->setEnabled(false);
+}
+
+// Returns whether the keyboard has changed.
+bool X11HotkeyGrab::readEvents() {
   bool keyboardChanged = false;
   while (const X11Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
     const auto type = event->response_type & 0x7F;
@@ -116,8 +123,7 @@ void X11HotkeyGrab::process() {
       released_ = reinterpret_cast<const xcb_key_release_event_t*>(event.get())->time;
     if (type == XCB_MAPPING_NOTIFY) keyboardChanged = true;
   }
-  if (xcb_connection_has_error(connection_)) return notifier_->setEnabled(false);
-  if (keyboardChanged) followKeyboard();
+  return keyboardChanged && !xcb_connection_has_error(connection_);
 }
 
 // Ignores auto-repeat, which comes as pairs of a release and a press with the same time.

@@ -40,6 +40,7 @@ class X11HotkeyGrab {
   std::int32_t grabKey(xcb_keycode_t key, std::uint16_t modifiers) const;
   void ungrab();
   void process();
+  bool readEvents();
   void keyPressed(const xcb_key_press_event_t& press);
   void followKeyboard();
   void grabAgain();
