@@ -6,7 +6,7 @@ import subprocess
 import sys
 import unittest
 
-from sandbox import Sandbox, sandboxed
+from sandbox import SandboxWithTray, sandboxed
 from waiting import holds, wait_for
 from workspace_probe import Probe, window_of, write
 
@@ -102,7 +102,7 @@ class Naming(unittest.TestCase):
 
     def test_a_sandboxed_application_with_a_tray_icon_is_asked_and_not_its_bus_proxy(self):
         entry("org.example.Boxed", "Boxed", "boxed")
-        sandbox = Sandbox("org.example.Boxed")
+        sandbox = SandboxWithTray("org.example.Boxed")
         self.addCleanup(sandbox.close)
         self.watch()
         application = sandbox.start_application()

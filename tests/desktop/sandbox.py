@@ -65,17 +65,14 @@ def sandboxed(info, shared_folders, *command, program=None):
 
 
 class Sandbox:
+    """A sandbox with its bus proxy, in which programs are started."""
+
     def __init__(self, identifier):
         # pylint: disable=consider-using-with
         self.folder = tempfile.TemporaryDirectory()
         place = self.folder.name
         write(f"{place}/info", f"[Application]\nname={identifier}\n")
-        write(f"{place}/tray.py", TRAY_SCRIPT)
-        write(f"{place}/application.py", APPLICATION_SCRIPT)
         self.log = open(f"{place}/log", "a", encoding="utf-8")
-        self.tray_log = open(f"{place}/tray-log", "a", encoding="utf-8")
-        self.tray = subprocess.Popen(["/usr/bin/python3", f"{place}/tray.py"], stdout=self.tray_log)
-        wait_for(lambda: "ready" in self.read(self.tray_log), "the tray's registry")
         self.proxy = subprocess.Popen(self.boxed("/usr/bin/xdg-dbus-proxy", os.environ["DBUS_SESSION_BUS_ADDRESS"],
                                                  f"{place}/bus"))
         wait_for(lambda: os.path.exists(f"{place}/bus"), "the bus proxy")
@@ -83,8 +80,10 @@ class Sandbox:
     def boxed(self, *command):
         return sandboxed(f"{self.folder.name}/info", [self.folder.name], *command)
 
-    def start_application(self):
-        environment = {**os.environ, "DBUS_SESSION_BUS_ADDRESS": f"unix:path={self.folder.name}/bus"}
+    def start(self, script, **environment):
+        """Starts a Python script with this text."""
+        write(f"{self.folder.name}/application.py", script)
+        environment = {**os.environ, "DBUS_SESSION_BUS_ADDRESS": f"unix:path={self.folder.name}/bus", **environment}
         return subprocess.Popen(self.boxed("/usr/bin/python3", f"{self.folder.name}/application.py"), env=environment,
                                 stdout=self.log)
 
@@ -93,16 +92,36 @@ class Sandbox:
         with open(log.name, encoding="utf-8") as file:
             return file.read()
 
-    def has_icon(self):
-        return "registered" in self.read(self.tray_log)
-
     def output(self):
         return self.read(self.log)
 
     def close(self):
-        for process in (self.proxy, self.tray):
-            process.kill()
-            process.wait()
+        self.proxy.kill()
+        self.proxy.wait()
         self.log.close()
-        self.tray_log.close()
         self.folder.cleanup()
+
+
+class SandboxWithTray(Sandbox):
+    """A sandbox beside a tray that accepts its icons."""
+
+    def __init__(self, identifier):
+        super().__init__(identifier)
+        # pylint: disable=consider-using-with
+        place = self.folder.name
+        write(f"{place}/tray.py", TRAY_SCRIPT)
+        self.tray_log = open(f"{place}/tray-log", "a", encoding="utf-8")
+        self.tray = subprocess.Popen(["/usr/bin/python3", f"{place}/tray.py"], stdout=self.tray_log)
+        wait_for(lambda: "ready" in self.read(self.tray_log), "the tray's registry")
+
+    def start_application(self):
+        return self.start(APPLICATION_SCRIPT)
+
+    def has_icon(self):
+        return "registered" in self.read(self.tray_log)
+
+    def close(self):
+        self.tray.kill()
+        self.tray.wait()
+        self.tray_log.close()
+        super().close()

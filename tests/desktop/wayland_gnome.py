@@ -6,6 +6,7 @@ import unittest
 
 from compositor_case import DATA, FAT, NAME_SCRIPT, CompositorCase, entry
 from compositors import Mutter
+from sandbox import Sandbox
 from waiting import holds, wait_for
 from workspace_probe import write
 
@@ -16,7 +17,7 @@ ACTION_SCRIPT = """
 import gi
 gi.require_version("Gtk", "3.0")
 from gi.repository import Gio, Gtk
-application = Gtk.Application(application_id="org.example.Asks")
+application = Gtk.Application(application_id="IDENTIFIER")
 def show(_application):
     window = Gtk.ApplicationWindow(application=application, title="Asks")
     window.show_all()
@@ -36,10 +37,11 @@ class GnomeCompositor(CompositorCase):
     kind = Mutter
 
     def add_entries(self):
-        write(f"{DATA}/tools/asks.py", ACTION_SCRIPT)
+        write(f"{DATA}/tools/asks.py", ACTION_SCRIPT.replace("IDENTIFIER", "org.example.Asks"))
         write(f"{DATA}/tools/name.py", NAME_SCRIPT)
         entry("org.example.Asks", "Asking Editor", "started-elsewhere")
         entry("org.example.Stranger", "Stranger", "started-elsewhere")
+        entry("org.example.Boxed", "Boxed Editor", "started-elsewhere")
 
     def start_shown(self, *arguments):
         """A script that shows a window and then prints a line."""
@@ -89,6 +91,20 @@ class GnomeCompositor(CompositorCase):
         self.assertTrue(probe.ask("quit-name Stranger", "asked"))
         self.assertEqual(stranger.wait(timeout=20), -signal.SIGTERM)
         holds(lambda: fat.poll() is None and asks.poll() is None, "the editors run on", 0.5)
+
+    def test_a_sandboxed_program_is_asked_by_its_own_action(self):
+        sandbox = Sandbox("org.example.Boxed")
+        self.addCleanup(sandbox.close)
+        boxed = sandbox.start(ACTION_SCRIPT.replace("IDENTIFIER", "org.example.Boxed"),
+                              **self.compositor.environment, GDK_BACKEND="wayland")
+        self.addCleanup(boxed.wait)
+        self.addCleanup(boxed.kill)
+        wait_for(lambda: "shown" in sandbox.output(), "its window")
+        probe = self.probe()
+        probe.appears("org.example.Boxed")
+        wait_for(lambda: probe.ask("quit-name Boxed Editor", "asked"), "the action that its proxy offers is known")
+        wait_for(lambda: "asked" in sandbox.output(), "the editor asks")
+        holds(lambda: boxed.poll() is None, "the editor runs on", 0.5)
 
     def test_the_popover_is_placed_and_closed_as_on_x11(self):
         self.check_popover(PROGRAM)

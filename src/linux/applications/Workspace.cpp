@@ -119,7 +119,16 @@ std::optional<PoliteQuit::Target> Workspace::quitTarget(std::int32_t pid) {
   const auto found = known_.find(pid);
   if (found == known_.end() || !found->second.application) return std::nullopt;
   const Known& known = found->second;
-  return PoliteQuit::Target{windowsOf(pid), known.quitAction, *known.exit, signalsTo(pid, known)};
+  return PoliteQuit::Target{windowsOf(pid), quitActionOf(known), *known.exit, signalsTo(pid, known)};
+}
+
+// In a sandbox, the bus proxy owns the application's name, which is a process without an application.
+std::optional<QuitAction> Workspace::quitActionOf(const Known& application) const {
+  if (application.quitAction || application.entryID.empty()) return application.quitAction;
+  const auto proxy = std::ranges::find_if(known_, [&application](const auto& each) {
+    return !each.second.application && each.second.busID == application.entryID;
+  });
+  return proxy == known_.end() ? std::nullopt : proxy->second.quitAction;
 }
 
 // Permits no signal where a window may be lost: a process without windows may be a part of an application

@@ -82,6 +82,7 @@ class Workspace final : public ports::Workspace {
   void identify(std::int32_t pid, Known& known, const std::vector<DesktopWindow>& windows);
   std::int32_t applicationAbove(std::int32_t pid, ProcessFamily::Kinship kinship) const;
   std::optional<PoliteQuit::Target> quitTarget(std::int32_t pid);
+  std::optional<QuitAction> quitActionOf(const Known& application) const;
   PoliteQuit::Signals signalsTo(std::int32_t pid, const Known& known);
   bool mayHaveUnseenWindows(std::int32_t pid);
   const formats::DesktopEntry* entryRunning(std::string_view program) const;
