@@ -128,7 +128,7 @@ void KeyValueStore::setObject(const std::string& key, std::optional<ports::Store
 
 void KeyValueStore::synchronize() {
   *writeIsQueued_ = false;
-  if (unwritten_.isEmpty()) return;
+  if (unwritten_.empty()) return;
   const bool failed = !write();
   if (failed && !lastWriteFailed_) {
     settingsLog.error("settings: %{public}s could not be written; changes last until the program ends",

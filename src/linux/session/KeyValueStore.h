@@ -4,12 +4,12 @@
 #include "ports/KeyValueStore.h"
 
 #include <QMap>
-#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 
 namespace vorli::linuxhost {
@@ -44,7 +44,7 @@ class KeyValueStore final : public ports::KeyValueStore {
   const std::string file_;
   const bool isUsable_;
   QMap<QString, QVariant> values_;
-  QSet<QString> unwritten_;  // the keys that were set or removed since the last write
+  std::set<QString> unwritten_;  // the keys that were set or removed since the last write
   std::shared_ptr<bool> writeIsQueued_ = std::make_shared<bool>(false);
   bool lastWriteFailed_ = false;
 };
