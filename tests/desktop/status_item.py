@@ -299,11 +299,12 @@ class AppearanceTest(unittest.TestCase):
         self.program.expect("appearance dark", since)
         self.program.expect("tray notifier", since)
         place = icon_place()
-        bright = range(place[0] - 9, place[0] + 9)
-        wait_for(
-            lambda: any(min(Screen().pixel(x, y)) > 170 for x in bright for y in range(4, 24)),
-            "the empty ticks are bright",
-        )
+        around = [(x, y) for x in range(place[0] - 9, place[0] + 9) for y in range(4, 24)]
+
+        def has_bright_ticks(screen):
+            return any(min(screen.pixel(*point)) > 170 for point in around)
+
+        wait_for(lambda: has_bright_ticks(Screen()), "the empty ticks are bright")
         photograph("dark-panel", "120x30+1800+0")
 
 
