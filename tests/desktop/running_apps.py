@@ -238,14 +238,25 @@ class RunningApplications(unittest.TestCase):
         owns = lambda: pid in self.probe.ask("windows", "windows")
         wait_for(owns, "its window is on the screen")
 
+        def is_listed():
+            return int(window) in [int(each, 16) for each in client_list()]
+
+        def follow():
+            """Lets the program read the list of windows: it has done so at the latest before the second question."""
+            for _ in range(2):
+                self.probe.running()
+
         def show_again(**properties):
             subprocess.run(["xdotool", "windowunmap", "--sync", window], check=True)
-            wait_for(lambda: not owns(), "the window is away")
+            # A window that leaves the list and returns before the program reads it would stay as it was.
+            wait_for(lambda: not is_listed(), "the window is away")
+            follow()
+            self.assertFalse(owns())
             for name, (kind, value) in properties.items():
                 subprocess.run(["xprop", "-id", window, "-f", name, kind, "-set", name, value], check=True)
             subprocess.run(["xdotool", "windowmap", "--sync", window], check=True)
-            listed = lambda: int(window) in [int(each, 16) for each in client_list()]
-            wait_for(listed, "the window is back")
+            wait_for(is_listed, "the window is back")
+            follow()
 
         show_again()
         wait_for(owns, "a window that comes back is known")
