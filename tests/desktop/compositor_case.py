@@ -9,7 +9,7 @@ import unittest
 
 import dbus
 from vorli import Vorli
-from waiting import wait_for
+from waiting import settled, wait_for
 from workspace_probe import Probe, write
 
 PROBE, FAT = sys.argv[1], sys.argv[2]
@@ -140,7 +140,7 @@ class CompositorCase(unittest.TestCase):
                               "org.kde.StatusNotifierItem")
         self.assertEqual(self.windows_of_x11(), [])
         item.Activate(ICON_X, ICON_Y)
-        (x, y, width), = wait_for(self.windows_of_x11, "the popover", 20, 0.1)
+        (x, y, width), = settled(self.windows_of_x11, "the popover", 20, 0.1)
         self.assertAlmostEqual(x + width / 2, ICON_X, delta=1)
         self.assertLess(y, ICON_Y + 20)
         wait_for(lambda: "0x0" not in self.compositor.run("xprop", "-root", "_NET_ACTIVE_WINDOW").split(),

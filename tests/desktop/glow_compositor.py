@@ -8,9 +8,10 @@ import unittest
 import glow_parts
 from glow_parts import DEEP_RED, MIDDLE_OF_TOP, Desktop, lit, near, until_pixel
 from tray_parts import Process, Screen
-from waiting import wait_for
+from waiting import settled, wait_for
 
 PROGRAM = sys.argv.pop(1)
+SEVERAL_FRAMES = 0.3  # seconds
 
 
 class CompositorTest(unittest.TestCase):
@@ -36,7 +37,7 @@ class CompositorTest(unittest.TestCase):
         return int(self.program.expect(r"frames \d+", since).split()[1])
 
     def test_there_is_no_glow_without_a_compositor_and_one_as_soon_as_it_runs(self):
-        wait_for(lambda: self.frames() > 20, "the glow has come up, unseen")
+        settled(self.frames, "the glow has come up, unseen", pause=SEVERAL_FRAMES)
         self.assertEqual(glow_parts.band_windows(), [])
         self.assertEqual(Screen().pixel(*MIDDLE_OF_TOP), (255, 255, 255))
 

@@ -182,6 +182,7 @@ class Insights(unittest.TestCase):
         wait_for(lambda: self.probe.front() == "org.xfce.mousepad", "the editor has the focus")
         subprocess.run(["xdotool", "type", "--delay", "20", "unsaved"], check=True)
         wait_for(lambda: window_of(r"^\*"), "the text is in the editor")
+        wait_for(lambda: window_of("Right window"), "the window that stays on the screen")
         for title in ("galculator", r"^\*", "Left window"):
             subprocess.run(["xdotool", "windowminimize", wait_for(lambda t=title: window_of(t), title)], check=True)
         running = self.probe.running()

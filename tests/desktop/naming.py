@@ -152,9 +152,11 @@ class Naming(unittest.TestCase):
         process.wait(timeout=20)
 
     def test_a_sweep_leaves_a_program_without_an_entry_alone_unless_its_windows_are_hidden(self):
-        self.start("galculator")  # keeps a window on the screen
+        self.start("galculator")
         gone, minimised = self.start_windows("gone-away"), self.start_windows("set-aside")
         self.watch()
+        calculator = self.probe.appears("galculator")["pid"]
+        wait_for(lambda: calculator in self.probe.ask("windows", "windows"), "a window that stays on the screen")
         self.wait_for_unlisted("gone-away")
         pid = self.wait_for_unlisted("set-aside")["pid"]
         gone.stdin.write(b"\n")

@@ -73,7 +73,7 @@ class Surroundings(unittest.TestCase):
 
     def end(self, process):
         process.send_signal(signal.SIGTERM)
-        self.assertEqual(process.wait(timeout=5), 0)
+        self.assertEqual(process.wait(timeout=10), 0)
 
     def test_without_a_tray_it_lives_and_can_be_called_up(self):
         process = self.lives(self.start())

@@ -44,7 +44,8 @@ class Probe:
         return {application["id"]: application for application in self.ask("list", "list")}
 
     def appears(self, identifier):
-        return wait_for(lambda: self.running().get(identifier), f"{identifier} is running")
+        """Waits for the application. Where windows cannot be seen, new processes are looked for every 15 seconds."""
+        return wait_for(lambda: self.running().get(identifier), f"{identifier} is running", seconds=40)
 
     def events(self, kind):
         return [line["application"]["id"] for line in self.lines if line.get("event") == kind and "application" in line]

@@ -244,7 +244,7 @@ start_sound() {
   esac
   wait_until 10 pactl info || fail "no sound server" sound
   [ "$audio" = pulse ] || pactl load-module module-null-sink media.class=Audio/Sink sink_name=vorli_null >/dev/null
-  pactl set-default-sink vorli_null
+  wait_until 10 pactl set-default-sink vorli_null || fail "no default sink" sound # wireplumber may still be starting
 }
 
 private_environment
