@@ -227,6 +227,20 @@ class TrayIcon:
         x, y = self.centre()
         run("xdotool", "mousemove", str(x), str(y), "click", str(button))
 
+    def open_popover(self, process):
+        """Clicks until the program has a window; it must have none before. A busy panel may lose a click on an icon that
+        has just come."""
+        longer_than_an_opening = 8.0
+
+        def opens():
+            self.click(1)
+            try:  # another click before it appears would close it
+                return wait_for(lambda: windows_of(process), "the popover", longer_than_an_opening)
+            except Missing:
+                return None
+
+        wait_for(opens, "the popover at the icon", 30)
+
 
 def menu_of(item):
     """The menu of a status notifier item as the panel gets it: the bus object, and (id, label) of each row from the
