@@ -228,8 +228,8 @@ class TrayIcon:
         run("xdotool", "mousemove", str(x), str(y), "click", str(button))
 
     def open_popover(self, process):
-        """Clicks until the program has a window; it must have none before. A busy panel may lose a click on an icon that
-        has just come."""
+        """Clicks until the program has a window; it must have none before. A busy panel may lose a click on an icon
+        that has just come."""
         longer_than_an_opening = 8.0
 
         def opens():
