@@ -108,7 +108,7 @@ class DailyLifeTest(unittest.TestCase):
         mail = MailProgram(self)
         self.start()
         self.vorli.process.send_signal(signal.SIGSEGV)
-        self.assertEqual(self.vorli.process.wait(10), -signal.SIGSEGV)
+        self.assertEqual(self.vorli.process.wait(30), -signal.SIGSEGV)
         (report,) = reports("pending")
         self.assertIn("\nSummary\n-------\nFatal signal SIGSEGV (11)\n", report)
         # An earlier report, short enough for the mail itself.
