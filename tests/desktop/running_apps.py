@@ -236,13 +236,16 @@ class RunningApplications(unittest.TestCase):
         owns = lambda: pid in self.probe.ask("windows", "windows")
         wait_for(owns, "its window is on the screen")
 
+        listed = lambda: int(window) in [int(each, 16) for each in client_list()]
+
         def show_again(**properties):
             subprocess.run(["xdotool", "windowunmap", "--sync", window], check=True)
-            wait_for(lambda: not owns(), "the window is away")
+            # A list that lacks it only for a moment would pass unnoticed, and with it what is changed meanwhile.
+            wait_for(lambda: not listed() and not owns(), "the window is away")
+            owns()  # the answer comes after all that happened before the last question
             for name, (kind, value) in properties.items():
                 subprocess.run(["xprop", "-id", window, "-f", name, kind, "-set", name, value], check=True)
             subprocess.run(["xdotool", "windowmap", "--sync", window], check=True)
-            listed = lambda: int(window) in [int(each, 16) for each in client_list()]
             wait_for(listed, "the window is back")
 
         show_again()
