@@ -12,7 +12,7 @@ import dbus
 from crash_parts import PENDING_REPORT, MailProgram, clipboard, reports, store
 from vorli import BUS_NAME, CrashReport, Load, Vorli, run, window_picture, windows_of
 from waiting import settled, wait_for
-from workspace_probe import write
+from workspace_probe import bring_to_front, write
 
 PROGRAM = sys.argv.pop(1)
 HOME, CONFIG = os.environ["HOME"], os.environ["XDG_CONFIG_HOME"]
@@ -100,7 +100,7 @@ class DailyLifeTest(unittest.TestCase):
         other = subprocess.Popen(["xmessage", "-title", "other", "hello"])
         self.addCleanup(other.wait)
         self.addCleanup(other.terminate)
-        run("xdotool", "search", "--sync", "--onlyvisible", "--name", "^other$", "windowactivate", "--sync")
+        bring_to_front("^other$")
         self.polishes(lambda: run("xdotool", "key", "alt+shift+c"))
 
     def test_a_crash_is_offered_at_the_next_start_and_goes_to_the_mail_program(self):
@@ -108,7 +108,7 @@ class DailyLifeTest(unittest.TestCase):
         mail = MailProgram(self)
         self.start()
         self.vorli.process.send_signal(signal.SIGSEGV)
-        self.assertEqual(self.vorli.process.wait(10), -signal.SIGSEGV)
+        self.assertEqual(self.vorli.process.wait(30), -signal.SIGSEGV)
         (report,) = reports("pending")
         self.assertIn("\nSummary\n-------\nFatal signal SIGSEGV (11)\n", report)
         # An earlier report, short enough for the mail itself.

@@ -10,8 +10,8 @@ import unittest
 
 import dbus
 from vorli import (
-    BUS_NAME, OBJECT, PanelMenu, Settings, TrayIcon, Vorli, free_memory_bytes, is_painted, picture, screen_width,
-    window_picture, windows_of,
+    BUS_NAME, OBJECT, PanelMenu, Settings, TrayIcon, Vorli, free_memory_bytes, give_keyboard, is_painted, picture,
+    screen_width, window_picture, windows_of,
 )
 from waiting import holds, wait_for
 
@@ -66,7 +66,7 @@ class InstalledVorliTest(unittest.TestCase):
     def test_about_opens_once_and_escape_closes_it(self):
         PanelMenu(self.icon).choose("About Vorli")
         window = wait_for(lambda: windows_of(self.vorli.process.pid), "the about panel")[0]
-        subprocess.run(["xdotool", "windowactivate", "--sync", window], check=True)
+        give_keyboard(window)
         wait_for(lambda: is_painted(window), "the about panel's contents")
         window_picture(os.path.join(PICTURES, "about.png"), window)
         subprocess.run(["xdotool", "key", "Escape"], check=True)

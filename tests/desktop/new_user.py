@@ -131,7 +131,7 @@ class NewUserTest(unittest.TestCase):
         with open(AUTOSTART, encoding="utf-8") as file:
             before = file.read()
 
-        self.icon.click(1)
+        self.icon.open_popover(self.vorli.process.pid)
         self.spoken.find(button("Settings"))
         self.spoken.press(*button("Settings"))
         settings = Settings(self.vorli.process.pid)

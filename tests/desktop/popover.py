@@ -16,7 +16,7 @@ from waiting import holds, wait_for
 OPENINGS = int(os.environ.get("VORLI_OPENINGS", "20"))  # 200 in a long run
 CLOSES_AFTER, TOLERANCE = 5.65, 0.05
 STALLS_BEFORE_CLOSING = 8  # in each of four waits, and in the work after it
-LONGER_THAN_A_LAUNCH = 12.0  # the last step, the first check for updates, comes after ten seconds
+LONGER_THAN_A_LAUNCH = 20.0  # the last step, the first check for updates, comes after ten seconds
 
 
 class ClicksTest(PopoverTest):
@@ -155,7 +155,7 @@ class ManyOpeningsTest(PopoverTest):
             except AssertionError:
                 pass
             try:
-                rolling_up = 1.0
+                rolling_up = 5.0
                 wait_for(lambda: not self.vorli.window(), "a popover that is about to close", rolling_up)
             except AssertionError:
                 self.vorli.toggle()

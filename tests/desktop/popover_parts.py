@@ -9,8 +9,7 @@ import time
 
 import dbus
 import tray_parts
-from tray_parts import pointer
-from vorli import TrayIcon
+from vorli import TrayIcon, give_keyboard
 from waiting import wait_for
 
 NAME = os.environ.get("VORLI_SESSION_NAME", "session")
@@ -218,7 +217,7 @@ Gtk.main()
         return int(place["X"]) + 250, int(place["Y"]) + 200
 
     def activate(self):
-        pointer("windowactivate", "--sync", self.window)
+        give_keyboard(self.window)
 
     def close(self):
         self.program.kill()

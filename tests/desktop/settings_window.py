@@ -64,7 +64,7 @@ class SettingsWindowTest(unittest.TestCase):
         wait_for(lambda: not self.icon.items(), "a panel without the icon")
 
     def open(self):
-        self.icon.click(1)
+        self.icon.open_popover(self.vorli.process.pid)
         try:
             self.spoken.find(("push button", "Settings"))
         except Missing:

@@ -118,7 +118,7 @@ class UnitLogins(unittest.TestCase):
     def end_manager(self, group, manager):
         self.systemctl("start", "--no-block", "exit.target")
         try:
-            manager.wait(20)
+            manager.wait(60)
         finally:
             manager.kill()
             manager.wait()

@@ -71,10 +71,14 @@ class WindowPictures(unittest.TestCase):
         handle, log = tempfile.mkstemp(dir=HOME, suffix=".log")
         os.close(handle)
         self.vorli = Vorli(PROGRAM, log, environment)
-        self.addCleanup(self.vorli.end)
+        self.addCleanup(self.end)
         self.item = TrayIcon().appear()[0]
         wait_for(lambda: self.vorli.ticks >= 1, "the first look at the machine")
         self.spoken = Spoken(self.vorli.process.pid)
+
+    def end(self):
+        self.vorli.end()
+        wait_for(lambda: not TrayIcon().items(), "a panel without the icon")
 
     def picture(self, sheet, state):
         path = os.path.join(PICTURES, f"{state}-{NAME}.png")
@@ -162,7 +166,7 @@ class WindowPictures(unittest.TestCase):
 
     def settings(self):
         wait_for(lambda: self.vorli.helper_status == "enabled", "the enabled helper", 20)
-        TrayIcon().click(1)
+        TrayIcon().open_popover(self.vorli.process.pid)
         self.press("push button", "Settings")
         settings = Settings(self.vorli.process.pid)
         for tab, row in PAGES.items():

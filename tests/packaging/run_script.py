@@ -48,8 +48,11 @@ def is_up(program):
     """Whether the program runs by now and waits for a signal that ends it."""
     terminate = 1 << (signal.SIGTERM - 1)
     for process in processes_of(program):
-        with open(f"/proc/{process}/status", encoding="ascii") as file:
-            masks = dict(line.split(":\t") for line in file.read().splitlines() if line.startswith("Sig"))
+        try:
+            with open(f"/proc/{process}/status", encoding="ascii") as file:
+                masks = dict(line.split(":\t") for line in file.read().splitlines() if line.startswith("Sig"))
+        except (FileNotFoundError, ProcessLookupError):
+            continue  # it has ended in the meantime
         if (int(masks["SigCgt"], 16) | int(masks["SigBlk"], 16)) & terminate:
             return True
     return False

@@ -122,9 +122,17 @@ class Spoken:
 
     def press(self, role, name, action="Press"):
         """Invokes the action "press" as a tool does, or another one."""
-        element = self._element(role, name)
-        actions = [Atspi.Action.get_action_name(element, i) for i in range(Atspi.Action.get_n_actions(element))]
-        assert Atspi.Action.do_action(element, actions.index(action))
+
+        def look():
+            element = self._element(role, name)
+            try:
+                actions = [Atspi.Action.get_action_name(element, i) for i in range(Atspi.Action.get_n_actions(element))]
+            except GLib.Error:
+                return None  # the element was destroyed after the search
+            return (element, actions.index(action)) if action in actions else None
+
+        element, number = wait_for(look, f"the action {action} of the {role} {name}")
+        assert Atspi.Action.do_action(element, number)
 
     def write(self, role, name, text):
         """Replaces the text of the field."""
@@ -132,7 +140,14 @@ class Spoken:
 
     def states(self, role, name):
         """The element's current states, as in {"enabled", "checked"}."""
-        return self._states(self._element(role, name))
+
+        def look():
+            try:
+                return (self._states(self._element(role, name)),)
+            except GLib.Error:
+                return None  # the element was destroyed after the search
+
+        return wait_for(look, f"the states of the {role} {name}")[0]
 
     @staticmethod
     def _states(element):

@@ -39,9 +39,9 @@ start_x_server() {
   mkfifo "$dir/run/display"
   Xvfb -displayfd 7 -screen 0 "${size}x24" -dpi "$dpi" -nolisten tcp -noreset +extension Composite \
     +extension RANDR 7<>"$dir/run/display" >"$dir/logs/x-server" 2>&1 </dev/null &
-  read -r -t 30 number <>"$dir/run/display" || fail "no X server" x-server
+  read -r -t 40 number <>"$dir/run/display" || fail "no X server" x-server
   export DISPLAY=:$number
-  wait_until 10 xdpyinfo || fail "the X server does not answer" x-server
+  wait_until 40 xdpyinfo || fail "the X server does not answer" x-server
   xsetroot -solid '#56646b' # contrasts with light and with dark
   [ "$dpi" = 96 ] || echo "Xft.dpi: $dpi" | xrdb -nocpp -merge
 }
@@ -71,7 +71,7 @@ start_session_bus() {
 X
   export DBUS_SESSION_BUS_ADDRESS=unix:path=$dir/run/bus
   in_background session-bus dbus-daemon --config-file="$dir/run/bus.conf" --nofork --nopidfile
-  wait_until 10 bus_has_name session org.freedesktop.DBus || fail "no session bus" session-bus
+  wait_until 40 bus_has_name session org.freedesktop.DBus || fail "no session bus" session-bus
 }
 
 # Services in the runtime folder take precedence over the system's. The portal's preferences are for this session only.
@@ -90,7 +90,7 @@ start_accessibility() {
   unset NO_AT_BRIDGE GTK_A11Y
   export QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 QT_ACCESSIBILITY=1
   in_background accessibility /usr/libexec/at-spi-bus-launcher --launch-immediately
-  wait_until 10 bus_has_name session org.a11y.Bus || fail "no accessibility bus" accessibility
+  wait_until 40 bus_has_name session org.a11y.Bus || fail "no accessibility bus" accessibility
 }
 
 window_manager_is_up() { xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'; }
@@ -116,12 +116,12 @@ X
     xfwm4) in_background window-manager xfwm4 --compositor=$compositing --vblank=off ;;
     openbox) in_background window-manager openbox --sm-disable ;;
   esac
-  [ "$wm" = none ] || wait_until 10 window_manager_is_up || fail "no window manager" window-manager
+  [ "$wm" = none ] || wait_until 40 window_manager_is_up || fail "no window manager" window-manager
   if [ "$compositor" = picom ]; then
     printf '%s\n' 'backend = "xrender";' 'vsync = false;' 'shadow = false;' 'fading = false;' >"$dir/run/picom.conf"
     in_background compositor picom --config "$dir/run/picom.conf"
   fi
-  [ "$compositor" = none ] || wait_until 10 compositor_is_up || fail "no compositor" compositor
+  [ "$compositor" = none ] || wait_until 40 compositor_is_up || fail "no compositor" compositor
 }
 
 settings_are_up() { /usr/bin/python3 "$here/selection_owner.py" _XSETTINGS_S0; }
@@ -134,7 +134,7 @@ start_settings() {
   echo '@import url("resource:///org/gtk/libgtk/theme/Adwaita/gtk-contained-dark.css");' >"$theme/gtk.css"
   echo 'Net/ThemeName "Adwaita-dark"' >"$dir/run/xsettingsd"
   in_background settings xsettingsd --config "$dir/run/xsettingsd"
-  wait_until 10 settings_are_up || fail "no settings of the desktop" settings
+  wait_until 40 settings_are_up || fail "no settings of the desktop" settings
 }
 
 # Started here and not by the bus: several installed daemons have the same bus name, and the bus would take any one.
@@ -144,7 +144,7 @@ start_notifications() {
     dunst) in_background notifications dunst ;;
     none) return 0 ;;
   esac
-  wait_until 10 bus_has_name session org.freedesktop.Notifications || fail "no notification daemon" notifications
+  wait_until 40 bus_has_name session org.freedesktop.Notifications || fail "no notification daemon" notifications
 }
 
 write_xfce_panel() {
@@ -204,7 +204,7 @@ start_panel() {
     xfce4)
       write_xfce_panel
       in_background panel xfce4-panel --disable-wm-check
-      wait_until 15 bus_has_name session org.kde.StatusNotifierWatcher || fail "no status notifier watcher" panel
+      wait_until 40 bus_has_name session org.kde.StatusNotifierWatcher || fail "no status notifier watcher" panel
       ;;
     tint2)
       write_tint2_panel
@@ -216,7 +216,7 @@ start_panel() {
       ;;
     none) return 0 ;;
   esac
-  wait_until 10 tray_is_up || fail "no tray in the panel" panel
+  wait_until 40 tray_is_up || fail "no tray in the panel" panel
 }
 
 # A null sink, whose monitor can be recorded.
@@ -236,13 +236,13 @@ start_sound() {
     pipewire)
       export PULSE_SERVER=unix:$dir/run/pulse/native
       in_background pipewire pipewire
-      wait_until 10 test -S "$dir/run/pipewire-0" || fail "no pipewire" pipewire
+      wait_until 40 test -S "$dir/run/pipewire-0" || fail "no pipewire" pipewire
       in_background wireplumber wireplumber
       in_background sound pipewire-pulse
       ;;
     none) return 0 ;;
   esac
-  wait_until 10 pactl info || fail "no sound server" sound
+  wait_until 40 pactl info || fail "no sound server" sound
   [ "$audio" = pulse ] || pactl load-module module-null-sink media.class=Audio/Sink sink_name=vorli_null >/dev/null
   wait_until 10 pactl set-default-sink vorli_null || fail "no default sink" sound # wireplumber may still be starting
 }

@@ -26,9 +26,9 @@ start_system_bus() {
   make_user_session "$user"
   local with_login=(unshare --mount --propagation private "$here/session/with-login.sh" "$folder")
   in_background system-bus "${with_login[@]}" dbus-daemon --config-file="$folder/bus.conf" --nofork --nopidfile
-  wait_until 10 bus_has_name system org.freedesktop.DBus || fail "no private system bus" system-bus
+  wait_until 40 bus_has_name system org.freedesktop.DBus || fail "no private system bus" system-bus
   in_background polkitd "${with_login[@]}" /usr/lib/polkit-1/polkitd --no-debug
-  wait_until 10 bus_has_name system org.freedesktop.PolicyKit1 || fail "no polkitd on the private system bus" polkitd
+  wait_until 40 bus_has_name system org.freedesktop.PolicyKit1 || fail "no polkitd on the private system bus" polkitd
   [ "$registered" = yes ] || start_administrator "$prefix"
 }
 
@@ -49,7 +49,7 @@ make_places_to_register() {
 start_administrator() {
   in_background administrator "$here/session/enter-cgroup.sh" "$session_cgroup" \
     /usr/bin/python3 -B "$here/session/administrator.py" "$session_id" "$1"
-  wait_until 10 bus_has_name system com.kv.vorli.Administrator || fail "no administrator" administrator
+  wait_until 40 bus_has_name system com.kv.vorli.Administrator || fail "no administrator" administrator
 }
 
 # take_helper_file SUFFIX TO FOLDER...: copies the file from the first folder that has it. The system's folders are

@@ -155,8 +155,7 @@ class Sheet:
         return next((window for window in windows_of(self._process) if width_of(window) >= self.LEAST_WIDTH), None)
 
     def has_keyboard(self):
-        active = subprocess.run(["xdotool", "getactivewindow"], capture_output=True, text=True, check=False).stdout
-        return active.strip() == self.window
+        return has_keyboard(self.window)
 
     def press(self, *keys):
         run("xdotool", "key", "--delay", "60", *keys)
@@ -228,6 +227,20 @@ class TrayIcon:
         x, y = self.centre()
         run("xdotool", "mousemove", str(x), str(y), "click", str(button))
 
+    def open_popover(self, process):
+        """Clicks until the program has a window; it must have none before. A busy panel may lose a click on an icon
+        that has just come."""
+        longer_than_an_opening = 8.0
+
+        def opens():
+            self.click(1)
+            try:  # another click before it appears would close it
+                return wait_for(lambda: windows_of(process), "the popover", longer_than_an_opening)
+            except Missing:
+                return None
+
+        wait_for(opens, "the popover at the icon", 30)
+
 
 def menu_of(item):
     """The menu of a status notifier item as the panel gets it: the bus object, and (id, label) of each row from the
@@ -278,6 +291,12 @@ class PanelMenu:
         wait_for(lambda: self.window not in {window for window, *_ in _menus()}, "the end of the menu")
 
 
+def _is_tooltip(window):
+    """A panel with large letters has tooltips of a menu's size."""
+    told = subprocess.run(["xprop", "-id", window, "_NET_WM_WINDOW_TYPE"], capture_output=True, text=True, check=False)
+    return "TYPE_TOOLTIP" in told.stdout
+
+
 def _menus():
     """Shown pop-up windows of a menu's size: id, x, y, width, height."""
     found = []
@@ -286,7 +305,7 @@ def _menus():
         if not match or int(match[2]) < 60 or int(match[3]) < 60 or int(match[2]) > 800:
             continue
         about = subprocess.run(["xwininfo", "-id", match[1]], capture_output=True, text=True, check=False).stdout
-        if "Override Redirect State: yes" in about and "Map State: IsViewable" in about:
+        if "Override Redirect State: yes" in about and "Map State: IsViewable" in about and not _is_tooltip(match[1]):
             found.append((match[1], int(match[4]), int(match[5]), int(match[2]), int(match[3])))
     return found
 
@@ -294,6 +313,23 @@ def _menus():
 def windows_of(process):
     """Ids of the shown ordinary windows of a process."""
     return found_windows("--all", "--pid", str(process), "--name", ".")
+
+
+def has_keyboard(window):
+    told = subprocess.run(["xdotool", "getactivewindow"], capture_output=True, text=True, check=False).stdout
+    return told.strip() == window
+
+
+def give_keyboard(window):
+    """Makes the window the active one. Asks again, because a busy window manager drops requests."""
+
+    def is_active():
+        if has_keyboard(window):
+            return True
+        subprocess.run(["xdotool", "windowactivate", window], capture_output=True, check=False)
+        return False
+
+    wait_for(is_active, "the keyboard in the window", pause=0.1)
 
 
 def width_of(window):

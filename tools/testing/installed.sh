@@ -38,7 +38,7 @@ run_installed() {
   install -d -m 1777 "$stage/pictures/$1"
   VORLI_PREFIX=$stage/prefix VORLI_PICTURES=$stage/pictures/$1 VORLI_VARIANT=${1##*-} \
     PYTHONPATH=$stage/tools/session PYTHONDONTWRITEBYTECODE=1 \
-    tools/desktop-session.sh "${options[@]}" --timeout 300 --keep-logs "$logs/session-$1" -- \
+    tools/desktop-session.sh "${options[@]}" --timeout 600 --keep-logs "$logs/session-$1" -- \
     /usr/bin/python3 "$stage/$2"
   status=$?
   mkdir -p "$pictures/$1" && cp -r "$stage/pictures/$1/." "$pictures/$1/"

@@ -31,23 +31,27 @@ def memory():
     return fields
 
 
-def fill_page_cache(folder, mebibytes):
+def fill_page_cache(folder, mebibytes, is_written_back):
     path = f"{folder}/filling"
     block = os.urandom(MEBIBYTE)
     with open(path, "wb") as file:
         for _ in range(mebibytes):
             file.write(block)
+        if is_written_back:
+            file.flush()
+            os.fsync(file.fileno())
     return path
 
 
 def truth_of_figures(rung):
     """Compares the daemon's figures with measurements before and after. Other programs change the memory between the
-    two readings, so the closest of several tries counts. A wrong figure would be wrong in all of them."""
+    two readings, so the closest of several tries counts. A wrong figure would be wrong in all of them. A slow disk does
+    not write all of it back in the daemon's time, so from the second try on it is on the disk before the purge."""
     box = rung.sandbox
     tries = []
-    for _ in range(5):
+    for attempt in range(5):
         box.restart()
-        path = fill_page_cache(f"{rung.options.source}/build", 400)
+        path = fill_page_cache(f"{rung.options.source}/build", 400, is_written_back=attempt > 0)
         before = memory()
         reply = call(box, "PurgeMemory")
         after = memory()

@@ -45,7 +45,7 @@ class Beat {
 struct ClientFixture : testing::Test {
   // A bus that hangs holds up its callers for as long as it hangs, which is seconds in these tests. A pause
   // below this limit comes from the load of the machine or from an instrumented program.
-  static constexpr double loadSeconds = isInstrumented ? 2.0 : 0.5;
+  static constexpr double loadSeconds = isInstrumented ? 2.0 : 1.0;
 
   /// Everything that uses the bus; made after the test has prepared the bus.
   struct Client {
