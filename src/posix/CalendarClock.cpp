@@ -5,6 +5,16 @@
 
 namespace vorli::posix {
 
+namespace {
+
+// Looks at the user's time zone each time: the reentrant function may keep the zone of its first call.
+bool toLocal(std::time_t moment, std::tm& local) {
+  tzset();
+  return localtime_r(&moment, &local) != nullptr;
+}
+
+}  // namespace
+
 Date CalendarClock::now() const {
   timespec moment{};
   clock_gettime(CLOCK_REALTIME, &moment);
@@ -12,15 +22,13 @@ Date CalendarClock::now() const {
 }
 
 int CalendarClock::localHour() const {
-  const std::time_t moment = std::time(nullptr);
   std::tm local{};
-  return localtime_r(&moment, &local) ? local.tm_hour : 0;
+  return toLocal(std::time(nullptr), local) ? local.tm_hour : 0;
 }
 
 ports::LocalTime CalendarClock::localTime(Date date) const {
-  const auto moment = static_cast<std::time_t>(std::floor(date.secondsSince1970));
   std::tm local{};
-  if (!localtime_r(&moment, &local)) return {};
+  if (!toLocal(static_cast<std::time_t>(std::floor(date.secondsSince1970)), local)) return {};
   return {.year = local.tm_year + 1900,
           .month = local.tm_mon + 1,
           .day = local.tm_mday,

@@ -31,14 +31,17 @@ TEST(CalendarClockTest, agreesWithTheStampsOfTheFileSystem) {
 TEST(CalendarClockTest, localTimeIsThatOfTheUsersZone) {
   const char* before = std::getenv("TZ");
   const std::string zone = before ? before : "";
+  setenv("TZ", "UTC0", 1);
+  const auto atHome = CalendarClock().localTime(Date{1'772'341'204.9});
+  // Stands for a user who travels while the program runs.
   setenv("TZ", "EST5", 1);
-  tzset();
   const auto local = CalendarClock().localTime(Date{1'772'341'204.9});  // 2026-03-01 05:00:04.9 UTC
   const auto day = CalendarClock().localTime(Date{1'772'341'199.9});    // a second before midnight there
   before ? setenv("TZ", zone.c_str(), 1) : unsetenv("TZ");
   tzset();
   EXPECT_EQ(std::tie(local.year, local.month, local.day), std::tuple(2026, 3, 1));
   EXPECT_EQ(std::tie(local.hour, local.minute), std::tuple(0, 0));
+  EXPECT_EQ(std::tie(atHome.hour, atHome.minute), std::tuple(5, 0));
   EXPECT_EQ(std::tie(day.month, day.day, day.hour, day.minute), std::tuple(2, 28, 23, 59));
 }
 
