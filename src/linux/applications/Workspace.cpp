@@ -257,8 +257,9 @@ std::optional<bool> Workspace::hasWindows(std::int32_t pid) {
   return std::ranges::any_of(windows_.windows(), isOfProcess) || !windowsOf(pid).empty();
 }
 
-// Matches a process when it is met and again with each new window or sign: a splash screen or an icon may
-// reveal less than the window after it, and one process may serve several entries.
+// Matches a process when it is met and again with each new window, sign or program: a splash screen or an
+// icon may reveal less than the window after it, one process may serve several entries, and a service
+// manager's child is met before it becomes the program.
 void Workspace::meet(std::int32_t pid, Sign sign, const std::string& busID) {
   const auto [slot, isNew] = known_.try_emplace(pid);
   Known& known = slot->second;
@@ -268,14 +269,16 @@ void Workspace::meet(std::int32_t pid, Sign sign, const std::string& busID) {
       known_.erase(slot);
       return;
     }
-    known.executable = programFileOf(pid);
   } else if (known.applicationPID != 0 && known.applicationPID != pid) {
     return;
   }
 
   const bool isNewSign = known.signs.insert(sign).second;
   if (!busID.empty()) known.busID = busID;
-  if (isNewSign || !busID.empty() || newestWindowOf(pid) != known.judgedByWindow) judge(pid, known);
+  const auto program = programFileOf(pid);  // empty for a process that is ending
+  const bool isNewProgram = !program.empty() && std::exchange(known.executable, program) != program;
+  const bool hasNewWindow = newestWindowOf(pid) != known.judgedByWindow;
+  if (isNewSign || isNewProgram || hasNewWindow || !busID.empty()) judge(pid, known);
   if (isNew && !known.application) windows_.applicationsChanged();  // it may own one all the same
 }
 

@@ -2,6 +2,7 @@
 #include "tests/linux/applications/WaylandFixture.h"
 
 #include <algorithm>
+#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <optional>
@@ -91,6 +92,38 @@ TEST_F(WorkspaceTest, theSecondProcessOfAProgramIsFoundByItsWindowToo) {
   EXPECT_EQ(running(), (OwnerPIDs{std::min(first, second), std::max(first, second)}));
   EXPECT_EQ(workspace->answerToTerminate(first), QuitAnswer::cannotBeAsked);
   EXPECT_EQ(workspace->answerToTerminate(second), QuitAnswer::cannotBeAsked);
+}
+
+TEST_F(WorkspaceTest, aProcessThatBecomesAnotherProgramIsMatchedAgain) {
+  const std::string sleeper = "/bin/sleep";
+  tree.write("entries/org.example.Sleeper.desktop",
+             "[Desktop Entry]\nType=Application\nName=Sleeper\nExec=" + sleeper + " 600\n");
+  start(Protocol::plasma);
+  int go[2], became[2];
+  ASSERT_EQ(pipe2(go, O_CLOEXEC), 0);
+  ASSERT_EQ(pipe2(became, O_CLOEXEC), 0);
+  const pid_t process = fork();
+  if (process == 0) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    char word = 0;
+    if (read(go[0], &word, 1) == 1) execl(sleeper.c_str(), "sleep", "600", nullptr);
+    _exit(1);
+  }
+  clients.push_back(process);
+  compositor->open({.appID = "some-program", .pid = process});
+  follow();
+  ASSERT_EQ(running(), OwnerPIDs{process});
+  EXPECT_EQ(workspace->runningApplications().front().bundleIdentifier, "org.example.Editor");
+
+  close(became[1]);
+  ASSERT_EQ(write(go[1], "x", 1), 1);
+  char end = 0;
+  ASSERT_EQ(read(became[0], &end, 1), 0);  // its copy is closed when it becomes the other program
+  for (const int file : {go[0], go[1], became[0]}) close(file);
+  compositor->open({.appID = "another-program"});
+  settle();
+  ASSERT_NE(workspace->firstWithIdentifier("org.example.Sleeper"), nullptr);
+  EXPECT_EQ(workspace->firstWithIdentifier("org.example.Sleeper")->processIdentifier, process);
 }
 
 TEST_F(WorkspaceTest, aWindowLeadsToTheOnlyProcessOfAProgramThatSeveralEntriesStart) {
