@@ -72,8 +72,9 @@ void BusNames::askForOwner(const QString& name) {
 
 void BusNames::askForActions(std::int32_t pid, const QString& name) {
   const QuitAction action{name.toStdString(), objectPathOf(name.toStdString())};
-  const auto list = QDBusMessage::createMethodCall(name, QString::fromStdString(action.objectPath),
-                                                   QStringLiteral("org.gtk.Actions"), QStringLiteral("List"));
+  auto list = QDBusMessage::createMethodCall(name, QString::fromStdString(action.objectPath),
+                                             QStringLiteral("org.gtk.Actions"), QStringLiteral("List"));
+  list.setAutoStartService(false);  // the owner may have ended meanwhile
   auto* answer = new QDBusPendingCallWatcher(bus_.asyncCall(list), this);
   connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer, pid, action] {
     answer->deleteLater();

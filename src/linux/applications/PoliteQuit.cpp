@@ -19,9 +19,13 @@ const QString actionsInterface = QStringLiteral("org.gtk.Actions");
 // After this time without an answer, the application's windows are closed instead.
 constexpr int actionTimeoutMilliseconds = 1000;
 
+// An application that has given up its name, because it is ending, must not be started again by the bus.
 QDBusMessage actionCall(const QuitAction& action, const QString& method) {
-  return QDBusMessage::createMethodCall(QString::fromStdString(action.busName),
-                                        QString::fromStdString(action.objectPath), actionsInterface, method);
+  auto call =
+      QDBusMessage::createMethodCall(QString::fromStdString(action.busName),
+                                     QString::fromStdString(action.objectPath), actionsInterface, method);
+  call.setAutoStartService(false);
+  return call;
 }
 
 bool exportsActions(const DesktopWindow& window) {
@@ -60,9 +64,9 @@ void PoliteQuit::askByAction(const QuitAction& action, std::vector<DesktopWindow
   auto bus = QDBusConnection::sessionBus();
   auto* listing = new QDBusPendingCallWatcher(
       bus.asyncCall(actionCall(action, QStringLiteral("List")), actionTimeoutMilliseconds));
-  QObject::connect(listing, &QDBusPendingCallWatcher::finished,
+  QObject::connect(listing, &QDBusPendingCallWatcher::finished, listing, &QObject::deleteLater);
+  QObject::connect(listing, &QDBusPendingCallWatcher::finished, &receiver_,
                    [this, bus, listing, action, windows = std::move(windows)]() mutable {
-                     listing->deleteLater();
                      const QDBusPendingReply<QStringList> actions = *listing;
                      if (!actions.isError() && actions.value().contains(QStringLiteral("quit"))) {
                        auto quit = actionCall(action, QStringLiteral("Activate"));

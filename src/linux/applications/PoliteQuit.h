@@ -4,6 +4,7 @@
 #include "linux/applications/SessionWindows.h"
 #include "ports/Workspace.h"
 
+#include <QObject>
 #include <optional>
 #include <vector>
 
@@ -37,6 +38,7 @@ class PoliteQuit {
   void askByAction(const QuitAction& action, std::vector<DesktopWindow> windows);
 
   SessionWindows& windows_;
+  const QObject receiver_;  // answers after its destruction are ignored
 };
 
 }  // namespace vorli::linuxhost
