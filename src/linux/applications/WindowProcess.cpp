@@ -5,6 +5,9 @@
 namespace vorli::linuxhost {
 
 xcb_res_query_client_ids_cookie_t askForProcess(xcb_connection_t* connection, std::uint32_t window) {
+  // A request of an extension that the server lacks would end the connection.
+  const auto* extension = xcb_get_extension_data(connection, &xcb_res_id);
+  if (!extension || !extension->present) return {};
   const xcb_res_client_id_spec_t wanted{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
   return xcb_res_query_client_ids(connection, 1, &wanted);
 }
