@@ -1,11 +1,11 @@
 #include "linux/applications/DesktopEntryIndex.h"
 
+#include "base/UnicodeText.h"
 #include "linux/applications/Interpreter.h"
 #include "linux/kernel/SmallFile.h"
 
 #include <QSocketNotifier>
 #include <algorithm>
-#include <cctype>
 #include <climits>
 #include <cstdlib>
 #include <dirent.h>
@@ -25,13 +25,6 @@ constexpr double quietSeconds = 0.5;
 constexpr off_t largestEntryBytes = 1024 * 1024;
 // Nested folders are rare, and a loop of links must end.
 constexpr int deepestFolder = 4;
-
-std::string lowered(std::string_view text) {
-  std::string result(text);
-  std::transform(result.begin(), result.end(), result.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return result;
-}
 
 std::string realPathOf(const std::string& path) {
   char resolved[PATH_MAX];
@@ -245,9 +238,9 @@ void DesktopEntryIndex::indexEntries() {
     const formats::DesktopEntry& entry = entries_.at(id);
     if (entry.hidden) continue;
     byPath_.emplace(entry.path, &entry);
-    byLowerID_.emplace(lowered(id), &entry);
+    byLowerID_.emplace(lowercased(id), &entry);
     const bool isQuiet = !entry.isVisible() || !isShownHere(entry);
-    claim(isQuiet ? quietPieces : byLastPiece_, lowered(id.substr(id.rfind('.') + 1)), &entry);
+    claim(isQuiet ? quietPieces : byLastPiece_, lowercased(id.substr(id.rfind('.') + 1)), &entry);
     claim(isQuiet ? quietClasses : byClass_, entry.startupWMClass, &entry);
     if (isQuiet) continue;
     indexProgram(entry);
@@ -289,10 +282,10 @@ const formats::DesktopEntry* DesktopEntryIndex::byPath(std::string_view path) co
   return find(byPath_, std::string(path));
 }
 const formats::DesktopEntry* DesktopEntryIndex::byIDIgnoringCase(std::string_view id) const {
-  return find(byLowerID_, lowered(id));
+  return find(byLowerID_, lowercased(id));
 }
 const formats::DesktopEntry* DesktopEntryIndex::byLastPiece(std::string_view piece) const {
-  return find(byLastPiece_, lowered(piece));
+  return find(byLastPiece_, lowercased(piece));
 }
 const formats::DesktopEntry* DesktopEntryIndex::byStartupWMClass(std::string_view wmClass) const {
   return find(byClass_, std::string(wmClass));
