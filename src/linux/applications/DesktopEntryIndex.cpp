@@ -151,8 +151,9 @@ void DesktopEntryIndex::changeSeen() {
 // Ignores lists of file types and files of other programs, which change in these folders all the time.
 bool DesktopEntryIndex::isChangeOfEntries(int watch, std::uint32_t mask, std::string_view name) const {
   if ((mask & IN_Q_OVERFLOW) != 0) return true;
-  if (const auto awaited = awaited_.find(watch); awaited != awaited_.end() && awaited->second.contains(name))
-    return true;
+  const auto awaited = awaited_.find(watch);
+  // An event without a name is about the watched folder itself, which was moved or removed.
+  if (awaited != awaited_.end() && (name.empty() || awaited->second.contains(name))) return true;
   return folders_.contains(watch) && (name.empty() || (mask & IN_ISDIR) != 0 || name.ends_with(entrySuffix));
 }
 
@@ -170,7 +171,7 @@ void DesktopEntryIndex::watch(const std::string& folder) {
   for (auto slash = folder.rfind('/'); slash != 0 && slash != std::string::npos;
        slash = folder.rfind('/', slash - 1)) {
     const int ancestor = inotify_add_watch(inotify_, folder.substr(0, slash).c_str(),
-                                           IN_CREATE | IN_MOVED_TO | IN_ONLYDIR | IN_MASK_ADD);
+                                           IN_CREATE | IN_MOVED_TO | IN_MOVE_SELF | IN_ONLYDIR | IN_MASK_ADD);
     if (ancestor < 0) continue;
     awaited_[ancestor].insert(folder.substr(slash + 1, folder.find('/', slash + 1) - slash - 1));
     return;

@@ -425,5 +425,25 @@ TEST_F(ChangingEntriesTest, aFolderThatComesLaterIsNoticedHoweverMuchOfItsPathIs
   EXPECT_NE(entries.byID("org.example.Bar"), nullptr);
 }
 
+TEST_F(ChangingEntriesTest, aFolderIsAwaitedEvenIfTheOneAboveItIsRemovedOrMovedAway) {
+  const auto above = root / "flatpak/exports/share";
+  places.folders.push_back(above / "applications");
+  fs::create_directories(above);
+  DesktopEntryIndex entries(scheduler, places);
+  fs::remove_all(root / "flatpak");
+  settle();
+  entry("flatpak/exports/share/applications/org.example.Foo.desktop", "foo");
+  settle();
+  EXPECT_NE(entries.byID("org.example.Foo"), nullptr);
+
+  fs::remove_all(above / "applications");
+  settle();
+  fs::rename(above, root / "away");
+  settle();
+  entry("flatpak/exports/share/applications/org.example.Bar.desktop", "bar");
+  settle();
+  EXPECT_NE(entries.byID("org.example.Bar"), nullptr);
+}
+
 }  // namespace
 }  // namespace vorli::linuxhost
