@@ -6,7 +6,7 @@ namespace vorli::linuxhost {
 namespace {
 
 constexpr double pauseBetweenLooks = 15.0;
-// A program connects to the compositor some moments after its start.
+// A new process becomes its program, and connects to the compositor, some moments after its start.
 constexpr double settlingSeconds = 0.3;
 
 }  // namespace
@@ -16,6 +16,7 @@ SessionApplications::SessionApplications(Scheduler& scheduler, const std::string
     : scheduler_(scheduler), handlers_(std::move(handlers)), clients_(compositorSocket) {
   units_ = std::make_unique<ApplicationUnits>(ApplicationUnits::sliceOfThisUser(), [this](std::int32_t pid) {
     handlers_.processSeen(pid);
+    started_.insert(pid);
     lookSoon();
   });
   busNames_ =
@@ -51,6 +52,7 @@ void SessionApplications::lookSoon() {
 void SessionApplications::look() {
   scheduler_.cancel(std::exchange(timer_, 0));
   lastLook_ = scheduler_.now();
+  for (const auto pid : std::exchange(started_, {})) handlers_.processSeen(pid);
   const auto before = std::exchange(known_, clients_.look().value_or(std::set<std::int32_t>()));
   for (const auto pid : std::set(known_)) {
     if (!before.contains(pid)) handlers_.processSeen(pid);

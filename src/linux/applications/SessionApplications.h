@@ -22,7 +22,8 @@ class SessionApplications {
  public:
   struct Handlers {
     std::function<bool(std::string_view applicationID)> isApplication;
-    /// Called for a process that was started as an application or is connected to the compositor.
+    /// Called for a process that was started as an application or is connected to the compositor. The former
+    /// is reported at once and again a moment later, when it has become its program.
     std::function<void(std::int32_t pid)> processSeen;
     std::function<void(std::int32_t pid, const std::string& applicationID)> ownerSeen;
     std::function<void(std::int32_t pid, const QuitAction& action)> quitActionSeen;
@@ -52,7 +53,8 @@ class SessionApplications {
   Scheduler& scheduler_;
   const Handlers handlers_;
   CompositorClients clients_;
-  std::set<std::int32_t> known_;  // clients at the last look
+  std::set<std::int32_t> known_;    // clients at the last look
+  std::set<std::int32_t> started_;  // processes of units since the last look
   double lastLook_ = 0.0;
   std::uint32_t lastWindow_ = 0;  // the newest one whose process was looked for
   Scheduler::TimerId timer_ = 0;
