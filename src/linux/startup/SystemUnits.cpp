@@ -1,6 +1,7 @@
 #include "linux/startup/SystemUnits.h"
 
 #include "base/Logger.h"
+#include "linux/session/BusGreeting.h"
 
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -16,6 +17,8 @@ namespace vorli::linuxhost {
 namespace {
 
 constexpr Logger startupLog{logSubsystem, "startup"};
+
+constexpr double greetingLimitSeconds = 1.0;
 
 // The answer comes when the user has entered the password or given up.
 constexpr int untilTheUserAnswers = std::numeric_limits<int>::max();
@@ -40,10 +43,13 @@ SystemUnits::~SystemUnits() {
   QDBusConnection::disconnectFromBus(connectionName());
 }
 
+// Qt waits indefinitely for a bus that hangs.
 QDBusConnection SystemUnits::connection() {
   QDBusConnection made(connectionName());
   if (made.isConnected()) return made;
   QDBusConnection::disconnectFromBus(connectionName());
+  const auto address = busAddress_.isEmpty() ? systemBusAddress() : busAddress_.toStdString();
+  if (!greetsBack(address, greetingLimitSeconds)) return QDBusConnection(connectionName());
   return busAddress_.isEmpty() ? QDBusConnection::connectToBus(QDBusConnection::SystemBus, connectionName())
                                : QDBusConnection::connectToBus(busAddress_, connectionName());
 }
@@ -64,7 +70,7 @@ void SystemUnits::call(const QString& method, const QVariantList& arguments,
   const auto waiting = std::make_shared<OnceReply<ports::UnitReply>>(std::move(reply));
   const auto bus = connection();
   if (!bus.isConnected()) {  // a call without a bus is never answered
-    startupLog.error("the service manager cannot be asked: there is no system bus");
+    startupLog.error("the service manager cannot be asked: the system bus cannot be reached");
     QMetaObject::invokeMethod(
         &receiver_, [waiting] { std::move (*waiting)(ports::UnitReply::unavailable); }, Qt::QueuedConnection);
     return;

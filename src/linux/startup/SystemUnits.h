@@ -10,7 +10,8 @@ namespace vorli::linuxhost {
 /// The system's service manager on the system bus. It asks polkit, which asks for the password.
 class SystemUnits final : public ports::SystemUnits {
  public:
-  /// Connects when it is first needed, to `busAddress` or, when that is empty, to the system bus.
+  /// Connects when it is first needed, to `busAddress` or, when that is empty, to the system bus. A bus that
+  /// does not answer for a second counts as missing.
   explicit SystemUnits(QString busAddress = {}) : busAddress_(std::move(busAddress)) {}
   ~SystemUnits() override;
   SystemUnits(const SystemUnits&) = delete;

@@ -1,5 +1,6 @@
 #include "linux/startup/SystemStartupLists.h"
 #include "linux/startup/SystemUnits.h"
+#include "posix/FileDescriptor.h"
 #include "tests/linux/helper/PrivateBus.h"
 #include "tests/linux/helper/Waiting.h"
 
@@ -11,9 +12,12 @@
 #include <QDBusVirtualObject>
 #include <QMap>
 #include <atomic>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <optional>
 #include <string>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <thread>
 #include <vector>
 
@@ -101,6 +105,24 @@ TEST_F(StartupBusesTest, withoutAServiceManagerNothingIsMasked) {
 
 TEST_F(StartupBusesTest, withoutASystemBusNothingIsMasked) {
   linuxhost::SystemUnits units(QStringLiteral("unix:path=/nowhere"));
+  std::optional<ports::UnitReply> reply;
+  units.mask("acme.service",
+             OnceReply<ports::UnitReply>([&reply](ports::UnitReply given) { reply = given; }));
+  EXPECT_TRUE(waitUntil([&reply] { return reply.has_value(); }));
+  EXPECT_EQ(reply, ports::UnitReply::unavailable);
+}
+
+TEST_F(StartupBusesTest, aSystemBusThatHangsHoldsUpNobody) {
+  const auto path = (bus.folder() / "silent").string();
+  const posix::FileDescriptor silent(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  sockaddr_un place{};
+  place.sun_family = AF_UNIX;
+  ASSERT_LT(path.size(), sizeof place.sun_path);
+  std::memcpy(place.sun_path, path.c_str(), path.size() + 1);
+  ASSERT_EQ(bind(silent.get(), reinterpret_cast<const sockaddr*>(&place), sizeof place), 0);
+  ASSERT_EQ(listen(silent.get(), 1), 0);
+
+  linuxhost::SystemUnits units(QStringLiteral("unix:path=") + QString::fromStdString(path));
   std::optional<ports::UnitReply> reply;
   units.mask("acme.service",
              OnceReply<ports::UnitReply>([&reply](ports::UnitReply given) { reply = given; }));
