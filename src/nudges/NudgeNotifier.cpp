@@ -5,6 +5,7 @@
 #include "settings/SetupRecord.h"
 #include "settings/UserDefaults.h"
 
+#include <cmath>
 #include <utility>
 
 namespace vorli {
@@ -53,7 +54,7 @@ void NudgeNotifier::evaluate(const AppSettings& settings, double progress) {
     return;
   }
   if (std::exchange(aboveThreshold_, true)) return;
-  if (lastNotified_ && calendar_.now() - *lastNotified_ < cooldown) {
+  if (lastNotified_ && std::abs(calendar_.now() - *lastNotified_) < cooldown) {
     nudgeLog.log("crossed 90%% but within cooldown — skipping");
     return;
   }
@@ -94,7 +95,7 @@ bool NudgeNotifier::isHelperBrokenCoolingDown() const {
   const auto last = dateForKey(defaults_, helperBrokenKey);
   if (!last) return false;
   const double since = calendar_.now() - *last;
-  if (since >= helperBrokenCooldown) return false;
+  if (std::abs(since) >= helperBrokenCooldown) return false;  // negative when the clock was set back
   nudgeLog.debug("helper-broken notification skipped: within 24h cooldown (%{public}lds)",
                  static_cast<long>(since));
   return true;

@@ -105,6 +105,7 @@ void PopoverHost::closeIfShown() {
 }
 
 Task<> PopoverHost::rollUp() {
+  if (!popover_.isShown()) co_return;  // an earlier roll-up has closed it since the request
   const auto opening = openings_;
   notifications_.post(VorliAnimateDismiss{});
   isRollingUpNow_ = true;

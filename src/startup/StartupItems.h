@@ -3,6 +3,7 @@
 #include "base/HostSystem.h"
 #include "base/Scheduler.h"
 #include "helper/HelperManager.h"
+#include "ports/BackgroundWork.h"
 #include "ports/CalendarClock.h"
 #include "ports/KeyValueStore.h"
 #include "ports/StartupPorts.h"
@@ -32,7 +33,8 @@ class StartupItems {
  public:
   StartupItems(const StartupSurroundings& surroundings, const ports::StartupPorts& ports,
                HostSystem system = hostSystem)
-      : worker_(surroundings.scheduler, ports.background),
+      : background_(ports.background),
+        worker_(surroundings.scheduler, ports.background),
         ways_(startupWaysOf(
             system, {surroundings.scheduler, ports.files, ports.applications, ports.launchControl,
                      ports.systemUnits, ports.lists, ports.places, surroundings.helperManager, worker_})),
@@ -42,8 +44,13 @@ class StartupItems {
         view({surroundings.scheduler, surroundings.calendar, surroundings.defaults,
               surroundings.helperManager, service, ports.announcements},
              system) {}
+  /// Waits for the scan that is in progress, which uses the sources.
+  ~StartupItems() { background_.abandon(); }
+  StartupItems(const StartupItems&) = delete;
+  StartupItems& operator=(const StartupItems&) = delete;
 
  private:
+  ports::BackgroundWork& background_;
   WorkQueue worker_;
   const std::unique_ptr<StartupWays> ways_;
   const StartupScan scan_;

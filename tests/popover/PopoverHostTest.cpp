@@ -326,6 +326,18 @@ TEST_F(PopoverHostTest, aSecondRollUpDoesNotCloseWhatWasOpenedSince) {
   EXPECT_FALSE(host.isRollingUpNow());
 }
 
+TEST_F(PopoverHostTest, aRollUpThatComesTooLateKeepsNoSizeFromTheNextOpening) {
+  open();
+  host.togglePopover();
+  popover.shown = false;  // closed before the roll-up has its turn
+  scheduler.runReady();
+  EXPECT_FALSE(host.isRollingUpNow());
+  host.togglePopover();
+  report(240.0);
+  scheduler.runReady();
+  EXPECT_EQ(popover.size.height, 240.0);
+}
+
 TEST_F(PopoverHostTest, noSizePushesARollingPopoverOpen) {
   open();
   host.togglePopover();

@@ -1,7 +1,9 @@
 #include "tests/startup/LinuxStartupFixture.h"
 
 #include <gtest/gtest.h>
+#include <optional>
 #include <string>
+#include <utility>
 
 namespace vorli {
 namespace {
@@ -291,6 +293,20 @@ TEST_F(StartupItemsTest, macOSKeepsItsOwnWays) {
   settle();
   ASSERT_EQ(onMac.service.items->size(), 1u);
   EXPECT_EQ(onMac.service.items->front().id, "com.acme");
+}
+
+TEST_F(StartupItemsTest, aScanInProgressEndsBeforeItsSourcesAreDestroyed) {
+  files.add(mine + std::string("acme.desktop"), entry("Acme", "acme"));
+  std::optional<StartupItems> leaving(std::in_place,
+                                      StartupSurroundings{scheduler, calendar, defaults, workspace, *manager},
+                                      portsAt(placesOfKim()), HostSystem::linuxDesktop);
+  leaving->service.refresh();
+  scheduler.runReady();
+  ASSERT_TRUE(background.isUnderWay());
+  ASSERT_TRUE(files.reads.empty());
+  leaving.reset();
+  EXPECT_FALSE(background.isUnderWay());
+  EXPECT_FALSE(files.reads.empty());
 }
 
 }  // namespace

@@ -33,7 +33,8 @@ void GlowFrames::stop() {
 }
 
 void GlowFrames::showAgain() {
-  if (frames_) shownLevel_ = show_(frames_(scheduler_.now()));
+  scheduler_.cancel(timer_);
+  showNext();
 }
 
 void GlowFrames::showNext() {
@@ -42,8 +43,9 @@ void GlowFrames::showNext() {
   const double now = scheduler_.now();
   const double before = shownLevel_;
   ++count_;
-  shownLevel_ = show_(frames_(now));
-  if (now >= restsAt_) return;
+  const auto level = show_(frames_(now));
+  shownLevel_ = level.value_or(0.0);
+  if (!level || now >= restsAt_) return;
   const bool isCreeping = std::isinf(restsAt_) && std::abs(shownLevel_ - before) <= creepingLevels;
   timer_ = scheduler_.after(isCreeping ? slowGlowFrameSeconds : glowFrameSeconds, [this] { showNext(); });
 }

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 
 namespace vorli::ui {
 
@@ -12,8 +13,9 @@ namespace vorli::ui {
 class GlowFrames {
  public:
   using Frames = ports::GlowOverlay::Frames;
-  /// Shows a picture and returns the shown opacity in visible levels, of which 255 is full.
-  using Show = std::function<double(const ports::GlowPicture&)>;
+  /// Shows a picture and returns the shown opacity in visible levels, of which 255 is full. Empty when
+  /// nothing can be shown: no further frame comes until `showAgain`.
+  using Show = std::function<std::optional<double>(const ports::GlowPicture&)>;
 
   /// `scheduler` must outlive this object.
   GlowFrames(Scheduler& scheduler, Show show);
@@ -24,7 +26,7 @@ class GlowFrames {
   /// See `ports::GlowOverlay::animate`.
   void start(Frames frames, double restsAt);
   void stop();
-  /// Shows the picture of now once more, if there is one.
+  /// Shows the picture of now once more, if there is one, and goes on from there.
   void showAgain();
 
   /// Number of frames requested so far; constant while the picture is at rest.

@@ -90,13 +90,13 @@ void GlowOverlay::remove() {
   bands_.reset();
 }
 
-double GlowOverlay::show(const ports::GlowPicture& picture) {
+std::optional<double> GlowOverlay::show(const ports::GlowPicture& picture) {
   const int level = static_cast<int>(std::lround(picture.opacity * GlowBands::fullLevel));
-  const bool isLit = level > 0 && selections_.isManaged(ManagerSelections::Selection::compositor);
-  if (!isLit) {
+  const bool canShow = selections_.isManaged(ManagerSelections::Selection::compositor);
+  if (level <= 0 || !canShow) {
     if (bands_) qGuiApp->removeNativeEventFilter(this);
     bands_.reset();
-    return level;
+    return canShow ? std::optional<double>(level) : std::nullopt;
   }
   const bool isNew = !bands_;
   if (isNew) bands_ = std::make_unique<GlowBands>(screen_, depth_);

@@ -41,7 +41,7 @@ class GlowOverlay final : public ports::GlowOverlay, private QAbstractNativeEven
 
  private:
   void watchScreens();
-  double show(const ports::GlowPicture& picture);
+  std::optional<double> show(const ports::GlowPicture& picture);
   void compositingChanged();
   void raise();
   bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;

@@ -38,7 +38,10 @@ HotkeyRecorder::HotkeyRecorder(VorliSettingsView& view, Appearance appearance, Q
     : Control(SpokenRole::button, appearance, parent), view_(view), dotOpacity_(view.scheduler(), 1.0) {
   face_.symbol = VorliSettingsView::hotkeySymbol;
   face_.title = qtText(VorliSettingsView::hotkeyTitle);
-  connect(this, &QAbstractButton::clicked, this, [this] { view_.hotkeyRow().startRecording(); });
+  connect(this, &QAbstractButton::clicked, this, [this] {
+    setFocus(Qt::OtherFocusReason);  // a click does not give it, and its loss ends the recording
+    view_.hotkeyRow().startRecording();
+  });
   recording_ =
       view_.hotkeyRow().isRecording.subscribe([this](bool isRecording) { recordingChanged(isRecording); });
   combo_ = view_.hotkeyCombo().subscribeToChanges([this](const std::string&) { refresh(); });

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <limits>
+#include <optional>
 #include <vector>
 
 namespace vorli::ui {
@@ -64,6 +65,33 @@ TEST_F(GlowFramesTest, picturesAreOfTheSchedulersTime) {
   scheduler.advance(1.0);
   frames.showAgain();
   EXPECT_EQ(times, (std::vector{begun, begun + 1.0}));
+}
+
+TEST_F(GlowFramesTest, aGlowThatCannotBeShownCostsNoFramesUntilItCan) {
+  bool canShow = false;
+  GlowFrames hidden{scheduler, [&](const ports::GlowPicture&) {
+                      ++shown;
+                      return canShow ? std::optional(level) : std::nullopt;
+                    }};
+  hidden.start([](double) { return ports::GlowPicture{}; }, never);
+  scheduler.advance(10.0);
+  EXPECT_EQ(shown, 1);
+  EXPECT_EQ(scheduler.pendingTimers(), 0u);
+  canShow = true;
+  hidden.showAgain();
+  scheduler.advance(0.49);
+  EXPECT_EQ(shown, 7);  // at once, then as often as a glow that hardly changes
+  canShow = false;
+  hidden.showAgain();
+  scheduler.advance(10.0);
+  EXPECT_EQ(shown, 8);
+  EXPECT_EQ(scheduler.pendingTimers(), 0u);
+}
+
+TEST_F(GlowFramesTest, showingAgainDoesNotDoubleTheFrames) {
+  startRising(2.0, never);
+  frames.showAgain();
+  EXPECT_EQ(scheduler.pendingTimers(), 1u);
 }
 
 TEST_F(GlowFramesTest, stoppedFramesShowNothing) {

@@ -208,6 +208,20 @@ TEST_F(ApplicationHostTest, everyWindowThatTakesKeysIsBroughtToTheFront) {
   EXPECT_EQ(surroundings.front, "About Vorli");
 }
 
+TEST_F(ApplicationHostTest, aMinimisedWindowStaysSoUntilItIsAskedFor) {
+  host.openAboutPanel();
+  auto* panel = open<AboutPanel>()[0];
+  panel->showMinimized();
+  settleWindows();
+  surroundings.front.clear();
+  host.activateIgnoringOtherApps();
+  EXPECT_NE(surroundings.front, "About Vorli");
+  EXPECT_TRUE(panel->isMinimized());
+  host.openAboutPanel();
+  EXPECT_EQ(surroundings.front, "About Vorli");
+  EXPECT_FALSE(panel->isMinimized());
+}
+
 TEST_F(ApplicationHostTest, terminationEndsTheProgramAtOnceWhenItMay) {
   int asked = 0;
   host.setTerminationHandler([&asked] {

@@ -19,6 +19,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QDir>
+#include <QFocusEvent>
 #include <QKeyEvent>
 #include <QLabel>
 #include <algorithm>
@@ -239,6 +240,17 @@ TEST_F(SettingsWindowTest, closingTheWindowEndsARecording) {
   find<HotkeyRecorder>("Global hotkey")->click();
   EXPECT_EQ(keys.monitors, 1);
   press(shown(), Qt::Key_W, Qt::ControlModifier);
+  EXPECT_EQ(keys.monitors, 0);
+}
+
+TEST_F(SettingsWindowTest, leavingTheWindowEndsARecordingThatAClickBegan) {
+  open();
+  auto* recorder = find<HotkeyRecorder>("Global hotkey");
+  recorder->click();
+  EXPECT_EQ(shown()->focusWidget(), recorder);
+  EXPECT_EQ(keys.monitors, 1);
+  QFocusEvent left(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+  QApplication::sendEvent(recorder, &left);
   EXPECT_EQ(keys.monitors, 0);
 }
 
