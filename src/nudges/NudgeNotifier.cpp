@@ -5,7 +5,6 @@
 #include "settings/SetupRecord.h"
 #include "settings/UserDefaults.h"
 
-#include <cmath>
 #include <utility>
 
 namespace vorli {
@@ -54,7 +53,7 @@ void NudgeNotifier::evaluate(const AppSettings& settings, double progress) {
     return;
   }
   if (std::exchange(aboveThreshold_, true)) return;
-  if (lastNotified_ && std::abs(calendar_.now() - *lastNotified_) < cooldown) {
+  if (lastNotified_ && calendar_.now() - *lastNotified_ < cooldown) {
     nudgeLog.log("crossed 90%% but within cooldown — skipping");
     return;
   }
@@ -95,7 +94,7 @@ bool NudgeNotifier::isHelperBrokenCoolingDown() const {
   const auto last = dateForKey(defaults_, helperBrokenKey);
   if (!last) return false;
   const double since = calendar_.now() - *last;
-  if (std::abs(since) >= helperBrokenCooldown) return false;  // negative when the clock was set back
+  if (since >= helperBrokenCooldown) return false;
   nudgeLog.debug("helper-broken notification skipped: within 24h cooldown (%{public}lds)",
                  static_cast<long>(since));
   return true;

@@ -1,7 +1,5 @@
 #include "polish/QuietPolish.h"
 
-#include <cmath>
-
 namespace vorli {
 
 namespace {
@@ -53,10 +51,9 @@ bool QuietPolish::isHelperEnabled() const {
   return helperManager_.status.get() == InstallStatus::Case::enabled;
 }
 
-// A date ahead of the clock, which was set back since, must not hold the next polish for longer.
 bool QuietPolish::isCoolingDown() const {
   const auto last = settings_.lastAutoRefresh();
-  return last && std::abs(calendar_.now() - *last) < cooldown;
+  return last && calendar_.now() - *last < cooldown;
 }
 
 }  // namespace vorli

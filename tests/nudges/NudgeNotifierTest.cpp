@@ -201,19 +201,6 @@ TEST_F(NudgeNotifierTest, aBrokenHelperIsToldOnceADayAcrossLaunches) {
   EXPECT_EQ(center.posted.size(), 2u);
 }
 
-TEST_F(NudgeNotifierTest, aClockThatWasSetBackHoldsNothingBackForLonger) {
-  evaluate(0.95);
-  notifyHelperBroken();
-  evaluate(0.5);
-  calendar.set(calendar.now() + -86399.0);
-  EXPECT_EQ(postedFor(0.95), 1u);
-  notifyHelperBroken();
-  EXPECT_EQ(center.posted.size(), 3u);
-  calendar.set(calendar.now() + -1.0);
-  notifyHelperBroken();
-  EXPECT_EQ(center.posted.size(), 4u);
-}
-
 TEST_F(NudgeNotifierTest, whatIsNoDateHoldsNothingBack) {
   store.values["vorli.helperBroken.lastNotifiedAt"] = std::string("yesterday");
   notifyHelperBroken();

@@ -60,17 +60,6 @@ TEST_F(QuietPolishTest, neverRunsWithBothSwitchesOff) {
   EXPECT_TRUE(tap.windows.empty());
 }
 
-TEST_F(QuietPolishTest, aClockThatWasSetBackHoldsNoPolishBackForLonger) {
-  deliver(Level::warning);
-  EXPECT_EQ(taken(), wholePolish);
-  calendar.set(calendar.now() + -299.0);
-  deliver(Level::warning);
-  EXPECT_EQ(taken(), Requests{});
-  calendar.set(calendar.now() + -1.0);
-  deliver(Level::warning);
-  EXPECT_EQ(taken(), wholePolish);
-}
-
 TEST_F(QuietPolishTest, refusesThe299thSecondAndAcceptsThe300th) {
   deliver(Level::warning);
   EXPECT_EQ(settings.lastAutoRefresh(), calendar.now());
