@@ -12,7 +12,7 @@ import unittest
 from accessible import CONTROLS, Keyboard, Spoken
 from spoken_parts import Listener
 from vorli import Settings, TrayIcon, Vorli, is_stored, run, stored, window_picture
-from waiting import Missing, settled, wait_for
+from waiting import Missing, holds, settled, wait_for
 from workspace_probe import write
 
 PREFIX, PICTURES = os.environ["VORLI_PREFIX"], os.environ["VORLI_PICTURES"]
@@ -136,6 +136,23 @@ class SettingsWindowTest(unittest.TestCase):
                           "Running. Press Reinstall if Vorli is having trouble removing or pausing system items."),
                          ("push button", "Diagnostics log", "", "For support requests."),
                          ("push button", "Quit Vorli", "", ""))
+
+    def test_the_popover_leaves_the_settings_on_their_workspace(self):
+        def number(*words):
+            return int(run("xprop", *words).split()[-1])
+
+        def places():
+            """Workspace of the settings, and of the user."""
+            return number("-id", self.settings.window, "_NET_WM_DESKTOP"), number("-root", "_NET_CURRENT_DESKTOP")
+
+        run("wmctrl", "-n", "2")
+        self.addCleanup(run, "wmctrl", "-s", "0")
+        self.assertEqual(places(), (0, 0))
+        run("wmctrl", "-s", "1")
+        wait_for(lambda: places() == (0, 1), "the other workspace")
+        self.icon.click(1)
+        wait_for(self.popover_buttons, "the popover")
+        holds(lambda: places() == (0, 1), "both stay where they are", 1.0)
 
     def test_the_list_of_startup_items_is_searched_by_keyboard(self):
         starts_at_login("org.example.walker", "Walker")

@@ -50,6 +50,10 @@ class WindowSurroundings {
   /// Brings the window to the front and gives it the keyboard focus, whichever program has it.
   virtual void bringToFront(QWindow& window) const = 0;
 
+  /// Whether the window is on the workspace that the user sees, perhaps behind other windows. True where
+  /// there is only one.
+  virtual bool isOnCurrentWorkspace(QWindow&) const { return true; }
+
   /// Called after a window and its content have been destroyed. A desktop whose allocator keeps freed memory
   /// returns it to the system here.
   virtual void windowDestroyed() const {}

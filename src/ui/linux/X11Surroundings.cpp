@@ -3,6 +3,7 @@
 #include "formats/XSettings.h"
 #include "ui/kit/QtText.h"
 #include "ui/linux/QtX11.h"
+#include "ui/linux/X11Window.h"
 
 #include <QMargins>
 #include <QWindow>
@@ -65,6 +66,10 @@ void X11Surroundings::bringToFront(QWindow& window) const {
                  XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                  reinterpret_cast<const char*>(&message));
   xcb_flush(connection);
+}
+
+bool X11Surroundings::isOnCurrentWorkspace(QWindow& window) const {
+  return !isOnOtherWorkspace(window);
 }
 
 // A window leaves several megabytes of free blocks. By itself, the allocator returns only those at the end of

@@ -25,6 +25,7 @@ class X11Surroundings final : public WindowSurroundings {
   const WindowMotion* movement() const override { return movement_ ? &*movement_ : nullptr; }
   void setShadowMargins(QWindow& window, const QMargins& shadow) const override;
   void bringToFront(QWindow& window) const override;
+  bool isOnCurrentWorkspace(QWindow& window) const override;
   void windowDestroyed() const override;
 
  private:

@@ -79,6 +79,18 @@ bool isButtonHeld() {
   return pointer && (pointer->mask & buttons) != 0;
 }
 
+bool isOnOtherWorkspace(QWindow& window) {
+  auto* connection = qtConnection();
+  if (!connection) return false;
+  const auto ofWindow =
+      ask(connection, static_cast<xcb_window_t>(window.winId()), atomNamed(connection, "_NET_WM_DESKTOP"), 1);
+  const auto ofUser =
+      ask(connection, rootWindow(connection), atomNamed(connection, "_NET_CURRENT_DESKTOP"), 1);
+  const auto own = numbersOf(connection, ofWindow), current = numbersOf(connection, ofUser);
+  constexpr std::uint32_t everyWorkspace = 0xFFFFFFFF;
+  return !own.empty() && !current.empty() && own != current && own.front() != everyWorkspace;
+}
+
 std::optional<QRect> panelAt(QPoint point) {
   auto* connection = qtConnection();
   if (!connection) return std::nullopt;

@@ -20,6 +20,9 @@ void limitInput(QWindow& window, const QRect& area);
 /// Whether a mouse button is held down anywhere on the desktop.
 bool isButtonHeld();
 
+/// Whether the window is only on a workspace that the user does not see. Takes one round trip.
+bool isOnOtherWorkspace(QWindow& window);
+
 /// Rectangle of the panel at the point, in native pixels of the desktop; empty when there is none.
 std::optional<QRect> panelAt(QPoint point);
 

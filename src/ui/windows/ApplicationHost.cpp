@@ -41,14 +41,16 @@ void ApplicationHost::setTerminationHandler(std::function<bool()> mayTerminateNo
   if (!quitFilter_) quitFilter_ = std::make_unique<QuitFilter>(*this);
 }
 
-// A window that the user has minimised stays so: whoever wants it presents it.
+// Leaves alone what the user has minimised or put on another workspace: whoever wants that window presents
+// it.
 void ApplicationHost::activateIgnoringOtherApps() {
   for (auto* window : QGuiApplication::topLevelWindows()) {
     const bool isOrdinary =
         window->type() == Qt::Window || window->type() == Qt::Dialog || window->type() == Qt::Tool;
     const bool takesKeys = !(window->flags() & Qt::WindowDoesNotAcceptFocus);
+    if (!window->isVisible() || !isOrdinary || !takesKeys) continue;
     const bool isMinimised = window->windowStates().testFlag(Qt::WindowMinimized);
-    if (window->isVisible() && isOrdinary && takesKeys && !isMinimised) surroundings_.bringToFront(*window);
+    if (!isMinimised && surroundings_.isOnCurrentWorkspace(*window)) surroundings_.bringToFront(*window);
   }
 }
 

@@ -222,6 +222,16 @@ TEST_F(ApplicationHostTest, aMinimisedWindowStaysSoUntilItIsAskedFor) {
   EXPECT_FALSE(panel->isMinimized());
 }
 
+TEST_F(ApplicationHostTest, aWindowOnAnotherWorkspaceStaysThereUntilItIsAskedFor) {
+  host.openAboutPanel();
+  surroundings.areHere = false;
+  surroundings.front.clear();
+  host.activateIgnoringOtherApps();
+  EXPECT_NE(surroundings.front, "About Vorli");
+  host.openAboutPanel();
+  EXPECT_EQ(surroundings.front, "About Vorli");
+}
+
 TEST_F(ApplicationHostTest, terminationEndsTheProgramAtOnceWhenItMay) {
   int asked = 0;
   host.setTerminationHandler([&asked] {

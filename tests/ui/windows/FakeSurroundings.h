@@ -27,6 +27,7 @@ class FakeSurroundings final : public WindowSurroundings {
     ++fronts;
     front = window.title();
   }
+  bool isOnCurrentWorkspace(QWindow&) const override { return areHere; }
   void windowDestroyed() const override {
     if (afterWindow) afterWindow();
   }
@@ -40,6 +41,7 @@ class FakeSurroundings final : public WindowSurroundings {
   CloseButtonSide side = CloseButtonSide::right;
   Compositing composited = Compositing::present;
   std::optional<WindowMotion> moves;
+  bool areHere = true;                // whether windows are on the current workspace
   std::function<void()> afterWindow;  // runs when a window has been destroyed
   mutable QMargins shadow;
   mutable int fronts = 0;  // how often a window was brought to the front
