@@ -292,8 +292,17 @@ std::optional<double> OnboardingSheet::nextFrameIn(double now) const {
 
 bool OnboardingSheet::event(QEvent* event) {
   const bool handled = PaperWindow::event(event);
-  if (event->type() == QEvent::Show || event->type() == QEvent::Expose) startFrames();
+  if (event->type() == QEvent::Show) {
+    windowHandle()->installEventFilter(this);
+    startFrames();
+  }
   return handled;
+}
+
+// Qt tells its window that it can be seen, and not the widget, which is shown before that.
+bool OnboardingSheet::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == windowHandle() && event->type() == QEvent::Expose) startFrames();
+  return PaperWindow::eventFilter(watched, event);
 }
 
 void OnboardingSheet::keyPressEvent(QKeyEvent* event) {

@@ -39,6 +39,7 @@ class OnboardingSheet final : public PaperWindow {
   void keyPressEvent(QKeyEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   bool event(QEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
   void makeButtons();
   void makeContentAnew();

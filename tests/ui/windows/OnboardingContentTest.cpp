@@ -215,6 +215,35 @@ TEST_F(OnboardingContentTest, theLightBreathesAndNothingIsDrawnOnceItIsClosed) {
   EXPECT_EQ(scheduler.pendingTimers(), 0u);
 }
 
+TEST_F(OnboardingContentTest, theLightMovesFromTheFirstMomentOnAndRestsWhileTheWindowIsHidden) {
+  struct Paints : QObject {
+    bool eventFilter(QObject*, QEvent* event) override {
+      count += event->type() == QEvent::Paint;
+      return false;
+    }
+    int count = 0;
+  } paints;
+  auto& sheet = open(0);
+  scheduler.advance(2.0);
+  sheet.installEventFilter(&paints);
+  const auto paintsInASecond = [&] {
+    paints.count = 0;
+    for (int tenth = 0; tenth < 10; ++tenth) {
+      scheduler.advance(0.1);
+      settleWindows();
+    }
+    return paints.count;
+  };
+  EXPECT_GE(paintsInASecond(), 5);
+  sheet.hide();
+  settleWindows();
+  EXPECT_EQ(paintsInASecond(), 0);
+  EXPECT_EQ(scheduler.pendingTimers(), 0u);
+  sheet.QWidget::show();
+  settleWindows();
+  EXPECT_GE(paintsInASecond(), 5);
+}
+
 TEST_F(OnboardingContentTest, withLessMotionTheWindowRests) {
   motion.setReduced(true);
   auto& sheet = open(2);
