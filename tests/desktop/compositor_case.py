@@ -38,6 +38,26 @@ print("shown", flush=True)
 Gtk.main()
 """
 
+# A native window with unsaved work and an action that quits, like most programs of GNOME. The action asks first.
+ACTION_SCRIPT = """
+import gi
+gi.require_version("Gtk", "3.0")
+from gi.repository import Gio, Gtk
+application = Gtk.Application(application_id="IDENTIFIER")
+def show(_application):
+    window = Gtk.ApplicationWindow(application=application, title="Asks")
+    window.show_all()
+    print("shown", flush=True)
+def asked(*_):
+    Gtk.MessageDialog(transient_for=application.get_active_window(), text="Save changes?").show_all()
+    print("asked", flush=True)
+action = Gio.SimpleAction(name="quit")
+action.connect("activate", asked)
+application.add_action(action)
+application.connect("activate", show)
+application.run([])
+"""
+
 # Owns an application's name on the bus and has no window; as a client of the compositor it could have one.
 NAME_SCRIPT = """
 import sys, gi
@@ -81,6 +101,12 @@ class CompositorCase(unittest.TestCase):
         process = subprocess.Popen(command, env=everything, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
                                    text=True)
         self.addCleanup(process.stdout.close)
+        self.addCleanup(process.wait)
+        self.addCleanup(process.kill)
+        return process
+
+    def start_boxed(self, sandbox, script):
+        process = sandbox.start(script, **self.compositor.environment, GDK_BACKEND="wayland")
         self.addCleanup(process.wait)
         self.addCleanup(process.kill)
         return process

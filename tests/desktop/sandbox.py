@@ -70,6 +70,7 @@ class Sandbox:
     def __init__(self, identifier):
         # pylint: disable=consider-using-with
         self.folder = tempfile.TemporaryDirectory()
+        self.scripts = 0
         place = self.folder.name
         write(f"{place}/info", f"[Application]\nname={identifier}\n")
         self.log = open(f"{place}/log", "a", encoding="utf-8")
@@ -82,10 +83,11 @@ class Sandbox:
 
     def start(self, script, **environment):
         """Starts a Python script with this text."""
-        write(f"{self.folder.name}/application.py", script)
+        self.scripts += 1
+        path = f"{self.folder.name}/application{self.scripts}.py"
+        write(path, script)
         environment = {**os.environ, "DBUS_SESSION_BUS_ADDRESS": f"unix:path={self.folder.name}/bus", **environment}
-        return subprocess.Popen(self.boxed("/usr/bin/python3", f"{self.folder.name}/application.py"), env=environment,
-                                stdout=self.log)
+        return subprocess.Popen(self.boxed("/usr/bin/python3", path), env=environment, stdout=self.log)
 
     @staticmethod
     def read(log):

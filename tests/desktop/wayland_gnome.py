@@ -4,33 +4,13 @@ import signal
 import sys
 import unittest
 
-from compositor_case import DATA, FAT, NAME_SCRIPT, CompositorCase, entry
+from compositor_case import ACTION_SCRIPT, DATA, FAT, NAME_SCRIPT, CompositorCase, entry
 from compositors import Mutter
 from sandbox import Sandbox
 from waiting import holds, wait_for
 from workspace_probe import write
 
 PROGRAM = sys.argv[3]
-
-# A native window with unsaved work and an action that quits, like most programs of this desktop. The action asks first.
-ACTION_SCRIPT = """
-import gi
-gi.require_version("Gtk", "3.0")
-from gi.repository import Gio, Gtk
-application = Gtk.Application(application_id="IDENTIFIER")
-def show(_application):
-    window = Gtk.ApplicationWindow(application=application, title="Asks")
-    window.show_all()
-    print("shown", flush=True)
-def asked(*_):
-    Gtk.MessageDialog(transient_for=application.get_active_window(), text="Save changes?").show_all()
-    print("asked", flush=True)
-action = Gio.SimpleAction(name="quit")
-action.connect("activate", asked)
-application.add_action(action)
-application.connect("activate", show)
-application.run([])
-"""
 
 
 class GnomeCompositor(CompositorCase):
@@ -95,10 +75,7 @@ class GnomeCompositor(CompositorCase):
     def test_a_sandboxed_program_is_asked_by_its_own_action(self):
         sandbox = Sandbox("org.example.Boxed")
         self.addCleanup(sandbox.close)
-        boxed = sandbox.start(ACTION_SCRIPT.replace("IDENTIFIER", "org.example.Boxed"),
-                              **self.compositor.environment, GDK_BACKEND="wayland")
-        self.addCleanup(boxed.wait)
-        self.addCleanup(boxed.kill)
+        boxed = self.start_boxed(sandbox, ACTION_SCRIPT.replace("IDENTIFIER", "org.example.Boxed"))
         wait_for(lambda: "shown" in sandbox.output(), "its window")
         probe = self.probe()
         probe.appears("org.example.Boxed")

@@ -3,12 +3,21 @@
 import sys
 import unittest
 
-from compositor_case import PROBE, CompositorCase, entry
+from compositor_case import ACTION_SCRIPT, PROBE, CompositorCase, entry
 from compositors import KWin
+from sandbox import Sandbox
 from waiting import holds, wait_for
 
 PROGRAM = sys.argv[3]
 PERMISSION = "NoDisplay=true\nX-KDE-Wayland-Interfaces=org_kde_plasma_window_management\n"
+# A part of an application that has no window.
+SILENT_SCRIPT = """
+import gi
+gi.require_version("Gdk", "3.0")
+from gi.repository import Gdk, GLib
+Gdk.Display.get_default()
+GLib.MainLoop().run()
+"""
 
 
 class PlasmaCompositor(CompositorCase):
@@ -16,6 +25,7 @@ class PlasmaCompositor(CompositorCase):
 
     def add_entries(self):
         entry("org.example.Probe", "Probe", PROBE, PERMISSION)
+        entry("org.example.Boxed", "Boxed Editor", "started-elsewhere")
 
     def on_screen(self, probe, processes):
         """The processes that own a window on the screen."""
@@ -80,6 +90,23 @@ class PlasmaCompositor(CompositorCase):
         holds(lambda: started["fat-editor"].poll() is None, "it runs on", 0.5)
         asked = [line for line in probe.logged() if line.startswith("hidden quit")]
         self.assertCountEqual(asked, ["hidden quit: Galculator", "hidden quit: Fat Editor"])
+
+    def test_a_sweep_spares_a_sandboxed_program_on_the_screen_whose_other_part_has_no_window(self):
+        sandbox = Sandbox("org.example.Boxed")
+        self.addCleanup(sandbox.close)
+        boxed = self.start_boxed(sandbox, ACTION_SCRIPT.replace("IDENTIFIER", "org.example.Boxed"))
+        self.start_boxed(sandbox, SILENT_SCRIPT)
+        wait_for(lambda: "shown" in sandbox.output(), "its window")
+        probe = self.watch()
+
+        def parts():
+            return {each["pid"] for each in probe.ask("list", "list") if each["id"] == "org.example.Boxed"}
+
+        wait_for(lambda: len(parts()) == 2, "both parts are known", 40)
+        wait_for(lambda: len(parts() & set(probe.ask("windows", "windows"))) == 1, "one of them is on the screen")
+        probe.ask("sweep", "swept")
+        self.assertIn("not asked to quit: a signal could lose unsaved work", probe.logged())
+        holds(lambda: "asked" not in sandbox.output() and boxed.poll() is None, "the editor is left alone", 1.0)
 
     def test_the_popover_is_placed_and_closed_as_on_x11(self):
         self.check_popover(PROGRAM)

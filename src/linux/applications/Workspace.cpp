@@ -122,13 +122,16 @@ std::optional<PoliteQuit::Target> Workspace::quitTarget(std::int32_t pid) {
   return PoliteQuit::Target{windowsOf(pid), quitActionOf(known), *known.exit, signalsTo(pid, known)};
 }
 
-// In a sandbox, the bus proxy owns the application's name, which is a process without an application.
+// In a sandbox, the bus proxy owns the name. Its action quits the whole application, so it is not used if a
+// window of that is seen: a part without windows must not end what is on the screen.
 std::optional<QuitAction> Workspace::quitActionOf(const Known& application) const {
   if (application.quitAction || application.entryID.empty()) return application.quitAction;
-  const auto proxy = std::ranges::find_if(known_, [&application](const auto& each) {
-    return !each.second.application && each.second.busID == application.entryID;
-  });
-  return proxy == known_.end() ? std::nullopt : proxy->second.quitAction;
+  std::optional<QuitAction> ofProxy;
+  for (const auto& [pid, known] : known_) {
+    if (known.entryID == application.entryID && !windowsOf(pid).empty()) return std::nullopt;
+    if (!known.application && known.busID == application.entryID) ofProxy = known.quitAction;
+  }
+  return ofProxy;
 }
 
 // Permits no signal where a window may be lost: a process without windows may be a part of an application
@@ -178,8 +181,7 @@ std::optional<ports::InstalledApplication> Workspace::applicationAt(std::string_
   return ports::InstalledApplication{SharedText(entry->id), SharedText(entry->name)};
 }
 
-// Returns the entry of a running application with this program; null for an interpreter, which does not
-// identify an application.
+// Returns null for an interpreter, which does not identify an application.
 const formats::DesktopEntry* Workspace::entryRunning(std::string_view program) const {
   if (isInterpreter(program)) return nullptr;
   for (const auto& [pid, known] : known_) {
@@ -257,9 +259,8 @@ std::optional<bool> Workspace::hasWindows(std::int32_t pid) {
   return std::ranges::any_of(windows_.windows(), isOfProcess) || !windowsOf(pid).empty();
 }
 
-// Matches a process when it is met and again with each new window, sign or program: a splash screen or an
-// icon may reveal less than the window after it, one process may serve several entries, and a service
-// manager's child is met before it becomes the program.
+// Matches a process when it is met and again with each new window, sign or program: an icon may reveal less
+// than a window, a process may serve several entries, and a service manager's child becomes its program.
 void Workspace::meet(std::int32_t pid, Sign sign, const std::string& busID) {
   const auto [slot, isNew] = known_.try_emplace(pid);
   Known& known = slot->second;
@@ -272,7 +273,6 @@ void Workspace::meet(std::int32_t pid, Sign sign, const std::string& busID) {
   } else if (known.applicationPID != 0 && known.applicationPID != pid) {
     return;
   }
-
   const bool isNewSign = known.signs.insert(sign).second;
   if (!busID.empty()) known.busID = busID;
   const auto program = programFileOf(pid);  // empty for a process that is ending
