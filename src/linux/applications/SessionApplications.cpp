@@ -17,6 +17,7 @@ SessionApplications::SessionApplications(Scheduler& scheduler, const std::string
   units_ = std::make_unique<ApplicationUnits>(ApplicationUnits::sliceOfThisUser(), [this](std::int32_t pid) {
     handlers_.processSeen(pid);
     started_.insert(pid);
+    scheduler_.cancel(std::exchange(timer_, 0));  // a look that is due sooner may find it unchanged
     lookSoon();
   });
   busNames_ =
