@@ -41,6 +41,9 @@ class CountJunit(unittest.TestCase):
         self.assertEqual(counted(case("fail", "[  PASSED  ] 10 tests.\nleaked\n")), "10 1")
         self.assertEqual(counted(case("fail", "[ RUN      ] A.b\n")), "0 1")
 
+    def test_a_program_that_finds_no_test_has_failed(self):
+        self.assertEqual(counted(case("run", "[==========] 0 tests ran.\n[  PASSED  ] 0 tests.\n")), "0 1")
+
     def test_what_was_not_run_has_failed(self):
         self.assertEqual(counted(case("notrun"), case("disabled"), case("run")), "1 2")
         self.assertEqual(counted(), "0 1")
