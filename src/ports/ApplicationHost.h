@@ -9,7 +9,8 @@ class ApplicationHost {
  public:
   virtual ~ApplicationHost() = default;
 
-  /// Brings the program to the front, even if another application is active.
+  /// Brings the program to the front, even if another application is active. Windows that the user has
+  /// minimised or put on another workspace stay there.
   virtual void activateIgnoringOtherApps() = 0;
 
   /// Shows an informational alert with one "OK" button. Returns at once; the main loop keeps running.

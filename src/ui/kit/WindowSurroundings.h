@@ -51,7 +51,7 @@ class WindowSurroundings {
   virtual void bringToFront(QWindow& window) const = 0;
 
   /// Whether the window is on the workspace that the user sees, perhaps behind other windows. True where
-  /// there is only one.
+  /// that is not known.
   virtual bool isOnCurrentWorkspace(QWindow&) const { return true; }
 
   /// Called after a window and its content have been destroyed. A desktop whose allocator keeps freed memory

@@ -59,7 +59,7 @@ void RawPresses::select(std::uint32_t events) {
   xcb_flush(connection_);
 }
 
-// Calls the handler once, however many presses have come. Asking for the place may pull further ones into the
+// Calls the handler once for all presses that have come. Asking for the place may pull further ones into the
 // queue, and the notifier does not report those.
 void RawPresses::process() {
   while (takePresses()) {

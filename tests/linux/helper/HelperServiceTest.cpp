@@ -144,11 +144,11 @@ TEST_F(HelperServiceTest, askingCostsTheMainThreadNothing) {
   }
   std::ranges::nth_element(costs, costs.begin() + 50);
   // Others run beside this test, so most reads wait for a processor, in each of the processes that they pass.
-  std::ranges::nth_element(times, times.begin() + 10);
+  std::ranges::nth_element(times, times.begin() + 9);
   RecordProperty("median_cost_microseconds", std::to_string(costs[50] * 1e6));
-  RecordProperty("tenth_best_read_milliseconds", std::to_string(times[10] * 1e3));
+  RecordProperty("tenth_best_read_milliseconds", std::to_string(times[9] * 1e3));
   EXPECT_LT(costs[50], 0.001);
-  EXPECT_LT(times[10], 0.050);
+  EXPECT_LT(times[9], 0.050);
 }
 
 TEST_F(HelperServiceTest, aStoppedBusLeavesTheLastKnownStatusAndAnswersLater) {
