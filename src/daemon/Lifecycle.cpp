@@ -45,7 +45,7 @@ void Lifecycle::requestEnded() {
 void Lifecycle::leave() {
   if (std::exchange(leaving_, true)) return;
   scheduler_.cancel(idleTimer_);
-  // From here on the bus starts a new process for new calls. The service manager is not notified separately:
+  // Makes the bus start a new process for new calls. The service manager is not notified separately:
   // it sees that the name is released. If it heard of the exit before it had seen the start, it would take
   // the start for the next call as already done.
   link_.releaseName();

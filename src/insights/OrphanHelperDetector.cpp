@@ -60,8 +60,8 @@ std::optional<ports::InstalledApplication> OrphanHelperDetector::enclosingApplic
   return std::nullopt;
 }
 
-// Where applications are folders, the workspace may not know a running application that has no window. The
-// process found is then the application's own program.
+// Recognises the application's own program: on a system whose applications are folders, the workspace may not
+// know a running application that has no window.
 bool OrphanHelperDetector::isApplicationItself(std::string_view executablePath) const {
   return paths_.rules().kind == ApplicationPathRules::Kind::folders &&
          workspace_.applicationAt(executablePath).has_value();

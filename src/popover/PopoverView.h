@@ -93,7 +93,7 @@ class PopoverView : public PolishState {
   Movement movement() const;
 
   PopoverMotion motion(double time) const;
-  /// Time at which `motion` is no longer full, as far as is known now.
+  /// Time until which `motion` is full, unless something else begins to move before.
   double restsAt() const;
 
   // Texts

@@ -56,7 +56,7 @@ class StatusItem {
   /// `handler` runs when the button is released.
   virtual void setClickHandler(std::function<void(const StatusClick&)> handler) = 0;
 
-  /// Where the system itself opens the menu, calls `provider` for the rows, once per opening.
+  /// Sets the source of the rows for a menu that the system itself opens; called once for each opening.
   virtual void setMenuProvider(std::function<std::vector<MenuRow>()> provider) = 0;
   /// Opens the menu at the item.
   virtual void showMenu(std::vector<MenuRow> rows) = 0;

@@ -64,8 +64,8 @@ class NotificationDelegate {
  public:
   virtual ~NotificationDelegate() = default;
 
-  /// How to present a notification while the program is in front: a mask of 2 for sound and 16 for a banner.
-  /// Not called where the system always shows it.
+  /// Returns how to present a notification while the program is in front: a mask of 2 for sound and 16 for a
+  /// banner. Is not called on systems that always show it.
   virtual std::uint32_t presentationOptions() = 0;
 
   /// Call `completion` once, when the response has been handled.

@@ -33,7 +33,7 @@ class AppSettings {
   Setting<std::string> dialPanel{defaults_, "dialPanel", "auto"};
 
   /// Start of the last automatic polish. Empty when there was none, or when the stored value is not a date.
-  /// Not observable: read from and written to the store on each access.
+  /// Cannot be observed; each access reads or writes the store.
   std::optional<Date> lastAutoRefresh() const;
   void setLastAutoRefresh(std::optional<Date> value);
 };

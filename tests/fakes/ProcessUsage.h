@@ -4,7 +4,7 @@
 
 namespace vorli::fakes {
 
-/// What a test's processes use.
+/// Usage of processes as a test sets it.
 class ProcessUsage final : public ports::ProcessUsage {
  public:
   double prepareReading() override { return secondsUntilReading; }

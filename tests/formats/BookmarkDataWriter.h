@@ -23,7 +23,7 @@ class BookmarkDataWriter {
   static constexpr std::uint32_t pathKey = 0x1004, volumeKey = 0x2002;
   static constexpr std::uint32_t targetTable = 1;
 
-  /// Where the next record begins.
+  /// Offset of the next record.
   Offset next() const { return static_cast<Offset>(data_.size()); }
 
   Offset record(std::uint32_t type, std::string_view bytes) {

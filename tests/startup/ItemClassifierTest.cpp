@@ -175,7 +175,7 @@ TEST_F(ItemClassifierTest, anotherCopyOfTheApplicationIsNoLeftover) {
   EXPECT_TRUE(item().isLeftover);
   installAcme();
   EXPECT_FALSE(item().isLeftover);
-  files.files.clear();  // the system still lists the application, but it no longer exists
+  files.files.clear();  // the system lists an application that does not exist
   EXPECT_TRUE(item().isLeftover);
 }
 

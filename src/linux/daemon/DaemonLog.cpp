@@ -55,7 +55,7 @@ void DaemonLog::write(Level level, const std::string& line) {
   if (!send(level, line)) ++lost_;
 }
 
-// A log service that was restarted reads the log socket, but no longer what was connected to it before.
+// Connects again where sending fails: a restarted log service reads its socket, but not earlier connections.
 bool DaemonLog::send(Level level, const std::string& line) {
   if (trySend(level, line)) return true;
   const bool isService = target_ == Target::journalStream || target_ == Target::logSocket;

@@ -76,8 +76,8 @@ void HelperRegistration::judgePresence() {
   }
 }
 
-// Where systemd runs, it starts the daemon and has the most reliable answer; elsewhere the bus's answer is
-// enough.
+// Asks systemd, if it runs: it starts the daemon, so its answer is the most reliable one. On other systems
+// the bus's answer is enough.
 void HelperRegistration::askForServiceManager() {
   if (!bus_) return finish(noSystemBus);
   bus_->callMethodAsync("NameHasOwner")

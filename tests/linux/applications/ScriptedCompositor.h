@@ -40,7 +40,7 @@ class ScriptedCompositor {
   void setTitle(Window& window, const std::string& title);
   void close(Window& window);
   void showDesktop();
-  /// Announces that windows are no longer described.
+  /// Announces that it stops describing windows.
   void finish();
 
   /// Application identifiers of the windows that clients asked to close, in order.
