@@ -55,8 +55,13 @@ void HelperRegistration::setChangeHandler(std::function<void()> handler) {
 }
 
 void HelperRegistration::readStatus(std::function<void(int)> done) {
-  waiting_.push_back(std::move(done));
-  if (waiting_.size() > 1) return;
+  waitingForNext_.push_back(std::move(done));
+  if (!isReading_) startReading();
+}
+
+void HelperRegistration::startReading() {
+  isReading_ = true;
+  waiting_ = std::exchange(waitingForNext_, {});
   watch_->refresh([weak = weak_from_this()] {
     if (const auto registration = weak.lock()) registration->judgePresence();
   });
@@ -145,6 +150,8 @@ void HelperRegistration::askPolkit() {
 void HelperRegistration::finish(int status, Lack lack) {
   lack_ = lack;
   for (const auto& done : std::exchange(waiting_, {})) done(status);
+  isReading_ = false;
+  if (!waitingForNext_.empty()) startReading();
 }
 
 void HelperRegistration::readStartupItemConsent(std::function<void(ports::Consent)> done) {

@@ -37,8 +37,8 @@ class HelperRegistration final : public SystemBus::Client,
   static std::shared_ptr<HelperRegistration> on(SystemBus& bus, std::shared_ptr<HelperNameWatch> watch,
                                                 HelperFiles files);
 
-  /// Replies with a value of the port's `status()` or one of those above. A question during a reading shares
-  /// its answer.
+  /// Replies with a value of the port's `status()` or one of those above. The reading always begins after the
+  /// question: questions that arrive during a reading share the next one.
   void readStatus(std::function<void(int)> done);
 
   /// Asks whether polkit would now let the daemon move a startup item for this program. Doubt counts as
@@ -65,6 +65,7 @@ class HelperRegistration final : public SystemBus::Client,
   enum class Lack { nothing, password, permission, unit };
 
   // Steps of one reading. Each finishes it or starts the next step.
+  void startReading();
   void judgePresence();
   void askForServiceManager();
   void loadUnit();
@@ -82,8 +83,10 @@ class HelperRegistration final : public SystemBus::Client,
   std::unique_ptr<sdbus::IProxy> bus_;
   std::unique_ptr<sdbus::IProxy> manager_;
   std::unique_ptr<sdbus::IProxy> unit_;
-  std::vector<std::function<void(int)>> waiting_;
-  Lack lack_ = Lack::nothing;  // result of the last reading
+  bool isReading_ = false;
+  std::vector<std::function<void(int)>> waiting_;         // for the current reading
+  std::vector<std::function<void(int)>> waitingForNext_;  // asked during the current reading
+  Lack lack_ = Lack::nothing;                             // result of the last reading
 };
 
 }  // namespace vorli::linuxhost

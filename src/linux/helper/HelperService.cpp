@@ -64,6 +64,11 @@ std::optional<std::string> obstacleOf(Approval approval) {
   return std::nullopt;
 }
 
+// Says whether a request for the daemon's approval that ended like this found it missing.
+bool foundMissing(Approval approval) {
+  return approval != Approval::granted && approval != Approval::notMissing;
+}
+
 }  // namespace
 
 HelperService::HelperService(Scheduler& scheduler, SystemBus& bus, std::shared_ptr<HelperNameWatch> watch,
@@ -139,6 +144,13 @@ void HelperService::taken(Reading reading) {
   read();
 }
 
+// A request reads the status itself, later than the last known reading. Without this, a handler that asks for
+// the status would hear that nothing is missing.
+void HelperService::takenFromRequest() {
+  lastKnown_.status = HelperRegistration::requiresApproval;
+  tellWhenChanged();
+}
+
 void HelperService::tellWhenChanged() {
   const Reading now{.status = effectiveStatus(), .isOtherBuild = lastKnown_.isOtherBuild};
   if (std::exchange(lastTold_, now) != now && changed_) changed_();
@@ -210,9 +222,10 @@ void HelperService::askForStartupItemConsent(OnceReply<std::expected<void, std::
 
 void HelperService::askUser(Wanted wanted, const ConsentReply& reply) {
   if (isInstalling() || std::exchange(isPrompting_, true)) return;  // the user is being asked already
-  const auto answered = onMainThread<Approval>([this, reply](Approval approval) {
+  const auto answered = onMainThread<Approval>([this, wanted, reply](Approval approval) {
     isPrompting_ = false;
     if (approval == Approval::granted) read();
+    if (wanted == Wanted::approvalOfDaemon && foundMissing(approval)) takenFromRequest();
     const auto obstacle = obstacleOf(approval);
     if (obstacle && reply) return std::move(*reply)(std::unexpected(*obstacle));
     if (obstacle) tellFailure(*obstacle);

@@ -65,6 +65,7 @@ class HelperService final : public ports::HelperService {
   int effectiveStatus() const;
   void read();
   void taken(Reading reading);
+  void takenFromRequest();
   void tellWhenChanged();
   void installerEnded();
   void tellOfMissingPrompt();

@@ -1,8 +1,7 @@
-#include "tests/linux/helper/ClientFixture.h"
+#include "tests/linux/helper/ServiceFixture.h"
 
 #include <cerrno>
 #include <csignal>
-#include <fstream>
 #include <utility>
 #include <vector>
 
@@ -13,62 +12,7 @@ using namespace std::chrono_literals;
 using ports::AskedBy;
 using ports::Consent;
 
-struct HelperServiceTest : ClientFixture {
-  void startInstalled() {
-    bus.installScriptedHelper();
-    bus.start();
-  }
-
-  void startWithPolkit() {
-    startInstalled();
-    startClient();
-    bus.startAuthority("polkit");
-  }
-
-  linuxhost::HelperService& service() { return client->service; }
-
-  int readStatus() {
-    std::optional<int> answer;
-    service().readStatus(OnceReply<int>([&](int status) { answer = status; }));
-    waitUntil([&] { return answer.has_value(); });
-    return answer.value_or(-1);
-  }
-
-  /// Reads the status for each of these scripts of the authorities.
-  void expectStatuses(const std::vector<std::pair<const char*, int>>& rows) {
-    for (const auto& [conduct, status] : rows) {
-      bus.setAuthority(conduct);
-      EXPECT_EQ(readStatus(), status) << conduct;
-    }
-  }
-
-  Consent readConsent() {
-    std::optional<Consent> answer;
-    service().startupItemConsent(OnceReply<Consent>([&](Consent consent) { answer = consent; }));
-    waitUntil([&] { return answer.has_value(); });
-    return answer.value_or(Consent::missing);
-  }
-
-  int prompts() const {
-    return static_cast<int>(std::ranges::count_if(
-        bus.authorityLog(), [](const auto& line) { return line.ends_with(" prompt"); }));
-  }
-  int lines(std::string_view line) const {
-    return static_cast<int>(std::ranges::count(bus.authorityLog(), line));
-  }
-
-  void expectNothingDisturbed() {
-    EXPECT_EQ(prompts(), 0);
-    EXPECT_EQ(bus.helperPid(), -1);
-  }
-
-  /// An executable script of the test's.
-  void writeProgram(const std::filesystem::path& path, const std::string& text) {
-    std::filesystem::create_directories(path.parent_path());
-    std::ofstream(path) << "#!/bin/sh\n" << text;
-    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
-  }
-};
+struct HelperServiceTest : ServiceFixture {};
 
 TEST_F(HelperServiceTest, withoutABusTheStatusIsUnknown) {
   startClient();
@@ -362,6 +306,24 @@ TEST_F(HelperServiceTest, aPasswordThatNobodyAsksForIsSaidUntilTheNextAttempt) {
   EXPECT_FALSE(manager().lacksPrompt.get());
 }
 
+TEST_F(HelperServiceTest, whatARequestFindsIsNewerThanTheLastReading) {
+  startWithPolkit();
+  ASSERT_EQ(readSettledStatus(), 1);
+  bus.setAuthority("purge-memory challenge\npurge-memory_prompt challenge\n");
+  manager().openLoginItems();
+  waitUntil([&] { return ownPageShown == 1; });
+  EXPECT_TRUE(manager().lacksPrompt.get());
+  EXPECT_TRUE(manager().lastError.get());
+
+  bus.setAuthority("");
+  ASSERT_EQ(readSettledStatus(), 1);
+  EXPECT_FALSE(manager().lacksPrompt.get());
+  bus.setAuthority("purge-memory no\n");
+  manager().openLoginItems();
+  waitUntil([&] { return ownPageShown == 2; });
+  EXPECT_TRUE(manager().lastError.get());
+}
+
 TEST_F(HelperServiceTest, aDismissedPromptIsTheEndOfIt) {
   startWithPolkit();
   bus.setAuthority("purge-memory challenge\npurge-memory_prompt dismissed\n");
@@ -382,6 +344,19 @@ TEST_F(HelperServiceTest, anImpatientUserIsAskedOnce) {
   waitUntil([&] { return prompts() == 1; });
   ASSERT_EQ(readStatus(), 2);
   EXPECT_EQ(prompts(), 1);
+}
+
+TEST_F(HelperServiceTest, aClickDuringAReadingIsJudgedByTheNextOne) {
+  startWithPolkit();
+  bus.setAuthority("purge-memory challenge\npurge-memory_prompt dismissed\n");
+  ASSERT_EQ(readSettledStatus(), 2);
+  const int before = lines("system-bus-name purge-memory");
+  bus.authority("polkit").stop();
+  service().status();
+  service().openSystemSettingsLoginItems(AskedBy::user);
+  bus.authority("polkit").carryOn();
+  waitUntil([&] { return prompts() == 1; });
+  EXPECT_EQ(lines("system-bus-name purge-memory"), before + 2);
 }
 
 TEST_F(HelperServiceTest, consentForStartupItemsIsPolkitsAndDoubtLeavesItToTheDaemon) {
@@ -435,164 +410,6 @@ TEST_F(HelperServiceTest, aForcedRepairOfAHealthyDaemonNeitherPromptsNorOpensAny
   EXPECT_TRUE(isLogged("service.register() succeeded"));
   EXPECT_EQ(prompts(), 0);
   EXPECT_EQ(ownPageShown, 0);
-}
-
-struct HelperInstallTest : HelperServiceTest {
-  // Replaces pkexec: records what it is asked to run, and ends when the test allows it.
-  void SetUp() override {
-    mkfifo((bus.folder() / "gate").c_str(), 0600);
-    writeProgram(bus.folder() / "bin/pkexec", "echo \"$@\" >> " + (bus.folder() / "authority.log").string() +
-                                                  "\nread code words < " + (bus.folder() / "gate").string() +
-                                                  "\necho \"$words\" >&2\nexit $code\n");
-    path_ = std::getenv("PATH");
-    setenv("PATH", ((bus.folder() / "bin").string() + ":" + path_).c_str(), 1);
-    bus.start();
-    bus.startAuthority("polkit");
-  }
-  void TearDown() override { setenv("PATH", path_.c_str(), 1); }
-
-  void addInstaller() { writeProgram(installer(), ""); }
-  std::filesystem::path installer() const { return bus.folder() / "program/vorli-helper-install"; }
-  /// The log lines about a start of the installer.
-  std::string asked() const { return "--disable-internal-agent " + installer().string(); }
-  void letInstallerEnd(int code, const std::string& words = "") const {
-    std::ofstream(bus.folder() / "gate") << code << " " << words << "\n";
-  }
-
-  std::string path_;
-};
-
-TEST_F(HelperInstallTest, aPackagedDaemonIsRegisteredAlready) {
-  bus.installScriptedHelper();
-  bus.reload();
-  addInstaller();
-  startClient();
-  ASSERT_EQ(readStatus(), 1);
-  EXPECT_TRUE(service().registerDaemon(AskedBy::user).has_value());
-  EXPECT_EQ(readStatus(), 1);
-  EXPECT_EQ(lines(asked()), 0);
-}
-
-TEST_F(HelperInstallTest, aDaemonOfAnotherBuildIsReplacedAfterAClickAndOnce) {
-  bus.installScriptedHelper();
-  bus.reload();
-  addInstaller();
-  writeProgram(bus.folder() / "program/vorli-helper", "newer");
-  writeProgram(bus.folder() / "installed", "older");
-  startClient();
-  ASSERT_EQ(readStatus(), 1);
-  EXPECT_TRUE(manager().isOtherBuildInstalled.get());
-  EXPECT_EQ(service().registerDaemon(AskedBy::program).error(),
-            "The background helper is of another build; \"Reinstall\" replaces it.");
-  EXPECT_EQ(lines(asked()), 0);
-
-  const auto click = client->tasks.spawn(manager().reinstallIfStale(Reinstall::forced));
-  waitUntil([&] { return lines(asked()) == 1; });
-  EXPECT_EQ(service().status(), 2);
-  writeProgram(bus.folder() / "installed", "newer");
-  letInstallerEnd(0);
-  waitUntil([&] { return !click.isRunning() && manager().status.get() == InstallStatus::Case::enabled; });
-  EXPECT_EQ(manager().lastError.get(), std::nullopt);
-  waitUntil([&] { return !manager().isOtherBuildInstalled.get(); });
-
-  const auto again = client->tasks.spawn(manager().reinstallIfStale(Reinstall::forced));
-  waitUntil([&] { return !again.isRunning(); });
-  EXPECT_EQ(lines(asked()), 1);
-}
-
-TEST_F(HelperInstallTest, withoutAnInstallerThereIsNothingToRegister) {
-  startClient();
-  ASSERT_EQ(readStatus(), 3);
-  EXPECT_EQ(service().registerDaemon(AskedBy::user).error(),
-            "The background helper is not part of this installation.");
-}
-
-TEST_F(HelperInstallTest, aProgramThatAsksDoesNotInstall) {
-  addInstaller();
-  startClient();
-  ASSERT_EQ(readStatus(), 3);
-  EXPECT_EQ(service().registerDaemon(AskedBy::program).error(),
-            "The background helper is not installed yet.");
-  EXPECT_EQ(service().status(), 3);
-}
-
-TEST_F(HelperInstallTest, whileTheInstallerAsksApprovalIsRequiredAndThenTheTruthShows) {
-  addInstaller();
-  startClient();
-  ASSERT_EQ(readStatus(), 3);
-  EXPECT_TRUE(service().registerDaemon(AskedBy::user).has_value());
-  EXPECT_EQ(service().status(), 2);
-  waitUntil([&] { return lines(asked()) == 1; });
-  // Neither a second press nor a repair starts another one.
-  EXPECT_TRUE(service().registerDaemon(AskedBy::user).has_value());
-  const auto repair = client->tasks.spawn(manager().reinstallIfStale(Reinstall::forced));
-  waitUntil([&] { return !repair.isRunning(); });
-  EXPECT_TRUE(
-      isLogged("performReinstall: daemon awaiting approval; guiding to Settings, NOT re-registering"));
-
-  bus.installScriptedHelper();
-  bus.reload();
-  letInstallerEnd(0);
-  waitUntil([&] { return manager().status.get() == InstallStatus::Case::enabled; });
-  EXPECT_EQ(manager().lastError.get(), std::nullopt);
-  EXPECT_EQ(lines(asked()), 1);
-}
-
-TEST_F(HelperInstallTest, aFailedInstallerLeavesTheDaemonUnregisteredAndSaysWhy) {
-  addInstaller();
-  startClient();
-  ASSERT_EQ(readStatus(), 3);
-  const std::pair<int, const char*> rows[] = {
-      {126, "Couldn't set up the helper. The password was not given."},
-      {127, "Couldn't set up the helper. Its installation was not authorised."},
-      {1, "Couldn't set up the helper. Its installation failed with code 1."}};
-  for (const auto& [code, text] : rows) {
-    manager().registerDaemon();
-    EXPECT_EQ(manager().status.get(), InstallStatus::Case::requiresApproval);
-    EXPECT_EQ(manager().lastError.get(), std::nullopt);
-    letInstallerEnd(code);
-    waitUntil([&] { return manager().status.get() == InstallStatus::Case::notFound; });
-    EXPECT_EQ(manager().lastError.get(), text);
-  }
-}
-
-TEST_F(HelperInstallTest, withoutAWayToAskForThePasswordTheRegistrationFails) {
-  addInstaller();
-  startClient();
-  ASSERT_EQ(readStatus(), 3);
-  std::filesystem::remove(bus.folder() / "bin/pkexec");
-  setenv("PATH", (bus.folder() / "bin").c_str(), 1);
-  manager().registerDaemon();
-  waitUntil([&] {
-    return manager().lastError.get() ==
-           "Couldn't set up the helper. pkexec, which asks for the password, is not installed.";
-  });
-  waitUntil([&] { return manager().status.get() == InstallStatus::Case::notFound; });
-}
-
-TEST_F(HelperInstallTest, aDesktopWithoutAPasswordWindowIsToldFromARefusal) {
-  addInstaller();
-  startClient();
-  ASSERT_EQ(readStatus(), 3);
-  manager().registerDaemon();
-  letInstallerEnd(127, "Error executing command as another user: No authentication agent found.");
-  waitUntil([&] { return manager().lacksPrompt.get(); });
-  EXPECT_EQ(manager().lastError.get(), "Couldn't set up the helper. No password window could be opened.");
-
-  manager().registerDaemon();
-  EXPECT_FALSE(manager().lacksPrompt.get());
-  letInstallerEnd(127, "Error executing command as another user: Not authorized");
-  waitUntil([&] { return manager().lastError.get().has_value(); });
-  EXPECT_EQ(manager().lastError.get(), "Couldn't set up the helper. Its installation was not authorised.");
-  EXPECT_FALSE(manager().lacksPrompt.get());
-}
-
-TEST_F(HelperInstallTest, unregisteringDoesNothingAndSucceeds) {
-  startClient();
-  bool succeeded = false;
-  service().unregisterDaemon(OnceReply<std::expected<void, std::string>>(
-      [&](const auto& result) { succeeded = result.has_value(); }));
-  EXPECT_TRUE(succeeded);
 }
 
 }  // namespace
