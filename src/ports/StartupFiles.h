@@ -58,8 +58,8 @@ class StartupFiles {
   /// False when it has changed meanwhile or `aside` does not exist; both are then unchanged.
   virtual bool putBack(const std::string& path, const std::string& expected, const std::string& aside) = 0;
 
-  /// Creates a file, and its folder where that does not exist. False when the path is in use or cannot be
-  /// written.
+  /// Creates a file in one step, and its folder where that does not exist. False when the path is in use or
+  /// cannot be written.
   virtual bool create(const std::string& path, const std::string& content) = 0;
 
   /// Deletes one file. False when it still exists or did not exist.

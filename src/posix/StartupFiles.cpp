@@ -28,6 +28,13 @@ ports::MoveResult moveByLinking(const std::string& from, const std::string& to) 
   return ports::MoveResult::failed;
 }
 
+bool writeNewFile(const std::string& path, const std::string& content) {
+  constexpr mode_t readableByAll = 0644;
+  const FileDescriptor file(
+      open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, readableByAll));
+  return file && writeAll(file.get(), content) && fsync(file.get()) == 0;
+}
+
 }  // namespace
 
 std::optional<std::vector<std::string>> StartupFiles::visibleNames(const std::string& folder) {
@@ -94,12 +101,11 @@ bool StartupFiles::putBack(const std::string& path, const std::string& expected,
 
 bool StartupFiles::create(const std::string& path, const std::string& content) {
   makeFoldersAbove(path);
-  constexpr mode_t readableByAll = 0644;
-  const FileDescriptor file(
-      open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, readableByAll));
-  if (!file) return false;
-  if (writeAll(file.get(), content) && fsync(file.get()) == 0) return true;
-  unlink(path.c_str());
+  const auto temporary = temporaryName(path);
+  unlink(temporary.c_str());  // left behind by a run that was killed
+  if (writeNewFile(temporary, content) && moveWithoutReplacing(temporary, path) == ports::MoveResult::moved)
+    return true;
+  unlink(temporary.c_str());
   return false;
 }
 

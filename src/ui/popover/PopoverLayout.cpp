@@ -107,7 +107,7 @@ class Setter {
     const auto flow = FlowingText{.spacing = 0.0, .lineSpacing = culpritLineSpacing}.arrange(
         sizes, PopoverMetrics::columnWidth);
 
-    layout_.culprits.emplace();
+    layout_.culprits.emplace().top = y_;
     const auto count = static_cast<std::size_t>(pieces.size());
     for (std::size_t first = 0; first < count;) {
       std::size_t end = first + 1;
@@ -118,6 +118,7 @@ class Setter {
       first = end;
     }
     y_ += flow.size.height;
+    layout_.culprits->bottom = y_;
   }
 
   // Centres the line as the eye sees it, without the spaces at its ends.

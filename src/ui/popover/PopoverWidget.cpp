@@ -304,7 +304,8 @@ void PopoverWidget::placeControls() {
   };
   sentence_->setGeometry(textPlace(words.headlineTop, 44.0));
   culprits_->setVisible(layout.culprits.has_value());
-  if (layout.culprits) culprits_->setGeometry(textPlace(plates[0].top(), layout.bottom - plates[0].top()));
+  if (const auto& culprits = layout.culprits)
+    culprits_->setGeometry(textPlace(culprits->top, culprits->bottom - culprits->top));
   question_->setVisible(layout.quit.has_value());
   if (layout.quit) question_->setGeometry(textPlace(layout.quit->cancel.top() - 24.0, 20.0));
   banner_->setVisible(layout.banner.has_value());

@@ -7,7 +7,8 @@
 
 namespace vorli {
 
-bool waitUntil(const std::function<bool()>& condition, std::chrono::milliseconds deadline) {
+bool waitUntil(const std::function<bool()>& condition, std::chrono::milliseconds deadline,
+               const std::source_location& caller) {
   QElapsedTimer clock;
   clock.start();
   // Wakes the loop, so that the condition is checked even if nothing happens.
@@ -15,7 +16,8 @@ bool waitUntil(const std::function<bool()>& condition, std::chrono::milliseconds
   tick.start(1);
   while (!condition()) {
     if (clock.elapsed() > deadline.count()) {
-      ADD_FAILURE() << "waited in vain for " << deadline.count() << " ms";
+      ADD_FAILURE_AT(caller.file_name(), static_cast<int>(caller.line()))
+          << "waited in vain for " << deadline.count() << " ms";
       return false;
     }
     QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);

@@ -1,5 +1,6 @@
 #include "base/OnceReply.h"
 #include "linux/session/DesktopShell.h"
+#include "posix/FileDescriptor.h"
 #include "tests/fakes/CapturedLog.h"
 #include "tests/fakes/ManualScheduler.h"
 
@@ -16,9 +17,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <optional>
+#include <poll.h>
 #include <span>
 #include <sstream>
 #include <string>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -39,7 +42,7 @@ struct DesktopShellTest : testing::Test {
     folder = workFolder = fs::canonical(mkdtemp(pattern.data()));
   }
   ~DesktopShellTest() override {
-    for (const auto& process : running()) kill(process.pid, SIGKILL);
+    for (const auto& process : running()) killAndWait(process.pid);
     for (const pid_t child : children) waitpid(child, nullptr, 0);
     setenv("PATH", path.c_str(), 1);
     fs::remove_all(folder);
@@ -107,6 +110,13 @@ struct DesktopShellTest : testing::Test {
   }
   void restartFiles() {
     shell.restartFinder(OnceReply<std::string>([this](const std::string& name) { closedByHand = name; }));
+  }
+  /// Works for any process. The next test would take one that is still ending for its own.
+  static void killAndWait(pid_t pid) {
+    const posix::FileDescriptor process(static_cast<int>(syscall(SYS_pidfd_open, pid, 0)));
+    kill(pid, SIGKILL);
+    pollfd end{process.get(), POLLIN, 0};
+    EXPECT_EQ(poll(&end, 1, 20'000), 1);
   }
   static bool isAlive(pid_t pid) { return waitpid(pid, nullptr, WNOHANG) == 0; }
 

@@ -11,6 +11,7 @@
 #include <string>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 #include <vector>
@@ -214,6 +215,25 @@ TEST_F(StartupFilesTest, createsOnlyWhatIsNotThere) {
   EXPECT_FALSE(files.create(path("dangling"), "other"));
   EXPECT_EQ(text("new/folder/a"), "text");
   EXPECT_FALSE(fs::exists(tree.path("none")));
+}
+
+TEST_F(StartupFilesTest, aProgramThatDiesWhileItCreatesAFileLeavesNoneAndIsNotInTheWay) {
+  const pid_t child = fork();
+  if (child == 0) {
+    const rlimit none{0, 0}, twoBytes{2, 2};
+    setrlimit(RLIMIT_CORE, &none);
+    setrlimit(RLIMIT_FSIZE, &twoBytes);
+    signal(SIGXFSZ, SIG_DFL);  // kills the child after the first bytes
+    files.create(path("a"), "text");
+    _exit(0);
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  ASSERT_TRUE(WIFSIGNALED(status));
+  EXPECT_FALSE(fs::exists(tree.path("a")));
+  EXPECT_TRUE(files.create(path("a"), "text"));
+  EXPECT_EQ(text("a"), "text");
+  EXPECT_EQ(all("").size(), 2u);
 }
 
 TEST_F(StartupFilesTest, aFullDiskLeavesNothingHalfWritten) {

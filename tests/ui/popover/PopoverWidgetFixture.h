@@ -114,6 +114,18 @@ struct PopoverWidgetFixture : PolishFixture {
     return lines;
   }
 
+  /// Where the shown part with this name is said to be, in points from the window's top; empty when there is
+  /// none.
+  QRect spokenPlace(const QString& name) {
+    auto* root = QAccessible::queryAccessibleInterface(&*widget);
+    for (int i = 0; i < root->childCount(); ++i) {
+      auto* child = root->child(i);
+      if (!child->state().invisible && child->text(QAccessible::Name) == name)
+        return child->rect().translated(-root->rect().topLeft());
+    }
+    return {};
+  }
+
   std::vector<ProcessSnapshot> hogs;
   std::optional<PopoverWidget> widget;
   int escapes = 0;

@@ -55,6 +55,19 @@ TEST_F(PopoverWidgetTest, questionWhetherToQuitIsSpokenWithItsAnswers) {
                                             "button | Quit |  | ", settingsButton));
 }
 
+TEST_F(PopoverWidgetTest, sentenceWithoutNamesIsSpokenWhereItStands) {
+  open();
+  const QRect status = spokenPlace("Your Mac is full. Time to polish it.");
+  workspace.add(1000, SharedText("Chrome"), SharedText("org.chrome"));
+  workspace.refusing = {1000};
+  click(Id::firstName);
+  scheduler.advance(1.0);
+  const QRect sentence = spokenPlace("Chrome has to be closed by hand on this desktop.");
+  EXPECT_GT(sentence.top(), status.top());
+  EXPECT_GT(sentence.height(), 10);
+  EXPECT_LT(sentence.height(), 50);
+}
+
 TEST_F(PopoverWidgetTest, linkAndBannerAreSpokenInTheirOwnWords) {
   open();
   fakes::publish(view->postClearSentence, "A gentle tidy. Couldn't reach the helper for a full polish.");
