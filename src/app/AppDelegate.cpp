@@ -160,13 +160,15 @@ void AppDelegate::polishNow() {
 // The settings show the helper's state but no error; the first steps show some of them.
 void AppDelegate::showHelperPage() {
   const auto& helper = services_.helperManager;
+  // Taken now: a window reads the status when it opens, which may take the error back.
   const bool hasError = helper.lastError.get().has_value();
+  const std::string text = helper.stateText();
   if (showUnfinishedFirstSteps() == FirstSteps::finished) {
     showSettings(VorliSettingsTab::about);
   } else if (helper.lacksPrompt) {
     return;
   }
-  if (hasError) showInfoAlert(helper.stateText());
+  if (hasError) showInfoAlert(text);
 }
 
 void AppDelegate::showInfoAlert(const std::string& text) {

@@ -194,6 +194,7 @@ void OnboardingView::install() {
 
 Task<> OnboardingView::finishInstalling() {
   co_await sleepFor(scheduler_, registrationSeconds);
+  co_await helperManager_.awaitFreshStatus(ports::AskedBy::user);
   helperManager_.refreshStatus();
   if (helperManager_.status.get() == InstallStatus::Case::requiresApproval) helperManager_.openLoginItems();
   isInstalling = false;

@@ -43,14 +43,11 @@ HelperManager::HelperManager(Scheduler& scheduler, ports::HelperService& service
     refreshStatus();
   });
   service_.setFailureHandler([this](const std::string& text) {
+    refreshStatus();  // comes first: a status that still says enabled takes errors back
     setApprovalObstacle(text);
     registrationFailed(text);
-    refreshStatus();
   });
-  service_.setNoPromptHandler([this] {
-    setLacksPrompt(true);
-    refreshStatus();
-  });
+  service_.setNoPromptHandler([this] { setLacksPrompt(true); });
 }
 
 HelperManager::~HelperManager() {

@@ -55,6 +55,9 @@ class HelperManager {
   Published<bool, HelperManager> lacksPrompt{false};
 
   void refreshStatus();
+  /// Waits, within a limit, until the system has read a status that is newer than the call. Call
+  /// `refreshStatus` afterwards.
+  Task<> awaitFreshStatus(AskedBy asker);
   void registerDaemon(AskedBy asker = AskedBy::user);
 
   /// Repairs the registration, one repair at a time: a second caller waits for the one in progress, even if
@@ -98,7 +101,6 @@ class HelperManager {
   /// Logs the result either way.
   Task<bool> needsReinstall();
   Task<> unregisterDaemon();
-  Task<> awaitFreshStatus(AskedBy asker);
   Task<HelperReachability> askForConsentIfMissing();
 
   Scheduler& scheduler_;

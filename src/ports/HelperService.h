@@ -44,7 +44,7 @@ class HelperService {
   /// registration fails after `registerDaemon` reported success, or when an approval that the user wants to
   /// give cannot be given.
   virtual void setFailureHandler(std::function<void(std::string)> handler) = 0;
-  /// `handler` runs on the main thread, never inside a call of this port, when the system needed the user's
+  /// `handler` runs on the main thread, after that of the failure, when the system needed the user's
   /// password and no program of the desktop could ask for it. Never called where the system itself asks.
   virtual void setNoPromptHandler(std::function<void()> handler) = 0;
   /// Removes the registration. Replies on the main thread. Error: the system's text.

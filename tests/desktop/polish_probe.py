@@ -129,8 +129,8 @@ class PolishProbe:
         }.items()}
 
     def calm_rise(self):
-        """How long the calm took to rise."""
-        return self.time_of("calm", "1.000000", self.pressed) - self.time_of("calm", None, self.pressed)
+        """How long the calm took to rise. It begins when the ring grows; its first value may be shown later."""
+        return self.time_of("calm", "1.000000", self.pressed) - self.time_of("scale", "1.08", self.pressed)
 
     def listened(self):
         """Seconds for which the audio probe held up the press, and seconds of these in which no processor was free."""

@@ -81,6 +81,18 @@ TEST_F(OnboardingViewTest, aRegistrationThatNeedsApprovalOpensItsPlaceAfterFourT
   EXPECT_EQ(view->mood(), Mood::waiting);
 }
 
+TEST_F(OnboardingViewTest, anApprovalIsAskedForEvenIfTheSystemIsSlowToSayThatItIsMissing) {
+  appearWith(0);
+  service.statusAfterRead = 2;
+  service.readSeconds = 0.3;
+  view->primaryPressed();
+  scheduler.advance(0.7 - frame);
+  EXPECT_TRUE(view->isInstalling);
+  scheduler.advance(frame);
+  EXPECT_FALSE(view->isInstalling);
+  EXPECT_EQ(service.calls, (Strings{"register", "open login items"}));
+}
+
 TEST_F(OnboardingViewTest, aRegistrationThatSucceedsAtOnceOpensNothing) {
   appearWith(0);
   service.statusAfterRegister = 1;

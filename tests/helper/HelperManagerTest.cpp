@@ -139,6 +139,16 @@ TEST_F(HelperManagerTest, anyOtherFailureTellsTheTextWhereverTheBundleLies) {
   }
 }
 
+TEST_F(HelperManagerTest, aFailedReplacementOfADaemonThatWorksIsNotTakenBack) {
+  service.isOtherBuild = true;
+  manager->refreshStatus();
+  service.failRegistration("Its installation failed with code 1.");
+  service.missPrompt();
+  scheduler.runReady();
+  EXPECT_EQ(manager->lastError.get(), "Couldn't set up the helper. Its installation failed with code 1.");
+  EXPECT_TRUE(manager->lacksPrompt.get());
+}
+
 TEST_F(HelperManagerTest, aFailedRegistrationThatFindsItEnabledLeavesNoError) {
   service.registerResult = std::unexpected("already there");
   service.rawStatus = 1;

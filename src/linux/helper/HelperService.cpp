@@ -24,20 +24,22 @@ constexpr const char* noAgent = "No authentication agent found";
 struct Failure {
   std::string text;
   bool isMissingPrompt = false;
+  bool isDeclined = false;
 };
 
 // Returns the failure of the installer, if it failed; `said` is its standard error.
 std::optional<Failure> failureOf(const QProcess& installer, const QByteArray& said) {
   if (installer.error() == QProcess::FailedToStart)
-    return Failure{"pkexec, which asks for the password, is not installed.", true};
+    return Failure{.text = "pkexec, which asks for the password, is not installed.", .isMissingPrompt = true};
   if (installer.exitStatus() == QProcess::CrashExit) return Failure{"Its installation was cut off."};
   switch (installer.exitCode()) {
     case 0:
       return std::nullopt;
     case exitCodeDismissed:
-      return Failure{"The password was not given."};
+      return Failure{.text = "The password was not given.", .isDeclined = true};
     case exitCodeNotAuthorised:
-      if (said.contains(noAgent)) return Failure{"No password window could be opened.", true};
+      if (said.contains(noAgent))
+        return Failure{.text = "No password window could be opened.", .isMissingPrompt = true};
       return Failure{"Its installation was not authorised."};
     default:
       return Failure{"Its installation failed with code " + std::to_string(installer.exitCode()) + "."};
@@ -188,7 +190,11 @@ void HelperService::installerEnded() {
   installer_.release()->deleteLater();
   read();
   if (!failure) return;
-  onMainThread<std::string>([this](const std::string& text) { tellFailure(text); })(failure->text);
+  onMainThread<Failure>([this](const Failure& cause) {
+    tellFailure(cause.text);
+    // The daemon of another build still works, so that no page shows the failure by itself.
+    if (lastKnown_.isOtherBuild && !cause.isDeclined) showOwnPage_(ports::AskedBy::user);
+  })(*failure);
   if (failure->isMissingPrompt) tellOfMissingPrompt();
 }
 
@@ -230,13 +236,19 @@ void HelperService::askUser(Wanted wanted, const ConsentReply& reply) {
     if (obstacle && reply) return std::move(*reply)(std::unexpected(*obstacle));
     if (obstacle) tellFailure(*obstacle);
     if (approval == Approval::nobodyToAsk && noPrompt_) noPrompt_();
-    if (obstacle || approval == Approval::notMissing) showOwnPage_(ports::AskedBy::user);
+    if (obstacle) showOwnPage_(ports::AskedBy::user);
+    if (approval == Approval::notMissing) showOwnPageAsItIsNow();
     if (reply) std::move (*reply)({});
   });
   bus_.run([registration = registration_, answered, wanted] {
     if (wanted == Wanted::approvalOfDaemon) return registration->askForApproval(answered);
     registration->askForStartupItemConsent(answered);
   });
+}
+
+// The status on the page is the last one read, which may be older than the request.
+void HelperService::showOwnPageAsItIsNow() {
+  readStatus(OnceReply<int>([this](int) { showOwnPage_(ports::AskedBy::user); }));
 }
 
 void HelperService::tellFailure(const std::string& text) {

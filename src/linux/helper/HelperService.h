@@ -68,6 +68,7 @@ class HelperService final : public ports::HelperService {
   void takenFromRequest();
   void tellWhenChanged();
   void installerEnded();
+  void showOwnPageAsItIsNow();
   void tellOfMissingPrompt();
   enum class Wanted { approvalOfDaemon, startupItemConsent };
   using ConsentReply = std::shared_ptr<OnceReply<std::expected<void, std::string>>>;

@@ -15,7 +15,10 @@ Beat::Beat(const Scheduler& clock) : clock_(clock), last_(clock.now()) {
 ClientFixture::Client::Client(ClientFixture& test)
     : service(scheduler, bus, watch,
               linuxhost::HelperFiles(test.bus.folder() / "program", test.bus.folder() / "installed"),
-              [&test](ports::AskedBy) { ++test.ownPageShown; }),
+              [&test](ports::AskedBy) {
+                ++test.ownPageShown;
+                test.ownPage();
+              }),
       manager(scheduler, service, transport, test.bundle) {}
 
 }  // namespace vorli

@@ -73,6 +73,28 @@ TEST_F(HelperInstallTest, aDaemonOfAnotherBuildIsReplacedAfterAClickAndOnce) {
   EXPECT_EQ(lines(asked()), 1);
 }
 
+TEST_F(HelperInstallTest, aFailedReplacementOfADaemonThatWorksIsShown) {
+  bus.installScriptedHelper();
+  bus.reload();
+  addInstaller();
+  writeProgram(bus.folder() / "program/vorli-helper", "newer");
+  writeProgram(bus.folder() / "installed", "older");
+  startClient();
+  ASSERT_EQ(readStatus(), 1);
+  std::optional<std::string> shown;
+  ownPage = [&] { shown = manager().lastError.get(); };
+
+  EXPECT_TRUE(service().registerDaemon(AskedBy::user));
+  letInstallerEnd(126);
+  waitUntil([&] { return isLogged("service.register() failed: The password was not given."); });
+  EXPECT_EQ(ownPageShown, 0);
+
+  EXPECT_TRUE(service().registerDaemon(AskedBy::user));
+  letInstallerEnd(1);
+  waitUntil([&] { return ownPageShown == 1; });
+  EXPECT_EQ(shown, "Couldn't set up the helper. Its installation failed with code 1.");
+}
+
 TEST_F(HelperInstallTest, withoutAnInstallerThereIsNothingToRegister) {
   startClient();
   ASSERT_EQ(readStatus(), 3);

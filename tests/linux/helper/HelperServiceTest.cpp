@@ -210,6 +210,7 @@ TEST_F(HelperServiceTest, whereAPasswordCannotHelpTheReasonIsGiven) {
 
 TEST_F(HelperServiceTest, aHealthyDaemonIsNotRepairedBecausePolkitIsSlowToStart) {
   startInstalled();
+  bus.wakeHelper();  // its start may take longer than the repair waits for the version
   bus.startAuthority("polkit");
   bus.authority("polkit").stop();
   startClient();
@@ -245,7 +246,7 @@ TEST_F(HelperServiceTest, aPathThatIsNotUTF8IsRefusedAtOnceAndDisturbsNothing) {
   ASSERT_TRUE(ping());
   const double begun = client->scheduler.now();
   const auto reply = resultOf(manager().moveLaunchAgentPlist("/etc/xdg/autostart/caf\xE9.desktop", "/tmp/a"));
-  EXPECT_LT(client->scheduler.now() - begun, 2.0);
+  EXPECT_LT(client->scheduler.now() - begun, HelperTimings::moveLaunchAgentPlist);
   EXPECT_EQ(reply.exitCode, EILSEQ);
   EXPECT_EQ(reply.output, "The path is not UTF-8: /etc/xdg/autostart/caf\xEF\xBF\xBD.desktop");
   EXPECT_EQ(manager().lastError.get(), std::nullopt);
@@ -324,6 +325,21 @@ TEST_F(HelperServiceTest, whatARequestFindsIsNewerThanTheLastReading) {
   EXPECT_TRUE(manager().lastError.get());
 }
 
+TEST_F(HelperServiceTest, thePageThatARequestShowsKnowsWhatTheRequestFound) {
+  startWithPolkit();
+  bus.setAuthority("purge-memory no\n");
+  ASSERT_EQ(readSettledStatus(), 2);
+  manager().openLoginItems();
+  waitUntil([&] { return ownPageShown == 1; });
+  ASSERT_TRUE(manager().lastError.get());
+  ASSERT_EQ(readSettledStatus(), 2);
+  bus.setAuthority("");
+  manager().openLoginItems();
+  waitUntil([&] { return ownPageShown == 2; });
+  EXPECT_EQ(manager().status.get(), InstallStatus::Case::enabled);
+  EXPECT_EQ(manager().lastError.get(), std::nullopt);
+}
+
 TEST_F(HelperServiceTest, aDismissedPromptIsTheEndOfIt) {
   startWithPolkit();
   bus.setAuthority("purge-memory challenge\npurge-memory_prompt dismissed\n");
@@ -377,6 +393,7 @@ TEST_F(HelperServiceTest, consentForStartupItemsIsPolkitsAndDoubtLeavesItToTheDa
 
 TEST_F(HelperServiceTest, anActionWithoutConsentPromptsAndNeedsApproval) {
   startWithPolkit();
+  ASSERT_TRUE(ping());  // a start may take longer than the pings below
   bus.setAuthority("move-startup-item challenge\nmove-startup-item_prompt yes\n");
   EXPECT_EQ(resultOf(manager().ensureHelperAlive()), HelperReachability::needsApproval);
   waitUntil([&] { return lines("system-bus-name move-startup-item prompt") == 1; });
@@ -386,6 +403,7 @@ TEST_F(HelperServiceTest, anActionWithoutConsentPromptsAndNeedsApproval) {
 
 TEST_F(HelperServiceTest, aConsentThatCannotBeGivenIsExplainedToTheCallerAndNotOnTheOwnPage) {
   startWithPolkit();
+  ASSERT_TRUE(ping());  // a start may take longer than the pings below
   const std::pair<const char*, const char*> rows[] = {
       {"move-startup-item challenge\nmove-startup-item_prompt challenge\n",
        "No password window could be opened. Start your desktop's authentication agent, or ask an "
@@ -404,6 +422,7 @@ TEST_F(HelperServiceTest, aConsentThatCannotBeGivenIsExplainedToTheCallerAndNotO
 
 TEST_F(HelperServiceTest, aForcedRepairOfAHealthyDaemonNeitherPromptsNorOpensAnything) {
   startWithPolkit();
+  ASSERT_TRUE(ping());  // a start may take longer than the pings below
   ASSERT_EQ(readStatus(), 1);
   const auto handle = client->tasks.spawn(manager().reinstallIfStale(Reinstall::forced));
   waitUntil([&] { return !handle.isRunning(); });

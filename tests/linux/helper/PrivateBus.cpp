@@ -178,6 +178,11 @@ void PrivateBus::signalHelper(int signal) const {
   if (const pid_t pid = helperPid(); pid > 0) ::kill(pid, signal);
 }
 
+void PrivateBus::wakeHelper() const {
+  run("dbus-send --system --print-reply --dest=com.kv.vorli.helper /com/kv/vorli/helper "
+      "com.kv.vorli.helper.Ping >/dev/null");
+}
+
 void PrivateBus::write(const std::string& name, const std::string& text) const {
   // Replaces the file atomically, because a scripted program may be reading it.
   std::ofstream(folder_ / (name + ".new")) << text;

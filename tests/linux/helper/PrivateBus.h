@@ -55,6 +55,8 @@ class PrivateBus {
   pid_t helperPid() const;
   /// Sends a signal to the scripted daemon, if there is one.
   void signalHelper(int signal) const;
+  /// Starts the daemon, and returns when it answers.
+  void wakeHelper() const;
 
  private:
   struct Authority {

@@ -19,7 +19,7 @@ struct TerminationSignalsTest : testing::Test {
     handled.emplace([this] { ++wishes; });
   }
   void waitForWishes(int count) {
-    const QDeadlineTimer deadline(10'000);
+    const QDeadlineTimer deadline(30'000);
     while (wishes < count && !deadline.hasExpired()) {
       QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
     }
