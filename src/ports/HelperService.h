@@ -34,7 +34,7 @@ class HelperService {
   virtual bool isOtherBuildRegistered() = 0;
 
   /// `handler` runs on the main thread, never inside a call of this port, whenever `status()` or
-  /// `isOtherBuildRegistered()` has changed. Never called where the system does not report changes.
+  /// `isOtherBuildRegistered()` may have changed. Never called where the system does not report changes.
   virtual void setChangeHandler(std::function<void()> handler) = 0;
 
   /// Registers the daemon. Error: the system's text. On success the user's approval may still be pending: see

@@ -28,6 +28,12 @@ FileDescriptor openExpected(const FileSystemCalls& calls, const std::string& pat
   return isExpected ? std::move(file) : FileDescriptor();
 }
 
+// Names begin with a dot, so that no session starts a file that was left behind.
+std::string temporaryName(const std::string& path) {
+  const auto name = path.rfind('/') + 1;
+  return path.substr(0, name) + "." + path.substr(name) + ".vorli-new";
+}
+
 // Swaps the two names, and swaps them back if the original is not the expected file any more.
 bool exchange(const FileSystemCalls& calls, const std::string& fresh, const std::string& path,
               const struct stat& status) {
@@ -58,11 +64,6 @@ void restoreOriginal(const FileSystemCalls& calls, const std::string& original, 
 }
 
 }  // namespace
-
-std::string temporaryName(const std::string& path) {
-  const auto name = path.rfind('/') + 1;
-  return path.substr(0, name) + "." + path.substr(name) + ".vorli-new";
-}
 
 bool exchangeContent(const FileSystemCalls& calls, const std::string& path, const std::string& expected,
                      const std::string& content, const std::string& aside) {

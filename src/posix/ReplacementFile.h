@@ -6,10 +6,6 @@
 
 namespace vorli::posix {
 
-/// The name beside `path` under which its new content is written. It begins with a dot, so that no session
-/// starts a file that was left behind.
-std::string temporaryName(const std::string& path);
-
 /// Replaces the content of a regular file, as `ports::StartupFiles::setAside` promises.
 bool exchangeContent(const FileSystemCalls& calls, const std::string& path, const std::string& expected,
                      const std::string& content, const std::string& aside);

@@ -101,7 +101,8 @@ bool StartupFiles::putBack(const std::string& path, const std::string& expected,
 
 bool StartupFiles::create(const std::string& path, const std::string& content) {
   makeFoldersAbove(path);
-  const auto temporary = temporaryName(path);
+  // Begins with a dot, so that no session starts it, and is short, because `path` may be as long as it can.
+  const auto temporary = path.substr(0, path.rfind('/') + 1) + ".vorli-new";
   unlink(temporary.c_str());  // left behind by a run that was killed
   if (writeNewFile(temporary, content) && moveWithoutReplacing(temporary, path) == ports::MoveResult::moved)
     return true;

@@ -161,31 +161,33 @@ void HelperRegistration::readStartupItemConsent(std::function<void(ports::Consen
   });
 }
 
-void HelperRegistration::askForApproval(std::function<void(Approval)> done) {
-  readStatus([weak = weak_from_this(), done = std::move(done)](int) {
+void HelperRegistration::askForApproval(std::function<void(Outcome)> done) {
+  readStatus([weak = weak_from_this(), done = std::move(done)](int status) {
     const auto registration = weak.lock();
     if (!registration) return;
+    const auto answer = [done, status](Approval approval) { done({approval, status}); };
     switch (registration->lack_) {
       case Lack::nothing:
-        return done(Approval::notMissing);
+        return answer(Approval::notMissing);
       case Lack::password:
-        return registration->promptFor(purgeMemory, done);
+        return registration->promptFor(purgeMemory, answer);
       case Lack::permission:
-        return done(Approval::refused);
+        return answer(Approval::refused);
       case Lack::unit:
-        return done(Approval::masked);
+        return answer(Approval::masked);
     }
   });
 }
 
-void HelperRegistration::askForStartupItemConsent(std::function<void(Approval)> done) {
+void HelperRegistration::askForStartupItemConsent(std::function<void(Outcome)> done) {
   polkit_->check(moveStartupItem, Interaction::none,
                  [weak = weak_from_this(), done = std::move(done)](Verdict verdict) {
                    const auto registration = weak.lock();
                    if (!registration) return;
+                   const auto answer = [done](Approval approval) { done({approval, std::nullopt}); };
                    if (verdict == Verdict::needsPassword)
-                     return registration->promptFor(moveStartupItem, done);
-                   if (verdict == Verdict::refused) return done(Approval::refused);
+                     return registration->promptFor(moveStartupItem, answer);
+                   if (verdict == Verdict::refused) return answer(Approval::refused);
                    registration->askForApproval(done);
                  });
 }

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,11 @@ class HelperRegistration final : public SystemBus::Client,
   /// here. `nobodyToAsk`: no agent shows password windows.
   enum class Approval { granted, declined, notMissing, masked, refused, nobodyToAsk };
 
+  struct Outcome {
+    Approval approval;
+    std::optional<int> status;  // as the request found it; empty if it did not read it
+  };
+
   static std::shared_ptr<HelperRegistration> on(SystemBus& bus, std::shared_ptr<HelperNameWatch> watch,
                                                 HelperFiles files);
 
@@ -46,10 +52,10 @@ class HelperRegistration final : public SystemBus::Client,
   void readStartupItemConsent(std::function<void(ports::Consent)> done);
 
   /// Asks the user for the password that the daemon needs to work at all, if that is what it lacks.
-  void askForApproval(std::function<void(Approval)> done);
+  void askForApproval(std::function<void(Outcome)> done);
   /// Asks the user for the password that changing a startup item needs; when that needs none, does the same
   /// as `askForApproval`.
-  void askForStartupItemConsent(std::function<void(Approval)> done);
+  void askForStartupItemConsent(std::function<void(Outcome)> done);
 
   /// Sets the handler that is called when the state may have changed.
   void setChangeHandler(std::function<void()> handler);

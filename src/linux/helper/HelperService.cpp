@@ -47,6 +47,7 @@ std::optional<Failure> failureOf(const QProcess& installer, const QByteArray& sa
 }
 
 using Approval = HelperRegistration::Approval;
+using Outcome = HelperRegistration::Outcome;
 
 // Returns the reason why a user who wants to give the approval cannot.
 std::optional<std::string> obstacleOf(Approval approval) {
@@ -64,11 +65,6 @@ std::optional<std::string> obstacleOf(Approval approval) {
       break;
   }
   return std::nullopt;
-}
-
-// Says whether a request for the daemon's approval that ended like this found it missing.
-bool foundMissing(Approval approval) {
-  return approval != Approval::granted && approval != Approval::notMissing;
 }
 
 }  // namespace
@@ -111,6 +107,10 @@ int HelperService::effectiveStatus() const {
   return isInstalling() ? HelperRegistration::requiresApproval : lastKnown_.status;
 }
 
+HelperService::Reading HelperService::effectiveReading() const {
+  return {.status = effectiveStatus(), .isOtherBuild = lastKnown_.isOtherBuild};
+}
+
 void HelperService::readStatus(OnceReply<int> reply) {
   // A reading in progress may have started too early for this question, so the next one answers.
   (isReading_ ? waitingForNext_ : waiting_).push_back(std::move(reply));
@@ -139,23 +139,27 @@ void HelperService::read() {
 void HelperService::taken(Reading reading) {
   isReading_ = false;
   lastKnown_ = reading;
+  auto answered = std::exchange(waiting_, std::exchange(waitingForNext_, {}));
+  if (std::exchange(readsAgain_, false)) read();
   tellWhenChanged();
-  for (auto& reply : std::exchange(waiting_, {})) std::move(reply)(effectiveStatus());
-  if (!std::exchange(readsAgain_, false)) return;
-  waiting_ = std::exchange(waitingForNext_, {});
-  read();
+  for (auto& reply : answered) std::move(reply)(effectiveStatus());
 }
 
-// A request reads the status itself, later than the last known reading. Without this, a handler that asks for
-// the status would hear that nothing is missing.
-void HelperService::takenFromRequest() {
-  lastKnown_.status = HelperRegistration::requiresApproval;
-  tellWhenChanged();
+// A request reads the status itself, later than the last reading; the handlers of its answer need it. It is
+// told even if it is the same, because an error from before may be over.
+void HelperService::takenFromRequest(int status) {
+  lastKnown_.status = status;
+  tell(effectiveReading());
 }
 
 void HelperService::tellWhenChanged() {
-  const Reading now{.status = effectiveStatus(), .isOtherBuild = lastKnown_.isOtherBuild};
-  if (std::exchange(lastTold_, now) != now && changed_) changed_();
+  const Reading now = effectiveReading();
+  if (now != lastTold_) tell(now);
+}
+
+void HelperService::tell(const Reading& now) {
+  lastTold_ = now;
+  if (changed_) changed_();
 }
 
 std::expected<void, std::string> HelperService::registerDaemon(ports::AskedBy asker) {
@@ -192,8 +196,9 @@ void HelperService::installerEnded() {
   if (!failure) return;
   onMainThread<Failure>([this](const Failure& cause) {
     tellFailure(cause.text);
-    // The daemon of another build still works, so that no page shows the failure by itself.
-    if (lastKnown_.isOtherBuild && !cause.isDeclined) showOwnPage_(ports::AskedBy::user);
+    // A daemon of another build that still works keeps every page from showing the failure by itself.
+    const bool isHidden = lastKnown_ == Reading{.status = HelperRegistration::enabled, .isOtherBuild = true};
+    if (isHidden && !cause.isDeclined) showOwnPage_(ports::AskedBy::user);
   })(*failure);
   if (failure->isMissingPrompt) tellOfMissingPrompt();
 }
@@ -228,27 +233,22 @@ void HelperService::askForStartupItemConsent(OnceReply<std::expected<void, std::
 
 void HelperService::askUser(Wanted wanted, const ConsentReply& reply) {
   if (isInstalling() || std::exchange(isPrompting_, true)) return;  // the user is being asked already
-  const auto answered = onMainThread<Approval>([this, wanted, reply](Approval approval) {
+  const auto answered = onMainThread<Outcome>([this, reply](const Outcome& outcome) {
+    const Approval approval = outcome.approval;
     isPrompting_ = false;
+    if (outcome.status) takenFromRequest(*outcome.status);
     if (approval == Approval::granted) read();
-    if (wanted == Wanted::approvalOfDaemon && foundMissing(approval)) takenFromRequest();
     const auto obstacle = obstacleOf(approval);
     if (obstacle && reply) return std::move(*reply)(std::unexpected(*obstacle));
     if (obstacle) tellFailure(*obstacle);
     if (approval == Approval::nobodyToAsk && noPrompt_) noPrompt_();
-    if (obstacle) showOwnPage_(ports::AskedBy::user);
-    if (approval == Approval::notMissing) showOwnPageAsItIsNow();
-    if (reply) std::move (*reply)({});
+    if (reply) return std::move(*reply)({});
+    if (obstacle || approval == Approval::notMissing) showOwnPage_(ports::AskedBy::user);
   });
   bus_.run([registration = registration_, answered, wanted] {
     if (wanted == Wanted::approvalOfDaemon) return registration->askForApproval(answered);
     registration->askForStartupItemConsent(answered);
   });
-}
-
-// The status on the page is the last one read, which may be older than the request.
-void HelperService::showOwnPageAsItIsNow() {
-  readStatus(OnceReply<int>([this](int) { showOwnPage_(ports::AskedBy::user); }));
 }
 
 void HelperService::tellFailure(const std::string& text) {

@@ -63,12 +63,13 @@ class HelperService final : public ports::HelperService {
 
   bool isInstalling() const { return installer_ != nullptr; }
   int effectiveStatus() const;
+  Reading effectiveReading() const;
   void read();
   void taken(Reading reading);
-  void takenFromRequest();
+  void takenFromRequest(int status);
   void tellWhenChanged();
+  void tell(const Reading& now);
   void installerEnded();
-  void showOwnPageAsItIsNow();
   void tellOfMissingPrompt();
   enum class Wanted { approvalOfDaemon, startupItemConsent };
   using ConsentReply = std::shared_ptr<OnceReply<std::expected<void, std::string>>>;

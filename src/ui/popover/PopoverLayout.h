@@ -59,7 +59,7 @@ struct PlacedName {
 struct PlacedCulprits {
   std::vector<PlacedText> texts;
   std::vector<PlacedName> names;
-  double top = 0.0, bottom = 0.0;  // of all lines
+  double top = 0.0, bottom = 0.0;  // edges of the whole sentence
 };
 
 struct PlacedQuit {

@@ -95,6 +95,19 @@ TEST_F(HelperInstallTest, aFailedReplacementOfADaemonThatWorksIsShown) {
   EXPECT_EQ(shown, "Couldn't set up the helper. Its installation failed with code 1.");
 }
 
+TEST_F(HelperInstallTest, aFailedFirstInstallationShowsNoPage) {
+  addInstaller();
+  writeProgram(bus.folder() / "program/vorli-helper", "newer");
+  writeProgram(bus.folder() / "installed", "left behind by an older build");
+  startClient();
+  ASSERT_EQ(readStatus(), 0);
+  EXPECT_TRUE(service().isOtherBuildRegistered());
+  EXPECT_TRUE(service().registerDaemon(AskedBy::user));
+  letInstallerEnd(1);
+  waitUntil([&] { return isLogged("service.register() failed: Its installation failed with code 1."); });
+  EXPECT_EQ(ownPageShown, 0);
+}
+
 TEST_F(HelperInstallTest, withoutAnInstallerThereIsNothingToRegister) {
   startClient();
   ASSERT_EQ(readStatus(), 3);

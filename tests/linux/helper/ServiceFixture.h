@@ -70,7 +70,7 @@ struct ServiceFixture : ClientFixture {
     EXPECT_EQ(bus.helperPid(), -1);
   }
 
-  /// An executable script of the test's.
+  /// Writes an executable script.
   void writeProgram(const std::filesystem::path& path, const std::string& text) {
     std::filesystem::create_directories(path.parent_path());
     std::ofstream(path) << "#!/bin/sh\n" << text;

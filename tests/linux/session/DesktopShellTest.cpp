@@ -111,7 +111,7 @@ struct DesktopShellTest : testing::Test {
   void restartFiles() {
     shell.restartFinder(OnceReply<std::string>([this](const std::string& name) { closedByHand = name; }));
   }
-  /// Works for any process. The next test would take one that is still ending for its own.
+  /// Waits for the end, because the next test would mistake a process that is still ending for its own.
   static void killAndWait(pid_t pid) {
     const posix::FileDescriptor process(static_cast<int>(syscall(SYS_pidfd_open, pid, 0)));
     if (!process) return;  // it has ended meanwhile

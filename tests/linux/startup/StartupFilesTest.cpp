@@ -215,6 +215,7 @@ TEST_F(StartupFilesTest, createsOnlyWhatIsNotThere) {
   EXPECT_FALSE(files.create(path("dangling"), "other"));
   EXPECT_EQ(text("new/folder/a"), "text");
   EXPECT_FALSE(fs::exists(tree.path("none")));
+  EXPECT_TRUE(files.create(path(std::string(255, 'n')), "text"));  // the longest name
 }
 
 TEST_F(StartupFilesTest, aProgramThatDiesWhileItCreatesAFileLeavesNoneAndIsNotInTheWay) {

@@ -15,7 +15,7 @@
 namespace vorli::ui {
 namespace {
 
-// Runs the loop until the condition holds; returns false if it does not hold within ten seconds.
+// Runs the loop until the condition holds; returns false if it does not hold within thirty seconds.
 bool runUntil(const std::function<bool()>& condition) {
   const QDeadlineTimer deadline(30'000);
   while (!condition()) {
@@ -122,7 +122,7 @@ TEST_F(QtSchedulerTest, aDelayThatWasPutOffDoesNotFireAtItsOldMoment) {
 }
 
 TEST_F(QtSchedulerTest, laterTimerAddedFirstRunsLast) {
-  // Apart by more than a pause of the machine between these lines.
+  // The delays differ by more than the machine pauses between these lines.
   scheduler.after(0.9, [this] { ran += 'c'; });
   scheduler.after(0.3, [this] { ran += 'a'; });
   scheduler.after(0.6, [this] { ran += 'b'; });

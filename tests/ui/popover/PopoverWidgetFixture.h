@@ -114,8 +114,8 @@ struct PopoverWidgetFixture : PolishFixture {
     return lines;
   }
 
-  /// Where the shown part with this name is said to be, in points from the window's top; empty when there is
-  /// none.
+  /// Returns the place that is announced for the shown part with this name, in points from the window's top
+  /// left corner; empty when there is none.
   QRect spokenPlace(const QString& name) {
     auto* root = QAccessible::queryAccessibleInterface(&*widget);
     for (int i = 0; i < root->childCount(); ++i) {
