@@ -112,37 +112,27 @@ HelperService::Reading HelperService::effectiveReading() const {
 }
 
 void HelperService::readStatus(OnceReply<int> reply) {
-  // A reading in progress may have started too early for this question, so the next one answers.
-  (isReading_ ? waitingForNext_ : waiting_).push_back(std::move(reply));
-  read();
+  read([this, shared = std::make_shared<OnceReply<int>>(std::move(reply))] {
+    std::move (*shared)(effectiveStatus());
+  });
 }
 
 void HelperService::setChangeHandler(std::function<void()> handler) {
   changed_ = std::move(handler);
 }
 
-void HelperService::read() {
-  if (isReading_) {
-    readsAgain_ = true;
-    return;
-  }
-  isReading_ = true;
-  bus_.run([registration = registration_, files = files_,
-            taken = onMainThread<Reading>([this](Reading reading) { taken(reading); })] {
+void HelperService::read(const std::function<void()>& whenTaken) {
+  const auto take = onMainThread<Reading>([this, whenTaken](const Reading& reading) {
+    lastKnown_ = reading;
+    tellWhenChanged();
+    if (whenTaken) whenTaken();
+  });
+  bus_.run([registration = registration_, files = files_, take] {
     // Compares the files there, so that the main thread never waits for the disk.
-    registration->readStatus([files, taken](int status) {
-      taken({.status = status, .isOtherBuild = files.bringsOtherThanInstalled()});
+    registration->readStatus([files, take](int status) {
+      take({.status = status, .isOtherBuild = files.bringsOtherThanInstalled()});
     });
   });
-}
-
-void HelperService::taken(Reading reading) {
-  isReading_ = false;
-  lastKnown_ = reading;
-  auto answered = std::exchange(waiting_, std::exchange(waitingForNext_, {}));
-  if (std::exchange(readsAgain_, false)) read();
-  tellWhenChanged();
-  for (auto& reply : answered) std::move(reply)(effectiveStatus());
 }
 
 // A request reads the status itself, later than the last reading; the handlers of its answer need it. It is

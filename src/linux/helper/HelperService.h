@@ -10,7 +10,6 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <vector>
 
 class QProcess;
 
@@ -64,8 +63,7 @@ class HelperService final : public ports::HelperService {
   bool isInstalling() const { return installer_ != nullptr; }
   int effectiveStatus() const;
   Reading effectiveReading() const;
-  void read();
-  void taken(Reading reading);
+  void read(const std::function<void()>& whenTaken = nullptr);
   void takenFromRequest(int status);
   void tellWhenChanged();
   void tell(const Reading& now);
@@ -94,11 +92,7 @@ class HelperService final : public ports::HelperService {
   std::unique_ptr<QProcess> installer_;
   Reading lastKnown_;
   Reading lastTold_;
-  bool isReading_ = false;
-  bool readsAgain_ = false;
   bool isPrompting_ = false;
-  std::vector<OnceReply<int>> waiting_;
-  std::vector<OnceReply<int>> waitingForNext_;
   std::shared_ptr<Life> life_ = std::make_shared<Life>();
 };
 
