@@ -160,7 +160,7 @@ void AppDelegate::polishNow() {
 // The settings show the helper's state but no error; the first steps show some of them.
 void AppDelegate::showHelperPage() {
   const auto& helper = services_.helperManager;
-  // Taken now: a window reads the status when it opens, which may take the error back.
+  // Read before a window opens: opening it reads the status, which may take the error back.
   const bool hasError = helper.lastError.get().has_value();
   const std::string text = helper.stateText();
   if (showUnfinishedFirstSteps() == FirstSteps::finished) {

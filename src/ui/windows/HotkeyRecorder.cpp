@@ -39,7 +39,7 @@ HotkeyRecorder::HotkeyRecorder(VorliSettingsView& view, Appearance appearance, Q
   face_.symbol = VorliSettingsView::hotkeySymbol;
   face_.title = qtText(VorliSettingsView::hotkeyTitle);
   connect(this, &QAbstractButton::clicked, this, [this] {
-    setFocus(Qt::OtherFocusReason);  // a click gives no focus, whose loss ends the recording
+    setFocus(Qt::OtherFocusReason);  // a click does not set it, and losing it ends the recording
     view_.hotkeyRow().startRecording();
   });
   recording_ =

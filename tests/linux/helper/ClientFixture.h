@@ -45,8 +45,8 @@ class Beat {
 /// The daemon's client as in the program, on a private bus and in real time.
 struct ClientFixture : testing::Test {
   // A bus that hangs holds up its callers for as long as it hangs, which is seconds in these tests. A pause
-  // below this limit comes from the load of the machine. An instrumented program is so slow that only a
-  // longer hang than theirs can be told from load; the plain build is strict.
+  // below this limit comes from the load of the machine. An instrumented program may pause as long as
+  // those hangs, so that only the plain build is strict.
   static constexpr double loadSeconds = isInstrumented ? 8.0 : 1.0;
 
   /// Everything that uses the bus; made after the test has prepared the bus.
@@ -67,7 +67,7 @@ struct ClientFixture : testing::Test {
   fakes::ApplicationBundle bundle;
   PrivateBus bus;
   int ownPageShown = 0;
-  std::function<void()> ownPage = [] {};  // what a test does when it is shown
+  std::function<void()> ownPage = [] {};  // called each time the program's own page is shown
   std::optional<Client> client;
 
   Client& startClient() { return client.emplace(*this); }
