@@ -8,6 +8,8 @@ namespace {
 
 using ports::RunningApplication;
 
+const std::vector<ports::ProcessUse> noProcesses;
+
 RunningApplication runningApp(std::int32_t pid, const char* identifier) {
   return {.processIdentifier = pid, .bundleIdentifier = SharedText(identifier)};
 }
@@ -43,7 +45,7 @@ TEST(StatsByIdentifierTest, withoutAProcessListNothingIsKnown) {
 }
 
 TEST(StatsByIdentifierTest, anEmptyProcessListMeansThatNothingRuns) {
-  const auto stats = statsByIdentifier({runningApp(1, "com.acme")}, {{}}, {});
+  const auto stats = statsByIdentifier({runningApp(1, "com.acme")}, noProcesses, {});
   EXPECT_EQ(stats.at("com.acme"), (ProcessStats{0.0, 0.0, false}));
 }
 
@@ -56,7 +58,7 @@ TEST(StatsByIdentifierTest, aServiceRunsUnderItsOwnIdentifier) {
 
 TEST(StatsByIdentifierTest, aServiceOfTheSystemsIsAnotherThanTheUsersOfThatName) {
   const auto stats =
-      statsByIdentifier({}, {{}}, {{"mpd.service", 12.0, 300.0}, {"mpd.service", 1.0, 5.0, true}});
+      statsByIdentifier({}, noProcesses, {{"mpd.service", 12.0, 300.0}, {"mpd.service", 1.0, 5.0, true}});
   EXPECT_EQ(stats.at("mpd.service@system"), (ProcessStats{12.0, 300.0, true}));
   EXPECT_EQ(stats.at("mpd.service"), (ProcessStats{1.0, 5.0, true}));
 }
