@@ -1,6 +1,7 @@
 #include "sampling/RingProgress.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 
 namespace vorli {
@@ -44,14 +45,21 @@ double loadScore(double load, int activeProcessorCount) {
   return std::clamp((load - cores) / cores, 0.0, 1.0);
 }
 
-// A moderately busy processor barely counts; the last tenth of usage moves the ring by a third. Continuous at
-// the breakpoints.
+// The score is linear between these points. A moderately busy processor barely counts; the last tenth of
+// usage moves the ring by a third.
+struct CpuPoint {
+  double usage;
+  double score;
+};
+constexpr std::array<CpuPoint, 5> cpuScale{{{0.0, 0.0}, {0.5, 0.05}, {0.75, 0.3}, {0.9, 0.675}, {1.0, 1.0}}};
+
 double cpuScore(double usage) {
-  if (usage < 0.0) return 0.0;
-  if (usage < 0.5) return usage * 0.1;
-  if (usage < 0.75) return (usage - 0.5) + 0.05;
-  if (usage < 0.9) return (usage - 0.75) * 2.5 + 0.3;
-  return (std::min(usage, 1.0) - 0.9) * 3.25 + 0.675;
+  const double bounded = std::clamp(usage, cpuScale.front().usage, cpuScale.back().usage);
+  const auto* const upper =
+      std::ranges::lower_bound(cpuScale.begin() + 1, cpuScale.end() - 1, bounded, {}, &CpuPoint::usage);
+  const auto* const lower = upper - 1;
+  return lower->score +
+         (bounded - lower->usage) * (upper->score - lower->score) / (upper->usage - lower->usage);
 }
 
 double thermalScore(ThermalState state) {
