@@ -41,7 +41,10 @@ std::optional<CulpritFormatter::CulpritData> CulpritFormatter::culpritData(
     const std::vector<ProcessSnapshot>& processes, RingState state) const {
   if (state == RingState::healthy) return std::nullopt;
   auto names = rankedNames(processes);
-  if (names.empty()) return std::nullopt;
+  if (names.empty()) {
+    culpritLog.debug("nobody to name among %zu processes", processes.size());
+    return std::nullopt;
+  }
   if (names.size() > maxNames) names.resize(maxNames);
 
   CulpritData data;

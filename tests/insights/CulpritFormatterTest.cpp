@@ -328,7 +328,8 @@ TEST_F(CulpritFormatterTest, aSkippedProcessLeavesTheReasonInTheLog) {
                 {LogLevel::debug, "culprits", "skipped worker: belongs to no application"},
                 {LogLevel::debug, "culprits", "skipped ended: its application is not running"},
                 {LogLevel::debug, "culprits", "skipped hidden: its application is never shown"},
-                {LogLevel::debug, "culprits", "skipped nameless: its application has no name to show"}}));
+                {LogLevel::debug, "culprits", "skipped nameless: its application has no name to show"},
+                {LogLevel::debug, "culprits", "nobody to name among 5 processes"}}));
 }
 
 TEST_F(CulpritFormatterTest, rawNamesNeverReachTheUser) {
