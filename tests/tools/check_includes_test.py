@@ -261,6 +261,7 @@ class CheckIncludesTest(PlantedTree):
                 self.refused("src/linux/daemon/Planted.cpp", text + "\n")
         os.unlink(os.path.join(self.root, "src/linux/daemon/Planted.cpp"))
         self.refused("src/posix/daemon/Planted.cpp", "::fork();\n", "starts a program as root")
+        self.refused("src/macos/daemon/Planted.cpp", "::fork();\n", "starts a program as root")
         os.unlink(os.path.join(self.root, "src/posix/daemon/Planted.cpp"))
         self.refused("src/daemon/Planted.cpp", '::popen("x", "r");\n', "as root")
         os.unlink(os.path.join(self.root, "src/daemon/Planted.cpp"))

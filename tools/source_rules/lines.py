@@ -27,7 +27,7 @@ _PLATFORM_IF = re.compile(
 # The bus library reads these from /proc by the caller's pid, which may belong to another process by then.
 _BY_PID = re.compile(r"\b(?:getCredsUid|getCredsPid|getCredsGid)\b|unix-process")
 # Forbidden in the root daemon's sources, except in the places below.
-_ROOT_DAEMON = ("daemon/", "posix/daemon/", "linux/daemon/", "main/helper_")
+_ROOT_DAEMON = ("daemon/", "posix/daemon/", "linux/daemon/", "macos/daemon/", "main/helper_")
 _NOT_AS_ROOT = (
     (re.compile(r"\bGetConnectionUnixProcessID\b|\bGetConnectionCredentials\b|\bsd_bus_(?:query_sender_)?creds\w*|"
                 r"\bSO_PEERCRED\b|\bSO_PEERPIDFD\b"), "asks who a caller's process is"),
