@@ -135,6 +135,7 @@ make_session_folder() {
   chmod 700 "$VORLI_SESSION_DIR/run"
   chmod 711 "$VORLI_SESSION_DIR"
   cp -r "$here/session" "$VORLI_SESSION_DIR/tools" # the user may not be allowed to read this folder
+  chmod -R a+rX "$VORLI_SESSION_DIR/tools"
   [ -z "$home" ] || mkdir -p "$home"
   if [ -n "$user" ]; then
     chown -R "$user:" "$VORLI_SESSION_DIR"/{logs,run,home}

@@ -24,10 +24,10 @@ sudo may ask for your password" ||
   stage=$(mktemp -d /tmp/vorli-visit.XXXXXX) || stop "no folder can be made in /tmp"
   trap leave_visit EXIT
   mkdir "$stage"/{prefix,tools,out}
-  chmod 755 "$stage"
-  chmod 1777 "$stage/out"
   # The session's user may not be allowed to read this folder.
   cp -r tools/visit.py tools/session "$stage/tools/"
+  chmod -R a+rX "$stage"
+  chmod 1777 "$stage/out"
   quietly run-install.log "installing for the visit" \
     cmake --install build/package --strip --prefix "$stage/prefix"
   as_root chown -R root: "$stage/prefix"

@@ -15,7 +15,7 @@ prepare_installed() {
   stage=$(mktemp -d /tmp/vorli-test.XXXXXX) && trap 'rm -rf "$stage"' EXIT || return
   mkdir "$stage"/{prefix,tools,tests,pictures} || return
   cp -r tools/session tools/*.py "$stage/tools/" && cp -r tests/desktop "$stage/tests/" || return
-  chmod 755 "$stage" && chmod 1777 "$stage/pictures" && cmake --install "build/$1" --strip --prefix "$stage/prefix"
+  chmod -R a+rX "$stage" && chmod 1777 "$stage/pictures" && cmake --install "build/$1" --strip --prefix "$stage/prefix"
 }
 
 # installed_tests: prints name, file and options of each test, separated by tabs.
