@@ -85,7 +85,7 @@ ThermalSnapshot SystemMonitor::sampleThermal() {
   ThermalSnapshot snapshot;
   snapshot.thermalState = thermalState(ports_.thermal.readThermal());
   snapshot.lowPowerMode = ports_.thermal.isLowPowerModeEnabled();
-  snapshot.powerSource = readPowerSource(ports_.power);
+  snapshot.powerSource = powerSource(ports_.power.readSupplies());
   snapshot.capturedAt = ports_.calendar.now();
   return snapshot;
 }

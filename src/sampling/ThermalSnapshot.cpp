@@ -32,10 +32,26 @@ ThermalState thermalState(const ports::ThermalReading& reading) {
   return worst;
 }
 
-PowerSource readPowerSource(ports::PowerSources& sources) {
-  const auto type = sources.providingSourceType();
-  if (type == "Battery Power") return PowerSource::battery;
-  if (type == "AC Power") return PowerSource::ac;
+PowerSource powerSource(std::span<const ports::PowerSupply> supplies) {
+  using Kind = ports::PowerSupply::Kind;
+  using State = ports::PowerSupply::State;
+  const auto has = [supplies](Kind kind) {
+    return std::ranges::find(supplies, kind, &ports::PowerSupply::kind) != supplies.end();
+  };
+  const auto any = [supplies](Kind kind, State state) {
+    return std::ranges::find(supplies, ports::PowerSupply{kind, state}) != supplies.end();
+  };
+
+  if (any(Kind::line, State::supplying)) return PowerSource::ac;
+  if (any(Kind::uninterruptible, State::supplying)) return PowerSource::unknown;
+  if (any(Kind::battery, State::supplying)) return PowerSource::battery;
+  if (any(Kind::battery, State::charging)) return PowerSource::ac;
+  // When the lines are off, the battery powers the machine, whatever its controller still reports.
+  if (has(Kind::line) && has(Kind::battery)) return PowerSource::battery;
+  // Idle supplies, on a machine that does not report its lines.
+  if (any(Kind::battery, State::idle)) return PowerSource::ac;
+  if (any(Kind::uninterruptible, State::charging)) return PowerSource::ac;
+  if (any(Kind::uninterruptible, State::idle)) return PowerSource::ac;
   return PowerSource::unknown;
 }
 

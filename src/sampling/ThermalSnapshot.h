@@ -4,6 +4,8 @@
 #include "ports/PowerSources.h"
 #include "ports/ThermalSensors.h"
 
+#include <span>
+
 namespace vorli {
 
 enum class ThermalState : int { nominal = 0, fair = 1, serious = 2, critical = 3 };
@@ -26,7 +28,7 @@ struct ThermalSnapshot {
 /// serious at its hot one, fair at its passive one. Nominal without sensors.
 ThermalState thermalState(const ports::ThermalReading& reading);
 
-/// Recognises "Battery Power" and "AC Power"; anything else is unknown.
-PowerSource readPowerSource(ports::PowerSources& sources);
+/// What powers the machine. Unknown for an uninterruptible supply that does, and without information.
+PowerSource powerSource(std::span<const ports::PowerSupply> supplies);
 
 }  // namespace vorli

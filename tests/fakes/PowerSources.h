@@ -2,14 +2,16 @@
 
 #include "ports/PowerSources.h"
 
+#include <vector>
+
 namespace vorli::fakes {
 
-/// Power sources as a test sets them; none at first.
+/// Power supplies as a test sets them; none at first.
 class PowerSources final : public ports::PowerSources {
  public:
-  std::optional<std::string> providingSourceType() override { return sourceType; }
+  std::span<const ports::PowerSupply> readSupplies() override { return supplies; }
 
-  std::optional<std::string> sourceType;
+  std::vector<ports::PowerSupply> supplies;
 };
 
 }  // namespace vorli::fakes

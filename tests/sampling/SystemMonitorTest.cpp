@@ -130,7 +130,7 @@ TEST_F(SystemMonitorTest, aFailedProcessorReadDoesNotStopTheTick) {
 TEST_F(SystemMonitorTest, theThermalSnapshotHoldsStatePowerModeSourceAndTime) {
   setHeat(2);
   thermal.lowPowerMode = true;
-  power.sourceType = "Battery Power";
+  power.supplies = {{ports::PowerSupply::Kind::battery, ports::PowerSupply::State::supplying}};
   calendar.set(Date{77.0});
   monitor->refresh();
   EXPECT_EQ(monitor->thermal.get(),

@@ -1,5 +1,4 @@
 #include "sampling/ThermalSnapshot.h"
-#include "tests/fakes/PowerSources.h"
 
 namespace vorli {
 namespace {
@@ -63,17 +62,62 @@ TEST(ThermalStateTest, tripPointsThatAreMissingOrNotAboveZeroAreNeverReached) {
   EXPECT_EQ(stateOf({zoneAt(120000, {}, {}, {}), zoneAt(30000, 0, -1, -274000)}), ThermalState::nominal);
 }
 
-TEST(PowerSourceTest, isReadFromItsTwoNames) {
-  fakes::PowerSources sources;
-  EXPECT_EQ(readPowerSource(sources), PowerSource::unknown);
-  for (const auto& [name, source] : {std::pair("Battery Power", PowerSource::battery),
-                                     {"AC Power", PowerSource::ac},
-                                     {"UPS Power", PowerSource::unknown},
-                                     {"ac power", PowerSource::unknown},
-                                     {"", PowerSource::unknown}}) {
-    sources.sourceType = name;
-    EXPECT_EQ(readPowerSource(sources), source) << name;
+struct PowerSourceTest : testing::Test {
+  using Kind = ports::PowerSupply::Kind;
+  using State = ports::PowerSupply::State;
+
+  static PowerSource sourceOf(const std::vector<ports::PowerSupply>& supplies) {
+    return powerSource(supplies);
   }
+};
+
+TEST_F(PowerSourceTest, withoutASupplyItIsUnknown) {
+  EXPECT_EQ(sourceOf({}), PowerSource::unknown);
+}
+
+TEST_F(PowerSourceTest, aLineThatIsOnlineCountsEvenWhenItCannotKeepUp) {
+  EXPECT_EQ(sourceOf({{Kind::line, State::supplying}}), PowerSource::ac);
+  EXPECT_EQ(sourceOf({{Kind::line, State::supplying}, {Kind::battery, State::supplying}}), PowerSource::ac);
+  EXPECT_EQ(sourceOf({{Kind::uninterruptible, State::supplying}, {Kind::line, State::supplying}}),
+            PowerSource::ac);
+}
+
+TEST_F(PowerSourceTest, oneOfTwoLinesIsEnough) {
+  EXPECT_EQ(sourceOf({{Kind::line, State::idle}, {Kind::line, State::supplying}}), PowerSource::ac);
+}
+
+TEST_F(PowerSourceTest, withADeadLineTheBatteryCarriesTheMachineWhateverItsControllerSays) {
+  for (const auto line : {State::idle, State::unknown}) {
+    EXPECT_EQ(sourceOf({{Kind::line, line}}), PowerSource::unknown);
+    for (const auto state : {State::supplying, State::idle, State::unknown}) {
+      EXPECT_EQ(sourceOf({{Kind::line, line}, {Kind::battery, state}}), PowerSource::battery);
+    }
+    EXPECT_EQ(sourceOf({{Kind::line, line}, {Kind::battery, State::charging}}), PowerSource::ac);
+  }
+}
+
+TEST_F(PowerSourceTest, withoutAReportedLineTheBatteryTells) {
+  EXPECT_EQ(sourceOf({{Kind::battery, State::supplying}}), PowerSource::battery);
+  EXPECT_EQ(sourceOf({{Kind::battery, State::charging}}), PowerSource::ac);
+  EXPECT_EQ(sourceOf({{Kind::battery, State::idle}}), PowerSource::ac);
+  EXPECT_EQ(sourceOf({{Kind::battery, State::unknown}}), PowerSource::unknown);
+}
+
+TEST_F(PowerSourceTest, oneOfTwoBatteriesDischargingIsEnough) {
+  for (const auto other : {State::charging, State::idle, State::unknown}) {
+    EXPECT_EQ(sourceOf({{Kind::battery, other}, {Kind::battery, State::supplying}}), PowerSource::battery);
+  }
+}
+
+TEST_F(PowerSourceTest, anUninterruptibleSupplyIsNeitherALineNorABattery) {
+  EXPECT_EQ(sourceOf({{Kind::uninterruptible, State::supplying}}), PowerSource::unknown);
+  EXPECT_EQ(sourceOf({{Kind::uninterruptible, State::supplying}, {Kind::battery, State::supplying}}),
+            PowerSource::unknown);
+  EXPECT_EQ(sourceOf({{Kind::uninterruptible, State::idle}, {Kind::battery, State::supplying}}),
+            PowerSource::battery);
+  EXPECT_EQ(sourceOf({{Kind::uninterruptible, State::charging}}), PowerSource::ac);
+  EXPECT_EQ(sourceOf({{Kind::uninterruptible, State::idle}}), PowerSource::ac);
+  EXPECT_EQ(sourceOf({{Kind::uninterruptible, State::unknown}}), PowerSource::unknown);
 }
 
 }  // namespace

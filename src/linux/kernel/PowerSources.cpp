@@ -6,38 +6,57 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
+#include <string_view>
 
 namespace vorli::linuxhost {
 
-PowerSources::PowerSources(const std::string& root) : folder_(root + "/sys/class/power_supply") {}
+namespace {
 
-std::optional<std::string> PowerSources::providingSourceType() {
-  if (readingsUntilLook_ == 0) {
-    lookForSupplies();
-    readingsUntilLook_ = readingsBetweenLooks;
-  }
-  --readingsUntilLook_;
+using Kind = ports::PowerSupply::Kind;
+using State = ports::PowerSupply::State;
 
-  // Checks the mains first: the state of a battery comes from a slow controller.
-  if (any(Kind::line, {"1", "2"})) return "AC Power";  // 2: online, with a programmable voltage
-  if (any(Kind::uninterruptible, {"Discharging"})) return "UPS Power";
-  if (any(Kind::battery, {"Discharging"})) return "Battery Power";
-  if (any(Kind::battery, {"Charging"})) return "AC Power";
-  // When the mains are off, the battery powers the machine, whatever its controller still reports.
-  if (any(Kind::battery) && any(Kind::line)) return "Battery Power";
-  // Idle supplies, on a machine that does not report its mains.
-  if (any(Kind::battery, {"Full", "Not charging"})) return "AC Power";
-  if (any(Kind::uninterruptible, {"Charging", "Full", "Not charging"})) return "AC Power";
-  return std::nullopt;
-}
-
-std::optional<PowerSources::Kind> PowerSources::kindOf(const std::string& supply) {
+std::optional<Kind> kindOf(const std::string& supply) {
   if (readAttribute(supply + "/scope") == "Device") return std::nullopt;
   const auto type = readAttribute(supply + "/type").value_or("");
   if (type == "Mains" || type == "Wireless" || type.starts_with("USB")) return Kind::line;
   if (type == "Battery") return Kind::battery;
   if (type == "UPS") return Kind::uninterruptible;
   return std::nullopt;
+}
+
+State lineState(std::string_view online) {
+  if (online == "1" || online == "2") return State::supplying;  // 2: with a programmable voltage
+  return online == "0" ? State::idle : State::unknown;
+}
+
+State batteryState(std::string_view status) {
+  if (status == "Discharging") return State::supplying;
+  if (status == "Charging") return State::charging;
+  return status == "Full" || status == "Not charging" ? State::idle : State::unknown;
+}
+
+}  // namespace
+
+PowerSources::PowerSources(const std::string& root) : folder_(root + "/sys/class/power_supply") {}
+
+std::span<const ports::PowerSupply> PowerSources::readSupplies() {
+  if (readingsUntilLook_ == 0) {
+    lookForSupplies();
+    readingsUntilLook_ = readingsBetweenLooks;
+  }
+  --readingsUntilLook_;
+
+  reading_.clear();
+  std::array<char, longestAttribute> buffer;
+  for (auto& supply : supplies_) {
+    const auto text = formats::trimmed(supply.state.read(buffer).value_or(""));
+    const auto state = supply.kind == Kind::line ? lineState(text) : batteryState(text);
+    reading_.push_back({supply.kind, state});
+    // Leaves the rest unread: the state of a battery comes from a slow controller.
+    if (state == State::supplying) break;
+  }
+  return reading_;
 }
 
 void PowerSources::lookForSupplies() {
@@ -48,19 +67,7 @@ void PowerSources::lookForSupplies() {
       supplies_.push_back({*kind, KeptFile(supply + (*kind == Kind::line ? "/online" : "/status"))});
     }
   }
-}
-
-bool PowerSources::any(Kind kind) const {
-  return std::ranges::any_of(supplies_, [kind](const Supply& supply) { return supply.kind == kind; });
-}
-
-bool PowerSources::any(Kind kind, std::initializer_list<std::string_view> states) {
-  std::array<char, longestAttribute> buffer;
-  return std::ranges::any_of(supplies_, [&](Supply& supply) {
-    if (supply.kind != kind) return false;
-    const auto state = formats::trimmed(supply.state.read(buffer).value_or(""));
-    return std::ranges::find(states, state) != states.end();
-  });
+  std::ranges::sort(supplies_, {}, &Supply::kind);
 }
 
 }  // namespace vorli::linuxhost

@@ -4,10 +4,13 @@
 
 namespace vorli::machost {
 
-/// The power source that the system reports.
+/// The supply that the system names as the one in use.
 class PowerSources final : public ports::PowerSources {
  public:
-  std::optional<std::string> providingSourceType() override;
+  std::span<const ports::PowerSupply> readSupplies() override;
+
+ private:
+  ports::PowerSupply supply_;
 };
 
 }  // namespace vorli::machost

@@ -2,11 +2,26 @@
 #include "tests/linux/RecordedTree.h"
 
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace vorli::linuxhost {
 namespace {
 
+using Kind = ports::PowerSupply::Kind;
+using State = ports::PowerSupply::State;
+using Supplies = std::vector<ports::PowerSupply>;
+
 const std::string supplies = "sys/class/power_supply/";
+
+Supplies readFrom(PowerSources& sources) {
+  const auto read = sources.readSupplies();
+  return {read.begin(), read.end()};
+}
+
+Supplies readFrom(const RecordedTree& tree) {
+  PowerSources sources(tree.root());
+  return readFrom(sources);
+}
 
 struct PowerSourcesTest : testing::Test {
   void line(const std::string& online) { supply("AC", "Mains", "online", online); }
@@ -16,7 +31,7 @@ struct PowerSourcesTest : testing::Test {
     tree.write(supplies + name + "/type", type + "\n");
     tree.write(supplies + name + "/" + file, state + "\n");
   }
-  std::string source() { return PowerSources(tree.root()).providingSourceType().value_or("none"); }
+  Supplies read() { return readFrom(tree); }
 
   RecordedTree tree;
 };
@@ -24,100 +39,104 @@ struct PowerSourcesTest : testing::Test {
 TEST(PowerSourcesLaptopTest, pullingThePlugIsSeenAtTheNextReading) {
   const RecordedTree tree("laptop");
   PowerSources sources(tree.root());
-  EXPECT_EQ(sources.providingSourceType(), "AC Power");
+  EXPECT_EQ(readFrom(sources), (Supplies{{Kind::line, State::supplying}}));
   tree.write(supplies + "AC/online", "0\n");
   tree.write(supplies + "BAT0/status", "Discharging\n");
-  EXPECT_EQ(sources.providingSourceType(), "Battery Power");
+  EXPECT_EQ(readFrom(sources), (Supplies{{Kind::line, State::idle}, {Kind::battery, State::supplying}}));
 }
 
 TEST_F(PowerSourcesTest, withoutAnySupplyThereIsNoInformation) {
-  EXPECT_EQ(source(), "none");
+  EXPECT_EQ(read(), Supplies{});
   tree.write(supplies + ".hidden", "");
-  EXPECT_EQ(source(), "none");
+  EXPECT_EQ(read(), Supplies{});
 }
 
-TEST_F(PowerSourcesTest, aLineThatIsOnlineCountsEvenWhenItCannotKeepUp) {
-  line("1");
+TEST_F(PowerSourcesTest, noBatteryIsAskedWhileALineIsOnline) {
   battery("Discharging");
-  EXPECT_EQ(source(), "AC Power");
+  supply("Z", "Mains", "online", "1");
+  EXPECT_EQ(read(), (Supplies{{Kind::line, State::supplying}}));
 }
 
 TEST_F(PowerSourcesTest, aLineOfAProgrammableVoltageIsOnlineToo) {
   supply("ucsi-source-psy-USBC000:001", "USB", "online", "2");
-  battery("Charging");
-  EXPECT_EQ(source(), "AC Power");
+  EXPECT_EQ(read(), (Supplies{{Kind::line, State::supplying}}));
 }
 
-TEST_F(PowerSourcesTest, withADeadLineTheBatteryCarriesTheMachineWhateverItsControllerSays) {
-  line("0");
-  for (const char* status : {"Discharging", "Full", "Not charging", "Unknown", ""}) {
-    battery(status);
-    EXPECT_EQ(source(), "Battery Power") << status;
+TEST_F(PowerSourcesTest, aLineIsOnlineOrIdleOrUnknown) {
+  for (const auto& [online, state] : {std::pair("1", State::supplying),
+                                      {"0", State::idle},
+                                      {"3", State::unknown},
+                                      {"Discharging", State::unknown},
+                                      {"", State::unknown}}) {
+    line(online);
+    EXPECT_EQ(read(), (Supplies{{Kind::line, state}})) << online;
   }
-  battery("Charging");
-  EXPECT_EQ(source(), "AC Power");
 }
 
-TEST_F(PowerSourcesTest, withoutAReportedLineTheBatteryTells) {
-  battery("Discharging");
-  EXPECT_EQ(source(), "Battery Power");
-  battery("Full");
-  EXPECT_EQ(source(), "AC Power");
-  battery("Not charging");
-  EXPECT_EQ(source(), "AC Power");
-  battery("Unknown");
-  EXPECT_EQ(source(), "none");
+TEST_F(PowerSourcesTest, aBatteryTellsItsStateAfterADeadLine) {
+  line("0");
+  for (const auto& [status, state] : {std::pair("Discharging", State::supplying),
+                                      {"Charging", State::charging},
+                                      {"Full", State::idle},
+                                      {"Not charging", State::idle},
+                                      {"Unknown", State::unknown},
+                                      {"1", State::unknown},
+                                      {"", State::unknown}}) {
+    battery(status);
+    EXPECT_EQ(read(), (Supplies{{Kind::line, State::idle}, {Kind::battery, state}})) << status;
+  }
 }
 
-TEST_F(PowerSourcesTest, oneOfTwoBatteriesDischargingIsEnough) {
+TEST_F(PowerSourcesTest, bothOfTwoBatteriesAreReadWithoutALine) {
   battery("Full");
   supply("BAT1", "Battery", "status", "Discharging");
-  EXPECT_EQ(source(), "Battery Power");
+  EXPECT_EQ(read(), (Supplies{{Kind::battery, State::idle}, {Kind::battery, State::supplying}}));
 }
 
 TEST_F(PowerSourcesTest, aMousesBatteryIsNotTheMachines) {
   supply("hidpp_battery_0", "Battery", "status", "Discharging");
   tree.write(supplies + "hidpp_battery_0/scope", "Device\n");
-  EXPECT_EQ(source(), "none");
+  EXPECT_EQ(read(), Supplies{});
 }
 
-TEST_F(PowerSourcesTest, anUninterruptibleSupplyHasItsOwnName) {
-  supply("ups0", "UPS", "status", "Discharging");
-  EXPECT_EQ(source(), "UPS Power");
+TEST_F(PowerSourcesTest, anUninterruptibleSupplyIsAKindOfItsOwnAndComesBeforeTheBattery) {
+  battery("Full");
   supply("ups0", "UPS", "status", "Charging");
-  EXPECT_EQ(source(), "AC Power");
+  EXPECT_EQ(read(), (Supplies{{Kind::uninterruptible, State::charging}, {Kind::battery, State::idle}}));
+  supply("ups0", "UPS", "status", "Discharging");
+  EXPECT_EQ(read(), (Supplies{{Kind::uninterruptible, State::supplying}}));
 }
 
 TEST_F(PowerSourcesTest, aSupplyThatComesIsFoundAtTheNextLook) {
   PowerSources sources(tree.root());
-  EXPECT_FALSE(sources.providingSourceType());
+  EXPECT_EQ(readFrom(sources), Supplies{});
   line("1");
   for (int reading = 1; reading < PowerSources::readingsBetweenLooks; ++reading) {
-    EXPECT_FALSE(sources.providingSourceType());
+    EXPECT_EQ(readFrom(sources), Supplies{});
   }
-  EXPECT_EQ(sources.providingSourceType(), "AC Power");
+  EXPECT_EQ(readFrom(sources), (Supplies{{Kind::line, State::supplying}}));
 }
 
-TEST_F(PowerSourcesTest, aSupplyThatFallsSilentIsNoSource) {
+TEST_F(PowerSourcesTest, aSupplyThatFallsSilentIsUnknown) {
   line("1");
   PowerSources sources(tree.root());
-  EXPECT_EQ(sources.providingSourceType(), "AC Power");
+  EXPECT_EQ(readFrom(sources), (Supplies{{Kind::line, State::supplying}}));
   tree.write(supplies + "AC/online", "");
-  EXPECT_FALSE(sources.providingSourceType());
+  EXPECT_EQ(readFrom(sources), (Supplies{{Kind::line, State::unknown}}));
 }
 
-TEST_F(PowerSourcesTest, unreadableFilesAreNoSupply) {
+TEST_F(PowerSourcesTest, unreadableFilesTellNothing) {
   tree.write(supplies + "BAT0", "a file");
   line("1");
   tree.replaceByFIFO(supplies + "AC/online");
   supply("USB", "USB", "online", "1");
   tree.replaceByFIFO(supplies + "USB/type");
-  EXPECT_EQ(source(), "none");
+  EXPECT_EQ(read(), (Supplies{{Kind::line, State::unknown}}));
 }
 
-TEST(PowerSourcesHostileTest, nonsenseIsNoInformation) {
+TEST(PowerSourcesHostileTest, nonsenseTellsNothing) {
   const RecordedTree tree("hostile");
-  EXPECT_FALSE(PowerSources(tree.root()).providingSourceType());
+  EXPECT_EQ(readFrom(tree), (Supplies{{Kind::battery, State::unknown}}));
 }
 
 }  // namespace
