@@ -1,5 +1,7 @@
 #include "daemon/ContinueProcess.h"
 
+#include "contract/ExitCode.h"
+
 #include <algorithm>
 #include <cerrno>
 
@@ -12,12 +14,12 @@ HelperReply continueProcess(ProcessControl& control, const Permit& permit, std::
   const auto users = (*process)->users();
   // Checked after reading the users: if the pinned process is still there, the users were its own.
   if (!(*process)->isThere()) return {ESRCH, "The process has ended"};
-  if (!users) return {exit_code::refused, "The users of the process cannot be read"};
+  if (!users) return {helper::exit_code::refused, "The users of the process cannot be read"};
   if (!std::ranges::all_of(*users, [&](UserId user) { return user == permit.user(); }))
-    return {exit_code::refused, "Not a process of the caller"};
+    return {helper::exit_code::refused, "Not a process of the caller"};
 
   if (const auto resumed = (*process)->resume(); !resumed) return toReply(resumed.error());
-  return {exit_code::done, "Continued"};
+  return {helper::exit_code::done, "Continued"};
 }
 
 }  // namespace vorli::daemon

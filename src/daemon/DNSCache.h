@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/OnceReply.h"
-#include "daemon/ExitCode.h"
+#include "daemon/SystemError.h"
 
 #include <optional>
 #include <string_view>

@@ -1,7 +1,7 @@
 #include "daemon/DaemonCommands.h"
 
+#include "contract/ExitCode.h"
 #include "daemon/ContinueProcess.h"
-#include "daemon/ExitCode.h"
 #include "daemon/MemoryPurge.h"
 
 #include <exception>
@@ -18,9 +18,9 @@ HelperReply guarded(UniqueFunction<HelperReply()>& work) {
   try {
     return work();
   } catch (const std::exception& error) {
-    return {exit_code::internalError, std::string("Internal error: ") + error.what()};
+    return {helper::exit_code::internalError, std::string("Internal error: ") + error.what()};
   } catch (...) {
-    return {exit_code::internalError, "Internal error"};
+    return {helper::exit_code::internalError, "Internal error"};
   }
 }
 
@@ -30,8 +30,8 @@ void DaemonCommands::purgeMemory(Permit, OnceReply<HelperReply> reply) {
   if (const auto& last = purge_.last(); last && !purge_.isRunning()) {
     const double age = scheduler_.now() - last->endedAt;
     if (age < freshPurgeSeconds) {
-      const bool succeeded = last->reply.exitCode == exit_code::done;
-      std::move(reply)(succeeded ? HelperReply{exit_code::done,
+      const bool succeeded = last->reply.exitCode == helper::exit_code::done;
+      std::move(reply)(succeeded ? HelperReply{helper::exit_code::done,
                                                "Purged " + std::to_string(static_cast<int>(age)) + " s ago"}
                                  : last->reply);
       return;

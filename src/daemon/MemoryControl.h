@@ -1,6 +1,6 @@
 #pragma once
 
-#include "daemon/ExitCode.h"
+#include "daemon/SystemError.h"
 
 #include <cstdint>
 #include <expected>

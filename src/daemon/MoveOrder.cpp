@@ -1,6 +1,6 @@
 #include "daemon/MoveOrder.h"
 
-#include "daemon/ExitCode.h"
+#include "contract/ExitCode.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -50,7 +50,7 @@ std::unexpected<HelperReply> malformed(std::string_view text) {
 }
 
 std::unexpected<HelperReply> refused(std::string_view text) {
-  return std::unexpected(HelperReply{exit_code::refused, std::string(text)});
+  return std::unexpected(HelperReply{helper::exit_code::refused, std::string(text)});
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 #include "daemon/Order.h"
 
-#include "daemon/ExitCode.h"
-
 #include <cerrno>
 
 namespace vorli::daemon {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "daemon/ExitCode.h"
 #include "daemon/Request.h"
+#include "daemon/SystemError.h"
 
 #include <array>
 #include <cstdint>

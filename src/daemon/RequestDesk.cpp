@@ -1,7 +1,7 @@
 #include "daemon/RequestDesk.h"
 
 #include "base/DeadlineRace.h"
-#include "daemon/ExitCode.h"
+#include "contract/ExitCode.h"
 #include "daemon/LogLine.h"
 
 #include <algorithm>
@@ -15,25 +15,27 @@ namespace {
 HelperReply refusalFor(Verdict verdict) {
   switch (verdict) {
     case Verdict::authenticationNeeded:
-      return {exit_code::authenticationNeeded, "Authentication is needed"};
+      return {helper::exit_code::authenticationNeeded, "Authentication is needed"};
     case Verdict::denied:
-      return {exit_code::notAuthorised, "Not authorised"};
+      return {helper::exit_code::notAuthorised, "Not authorised"};
     default:
-      return {exit_code::notAuthorised, "Not authorised: the authority gave no answer"};
+      return {helper::exit_code::notAuthorised, "Not authorised: the authority gave no answer"};
   }
 }
 
 constexpr UserId root = 0;
 
 HelperReply strangerReply() {
-  return {exit_code::notAuthorised, "Not authorised: the caller's process has ended or is another user's"};
+  return {helper::exit_code::notAuthorised,
+          "Not authorised: the caller's process has ended or is another user's"};
 }
 
 using Admission = RequestLimits::Admission;
 
 HelperReply busyReply(Admission admission) {
   const bool isFull = admission == Admission::full;
-  return {exit_code::busy, isFull ? "Too many requests at once" : "Too many requests of this user at once"};
+  return {helper::exit_code::busy,
+          isFull ? "Too many requests at once" : "Too many requests of this user at once"};
 }
 
 // No valid request is this large. A larger one is not kept in memory while its user is looked up: the bus
@@ -45,7 +47,7 @@ bool isLarge(const Request& request) {
 }
 
 LogImportance importanceOf(bool isGranted, const HelperReply& answer) {
-  if (answer.exitCode != exit_code::done) return LogImportance::warning;
+  if (answer.exitCode != helper::exit_code::done) return LogImportance::warning;
   return isGranted ? LogImportance::notice : LogImportance::detail;
 }
 
@@ -100,13 +102,14 @@ Task<HelperReply> RequestDesk::decide(SharedCase entry) {
   }
 
   co_await identify(entry);
-  if (!entry->user) co_return HelperReply{exit_code::notAuthorised, "The bus does not tell who is calling"};
+  if (!entry->user)
+    co_return HelperReply{helper::exit_code::notAuthorised, "The bus does not tell who is calling"};
   if (const auto admission = entry->place->assignTo(*entry->user); admission != Admission::admitted)
     co_return busyReply(admission);
 
   if (!rulesOf(entry->request.method).action.empty()) {
     if (!entry->place->countPrivileged())
-      co_return HelperReply{exit_code::busy, "Too many requests of this user lately"};
+      co_return HelperReply{helper::exit_code::busy, "Too many requests of this user lately"};
     co_await holdProcess(entry);
     if (!hasOwnProcess(*entry)) co_return strangerReply();
     co_await authorise(entry, subjectOf(*order));
@@ -170,7 +173,7 @@ void RequestDesk::act(const Order& order, Permit permit, OnceReply<HelperReply> 
   } else if (const auto* move = std::get_if<MoveOrder>(&order)) {
     commands_.moveStartupItem(std::move(permit), *move, std::move(reply));
   } else {
-    std::move(reply)(HelperReply{exit_code::notSupported, "Not supported on this system"});
+    std::move(reply)(HelperReply{helper::exit_code::notSupported, "Not supported on this system"});
   }
 }
 

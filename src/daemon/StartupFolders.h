@@ -1,8 +1,9 @@
 #pragma once
 
+#include "contract/ExitCode.h"
 #include "contract/HelperProtocol.h"
-#include "daemon/ExitCode.h"
 #include "daemon/MoveOrder.h"
+#include "daemon/SystemError.h"
 
 #include <expected>
 
@@ -11,8 +12,8 @@ namespace vorli::daemon {
 /// The answer to a move that is done; `flushed` says whether the disk has it. The item is moved in any case,
 /// even if the move may not survive a loss of power.
 inline HelperReply answerToMove(const std::expected<void, SystemError>& flushed) {
-  if (flushed) return {exit_code::done, "Moved"};
-  return {exit_code::done, "Moved, but not safely on disk: " + flushed.error().text};
+  if (flushed) return {helper::exit_code::done, "Moved"};
+  return {helper::exit_code::done, "Moved, but not safely on disk: " + flushed.error().text};
 }
 
 /// Carries out renames in the system's startup folders.

@@ -1,5 +1,6 @@
 #include "insights/SuspendedAppsManager.h"
 
+#include "contract/ExitCode.h"
 #include "contract/HelperProtocol.h"
 
 #include <utility>
@@ -28,7 +29,7 @@ Task<> SuspendedAppsManager::resumeAll() {
 
 Task<> SuspendedAppsManager::resume(std::int32_t pid) {
   const HelperReply reply = co_await helper_.killPID(pid, helper::continueSignal);
-  if (reply.exitCode == 0) forget(pid);
+  if (reply.exitCode == helper::exit_code::done) forget(pid);
 }
 
 void SuspendedAppsManager::forget(std::int32_t pid) {

@@ -1,5 +1,6 @@
 #include "startup/PlistControls.h"
 
+#include "contract/ExitCode.h"
 #include "contract/SystemStartupFolders.h"
 
 #include <utility>
@@ -91,11 +92,11 @@ Task<StartupControl::Outcome> HelperPlistControl::move(std::string from, std::st
   if (reachability == HelperReachability::unreachable) co_return Outcome::notResponding;
 
   auto reply = co_await helperManager_.moveLaunchAgentPlist(from, to);
-  if (reply.exitCode != 0) {
+  if (reply.exitCode != helper::exit_code::done) {
     co_await helperManager_.reinstallIfStale(Reinstall::forced);
     reply = co_await helperManager_.moveLaunchAgentPlist(from, to);
   }
-  co_return reply.exitCode == 0 ? Outcome::done : Outcome::notResponding;
+  co_return reply.exitCode == helper::exit_code::done ? Outcome::done : Outcome::notResponding;
 }
 
 }  // namespace vorli

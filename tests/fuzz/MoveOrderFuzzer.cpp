@@ -1,4 +1,4 @@
-#include "daemon/ExitCode.h"
+#include "contract/ExitCode.h"
 #include "daemon/MoveOrder.h"
 #include "tests/fuzz/Fuzz.h"
 
@@ -28,7 +28,8 @@ void fuzz(std::string_view bytes) {
   const auto back = decodeMove(to, from);
   FUZZ_CHECK(order.has_value() == back.has_value());
   if (!order) {
-    FUZZ_CHECK(order.error().exitCode == EINVAL || order.error().exitCode == exit_code::refused);
+    FUZZ_CHECK(order.error().exitCode == EINVAL ||
+               order.error().exitCode == vorli::helper::exit_code::refused);
     FUZZ_CHECK(!order.error().output.empty());
     return;
   }

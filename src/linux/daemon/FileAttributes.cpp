@@ -1,6 +1,7 @@
 #include "linux/daemon/FileAttributes.h"
 
-#include "daemon/SystemErrors.h"
+#include "contract/ExitCode.h"
+#include "daemon/SystemError.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -39,7 +40,7 @@ std::optional<std::string> valueOf(const posix::FileDescriptor& file, const std:
 
 std::unexpected<daemon::SystemError> cannotKeep(const std::string& name) {
   return std::unexpected(
-      daemon::SystemError{daemon::exit_code::refused, "The file's attribute " + name + " cannot be kept"});
+      daemon::SystemError{helper::exit_code::refused, "The file's attribute " + name + " cannot be kept"});
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #include "linux/daemon/HelperObject.h"
 
+#include "contract/ExitCode.h"
 #include "contract/HelperProtocol.h"
-#include "daemon/ExitCode.h"
 #include "linux/bus/Library.h"
 
 #include <exception>
@@ -70,7 +70,7 @@ void HelperObject::submit(daemon::Method method, Arguments arguments, Result&& r
     desk_.submit(std::move(request),
                  OnceReply<HelperReply>([held](HelperReply reply) { send(*held, reply); }));
   } catch (const std::exception&) {
-    send(*held, {daemon::exit_code::internalError, "Internal error"});
+    send(*held, {helper::exit_code::internalError, "Internal error"});
   }
 }
 

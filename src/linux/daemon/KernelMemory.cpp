@@ -1,6 +1,6 @@
 #include "linux/daemon/KernelMemory.h"
 
-#include "daemon/SystemErrors.h"
+#include "daemon/SystemError.h"
 
 #include <cerrno>
 #include <chrono>

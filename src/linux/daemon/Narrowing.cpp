@@ -1,7 +1,7 @@
 #include "linux/daemon/Narrowing.h"
 
 #include "contract/SystemStartupFolders.h"
-#include "daemon/SystemErrors.h"
+#include "daemon/SystemError.h"
 #include "posix/FileDescriptor.h"
 
 #include <cstdint>

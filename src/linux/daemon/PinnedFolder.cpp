@@ -1,6 +1,6 @@
 #include "linux/daemon/PinnedFolder.h"
 
-#include "daemon/SystemErrors.h"
+#include "daemon/SystemError.h"
 #include "linux/daemon/FileAttributes.h"
 
 #include <charconv>

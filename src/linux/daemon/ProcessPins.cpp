@@ -1,6 +1,6 @@
 #include "linux/daemon/ProcessPins.h"
 
-#include "daemon/SystemErrors.h"
+#include "daemon/SystemError.h"
 #include "linux/daemon/ProcessFile.h"
 #include "posix/FileDescriptor.h"
 

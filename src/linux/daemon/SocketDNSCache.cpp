@@ -1,6 +1,6 @@
 #include "linux/daemon/SocketDNSCache.h"
 
-#include "daemon/SystemErrors.h"
+#include "daemon/SystemError.h"
 
 #include <cstring>
 #include <sys/socket.h>

@@ -1,6 +1,6 @@
 #include "linux/daemon/SystemFolders.h"
 
-#include "daemon/SystemErrors.h"
+#include "daemon/SystemError.h"
 #include "formats/PauseMarks.h"
 #include "linux/daemon/OtherDefinition.h"
 

@@ -1,6 +1,6 @@
 #include "macos/daemon/PinnedFolder.h"
 
-#include "daemon/SystemErrors.h"
+#include "daemon/SystemError.h"
 
 #include <fcntl.h>
 #include <memory>

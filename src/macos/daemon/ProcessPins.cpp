@@ -1,7 +1,7 @@
 #include "macos/daemon/ProcessPins.h"
 
 #include "contract/HelperProtocol.h"
-#include "daemon/SystemErrors.h"
+#include "daemon/SystemError.h"
 
 #include <csignal>
 #include <libproc.h>

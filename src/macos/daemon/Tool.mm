@@ -1,6 +1,7 @@
 #include "macos/daemon/Tool.h"
 
-#include "daemon/SystemErrors.h"
+#include "contract/ExitCode.h"
+#include "daemon/SystemError.h"
 #include "macos/Text.h"
 
 #import <Foundation/Foundation.h>
@@ -58,7 +59,7 @@ std::expected<ToolResult, daemon::SystemError> runTool(const std::string& path,
     }
     if (task.terminationReason != NSTaskTerminationReasonExit) {
       return std::unexpected(daemon::SystemError{
-          daemon::exit_code::internalError, "ended by signal " + std::to_string(task.terminationStatus)});
+          helper::exit_code::internalError, "ended by signal " + std::to_string(task.terminationStatus)});
     }
     return ToolResult{task.terminationStatus, *output};
   }

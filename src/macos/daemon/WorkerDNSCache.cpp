@@ -1,6 +1,6 @@
 #include "macos/daemon/WorkerDNSCache.h"
 
-#include "daemon/SystemErrors.h"
+#include "daemon/SystemError.h"
 #include "macos/daemon/Tool.h"
 
 #include <array>

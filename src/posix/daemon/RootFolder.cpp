@@ -1,6 +1,6 @@
 #include "posix/daemon/RootFolder.h"
 
-#include "daemon/SystemErrors.h"
+#include "daemon/SystemError.h"
 
 #include <fcntl.h>
 #include <string_view>
