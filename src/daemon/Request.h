@@ -1,5 +1,8 @@
 #pragma once
 
+#include "contract/HelperActions.h"
+#include "contract/HelperMethods.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -24,15 +27,15 @@ struct MethodRules {
 constexpr MethodRules rulesOf(Method method) {
   switch (method) {
     case Method::purgeMemory:
-      return {"PurgeMemory", "com.kv.vorli.helper.purge-memory", 18.0};
+      return {helper::method::purgeMemory, helper::action::purgeMemory, 18.0};
     case Method::flushDNS:
-      return {"FlushDNS", "com.kv.vorli.helper.flush-dns", 4.6};
+      return {helper::method::flushDNS, helper::action::flushDNS, 4.6};
     case Method::killPID:
-      return {"KillPID", "", 8.0};
+      return {helper::method::killPID, "", 8.0};
     case Method::dumpBTM:
-      return {"DumpBTM", "", 1.5};
+      return {helper::method::dumpBTM, "", 1.5};
     case Method::moveLaunchAgentPlist:
-      return {"MoveLaunchAgentPlist", "com.kv.vorli.helper.move-startup-item", 3.8};
+      return {helper::method::moveLaunchAgentPlist, helper::action::moveStartupItem, 3.8};
   }
   return {"", "", 0.0};
 }

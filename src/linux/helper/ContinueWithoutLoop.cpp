@@ -1,6 +1,7 @@
 #include "linux/helper/ContinueWithoutLoop.h"
 
 #include "base/Logger.h"
+#include "contract/HelperMethods.h"
 #include "contract/HelperProtocol.h"
 #include "linux/helper/BusCalls.h"
 
@@ -23,8 +24,8 @@ struct BusCloser {
 int continueProcess(sd_bus* bus, std::int32_t pid) {
   const std::string name(helper::serviceName);
   sd_bus_message* reply = nullptr;
-  int result = sd_bus_call_method(bus, name.c_str(), helperPath, name.c_str(), "KillPID", nullptr, &reply,
-                                  "ii", pid, helper::continueSignal);
+  int result = sd_bus_call_method(bus, name.c_str(), helperPath, name.c_str(), helper::method::killPID,
+                                  nullptr, &reply, "ii", pid, helper::continueSignal);
   if (result < 0) return result;
   std::int32_t exitCode = 0;
   result = sd_bus_message_read(reply, "i", &exitCode);

@@ -1,5 +1,6 @@
 #include "linux/helper/HelperEndpoint.h"
 
+#include "contract/HelperMethods.h"
 #include "linux/helper/BusCalls.h"
 
 #include <cstdint>
@@ -47,33 +48,33 @@ void HelperEndpoint::serve(const std::shared_ptr<HelperChannel>& channel) {
 }
 
 void HelperEndpoint::ping(const Ticket& ticket, OnceReply<std::string> reply) {
-  sendForText("Ping", ticket, std::move(reply));
+  sendForText(helper::method::ping, ticket, std::move(reply));
 }
 
 void HelperEndpoint::version(const Ticket& ticket, OnceReply<std::string> reply) {
-  sendForText("Version", ticket, std::move(reply));
+  sendForText(helper::method::version, ticket, std::move(reply));
 }
 
 void HelperEndpoint::purgeMemory(const Ticket& ticket, OnceReply<HelperReply> reply) {
-  sendForReply("PurgeMemory", ticket, std::move(reply));
+  sendForReply(helper::method::purgeMemory, ticket, std::move(reply));
 }
 
 void HelperEndpoint::flushDNS(const Ticket& ticket, OnceReply<HelperReply> reply) {
-  sendForReply("FlushDNS", ticket, std::move(reply));
+  sendForReply(helper::method::flushDNS, ticket, std::move(reply));
 }
 
 void HelperEndpoint::killPID(const Ticket& ticket, std::int32_t pid, std::int32_t signal,
                              OnceReply<HelperReply> reply) {
-  sendForReply("KillPID", ticket, std::move(reply), pid, signal);
+  sendForReply(helper::method::killPID, ticket, std::move(reply), pid, signal);
 }
 
 void HelperEndpoint::dumpBTM(const Ticket& ticket, OnceReply<HelperReply> reply) {
-  sendForReply("DumpBTM", ticket, std::move(reply));
+  sendForReply(helper::method::dumpBTM, ticket, std::move(reply));
 }
 
 void HelperEndpoint::moveLaunchAgentPlist(const Ticket& ticket, const std::string& from,
                                           const std::string& to, OnceReply<HelperReply> reply) {
-  sendForReply("MoveLaunchAgentPlist", ticket, std::move(reply), from, to);
+  sendForReply(helper::method::moveLaunchAgentPlist, ticket, std::move(reply), from, to);
 }
 
 template <typename Answered, typename... Arguments>

@@ -1,6 +1,6 @@
 #include "linux/helper/HelperRegistration.h"
 
-#include "contract/HelperProtocol.h"
+#include "contract/HelperActions.h"
 #include "linux/helper/BusCalls.h"
 
 #include <utility>
@@ -11,9 +11,6 @@ namespace {
 
 using Verdict = PolkitAuthority::Verdict;
 using Interaction = PolkitAuthority::Interaction;
-
-const std::string purgeMemory = "com.kv.vorli.helper.purge-memory";
-const std::string moveStartupItem = "com.kv.vorli.helper.move-startup-item";
 
 const std::string systemdName = "org.freedesktop.systemd1";
 const std::string helperUnit = "vorli-helper.service";
@@ -128,7 +125,7 @@ void HelperRegistration::judgeLoadState(const std::string& loadState) {
 }
 
 void HelperRegistration::askPolkit() {
-  polkit_->check(purgeMemory, Interaction::none, [weak = weak_from_this()](Verdict verdict) {
+  polkit_->check(helper::action::purgeMemory, Interaction::none, [weak = weak_from_this()](Verdict verdict) {
     const auto registration = weak.lock();
     if (!registration) return;
     switch (verdict) {
@@ -155,10 +152,11 @@ void HelperRegistration::finish(int status, Lack lack) {
 }
 
 void HelperRegistration::readStartupItemConsent(std::function<void(ports::Consent)> done) {
-  polkit_->check(moveStartupItem, Interaction::none, [done = std::move(done)](Verdict verdict) {
-    const bool isMissing = verdict == Verdict::needsPassword || verdict == Verdict::refused;
-    done(isMissing ? ports::Consent::missing : ports::Consent::granted);
-  });
+  polkit_->check(helper::action::moveStartupItem, Interaction::none,
+                 [done = std::move(done)](Verdict verdict) {
+                   const bool isMissing = verdict == Verdict::needsPassword || verdict == Verdict::refused;
+                   done(isMissing ? ports::Consent::missing : ports::Consent::granted);
+                 });
 }
 
 void HelperRegistration::askForApproval(std::function<void(Outcome)> done) {
@@ -170,7 +168,7 @@ void HelperRegistration::askForApproval(std::function<void(Outcome)> done) {
       case Lack::nothing:
         return answer(Approval::notMissing);
       case Lack::password:
-        return registration->promptFor(purgeMemory, answer);
+        return registration->promptFor(helper::action::purgeMemory, answer);
       case Lack::permission:
         return answer(Approval::refused);
       case Lack::unit:
@@ -180,13 +178,13 @@ void HelperRegistration::askForApproval(std::function<void(Outcome)> done) {
 }
 
 void HelperRegistration::askForStartupItemConsent(std::function<void(Outcome)> done) {
-  polkit_->check(moveStartupItem, Interaction::none,
+  polkit_->check(helper::action::moveStartupItem, Interaction::none,
                  [weak = weak_from_this(), done = std::move(done)](Verdict verdict) {
                    const auto registration = weak.lock();
                    if (!registration) return;
                    const auto answer = [done](Approval approval) { done({approval, std::nullopt}); };
                    if (verdict == Verdict::needsPassword)
-                     return registration->promptFor(moveStartupItem, answer);
+                     return registration->promptFor(helper::action::moveStartupItem, answer);
                    if (verdict == Verdict::refused) return answer(Approval::refused);
                    registration->askForApproval(done);
                  });
