@@ -1,10 +1,10 @@
 #include "linux/session/BusGreeting.h"
 
+#include "formats/BusAddress.h"
 #include "posix/FileDescriptor.h"
 
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -24,51 +24,16 @@ struct LocalSocket {
   socklen_t length = 0;
 };
 
-// Decodes the bytes that an address writes as a percent sign and two hex digits. Empty when one is malformed.
-std::optional<std::string> unescaped(std::string_view text) {
-  std::string plain;
-  while (!text.empty()) {
-    if (text.front() != '%') {
-      plain += text.front();
-      text.remove_prefix(1);
-      continue;
-    }
-    unsigned char byte = 0;
-    const char* const digits = text.data() + 1;
-    if (text.size() < 3 || std::from_chars(digits, digits + 2, byte, 16).ptr != digits + 2)
-      return std::nullopt;
-    plain += static_cast<char>(byte);
-    text.remove_prefix(3);
-  }
-  return plain;
-}
-
-// The value of a key in "unix:KEY=VALUE,KEY=VALUE".
-std::optional<std::string> valueOf(std::string_view busAddress, std::string_view key) {
-  constexpr std::string_view kind = "unix:";
-  busAddress = busAddress.substr(0, busAddress.find(';'));  // only the first of several addresses is tried
-  if (!busAddress.starts_with(kind)) return std::nullopt;
-  busAddress.remove_prefix(kind.size());
-  while (!busAddress.empty()) {
-    const auto pair = busAddress.substr(0, busAddress.find(','));
-    if (pair.starts_with(key) && pair.substr(key.size()).starts_with('=')) {
-      return unescaped(pair.substr(key.size() + 1));
-    }
-    busAddress.remove_prefix(pair.size());
-    if (!busAddress.empty()) busAddress.remove_prefix(1);
-  }
-  return std::nullopt;
-}
-
 std::optional<LocalSocket> localSocket(std::string_view busAddress) {
-  const auto path = valueOf(busAddress, "path");
-  const auto abstract = valueOf(busAddress, "abstract");
-  const std::string name = path ? *path : abstract ? '\0' + *abstract : std::string();
+  const auto address = formats::parseBusAddress(busAddress);
+  if (!address) return std::nullopt;
+  const std::string name = address->isAbstract ? '\0' + address->socket : address->socket;
   LocalSocket place;
-  if (name.empty() || name.size() >= sizeof place.address.sun_path) return std::nullopt;
+  if (name.size() >= sizeof place.address.sun_path) return std::nullopt;
   place.address.sun_family = AF_UNIX;
   std::memcpy(place.address.sun_path, name.data(), name.size());
-  place.length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + name.size() + (path ? 1 : 0));
+  const std::size_t end = address->isAbstract ? 0 : 1;  // a path ends with a NUL
+  place.length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + name.size() + end);
   return place;
 }
 
