@@ -12,12 +12,12 @@
 #include "linux/daemon/BusDNSCache.h"
 #include "linux/daemon/BusLink.h"
 #include "linux/daemon/BusLoopScheduler.h"
+#include "linux/daemon/CallerAuthority.h"
 #include "linux/daemon/DaemonLog.h"
 #include "linux/daemon/HelperObject.h"
 #include "linux/daemon/KernelMemory.h"
 #include "linux/daemon/Narrowing.h"
 #include "linux/daemon/PidFileDNSCache.h"
-#include "linux/daemon/PolkitAuthority.h"
 #include "linux/daemon/ProcessPins.h"
 #include "linux/daemon/SocketDNSCache.h"
 #include "linux/daemon/StartContext.h"
@@ -189,7 +189,7 @@ class Daemon {
   DNSCaches caches_;
   daemon::DNSFlush flush_;
   linuxhost::BusCallers callers_;
-  linuxhost::PolkitAuthority authority_;
+  linuxhost::CallerAuthority authority_;
   daemon::DaemonCommands commands_;
   daemon::RequestDesk desk_;
   linuxhost::BusLink link_;

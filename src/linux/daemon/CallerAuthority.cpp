@@ -1,4 +1,4 @@
-#include "linux/daemon/PolkitAuthority.h"
+#include "linux/daemon/CallerAuthority.h"
 
 #include "linux/bus/Library.h"
 #include "linux/daemon/SharedReply.h"
@@ -48,12 +48,12 @@ daemon::Verdict verdictOf(const Answer& answer) {
 
 }  // namespace
 
-PolkitAuthority::PolkitAuthority(sdbus::IConnection& connection)
+CallerAuthority::CallerAuthority(sdbus::IConnection& connection)
     : polkit_(bus::proxy(connection, service, path)) {}
 
-PolkitAuthority::~PolkitAuthority() = default;
+CallerAuthority::~CallerAuthority() = default;
 
-void PolkitAuthority::check(const std::string& caller, std::string_view action, const std::string& subject,
+void CallerAuthority::check(const std::string& caller, std::string_view action, const std::string& subject,
                             OnceReply<daemon::Verdict> reply) {
   const SharedReply answer(std::move(reply));
   const Details details = subject.empty() ? Details() : Details{{"item", subject}};

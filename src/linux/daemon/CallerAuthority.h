@@ -13,10 +13,10 @@ namespace vorli::linuxhost {
 
 /// Asks polkit about a caller, which is identified by its bus name and nothing else. Polkit may not prompt
 /// the user: a password takes longer than the application waits, so the application prompts beforehand.
-class PolkitAuthority final : public daemon::Authority {
+class CallerAuthority final : public daemon::Authority {
  public:
-  explicit PolkitAuthority(sdbus::IConnection& connection);
-  ~PolkitAuthority() override;
+  explicit CallerAuthority(sdbus::IConnection& connection);
+  ~CallerAuthority() override;
 
   void check(const std::string& caller, std::string_view action, const std::string& subject,
              OnceReply<daemon::Verdict> reply) override;
