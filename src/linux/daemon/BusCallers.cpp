@@ -1,7 +1,7 @@
 #include "linux/daemon/BusCallers.h"
 
+#include "linux/bus/BusDriver.h"
 #include "linux/bus/Library.h"
-#include "linux/daemon/BusNames.h"
 #include "linux/daemon/HeldCaller.h"
 #include "linux/daemon/SharedReply.h"
 #include "posix/FileDescriptor.h"
@@ -32,7 +32,7 @@ std::shared_ptr<daemon::CallerProcess> processOfCredentials(const Credentials& c
 }  // namespace
 
 BusCallers::BusCallers(sdbus::IConnection& connection)
-    : bus_(bus::proxy(connection, bus::service, bus::path)) {}
+    : bus_(bus::proxy(connection, bus::driver::service, bus::driver::path)) {}
 
 BusCallers::~BusCallers() = default;
 
@@ -40,7 +40,7 @@ void BusCallers::userOf(const std::string& caller, OnceReply<std::optional<daemo
   const SharedReply answer(std::move(reply));
   try {
     bus_->callMethodAsync("GetConnectionUnixUser")
-        .onInterface(bus::interface)
+        .onInterface(bus::driver::interface)
         .withTimeout(busLimit)
         .withArguments(caller)
         .uponReplyInvoke([answer](bus::Failure error, const std::uint32_t& user) {
@@ -56,7 +56,7 @@ void BusCallers::processOf(const std::string& caller, daemon::UserId user,
   const SharedReply answer(std::move(reply));
   try {
     bus_->callMethodAsync("GetConnectionCredentials")
-        .onInterface(bus::interface)
+        .onInterface(bus::driver::interface)
         .withTimeout(busLimit)
         .withArguments(caller)
         .uponReplyInvoke([answer, user](bus::Failure error, const Credentials& credentials) {

@@ -1,7 +1,7 @@
 #include "linux/daemon/BusDNSCache.h"
 
+#include "linux/bus/BusDriver.h"
 #include "linux/bus/Library.h"
-#include "linux/daemon/BusNames.h"
 
 #include <cerrno>
 #include <chrono>
@@ -36,7 +36,9 @@ const BusDNSCache::Method BusDNSCache::dnsmasq{"dnsmasq", "uk.org.thekelleys.dns
                                                "ClearCache"};
 
 BusDNSCache::BusDNSCache(sdbus::IConnection& connection, const Method& method)
-    : connection_(connection), method_(method), bus_(bus::proxy(connection, bus::service, bus::path)) {}
+    : connection_(connection),
+      method_(method),
+      bus_(bus::proxy(connection, bus::driver::service, bus::driver::path)) {}
 
 BusDNSCache::~BusDNSCache() = default;
 
@@ -46,7 +48,7 @@ void BusDNSCache::flush(double seconds, OnceReply<Outcome> reply) {
   auto held = std::make_shared<OnceReply<Outcome>>(std::move(reply));
   try {
     bus_->callMethodAsync("GetNameOwner")
-        .onInterface(bus::interface)
+        .onInterface(bus::driver::interface)
         .withTimeout(microseconds(seconds))
         .withArguments(std::string(method_.service))
         .uponReplyInvoke([this, seconds, held](bus::Failure error, const std::string& owner) {

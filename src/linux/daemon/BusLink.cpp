@@ -1,8 +1,8 @@
 #include "linux/daemon/BusLink.h"
 
 #include "contract/HelperProtocol.h"
+#include "linux/bus/BusDriver.h"
 #include "linux/bus/Library.h"
-#include "linux/daemon/BusNames.h"
 #include "linux/daemon/SharedReply.h"
 
 #include <utility>
@@ -18,7 +18,7 @@ constexpr std::uint32_t primaryOwner = 1;
 }  // namespace
 
 BusLink::BusLink(sdbus::IConnection& connection, BusLoopScheduler& loop)
-    : loop_(loop), bus_(bus::proxy(connection, bus::service, bus::path)) {}
+    : loop_(loop), bus_(bus::proxy(connection, bus::driver::service, bus::driver::path)) {}
 
 BusLink::~BusLink() = default;
 
@@ -26,7 +26,7 @@ void BusLink::requestName(OnceReply<bool> reply) {
   const SharedReply answer(std::move(reply));
   try {
     bus_->callMethodAsync("RequestName")
-        .onInterface(bus::interface)
+        .onInterface(bus::driver::interface)
         .withArguments(std::string(helper::serviceName), doNotQueue)
         .uponReplyInvoke([answer](bus::Failure error, const std::uint32_t& result) {
           answer(!error && result == primaryOwner);
@@ -39,7 +39,7 @@ void BusLink::requestName(OnceReply<bool> reply) {
 void BusLink::releaseName() {
   try {
     bus_->callMethodAsync("ReleaseName")
-        .onInterface(bus::interface)
+        .onInterface(bus::driver::interface)
         .withArguments(std::string(helper::serviceName))
         .uponReplyInvoke([](bus::Failure, const std::uint32_t&) {});
   } catch (const sdbus::Error&) {
@@ -51,7 +51,7 @@ void BusLink::barrier(OnceReply<bool> reply) {
   const SharedReply answer(std::move(reply));
   try {
     bus_->callMethodAsync("GetId")
-        .onInterface(bus::interface)
+        .onInterface(bus::driver::interface)
         .uponReplyInvoke([answer](bus::Failure, const std::string&) { answer(true); });
   } catch (const sdbus::Error&) {
     answer(true);

@@ -2,16 +2,11 @@
 
 #include <cstdint>
 #include <limits>
-#include <string>
 
 namespace vorli::linuxhost {
 
 /// Path of the daemon's object on the system bus.
 inline constexpr const char* helperPath = "/com/kv/vorli/helper";
-
-/// The bus itself, which knows the names of all services.
-inline const std::string busDriverName = "org.freedesktop.DBus";
-inline constexpr const char* busDriverPath = "/org/freedesktop/DBus";
 
 // Time limits of one call.
 inline constexpr std::uint64_t shortLimitMicroseconds = 2'000'000;

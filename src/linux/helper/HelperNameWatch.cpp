@@ -1,6 +1,7 @@
 #include "linux/helper/HelperNameWatch.h"
 
 #include "contract/HelperProtocol.h"
+#include "linux/bus/BusDriver.h"
 #include "linux/helper/BusCalls.h"
 
 #include <algorithm>
@@ -14,10 +15,10 @@ namespace {
 const std::string helperName(helper::serviceName);
 
 // Filters by the first argument: otherwise every program that connects or disconnects would wake this one.
-const std::string ownerMatch =
-    "type='signal',sender='" + busDriverName + "',member='NameOwnerChanged',arg0='" + helperName + "'";
+const std::string ownerMatch = std::string("type='signal',sender='") + bus::driver::service +
+                               "',member='NameOwnerChanged',arg0='" + helperName + "'";
 const std::string activatablesMatch =
-    "type='signal',sender='" + busDriverName + "',member='ActivatableServicesChanged'";
+    std::string("type='signal',sender='") + bus::driver::service + "',member='ActivatableServicesChanged'";
 
 // Treats an owned name as activatable: a daemon starts with each call and exits when idle, which is no
 // change.
@@ -40,7 +41,7 @@ bool HelperNameWatch::mayLeadToDaemon() const {
 }
 
 void HelperNameWatch::connected(sdbus::IConnection& connection) {
-  bus_ = bus::proxy(connection, busDriverName, busDriverPath);
+  bus_ = bus::proxy(connection, bus::driver::service, bus::driver::path);
   matches_.push_back(
       bus::match(connection, ownerMatch, [this](sdbus::Message& signal) { ownerChanged(signal); }));
   matches_.push_back(
@@ -71,7 +72,7 @@ void HelperNameWatch::refresh(std::function<void()> done) {
 
 void HelperNameWatch::askForOwner() {
   bus_->callMethodAsync("NameHasOwner")
-      .onInterface(busDriverName)
+      .onInterface(bus::driver::interface)
       .withArguments(helperName)
       .uponReplyInvoke([this](bus::Failure error, bool owned) {
         if (!error) owned_ = owned;
@@ -81,7 +82,7 @@ void HelperNameWatch::askForOwner() {
 
 void HelperNameWatch::askForActivatables() {
   bus_->callMethodAsync("ListActivatableNames")
-      .onInterface(busDriverName)
+      .onInterface(bus::driver::interface)
       .uponReplyInvoke([this](bus::Failure error, const std::vector<std::string>& names) {
         if (!error) activatable_ = std::ranges::find(names, helperName) != names.end();
         answered();

@@ -1,6 +1,7 @@
 #include "linux/helper/HelperRegistration.h"
 
 #include "contract/HelperActions.h"
+#include "linux/bus/BusDriver.h"
 #include "linux/helper/BusCalls.h"
 
 #include <utility>
@@ -34,7 +35,7 @@ HelperRegistration::HelperRegistration(std::shared_ptr<HelperNameWatch> watch,
 
 void HelperRegistration::connected(sdbus::IConnection& connection) {
   connection_ = &connection;
-  bus_ = bus::proxy(connection, busDriverName, busDriverPath);
+  bus_ = bus::proxy(connection, bus::driver::service, bus::driver::path);
   manager_ = bus::proxy(connection, systemdName, "/org/freedesktop/systemd1");
 }
 
@@ -83,7 +84,7 @@ void HelperRegistration::judgePresence() {
 void HelperRegistration::askForServiceManager() {
   if (!bus_) return finish(noSystemBus);
   bus_->callMethodAsync("NameHasOwner")
-      .onInterface(busDriverName)
+      .onInterface(bus::driver::interface)
       .withTimeout(shortLimitMicroseconds)
       .withArguments(systemdName)
       .uponReplyInvoke([this](bus::Failure error, bool isThere) {
