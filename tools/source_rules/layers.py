@@ -47,7 +47,7 @@ MAY_INCLUDE = {
     "macos/daemon": ("base", "formats", "contract", "daemon", "posix", "macos/daemon", "macos/Text.h",
                      "macos/helper/HelperContract.h"),
     "ui": (*BELOW_THE_CORE, *CORE, "ui"),
-    "ui/linux": (*BELOW_THE_CORE, *CORE, "ui"),
+    "ui/linux": (*BELOW_THE_CORE, *CORE, "ui", "linux/X11Reply.h"),
     "ui/macos": (*BELOW_THE_CORE, *CORE, "ui", "macos/Observation.h", "macos/Text.h"),
     "main": ("",),
 }

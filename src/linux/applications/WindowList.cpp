@@ -1,7 +1,7 @@
 #include "linux/applications/WindowList.h"
 
+#include "linux/X11Reply.h"
 #include "linux/applications/WindowProcess.h"
-#include "linux/applications/X11Reply.h"
 
 #include <QMetaObject>
 #include <QSocketNotifier>

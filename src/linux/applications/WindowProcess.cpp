@@ -1,6 +1,6 @@
 #include "linux/applications/WindowProcess.h"
 
-#include "linux/applications/X11Reply.h"
+#include "linux/X11Reply.h"
 
 namespace vorli::linuxhost {
 

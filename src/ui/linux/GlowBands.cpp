@@ -1,7 +1,7 @@
 #include "ui/linux/GlowBands.h"
 
+#include "linux/X11Reply.h"
 #include "ui/linux/QtX11.h"
-#include "ui/linux/X11Reply.h"
 
 #include <QPainter>
 #include <QRasterWindow>
@@ -28,7 +28,8 @@ bool appliesOpacity() {
   constexpr std::uint32_t mostAtoms = 1024;
   const auto cookie = xcb_get_property(connection, 0, rootWindow(connection),
                                        atomNamed(connection, "_NET_SUPPORTED"), XCB_ATOM_ATOM, 0, mostAtoms);
-  const X11Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection, cookie, nullptr));
+  const linuxhost::X11Reply<xcb_get_property_reply_t> reply(
+      xcb_get_property_reply(connection, cookie, nullptr));
   if (!reply) return true;
   const std::span supported(static_cast<const xcb_atom_t*>(xcb_get_property_value(reply.get())),
                             reply->value_len);

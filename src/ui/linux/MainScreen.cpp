@@ -1,8 +1,8 @@
 #include "ui/linux/MainScreen.h"
 
+#include "linux/X11Reply.h"
 #include "ui/kit/ScreenPlaces.h"
 #include "ui/linux/QtX11.h"
-#include "ui/linux/X11Reply.h"
 #include "ui/status/ClickAnchor.h"
 
 #include <QGuiApplication>
@@ -14,7 +14,8 @@ namespace {
 xcb_window_t activeWindow(xcb_connection_t* connection) {
   const auto cookie = xcb_get_property(connection, 0, rootWindow(connection),
                                        atomNamed(connection, "_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW, 0, 1);
-  const X11Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection, cookie, nullptr));
+  const linuxhost::X11Reply<xcb_get_property_reply_t> reply(
+      xcb_get_property_reply(connection, cookie, nullptr));
   if (!reply || xcb_get_property_value_length(reply.get()) < static_cast<int>(sizeof(xcb_window_t)))
     return XCB_WINDOW_NONE;
   return *static_cast<const xcb_window_t*>(xcb_get_property_value(reply.get()));
@@ -42,7 +43,7 @@ std::uint32_t topLevelAncestor(std::uint32_t window) {
   auto* connection = qtConnection();
   if (!connection) return 0;
   while (window != XCB_WINDOW_NONE) {
-    const X11Reply<xcb_query_tree_reply_t> tree(
+    const linuxhost::X11Reply<xcb_query_tree_reply_t> tree(
         xcb_query_tree_reply(connection, xcb_query_tree(connection, window), nullptr));
     if (!tree) return 0;
     if (tree->parent == tree->root) return window;

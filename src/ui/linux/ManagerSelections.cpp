@@ -1,6 +1,6 @@
 #include "ui/linux/ManagerSelections.h"
 
-#include "ui/linux/X11Reply.h"
+#include "linux/X11Reply.h"
 
 #include <xcb/xcb.h>
 #include <xcb/xfixes.h>
@@ -47,7 +47,7 @@ bool ManagerSelections::watchOwners(std::uint32_t root) {
   if (!extension || !extension->present) return false;
   firstFixesEvent_ = extension->first_event;
   const auto cookie = xcb_xfixes_query_version(connection_, 2, 0);  // required before any other request
-  const X11Reply<xcb_xfixes_query_version_reply_t> version(
+  const linuxhost::X11Reply<xcb_xfixes_query_version_reply_t> version(
       xcb_xfixes_query_version_reply(connection_, cookie, nullptr));
   for (const auto& state : states_) {
     xcb_xfixes_select_selection_input(connection_, root, state.selection,
@@ -60,13 +60,14 @@ bool ManagerSelections::watchOwners(std::uint32_t root) {
 
 std::uint32_t ManagerSelections::intern(const std::string& name) {
   const auto cookie = xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.c_str());
-  const X11Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection_, cookie, nullptr));
+  const linuxhost::X11Reply<xcb_intern_atom_reply_t> reply(
+      xcb_intern_atom_reply(connection_, cookie, nullptr));
   return reply ? reply->atom : 0;
 }
 
 std::uint32_t ManagerSelections::selectionOwner(const State& state) {
   const auto cookie = xcb_get_selection_owner(connection_, state.selection);
-  const X11Reply<xcb_get_selection_owner_reply_t> reply(
+  const linuxhost::X11Reply<xcb_get_selection_owner_reply_t> reply(
       xcb_get_selection_owner_reply(connection_, cookie, nullptr));
   return reply ? reply->owner : 0;
 }
@@ -79,7 +80,8 @@ bool ManagerSelections::refresh(State& state) {
     constexpr std::uint32_t mostWords = 16384;
     const auto cookie =
         xcb_get_property(connection_, 0, now.owner, state.property, XCB_GET_PROPERTY_TYPE_ANY, 0, mostWords);
-    const X11Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection_, cookie, nullptr));
+    const linuxhost::X11Reply<xcb_get_property_reply_t> reply(
+        xcb_get_property_reply(connection_, cookie, nullptr));
     if (reply) {
       now.published = QByteArray(static_cast<const char*>(xcb_get_property_value(reply.get())),
                                  xcb_get_property_value_length(reply.get()));
@@ -98,7 +100,7 @@ bool ManagerSelections::refreshAll() {
 
 bool ManagerSelections::readEvents() {
   bool relevant = false;
-  while (const X11Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
+  while (const linuxhost::X11Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
     const int type = event->response_type & 0x7f;
     relevant |= type == firstFixesEvent_ + XCB_XFIXES_SELECTION_NOTIFY;
     if (type != XCB_PROPERTY_NOTIFY) continue;

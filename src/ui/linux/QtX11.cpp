@@ -1,6 +1,6 @@
 #include "ui/linux/QtX11.h"
 
-#include "ui/linux/X11Reply.h"
+#include "linux/X11Reply.h"
 
 #include <QGuiApplication>
 #include <map>
@@ -23,7 +23,8 @@ xcb_atom_t atomNamed(xcb_connection_t* connection, const char* name) {
   const std::string_view text(name);
   if (const auto found = known.find(text); found != known.end()) return found->second;
   const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(text.size()), name);
-  const X11Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
+  const linuxhost::X11Reply<xcb_intern_atom_reply_t> reply(
+      xcb_intern_atom_reply(connection, cookie, nullptr));
   if (!reply) return XCB_ATOM_NONE;
   return known.emplace(text, reply->atom).first->second;
 }
@@ -31,8 +32,9 @@ xcb_atom_t atomNamed(xcb_connection_t* connection, const char* name) {
 std::optional<QRect> rectangleOf(xcb_connection_t* connection, xcb_window_t window) {
   const auto sizeCookie = xcb_get_geometry(connection, window);
   const auto placeCookie = xcb_translate_coordinates(connection, window, rootWindow(connection), 0, 0);
-  const X11Reply<xcb_get_geometry_reply_t> size(xcb_get_geometry_reply(connection, sizeCookie, nullptr));
-  const X11Reply<xcb_translate_coordinates_reply_t> place(
+  const linuxhost::X11Reply<xcb_get_geometry_reply_t> size(
+      xcb_get_geometry_reply(connection, sizeCookie, nullptr));
+  const linuxhost::X11Reply<xcb_translate_coordinates_reply_t> place(
       xcb_translate_coordinates_reply(connection, placeCookie, nullptr));
   if (!size || !place) return std::nullopt;
   return QRect(place->dst_x, place->dst_y, size->width, size->height);

@@ -1,6 +1,6 @@
 #include "ui/linux/RawPresses.h"
 
-#include "ui/linux/X11Reply.h"
+#include "linux/X11Reply.h"
 
 #include <utility>
 #include <xcb/xcb.h>
@@ -41,7 +41,7 @@ void RawPresses::connect() {
   const auto giveUp = [&] { xcb_disconnect(connection); };
   if (xcb_connection_has_error(connection)) return giveUp();
   const auto cookie = xcb_input_xi_query_version(connection, 2, 2);  // required before any other request
-  const X11Reply<xcb_input_xi_query_version_reply_t> version(
+  const linuxhost::X11Reply<xcb_input_xi_query_version_reply_t> version(
       xcb_input_xi_query_version_reply(connection, cookie, nullptr));
   if (!version) return giveUp();
   connection_ = connection;
@@ -76,7 +76,7 @@ bool RawPresses::takePresses() {
 
 // Returns true for a press. Drops other events, and events of an earlier selection, on the way to it.
 bool RawPresses::takePress() {
-  while (const X11Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
+  while (const linuxhost::X11Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
     if ((event->response_type & 0x7F) != XCB_GE_GENERIC) continue;
     if (static_cast<std::int32_t>(event->full_sequence - selection_) < 0) continue;
     const auto* generic = reinterpret_cast<const xcb_ge_generic_event_t*>(event.get());
@@ -89,7 +89,7 @@ bool RawPresses::takePress() {
 
 // Asks for the pointer's position, because a raw event has none.
 std::optional<QPoint> RawPresses::pointer() {
-  const X11Reply<xcb_query_pointer_reply_t> reply(
+  const linuxhost::X11Reply<xcb_query_pointer_reply_t> reply(
       xcb_query_pointer_reply(connection_, xcb_query_pointer(connection_, root_), nullptr));
   if (!reply) return std::nullopt;
   return QPoint(reply->root_x, reply->root_y);

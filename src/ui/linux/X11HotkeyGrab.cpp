@@ -1,8 +1,8 @@
 #include "ui/linux/X11HotkeyGrab.h"
 
+#include "linux/X11Reply.h"
 #include "ports/GlobalHotkeys.h"
 #include "ui/linux/X11Keyboard.h"
-#include "ui/linux/X11Reply.h"
 
 #include <QMetaObject>
 #include <algorithm>
@@ -92,7 +92,7 @@ std::int32_t X11HotkeyGrab::grabKey(xcb_keycode_t key, std::uint16_t modifiers) 
   });
   std::int32_t status = 0;
   for (const auto cookie : cookies) {
-    const X11Reply<xcb_generic_error_t> error(xcb_request_check(connection_, cookie));
+    const linuxhost::X11Reply<xcb_generic_error_t> error(xcb_request_check(connection_, cookie));
     if (error) status = error->error_code;
   }
   return status;
@@ -116,7 +116,7 @@ void X11HotkeyGrab::process() {
 // Returns whether the keyboard has changed.
 bool X11HotkeyGrab::readEvents() {
   bool keyboardChanged = false;
-  while (const X11Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
+  while (const linuxhost::X11Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
     const auto type = event->response_type & 0x7F;
     if (type == XCB_KEY_PRESS) keyPressed(*reinterpret_cast<const xcb_key_press_event_t*>(event.get()));
     if (type == XCB_KEY_RELEASE)

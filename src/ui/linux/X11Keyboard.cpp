@@ -1,6 +1,6 @@
 #include "ui/linux/X11Keyboard.h"
 
-#include "ui/linux/X11Reply.h"
+#include "linux/X11Reply.h"
 
 #include <algorithm>
 #include <array>
@@ -45,9 +45,9 @@ std::optional<X11Keyboard> X11Keyboard::read(xcb_connection_t* connection) {
   const auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);
   const auto keysAsked = xcb_get_keyboard_mapping(connection, setup->min_keycode, count);
   const auto modifiersAsked = xcb_get_modifier_mapping(connection);
-  const X11Reply<xcb_get_keyboard_mapping_reply_t> keys(
+  const linuxhost::X11Reply<xcb_get_keyboard_mapping_reply_t> keys(
       xcb_get_keyboard_mapping_reply(connection, keysAsked, nullptr));
-  const X11Reply<xcb_get_modifier_mapping_reply_t> modifiers(
+  const linuxhost::X11Reply<xcb_get_modifier_mapping_reply_t> modifiers(
       xcb_get_modifier_mapping_reply(connection, modifiersAsked, nullptr));
   if (!keys || !modifiers) return std::nullopt;
 

@@ -1,7 +1,7 @@
 #include "ui/linux/X11Window.h"
 
+#include "linux/X11Reply.h"
 #include "ui/linux/QtX11.h"
-#include "ui/linux/X11Reply.h"
 
 #include <QWindow>
 #include <algorithm>
@@ -17,7 +17,8 @@ constexpr std::uint32_t mostWindows = 1024, mostTypes = 16;
 
 // Reads atoms or windows; both are 32-bit numbers.
 std::vector<std::uint32_t> numbersOf(xcb_connection_t* connection, xcb_get_property_cookie_t cookie) {
-  const X11Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection, cookie, nullptr));
+  const linuxhost::X11Reply<xcb_get_property_reply_t> reply(
+      xcb_get_property_reply(connection, cookie, nullptr));
   if (!reply || reply->format != 32) return {};
   const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
   return {first, first + xcb_get_property_value_length(reply.get()) / static_cast<int>(sizeof *first)};
@@ -73,7 +74,7 @@ bool isButtonHeld() {
   auto* connection = qtConnection();
   if (!connection) return false;
   const auto root = rootWindow(connection);
-  const X11Reply<xcb_query_pointer_reply_t> pointer(
+  const linuxhost::X11Reply<xcb_query_pointer_reply_t> pointer(
       xcb_query_pointer_reply(connection, xcb_query_pointer(connection, root), nullptr));
   constexpr unsigned buttons = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
   return pointer && (pointer->mask & buttons) != 0;
