@@ -25,39 +25,39 @@ constexpr std::array<DitherRow, 8> makeDither() {
 }
 constexpr auto dither = makeDither();
 
-std::uint16_t word(double component) {
+std::uint16_t lane(double component) {
   return static_cast<std::uint16_t>(std::clamp(component, 0.0, 1.0) * 0xFF00);
 }
 
-// Rounds everything down, so that no sum overflows its word.
+// Rounds everything down, so that no sum overflows its lane.
 LaidLight laid(const Premultiplied& light) {
   constexpr std::uint16_t opaque = 0xFF00;
   const auto share = static_cast<std::uint16_t>(std::clamp(1.0F - light.alpha, 0.0F, 1.0F) * 0xFFFF);
-  return LaidLight{word(light.blue), word(light.green), word(light.red), opaque, share, share, share, 0};
+  return LaidLight{lane(light.blue), lane(light.green), lane(light.red), opaque, share, share, share, 0};
 }
 
 // Returns the colour of the paper in one row of device pixels.
-Words paperAt(int y, const LitPaperPlace& place, const PopoverPalette& palette) {
+PixelLanes paperAt(int y, const LitPaperPlace& place, const PopoverPalette& palette) {
   const double below = (y + 0.5 - place.paperTop) / (PopoverMetrics::tallest * place.pixelRatio);
   const Colour colour = mix(palette.paperTop, palette.paperBottom, std::clamp(below, 0.0, 1.0));
-  const std::uint16_t blue = word(colour.blue), green = word(colour.green), red = word(colour.red);
-  return Words{blue, green, red, 0, blue, green, red, 0};
+  const std::uint16_t blue = lane(colour.blue), green = lane(colour.green), red = lane(colour.red);
+  return PixelLanes{blue, green, red, 0, blue, green, red, 0};
 }
 
 /// One row of device pixels.
 struct PaperRow {
   QRgb* pixels;
   int left, end;
-  Words paper;
+  PixelLanes paper;
   const DitherRow* pattern;
 
   bool holds(int x) const { return x >= left && x < end; }
-  void put(int x, Words value) const {
-    pixels[x] = firstPixel(value + loadWords(&(*pattern)[static_cast<std::size_t>(x & 7)]));
+  void put(int x, PixelLanes value) const {
+    pixels[x] = firstPixel(value + loadLanes(&(*pattern)[static_cast<std::size_t>(x & 7)]));
   }
-  void putFour(int x, Words first, Words second) const {
+  void putFour(int x, PixelLanes first, PixelLanes second) const {
     const auto* from = &(*pattern)[static_cast<std::size_t>(x & 7)];
-    storePixels(pixels + x, first + loadWords(from), second + loadWords(from + 2));
+    storePixels(pixels + x, first + loadLanes(from), second + loadLanes(from + 2));
   }
 };
 
@@ -72,14 +72,14 @@ void paintRow(const PaperRow& row, int left, int right, const std::uint16_t* dis
   int i = std::max({0, row.left - right, left - row.end + 1});  // the row may not reach the middle
   const int both = std::min(left - row.left, row.end - 1 - right);
   for (; i + 3 <= both && right + i >= row.left && left - i < row.end; i += 4) {
-    const Words first = onPaper(i), second = onPaper(i + 2);
+    const PixelLanes first = onPaper(i), second = onPaper(i + 2);
     row.putFour(right + i, first, second);
     row.putFour(left - i - 3, swappedHalves(second), swappedHalves(first));
   }
   const int last = std::max(left - row.left, row.end - 1 - right);
   for (; i <= last; ++i) {
     const LaidLight& sample = table[distances[i]];
-    const Words value = sample + upperProduct(swappedHalves(sample), row.paper);
+    const PixelLanes value = sample + upperProduct(swappedHalves(sample), row.paper);
     if (row.holds(right + i)) row.put(right + i, value);
     if (row.holds(left - i)) row.put(left - i, value);
   }
@@ -143,7 +143,7 @@ void paintRoundLight(QImage& image, const QRect& clip, QPointF centre, std::span
   std::vector<LaidLight> table(light.size());
   std::transform(light.begin(), light.end(), table.begin(), laid);
   const auto scale = static_cast<float>(samplesPerPixel);
-  const Words half = Words{} + std::uint16_t{0x80};
+  const PixelLanes half = PixelLanes{} + std::uint16_t{0x80};
   for (int y = box.top(); y <= box.bottom(); ++y) {
     auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
     const auto dy = static_cast<float>(y + 0.5 - centre.y());
@@ -152,7 +152,7 @@ void paintRoundLight(QImage& image, const QRect& clip, QPointF centre, std::span
       const auto index = static_cast<std::size_t>(std::sqrt(dx * dx + dy * dy) * scale);
       if (index >= table.size()) continue;
       const LaidLight& sample = table[index];
-      row[x] = firstPixel(sample + upperProduct(swappedHalves(sample), wordsOf(row[x])) + half);
+      row[x] = firstPixel(sample + upperProduct(swappedHalves(sample), lanesOf(row[x])) + half);
     }
   }
 }

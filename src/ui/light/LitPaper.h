@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/light/PixelWords.h"
+#include "ui/light/PixelLanes.h"
 #include "ui/light/RadialProfile.h"
 #include "ui/popover/PopoverPalette.h"
 
@@ -23,7 +23,7 @@ struct LitPaperPlace {
 
 /// A sample of light along the radius, ready to be laid over a pixel: the four components of its colour, then
 /// the share of the background that shines through, for each component.
-using LaidLight = Words;
+using LaidLight = PixelLanes;
 
 /// Paints the card's paper with a round light on it. Both are added with fractions and dithered once, so that
 /// neither shows bands. The distance of each pixel from the centre is cached between pictures.
