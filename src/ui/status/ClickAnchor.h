@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/kit/ScreenPlaces.h"
+
 #include <QList>
 #include <QPoint>
 #include <QRect>
@@ -12,13 +14,6 @@ struct ClickAnchor {
   QPoint point;
   /// Approximate rectangle of the item's icon. A press in it is meant for the item.
   QRect icon;
-};
-
-/// One screen as Qt sees it: the origin is the same in native and logical pixels.
-struct ScreenPlace {
-  QRect geometry;   // logical
-  QRect available;  // logical, without the panels that the desktop reports
-  double pixelRatio = 1.0;
 };
 
 /// Converts native to logical pixels on the screen that holds the point; empty when none does.
