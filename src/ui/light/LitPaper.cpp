@@ -2,7 +2,6 @@
 
 #include "base/Animated.h"
 #include "ui/light/Dither.h"
-#include "ui/popover/PopoverLayout.h"
 
 #include <algorithm>
 #include <array>
@@ -37,9 +36,9 @@ LaidLight laid(const Premultiplied& light) {
 }
 
 // Returns the colour of the paper in one row of device pixels.
-PixelLanes paperAt(int y, const LitPaperPlace& place, const PopoverPalette& palette) {
-  const double below = (y + 0.5 - place.paperTop) / (PopoverMetrics::tallest * place.pixelRatio);
-  const Colour colour = mix(palette.paperTop, palette.paperBottom, std::clamp(below, 0.0, 1.0));
+PixelLanes paperAt(int y, const LitPaperPlace& place, const Paper& paper) {
+  const double below = (y + 0.5 - place.paperTop) / (paper.height * place.pixelRatio);
+  const Colour colour = mix(paper.top, paper.bottom, std::clamp(below, 0.0, 1.0));
   const std::uint16_t blue = lane(colour.blue), green = lane(colour.green), red = lane(colour.red);
   return PixelLanes{blue, green, red, 0, blue, green, red, 0};
 }
@@ -118,9 +117,8 @@ void LitPaper::measure(const QRect& area, QPoint centre, float samplesPerPixel) 
   }
 }
 
-void LitPaper::paint(QImage& image, const QRect& area, const LitPaperPlace& place,
-                     const PopoverPalette& palette, std::span<const Premultiplied> light,
-                     int samplesPerPoint) {
+void LitPaper::paint(QImage& image, const QRect& area, const LitPaperPlace& place, const Paper& paper,
+                     std::span<const Premultiplied> light, int samplesPerPoint) {
   const QRect drawn = area & image.rect();
   if (drawn.isEmpty()) return;
   measure(drawn, place.centre, static_cast<float>(samplesPerPoint / place.pixelRatio));
@@ -129,7 +127,7 @@ void LitPaper::paint(QImage& image, const QRect& area, const LitPaperPlace& plac
   const int left = right - 1, above = below - 1;
   for (int y = drawn.top(); y <= drawn.bottom(); ++y) {
     const PaperRow row{reinterpret_cast<QRgb*>(image.scanLine(y)), drawn.left(), drawn.right() + 1,
-                       paperAt(y, place, palette), &dither[static_cast<std::size_t>(y & 7)]};
+                       paperAt(y, place, paper), &dither[static_cast<std::size_t>(y & 7)]};
     const auto away = static_cast<std::ptrdiff_t>(y >= below ? y - below : above - y);
     paintRow(row, left, right, distances_.data() + away * columns_, table_.data());
   }

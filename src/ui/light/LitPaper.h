@@ -1,8 +1,8 @@
 #pragma once
 
+#include "base/Colour.h"
 #include "ui/light/PixelLanes.h"
 #include "ui/light/RadialProfile.h"
-#include "ui/popover/PopoverPalette.h"
 
 #include <QImage>
 #include <QPoint>
@@ -14,7 +14,13 @@
 
 namespace vorli::ui {
 
-/// Position of the card's paper and of a round light in an image of device pixels.
+/// Paper with a vertical gradient.
+struct Paper {
+  Colour top, bottom;
+  double height = 0.0;  // of the gradient, in points
+};
+
+/// Position of the paper and of a round light in an image of device pixels.
 struct LitPaperPlace {
   double pixelRatio = 1.0;
   double paperTop = 0.0;  // in device pixels, like the centre
@@ -25,12 +31,12 @@ struct LitPaperPlace {
 /// the share of the background that shines through, for each component.
 using LaidLight = PixelLanes;
 
-/// Paints the card's paper with a round light on it. Both are added with fractions and dithered once, so that
+/// Paints paper with a round light on it. Both are added with fractions and dithered once, so that
 /// neither shows bands. The distance of each pixel from the centre is cached between pictures.
 class LitPaper {
  public:
   /// Fills the pixels of `area`. `light` holds samples along the radius, from the centre outwards.
-  void paint(QImage& image, const QRect& area, const LitPaperPlace& place, const PopoverPalette& palette,
+  void paint(QImage& image, const QRect& area, const LitPaperPlace& place, const Paper& paper,
              std::span<const Premultiplied> light, int samplesPerPoint);
 
  private:

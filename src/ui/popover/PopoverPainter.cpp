@@ -97,8 +97,9 @@ void PopoverPainter::compose(const PopoverPicture& picture, const QPointF& conte
   // Aligned to whole pixels, like the picture of the ring.
   const QPoint centre(qRound(PopoverMetrics::centreX * pixelRatio),
                       qRound((content.y() + picture.ringCentreY) * pixelRatio));
-  paper_.paint(composed_, area, {pixelRatio, content.y() * pixelRatio, centre}, palette,
-               light_.sample(picture), RingLight::samplesPerPoint);
+  paper_.paint(composed_, area, {pixelRatio, content.y() * pixelRatio, centre},
+               {palette.paperTop, palette.paperBottom, PopoverMetrics::tallest}, light_.sample(picture),
+               RingLight::samplesPerPoint);
   if (picture.contentOpacity <= 0.0) return;
   {
     QPainter painter(&composed_);

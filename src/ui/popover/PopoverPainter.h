@@ -1,9 +1,9 @@
 #pragma once
 
 #include "ui/light/LitPaper.h"
-#include "ui/light/RingLight.h"
 #include "ui/popover/CardPainter.h"
 #include "ui/popover/PopoverPicture.h"
+#include "ui/popover/RingLight.h"
 #include "ui/popover/RingPainter.h"
 #include "ui/popover/WordsPainter.h"
 

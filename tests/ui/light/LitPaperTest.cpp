@@ -8,12 +8,14 @@ namespace vorli::ui {
 namespace {
 
 constexpr int samplesPerPoint = 4;
+constexpr Paper darkPaper{{0.161, 0.153, 0.145}, {0.114, 0.110, 0.106}, 304.0};
+constexpr Paper lightPaper{{0.992, 0.984, 0.969}, {0.969, 0.953, 0.929}, 304.0};
 
 QImage paper(const QSize& size, std::span<const Premultiplied> light, double pixelRatio = 1.0,
-             Appearance appearance = Appearance::dark) {
+             const Paper& sheet = darkPaper) {
   QImage image(size, QImage::Format_RGB32);
-  LitPaper().paint(image, image.rect(), {pixelRatio, 0.0, {size.width() / 2, size.height() / 2}},
-                   PopoverPalette::of(appearance), light, samplesPerPoint);
+  LitPaper().paint(image, image.rect(), {pixelRatio, 0.0, {size.width() / 2, size.height() / 2}}, sheet,
+                   light, samplesPerPoint);
   return image;
 }
 
@@ -25,7 +27,7 @@ double meanRed(const QImage& image, const QRect& area) {
   return sum / (area.width() * area.height());
 }
 
-TEST(LitPaper, goesFromTheUpperToTheLowerColourOverTheTallestCard) {
+TEST(LitPaper, goesFromTheUpperToTheLowerColourOverItsHeight) {
   const QImage image = paper({8, 304}, {});
   EXPECT_NEAR(meanRed(image, {0, 0, 8, 8}), 255.0 * (0.161 - (0.161 - 0.114) * 4.0 / 304.0), 0.15);
   EXPECT_NEAR(meanRed(image, {0, 296, 8, 8}), 255.0 * (0.114 + (0.161 - 0.114) * 4.0 / 304.0), 0.15);
@@ -60,7 +62,7 @@ TEST(LitPaper, lightLiesOverThePaperRoundItsCentre) {
 
 TEST(LitPaper, whiteLightStaysWhite) {
   const std::vector<Premultiplied> light(40 * samplesPerPoint, Premultiplied::of({1.0, 1.0, 1.0}, 1.0));
-  const QImage image = paper({32, 32}, light, 1.0, Appearance::light);
+  const QImage image = paper({32, 32}, light, 1.0, lightPaper);
   EXPECT_EQ(image.pixel(16, 16), 0xFFFFFFFFU);
   EXPECT_EQ(image.pixel(3, 7), 0xFFFFFFFFU);
 }
@@ -82,8 +84,7 @@ TEST(LitPaper, lightIsAsWideAtEveryPixelRatio) {
 TEST(LitPaper, onlyTheAskedAreaIsTouched) {
   QImage image(32, 32, QImage::Format_RGB32);
   image.fill(Qt::green);
-  LitPaper().paint(image, {8, 8, 8, 8}, {1.0, 0.0, {16, 16}}, PopoverPalette::of(Appearance::dark), {},
-                   samplesPerPoint);
+  LitPaper().paint(image, {8, 8, 8, 8}, {1.0, 0.0, {16, 16}}, darkPaper, {}, samplesPerPoint);
   EXPECT_EQ(image.pixelColor(7, 8), QColor(Qt::green));
   EXPECT_EQ(image.pixelColor(8, 16), QColor(Qt::green));
   EXPECT_NE(image.pixelColor(8, 8), QColor(Qt::green));
@@ -96,15 +97,14 @@ TEST(LitPaper, everyAreaIsThatOfTheWholePicture) {
     light.push_back(Premultiplied::of({1.0, 0.5, 0.2}, 1.0 - i / (40.0 * samplesPerPoint)));
   }
   const LitPaperPlace place{1.0, 0.0, {30, 21}};
-  const auto& palette = PopoverPalette::of(Appearance::dark);
   QImage whole(64, 48, QImage::Format_RGB32);
-  LitPaper().paint(whole, whole.rect(), place, palette, light, samplesPerPoint);
+  LitPaper().paint(whole, whole.rect(), place, darkPaper, light, samplesPerPoint);
   LitPaper kept;
   for (const QRect& area : {QRect(2, 3, 9, 7), QRect(40, 30, 13, 11), QRect(5, 20, 50, 3),
                             QRect(29, 1, 2, 40), QRect(30, 21, 1, 1), QRect(0, 0, 64, 48)}) {
     QImage image(64, 48, QImage::Format_RGB32);
     image.fill(Qt::green);
-    kept.paint(image, area, place, palette, light, samplesPerPoint);
+    kept.paint(image, area, place, darkPaper, light, samplesPerPoint);
     EXPECT_EQ(image.copy(area), whole.copy(area)) << area.x() << ' ' << area.y();
   }
 }

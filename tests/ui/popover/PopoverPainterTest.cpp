@@ -181,6 +181,22 @@ TEST(PopoverPainter, foldedContentLeavesPaperAndAurora) {
   EXPECT_EQ(paintedPopover(other, 1.0), image);
 }
 
+TEST(PopoverPainter, paperGoesFromTheUpperToTheLowerColourOverTheTallestCard) {
+  auto bare = critical();
+  bare.cardHeight = PopoverMetrics::tallest;
+  bare.contentOpacity = bare.aurora.warmCloud.opacity = 0.0;
+  const QImage image = paintedPopover(bare, 1.0);
+  const auto meanRed = [&image](int top) {
+    double sum = 0.0;
+    for (int y = top; y < top + 8; ++y) {
+      for (int x = 60; x < 68; ++x) sum += qRed(image.pixel(24 + x, 16 + y));
+    }
+    return sum / 64.0;
+  };
+  EXPECT_NEAR(meanRed(8), 255.0 * (0.992 - (0.992 - 0.969) * 12.0 / 304.0), 0.15);
+  EXPECT_NEAR(meanRed(288), 255.0 * (0.992 - (0.992 - 0.969) * 292.0 / 304.0), 0.15);
+}
+
 TEST(PopoverPainter, cardThatGrowsFromBelowKeepsItsContentInPlace) {
   auto strip = critical();
   strip.cardTop = 120.0;

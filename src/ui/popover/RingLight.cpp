@@ -1,4 +1,4 @@
-#include "ui/light/RingLight.h"
+#include "ui/popover/RingLight.h"
 
 #include "ambient/Palette.h"
 #include "base/Animated.h"

@@ -1,5 +1,5 @@
 #include "tests/fakes/ManualScheduler.h"
-#include "ui/light/RingLight.h"
+#include "ui/popover/RingLight.h"
 
 #include <gtest/gtest.h>
 #include <utility>
