@@ -74,8 +74,8 @@ class CheckIncludesTest(PlantedTree):
         self.refused("src/polish/Bad.cpp", "#include <QString>\n", "polish may not include QtCore")
 
     def testCoreIncludesNoUi(self):
-        self.plant("src/ui/Widget.h", "")
-        self.refused("src/polish/Bad.cpp", '#include "ui/Widget.h"\n', "polish may not include")
+        self.plant("src/ui/kit/Widget.h", "")
+        self.refused("src/polish/Bad.cpp", '#include "ui/kit/Widget.h"\n', "polish may not include")
 
     def testACoreFolderIncludesOnlyTheOnesBelowIt(self):
         self.plant("src/settings/AppSettings.h", "")
@@ -117,14 +117,24 @@ class CheckIncludesTest(PlantedTree):
 
     def testUiIncludesSystemHeadersInItsPlatformFolderOnly(self):
         self.accepted("src/ui/linux/Good.cpp", "#include <xcb/xcb.h>\n#include <QWidget>\n")
-        self.refused("src/ui/Bad.cpp", "#include <xcb/xcb.h>\n", "operating system")
+        self.refused("src/ui/kit/Bad.cpp", "#include <xcb/xcb.h>\n", "operating system")
 
     def testUiIncludesNeitherLinuxNorItsOwnPlatformFolder(self):
         self.plant("src/ui/linux/StatusItem.h", "")
         self.accepted("src/main/main.cpp", '#include "ui/linux/StatusItem.h"\n#include "linux/Clock.h"\n')
-        self.refused("src/ui/Bad.cpp", '#include "ui/linux/StatusItem.h"\n', "ui may not include")
-        os.remove(os.path.join(self.root, "src/ui/Bad.cpp"))
+        self.refused("src/ui/kit/Bad.cpp", '#include "ui/linux/StatusItem.h"\n', "ui/kit may not include")
+        os.remove(os.path.join(self.root, "src/ui/kit/Bad.cpp"))
         self.refused("src/ui/linux/Bad.cpp", '#include "linux/Clock.h"\n', "ui/linux may not include")
+
+    def testAFolderOfUiIncludesOnlyTheOnesBelowIt(self):
+        self.plant("src/ui/light/RadialProfile.h", "")
+        self.plant("src/ui/popover/PopoverPicture.h", "")
+        self.accepted("src/ui/popover/Good.h", '#include "ui/light/RadialProfile.h"\n')
+        self.refused("src/ui/light/Bad.h", '#include "ui/popover/PopoverPicture.h"\n', "ui/light may not include")
+
+    def testUiIncludesTheBusInItsPlatformFolderOnly(self):
+        self.accepted("src/ui/linux/Good.cpp", "#include <QDBusMessage>\n")
+        self.refused("src/ui/status/Bad.cpp", "#include <QDBusMessage>\n", "ui/status may not include QtDBus")
 
     def testGeneratedContractStaysInThePlatformFolder(self):
         self.accepted("src/linux/Good.cpp", '#include "helper_contract/HelperProxy.h"\n')
