@@ -1,8 +1,8 @@
 #pragma once
 
-#include "ambient/VorliTheme.h"
 #include "base/Colour.h"
 #include "ui/kit/WindowPalette.h"
+#include "ui/popover/VorliTheme.h"
 
 #include <array>
 

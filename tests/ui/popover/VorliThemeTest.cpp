@@ -1,9 +1,9 @@
 #include "ambient/RingGradient.h"
-#include "ambient/VorliTheme.h"
+#include "ui/popover/VorliTheme.h"
 
 #include <cmath>
 
-namespace vorli {
+namespace vorli::ui {
 namespace {
 
 constexpr VorliTheme light{.isDark = false};
@@ -63,4 +63,4 @@ TEST(VorliThemeTest, theRingsInkIsTheStatesColourMadeDarkerOrLighter) {
 }
 
 }  // namespace
-}  // namespace vorli
+}  // namespace vorli::ui

@@ -2,7 +2,7 @@
 
 #include "base/Colour.h"
 
-namespace vorli {
+namespace vorli::ui {
 
 /// Colours of the popover; all follow from whether it is dark.
 struct VorliTheme {
@@ -34,4 +34,4 @@ struct VorliTheme {
   bool operator==(const VorliTheme&) const = default;
 };
 
-}  // namespace vorli
+}  // namespace vorli::ui

@@ -1,10 +1,10 @@
-#include "ambient/VorliTheme.h"
+#include "ui/popover/VorliTheme.h"
 
 #include "ambient/Palette.h"
 
 #include <algorithm>
 
-namespace vorli {
+namespace vorli::ui {
 namespace {
 
 constexpr Colour cream{0.949, 0.941, 0.925, 1.0};
@@ -65,4 +65,4 @@ Colour VorliTheme::ringInk(const Colour& stateColor) const {
   return {stateColor.red * factor, stateColor.green * factor, stateColor.blue * factor, 1.0};
 }
 
-}  // namespace vorli
+}  // namespace vorli::ui
