@@ -2,7 +2,8 @@
 
 #include "base/Colour.h"
 
-/// The colours that several parts of the program share; each part names them by purpose.
+/// The colours that have more than one purpose; each part of the program names them by purpose. A colour with
+/// a single purpose is defined where it has that name.
 namespace vorli::palette {
 
 inline constexpr Colour white{1.0, 1.0, 1.0, 1.0};
@@ -22,6 +23,14 @@ inline constexpr Colour mutedInkForDark{0.627, 0.62, 0.604};
 inline constexpr Colour amber{0.894, 0.643, 0.345};
 inline constexpr Colour softRed{0.894, 0.392, 0.329};
 inline constexpr Colour gold{0.71, 0.494, 0.212};
+inline constexpr Colour apricot{0.949, 0.706, 0.369};
+inline constexpr Colour tangerine{0.878, 0.541, 0.173};
+inline constexpr Colour porcelain{1.0, 0.996, 0.984};
+inline constexpr Colour ivory{1.0, 0.992, 0.969};
+inline constexpr Colour chalk{0.945, 0.937, 0.914};
+inline constexpr Colour ash{0.776, 0.765, 0.737};
 inline constexpr Colour brown{0.549, 0.431, 0.275};
+inline constexpr Colour umber{0.275, 0.204, 0.098};
+inline constexpr Colour bistre{0.235, 0.176, 0.078};
 
 }  // namespace vorli::palette

@@ -8,17 +8,11 @@
 namespace vorli::ui {
 namespace {
 
-QColor rgb(QRgb value) {
-  return QColor::fromRgb(value);
-}
-QColor rgba(int red, int green, int blue, double alpha) {
-  QColor colour(red, green, blue);
-  colour.setAlphaF(static_cast<float>(alpha));
-  return colour;
-}
 QColor shade(const Colour& colour, double alpha = 1.0) {
   const auto byte = [](double component) { return static_cast<int>(std::lround(component * 255.0)); };
-  return rgba(byte(colour.red), byte(colour.green), byte(colour.blue), alpha);
+  QColor converted(byte(colour.red), byte(colour.green), byte(colour.blue));
+  converted.setAlphaF(static_cast<float>(alpha));
+  return converted;
 }
 QColor black(double alpha) {
   return shade(palette::black, alpha);
@@ -28,131 +22,132 @@ QColor white(double alpha) {
 }
 
 MarkColours lightMark() {
-  return {.ground = {rgb(0xFFFEFA), rgb(0xEDE4D3)},
-          .line = rgba(90, 65, 25, 0.16),
-          .firstTick = rgb(0x8CCBC6),
+  return {.ground = {shade({1.0, 0.996, 0.98}), shade({0.929, 0.894, 0.827})},
+          .line = shade({0.353, 0.255, 0.098}, 0.16),
+          .firstTick = shade({0.549, 0.796, 0.776}),
           .lastTick = shade(palette::calmForLight),
-          .waitingTick = rgb(0x4E928D)};
+          .waitingTick = shade({0.306, 0.573, 0.553})};
 }
 
 PagePictureColours lightPicture() {
   return {
-      .skyStart = rgb(0xE3EFEA),
-      .skyEnd = rgb(0xF3E7D2),
-      .desktopLine = rgba(70, 52, 25, 0.20),
+      .skyStart = shade({0.89, 0.937, 0.918}),
+      .skyEnd = shade({0.953, 0.906, 0.824}),
+      .desktopLine = shade(palette::umber, 0.20),
       .panel = white(0.72),
-      .bar = rgba(26, 26, 28, 0.13),
-      .notice = rgb(0xFFFEFB),
-      .bubble = rgb(0xFFFEFB),
-      .bubbleLine = rgba(70, 52, 25, 0.16),
-      .litTick = rgb(0xE08A2C),
-      .glowOuter = rgb(0xF18620),
-      .glowInner = rgb(0xF2C42A),
+      .bar = shade(palette::ink, 0.13),
+      .notice = shade(palette::porcelain),
+      .bubble = shade(palette::porcelain),
+      .bubbleLine = shade(palette::umber, 0.16),
+      .litTick = shade(palette::tangerine),
+      .glowOuter = shade(palette::orange),
+      .glowInner = shade(palette::yellow),
       .glowOpacity = 0.44,
   };
 }
 
 MarkColours darkMark() {
-  return {.ground = {rgb(0x33332F), rgb(0x1E1E1B)},
+  return {.ground = {shade({0.2, 0.2, 0.184}), shade({0.118, 0.118, 0.106})},
           .line = white(0.13),
-          .firstTick = rgb(0x4B8A86),
-          .lastTick = rgb(0x8EDCD8),
+          .firstTick = shade({0.294, 0.541, 0.525}),
+          .lastTick = shade({0.557, 0.863, 0.847}),
           .waitingTick = shade(palette::teal)};
 }
 
 PagePictureColours darkPicture() {
   return {
-      .skyStart = rgb(0x2B3332),
-      .skyEnd = rgb(0x2A251E),
+      .skyStart = shade({0.169, 0.2, 0.196}),
+      .skyEnd = shade({0.165, 0.145, 0.118}),
       .desktopLine = white(0.14),
       .panel = black(0.35),
       .bar = white(0.16),
-      .notice = rgb(0x34342F),
-      .bubble = rgb(0x30302C),
+      .notice = shade({0.204, 0.204, 0.184}),
+      .bubble = shade({0.188, 0.188, 0.173}),
       .bubbleLine = white(0.14),
-      .litTick = rgb(0xE08A2C),
-      .glowOuter = rgb(0xF18620),
-      .glowInner = rgb(0xF2C42A),
+      .litTick = shade(palette::tangerine),
+      .glowOuter = shade(palette::orange),
+      .glowInner = shade(palette::yellow),
       .glowOpacity = 0.46,
   };
 }
 
 LetterTileColours lightTiles() {
-  return {.hues = {{{rgb(0xF3D3CB), rgb(0x7E2E22)},
-                    {rgb(0xF4E0BF), rgb(0x76501A)},
-                    {rgb(0xD6EBDB), rgb(0x23603C)},
-                    {rgb(0xD2EAE7), rgb(0x245955)},
-                    {rgb(0xE9DFCF), rgb(0x5B4A2C)},
-                    {rgb(0xE3E1DB), rgb(0x4A4A4E)}}},
+  return {.hues = {{{shade({0.953, 0.827, 0.796}), shade({0.494, 0.18, 0.133})},
+                    {shade({0.957, 0.878, 0.749}), shade({0.463, 0.314, 0.102})},
+                    {shade({0.839, 0.922, 0.859}), shade({0.137, 0.376, 0.235})},
+                    {shade({0.824, 0.918, 0.906}), shade({0.141, 0.349, 0.333})},
+                    {shade({0.914, 0.875, 0.812}), shade({0.357, 0.29, 0.173})},
+                    {shade({0.89, 0.882, 0.859}), shade(palette::secondaryInk)}}},
           .line = black(0.102)};
 }
 
 LetterTileColours darkTiles() {
-  return {.hues = {{{rgb(0x4A2A24), rgb(0xF4B8AC)},
-                    {rgb(0x47371F), rgb(0xF1CB8D)},
-                    {rgb(0x22392B), rgb(0xA5DDB9)},
-                    {rgb(0x1F3B39), rgb(0x9BDCD8)},
-                    {rgb(0x3A3327), rgb(0xDCC9A6)},
-                    {rgb(0x34332F), rgb(0xC6C3BC)}}},
+  return {.hues = {{{shade({0.29, 0.165, 0.141}), shade({0.957, 0.722, 0.675})},
+                    {shade({0.278, 0.216, 0.122}), shade({0.945, 0.796, 0.553})},
+                    {shade({0.133, 0.224, 0.169}), shade({0.647, 0.867, 0.725})},
+                    {shade({0.122, 0.231, 0.224}), shade({0.608, 0.863, 0.847})},
+                    {shade({0.227, 0.2, 0.153}), shade({0.863, 0.788, 0.651})},
+                    {shade({0.204, 0.2, 0.184}), shade(palette::ash)}}},
           .line = white(0.141)};
 }
 
 WindowPalette makeLightWindow() {
   return {
-      .surface = rgb(0xFCF9F2),
+      .surface = shade({0.988, 0.976, 0.949}),
       .ink = shade(palette::ink),
       .ink2 = shade(palette::secondaryInk),
-      .meta = rgb(0x656463),
+      .meta = shade({0.396, 0.392, 0.388}),
       .accent = shade(palette::calmForLight),
-      .accentInk = rgb(0x2F625E),
-      .card = {rgb(0xFFFDF7), rgb(0xF7F3EA)},
+      .accentInk = shade({0.184, 0.384, 0.369}),
+      .card = {shade(palette::ivory), shade({0.969, 0.953, 0.918})},
       .border = black(0.07),
       .divider = black(0.05),
       .lip = white(0.90),
       .wash = shade(palette::brown, 0.14),
       .wash2 = shade(palette::brown, 0.07),
-      .calmWash = rgba(94, 184, 176, 0.17),
+      .calmWash = shade({0.369, 0.722, 0.69}, 0.17),
       .calmLine = shade(palette::calmForLight, 0.18),
-      .primary = {rgb(0x467F7B), rgb(0x376C68)},
-      .primaryText = rgb(0xFFFDF7),
+      .primary = {shade({0.275, 0.498, 0.482}), shade({0.216, 0.424, 0.408})},
+      .primaryText = shade(palette::ivory),
       .primaryLine = black(0.12),
       .primaryLip = white(0.28),
-      .pill = {rgb(0xFFFFFF), rgb(0xF8F4EB)},
+      .pill = {shade(palette::white), shade({0.973, 0.957, 0.922})},
       .pillLine = black(0.11),
-      .offLine = rgb(0x85827D),
-      .knob = {rgb(0xFFFFFF), rgb(0xF3EFE6)},
+      .offLine = shade({0.522, 0.51, 0.49}),
+      .knob = {shade(palette::white), shade({0.953, 0.937, 0.902})},
       .amber = shade(palette::amber),
-      .warn = rgb(0xB0782F),
-      .amberInk = rgb(0x855A1B),
+      .warn = shade({0.69, 0.471, 0.184}),
+      .amberInk = shade({0.522, 0.353, 0.106}),
       .amberWash = shade(palette::amber, 0.17),
       .amberLine = shade(palette::gold, 0.26),
       .red = shade(palette::softRed),
-      .redInk = rgb(0x9C3327),
+      .redInk = shade({0.612, 0.2, 0.153}),
       .redWash = shade(palette::softRed, 0.12),
       .redLine = shade(palette::softRed, 0.28),
-      .green = rgb(0x3C9A68),
-      .idle = rgb(0xA8A49C),
-      .field = rgb(0xFFFFFF),
+      .green = shade({0.235, 0.604, 0.408}),
+      .idle = shade({0.659, 0.643, 0.612}),
+      .field = shade(palette::white),
       .fieldLine = black(0.10),
-      .toast = {rgb(0xFFFFFF), rgb(0xFBF8F1)},
+      .toast = {shade(palette::white), shade({0.984, 0.973, 0.945})},
       .toastLine = black(0.08),
-      .windowLine = rgba(70, 52, 25, 0.20),
-      .gleam = rgb(0xC08A3E),
+      .windowLine = shade(palette::umber, 0.20),
+      .gleam = shade({0.753, 0.541, 0.243}),
       .scroll = shade(palette::ink, 0.20),
       .tealBloom = shade(palette::teal, 0.10),
       .amberBloom = shade(palette::amber, 0.10),
       .halo = shade(palette::teal, 0.42),
       .side = {shade(palette::brown, 0.055), shade(palette::brown, 0.055)},
-      .cardShadow = rgba(60, 45, 20, 0.04),
-      .pillShadow = rgba(60, 45, 20, 0.07),
+      .cardShadow = shade(palette::bistre, 0.04),
+      .pillShadow = shade(palette::bistre, 0.07),
       .knobLine = black(0.22),
       .knobShadow = black(0.22),
       .motifOpacity = 0.13F,
       .letterpress = white(0.85),
       .letterpressOffset = 1.0,
       .mark = lightMark(),
-      .toastShadows = {.near = black(0.08), .far = rgba(40, 30, 10, 0.18)},
-      .windowShadows = {{{rgba(60, 45, 20, 0.20), 48.0, 18.0}, {rgba(60, 45, 20, 0.10), 6.0, 2.0}}},
+      .toastShadows = {.near = black(0.08), .far = shade({0.157, 0.118, 0.039}, 0.18)},
+      .windowShadows = {{{shade(palette::bistre, 0.20), 48.0, 18.0},
+                         {shade(palette::bistre, 0.10), 6.0, 2.0}}},
       .picture = lightPicture(),
       .letterTile = lightTiles(),
   };
@@ -160,9 +155,9 @@ WindowPalette makeLightWindow() {
 
 WindowPalette makeDarkWindow() {
   return {
-      .surface = rgb(0x171715),
-      .ink = rgb(0xF1EFE9),
-      .ink2 = rgb(0xC6C3BC),
+      .surface = shade({0.09, 0.09, 0.082}),
+      .ink = shade(palette::chalk),
+      .ink2 = shade(palette::ash),
       .meta = shade(palette::mutedInkForDark),
       .accent = shade(palette::teal),
       .accentInk = shade(palette::teal),
@@ -174,31 +169,31 @@ WindowPalette makeDarkWindow() {
       .wash2 = white(0.045),
       .calmWash = shade(palette::teal, 0.13),
       .calmLine = shade(palette::teal, 0.16),
-      .primary = {rgb(0x86C6C2), shade(palette::calm)},
-      .primaryText = rgb(0x0F1F1D),
+      .primary = {shade({0.525, 0.776, 0.761}), shade(palette::calm)},
+      .primaryText = shade({0.059, 0.122, 0.114}),
       .primaryLine = black(0.35),
       .primaryLip = white(0.35),
       .pill = {white(0.115), white(0.06)},
       .pillLine = white(0.13),
       .offLine = white(0.40),
-      .knob = {rgb(0xF1EFE9), rgb(0xCFCBC2)},
-      .amber = rgb(0xF2B45E),
-      .warn = rgb(0xF2B45E),
-      .amberInk = rgb(0xEDB670),
+      .knob = {shade(palette::chalk), shade({0.812, 0.796, 0.761})},
+      .amber = shade(palette::apricot),
+      .warn = shade(palette::apricot),
+      .amberInk = shade({0.929, 0.714, 0.439}),
       .amberWash = shade(palette::amber, 0.11),
       .amberLine = shade(palette::amber, 0.24),
       .red = shade(palette::softRed),
-      .redInk = rgb(0xF29A8C),
+      .redInk = shade({0.949, 0.604, 0.549}),
       .redWash = shade(palette::softRed, 0.14),
       .redLine = shade(palette::softRed, 0.28),
       .green = shade(palette::green),
-      .idle = rgb(0x6E6C68),
+      .idle = shade({0.431, 0.424, 0.408}),
       .field = white(0.05),
       .fieldLine = white(0.12),
-      .toast = {rgb(0x32322E), rgb(0x2A2A27)},
+      .toast = {shade({0.196, 0.196, 0.18}), shade({0.165, 0.165, 0.153})},
       .toastLine = white(0.13),
       .windowLine = white(0.13),
-      .gleam = rgb(0xF3D9A6),
+      .gleam = shade({0.953, 0.851, 0.651}),
       .scroll = white(0.22),
       .tealBloom = shade(palette::teal, 0.06),
       .amberBloom = shade(palette::amber, 0.04),

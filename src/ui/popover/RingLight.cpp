@@ -61,7 +61,7 @@ RadialProfile RingLight::profileOf(Profiles& known, const AuroraLayer& layer) {
 // The cloud's colour changes with the ring but its shape does not, so its profile is kept in white.
 void RingLight::addCloud(const AuroraLayer& layer, const Colour& colour, double share) {
   AuroraLayer white = layer;
-  for (auto& stop : white.gradient.stops) stop.colour = Colour{1.0, 1.0, 1.0, stop.colour.alpha};
+  for (auto& stop : white.gradient.stops) stop.colour = palette::white.withAlpha(stop.colour.alpha);
   const double opacity = layer.opacity * share;
   if (opacity > invisible) lay(profileOf(clouds_, white), layer.scale, opacity, &colour);
 }

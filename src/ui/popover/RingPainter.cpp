@@ -1,5 +1,6 @@
 #include "ui/popover/RingPainter.h"
 
+#include "ambient/Palette.h"
 #include "base/Animated.h"
 #include "popover/PopoverView.h"
 #include "ui/kit/QtColour.h"
@@ -52,7 +53,7 @@ class RingDrawing {
   double lensScale() const { return ring_.button.scales ? 1.0 - lensShrink * press_ : 1.0; }
 
   void lens() const {
-    constexpr Colour white{1.0, 1.0, 1.0};
+    constexpr Colour white = palette::white;
     const auto& glass = palette_.lens;
     const double on = ring_.lens;
     const double hovered = ring_.canPolish ? mix(glass.rest, glass.hover, ring_.button.hover) : glass.rest;

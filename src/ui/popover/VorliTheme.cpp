@@ -7,7 +7,6 @@
 namespace vorli::ui {
 namespace {
 
-constexpr Colour cream{0.949, 0.941, 0.925, 1.0};
 constexpr double plateOpacity = 0.16;
 
 double luma(const Colour& colour) {
@@ -23,7 +22,7 @@ Colour VorliTheme::cardBottom() const {
   return isDark ? Colour{0.114, 0.110, 0.106} : Colour{0.969, 0.953, 0.929};
 }
 Colour VorliTheme::headline() const {
-  return isDark ? cream : palette::ink;
+  return isDark ? Colour{0.949, 0.941, 0.925} : palette::ink;
 }
 Colour VorliTheme::aside() const {
   return isDark ? Colour{0.80, 0.788, 0.765} : palette::secondaryInk;
