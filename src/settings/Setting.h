@@ -11,7 +11,8 @@
 namespace vorli {
 
 /// One preference: its key, its default, its observable value and the store that keeps it. Loaded once, at
-/// construction; a change made by another process is not noticed. Main thread.
+/// construction; a change made by another process is not noticed. A stored whole number below 1 counts as
+/// absent. Main thread.
 template <typename T>
 class Setting {
  public:
