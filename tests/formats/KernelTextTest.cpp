@@ -1,6 +1,4 @@
-#include "formats/KernelRelease.h"
 #include "formats/KernelText.h"
-#include "formats/PowerProfile.h"
 
 #include <gtest/gtest.h>
 
@@ -56,23 +54,6 @@ TEST(KernelTextTest, whatIsNoDecimalIsEmpty) {
   for (const char* text : {"", ".", ".5", "-0.5", "1e5", "nan", "1,5", "1.2.3", "1000000000000000.0"}) {
     EXPECT_FALSE(parseDecimal(text)) << text;
   }
-}
-
-TEST(KernelReleaseTest, theFirstTwoNumbersTell) {
-  EXPECT_EQ(parseKernelRelease("6.1.0-18-amd64\n"), (KernelRelease{6, 1}));
-  EXPECT_EQ(parseKernelRelease("7.0-rc1"), (KernelRelease{7, 0}));
-  EXPECT_LT(*parseKernelRelease("5.19.2"), (KernelRelease{6, 2}));
-  EXPECT_GT(*parseKernelRelease("6.10"), (KernelRelease{6, 2}));
-  EXPECT_FALSE(parseKernelRelease("6"));
-  EXPECT_FALSE(parseKernelRelease("six.two"));
-  EXPECT_FALSE(parseKernelRelease("6."));
-}
-
-TEST(PowerProfileTest, theChosenProfileStandsInTheStateFile) {
-  EXPECT_EQ(parsePowerProfile("[State]\nCpuDriver=intel_pstate\nProfile=power-saver\n"), "power-saver");
-  EXPECT_EQ(parsePowerProfile("[State]\nProfile = balanced"), "balanced");
-  EXPECT_EQ(parsePowerProfile("[State]\nOldProfile=power-saver\n"), "");
-  EXPECT_EQ(parsePowerProfile("Profile"), "");
 }
 
 }  // namespace

@@ -21,6 +21,7 @@ TEST(ProcessorTimesTest, onlyTheFirstFourAreNeeded) {
   EXPECT_EQ(parseProcessorTimes("cpu 10 20 30 40\n"),
             (ProcessorTimes{.user = 10, .nice = 20, .system = 30, .idle = 40}));
   EXPECT_EQ(parseProcessorTimes("cpu 10 20 30\n"), std::nullopt);
+  EXPECT_EQ(parseProcessorTimes("cpu 10 20 30\n40"), std::nullopt);
   EXPECT_EQ(parseProcessorTimes("cpu x 20 30 40\n"), std::nullopt);
   EXPECT_EQ(parseProcessorTimes("cpu 10 x 30 40\n"), std::nullopt);
   EXPECT_EQ(parseProcessorTimes("cpu 10 20 x 40\n"), std::nullopt);
@@ -36,12 +37,13 @@ TEST(ProcessorTimesTest, aLineOfAnotherNameIsNotTheSum) {
 TEST(ProcessorTimesTest, countsTheProcessorsOfAList) {
   EXPECT_EQ(parseProcessorCount("0\n"), 1);
   EXPECT_EQ(parseProcessorCount("0-3\n"), 4);
+  EXPECT_EQ(parseProcessorCount("0-127"), 128);
   EXPECT_EQ(parseProcessorCount("0-3,6\n"), 5);
   EXPECT_EQ(parseProcessorCount("2-2,5-7,9"), 5);
 }
 
 TEST(ProcessorTimesTest, whatIsNoListOfProcessorsHasNoCount) {
-  for (const char* list : {"", "\n", "x", "0-", "-3", "3-2", "0-x", "0,,1"})
+  for (const char* list : {"", "\n", "x", "0-", "-3", "3-2", "0-x", "0,,1", ",0", "0 1", "0--1"})
     EXPECT_EQ(parseProcessorCount(list), std::nullopt) << list;
 }
 
@@ -55,6 +57,7 @@ TEST(ProcessorTimesTest, aListOfMoreThanAMillionProcessorsHasNoCount) {
 TEST(ProcessorTimesTest, theUptimeIsTheFirstNumber) {
   EXPECT_EQ(parseUptime("350735.47 234388.90\n"), 350735.47);
   EXPECT_EQ(parseUptime("x 234388.90\n"), std::nullopt);
+  EXPECT_EQ(parseUptime("-5.0 1.0"), std::nullopt);
   EXPECT_EQ(parseUptime(""), std::nullopt);
 }
 

@@ -1,4 +1,3 @@
-#include "formats/ProcessorTimes.h"
 #include "linux/kernel/CPUCounters.h"
 #include "sampling/CPUStats.h"
 #include "tests/fakes/CalendarClock.h"
@@ -103,28 +102,6 @@ TEST(CPUCountersTest, theRunningKernelAgreesWithTheLibrary) {
   EXPECT_TRUE(counters.readTicks());
   EXPECT_EQ(counters.activeProcessorCount(), sysconf(_SC_NPROCESSORS_ONLN));
   EXPECT_GE(counters.processorCount(), counters.activeProcessorCount());
-}
-
-TEST(ProcessorTimesTest, listsOfProcessors) {
-  EXPECT_EQ(formats::parseProcessorCount("0\n"), 1);
-  EXPECT_EQ(formats::parseProcessorCount("0-127"), 128);
-  EXPECT_EQ(formats::parseProcessorCount("0,2-3,9"), 4);
-  for (const char* list : {"", "\n", "3-1", "0-", "-3", "0-1048576", "a", "0 1", ",0", "0--1"}) {
-    EXPECT_FALSE(formats::parseProcessorCount(list)) << list;
-  }
-}
-
-TEST(ProcessorTimesTest, aLineThatIsNotTheSumOfAllIsRefused) {
-  EXPECT_FALSE(formats::parseProcessorTimes("cpu0 1 2 3 4 5 6 7\n"));
-  EXPECT_FALSE(formats::parseProcessorTimes("cpu 1 2 3\n"));
-  EXPECT_FALSE(formats::parseProcessorTimes("cpu 1 2 3\n4"));
-  EXPECT_FALSE(formats::parseProcessorTimes(""));
-}
-
-TEST(ProcessorTimesTest, uptimeIsTheFirstNumber) {
-  EXPECT_EQ(formats::parseUptime("11610.25 91203.30\n"), 11610.25);
-  EXPECT_FALSE(formats::parseUptime(""));
-  EXPECT_FALSE(formats::parseUptime("-5.0 1.0"));
 }
 
 }  // namespace

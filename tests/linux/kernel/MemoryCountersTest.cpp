@@ -1,5 +1,3 @@
-#include "formats/PressureStall.h"
-#include "formats/VMStat.h"
 #include "linux/kernel/MemoryCounters.h"
 #include "tests/linux/RecordedTree.h"
 
@@ -190,27 +188,6 @@ TEST(MemoryCountersTest, theRunningKernelIsUnderstood) {
   EXPECT_GT(statistics->wireCount, 0U);
   EXPECT_GT(statistics->pageins, 0U);
   EXPECT_LE(counters.readPressure().availableBytes, total);
-}
-
-TEST(MemInfoTest, aSizeThatDoesNotFitInBytesIsNone) {
-  const auto info =
-      formats::parseMemInfo("MemTotal: 4096 kB\nMemFree: 0 kB\nActive: 18446744073709551615 kB\n");
-  ASSERT_TRUE(info);
-  EXPECT_EQ(info->active, 0U);
-  EXPECT_EQ(info->free, 0U);
-  EXPECT_FALSE(formats::parseMemInfo("MemTotal: 18446744073709551615 kB\nMemFree: 1 kB\n"));
-  EXPECT_FALSE(formats::parseMemInfo("MemTotal: 0 kB\nMemFree: 0 kB\n"));
-}
-
-TEST(VMStatTest, namesAreComparedWhole) {
-  EXPECT_EQ(formats::parseVMStat("pswpin_more 5\npswpi 6\npswpin 7"), (formats::VMStat{.swapIn = 7}));
-  EXPECT_EQ(formats::parseVMStat("pswpin"), formats::VMStat{});
-}
-
-TEST(PressureStallTest, halfOfAFileIsHalfOfTheAnswer) {
-  EXPECT_EQ(formats::parsePressureStall("some avg10=100.00 avg60=0.00 total=1\n"),
-            (formats::PressureStall{100.0, {}}));
-  EXPECT_EQ(formats::parsePressureStall("full avg60=3.00 avg10=2.00\nsome"), formats::PressureStall{});
 }
 
 }  // namespace

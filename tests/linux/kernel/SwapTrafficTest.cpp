@@ -1,4 +1,3 @@
-#include "formats/SwapDevices.h"
 #include "linux/kernel/SwapTraffic.h"
 
 #include <gtest/gtest.h>
@@ -57,23 +56,6 @@ TEST(SwapTrafficTest, aDeviceMadeAnewCountsFromNothing) {
   traffic.add({905, 906}, {{0, {5, 6}}});
   EXPECT_EQ(traffic.onZram(), (PageTraffic{905, 906}));
   EXPECT_EQ(traffic.onDisks(), (PageTraffic{0, 0}));
-}
-
-TEST(SwapDevicesTest, onlyZramDevicesInUseAreNamed) {
-  EXPECT_EQ(formats::parseZramSwaps(
-                "Filename Type Size Used Priority\n/dev/sda2 partition 1 1 -2\n/dev/zram0 partition 9 1 "
-                "100\n/dev/zram12 partition 9 1 100\n"),
-            (std::vector<std::uint32_t>{0, 12}));
-  EXPECT_TRUE(
-      formats::parseZramSwaps("/dev/zram\n/dev/zram-1\n/dev/zram0/../sda\n/dev/zram4294967296\n").empty());
-}
-
-TEST(SwapDevicesTest, trafficIsTheThirdAndTheSeventhNumber) {
-  EXPECT_EQ(formats::parseBlockTraffic("  1  2  3  4  5  6  7  8\n"), (formats::BlockTraffic{3, 7}));
-  EXPECT_FALSE(formats::parseBlockTraffic("1 2 3 4 5 6"));
-  EXPECT_FALSE(formats::parseBlockTraffic("1 2 -3 4 5 6 7"));
-  EXPECT_EQ(formats::parseZramMemoryUsed("2048 512 524288 0\n"), 524288U);
-  EXPECT_FALSE(formats::parseZramMemoryUsed("2048 512"));
 }
 
 }  // namespace
