@@ -22,7 +22,7 @@ struct AuroraFieldTest : testing::Test {
   double startedAt = scheduler.now();
 };
 
-TEST_F(AuroraFieldTest, atRestThereIsTheWarmCloudAlone) {
+TEST_F(AuroraFieldTest, onlyTheWarmCloudShowsAtRest) {
   const auto picture = after(0.0);
   EXPECT_EQ(picture.warmCloud.scale, 1.0);
   EXPECT_EQ(picture.warmCloud.opacity, 1.0);
@@ -112,7 +112,7 @@ TEST_F(AuroraFieldTest, theSequenceIsOverAfterItsLastMotion) {
   for (const auto& spark : *resting.sparks) EXPECT_EQ(spark.opacity, 0.0);
 }
 
-TEST_F(AuroraFieldTest, theSparksFlyFromFourTenthsAndArePutAwayAfterFourPointTwoSeconds) {
+TEST_F(AuroraFieldTest, sparksFlyAfterFourTenthsAndAreGoneAfterFourPointTwoSeconds) {
   trigger();
   EXPECT_EQ((*after(0.4).sparks)[0].opacity, 0.0);
   EXPECT_NEAR((*after(0.4 + 0.09).sparks)[0].opacity, 0.5, 1e-9);
@@ -158,7 +158,7 @@ TEST_F(AuroraFieldTest, withoutMovementTheLightsOnlyFade) {
   }
 }
 
-TEST_F(AuroraFieldTest, itMayGoInTheMiddleOfASequence) {
+TEST_F(AuroraFieldTest, mayBeDestroyedDuringASequence) {
   {
     AuroraField brief(scheduler);
     brief.clearTriggered();

@@ -73,7 +73,7 @@ TEST_F(CalmIntensityTest, nothingRunsOnceTheLastSubscriberHasLeft) {
   EXPECT_EQ(scheduler.pendingTimers(), 0u);
 }
 
-TEST_F(CalmIntensityTest, atTheDisplaysPaceARiseTakesEachStepThatCanBeSeen) {
+TEST_F(CalmIntensityTest, atTheDisplaysPaceARiseTakesEveryVisibleStep) {
   const auto subscription = follow(CalmPace::display);
   polish();
   scheduler.advance(0.9);
@@ -97,7 +97,7 @@ TEST_F(CalmIntensityTest, atTheDialsPaceItTakesFourASecondAtMostAndReachesOne) {
 }
 
 // Checks each time at which a subscriber of the pace can show another picture.
-TEST_F(CalmIntensityTest, noChangeThatCanBeSeenIsLeftOut) {
+TEST_F(CalmIntensityTest, noVisibleChangeIsSkipped) {
   constexpr double late = 1e-7;  // sums of the intervals may differ in the last bits
   for (const auto& [pace, interval] :
        {std::pair{CalmPace::dial, 0.25}, std::pair{CalmPace::display, calmStep}}) {
@@ -139,7 +139,7 @@ TEST_F(CalmIntensityTest, itsEndIsDeliveredOnceAndOnTime) {
   }
 }
 
-TEST_F(CalmIntensityTest, oneThatFollowsTheDisplayQuickensTheRise) {
+TEST_F(CalmIntensityTest, aSubscriberAtTheDisplaysPaceSpeedsUpTheRise) {
   const auto slow = follow(CalmPace::dial);
   polish();
   scheduler.advance(0.3);

@@ -31,7 +31,7 @@ TEST_F(CelebrationGlowControllerTest, startsClearAndWithoutAWindow) {
   EXPECT_TRUE(window.builds.empty());
 }
 
-TEST_F(CelebrationGlowControllerTest, comesUpInTheGivenColour) {
+TEST_F(CelebrationGlowControllerTest, appearsInTheGivenColour) {
   celebrate();
   EXPECT_EQ(shownAfter(0.0), (ports::GlowPicture{red, 0.0}));
   EXPECT_NEAR(intensityAfter(0.1), 0.55 * 0.378138, 1e-6);
@@ -52,7 +52,7 @@ TEST_F(CelebrationGlowControllerTest, turnsCalmOverOneAndAHalfSeconds) {
   EXPECT_EQ(shownAfter(1.9), (ports::GlowPicture{calm, 0.55}));
 }
 
-TEST_F(CelebrationGlowControllerTest, leavesAfterTwoPointEightSeconds) {
+TEST_F(CelebrationGlowControllerTest, disappearsAfterTwoPointEightSeconds) {
   celebrate();
   EXPECT_NEAR(intensityAfter(1.9 + 0.225), 0.55 * (1.0 - 0.093465), 1e-6);
   EXPECT_NEAR(intensityAfter(1.9 + 0.45), 0.55 * (1.0 - 0.315357), 1e-6);

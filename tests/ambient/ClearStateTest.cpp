@@ -41,7 +41,7 @@ TEST_F(ClearStateTest, risesAndDecaysOverFiveMinutes) {
   EXPECT_EQ(calm(), 0.0);
 }
 
-TEST_F(ClearStateTest, aBlockedMainThreadMakesNothingLonger) {
+TEST_F(ClearStateTest, aBlockedMainThreadDoesNotProlongTheCeremony) {
   std::vector<double> values;
   const auto subscription = state.calmIntensity.subscribeToChanges(
       CalmPace::display, [&](double value) { values.push_back(value); });
@@ -73,7 +73,7 @@ TEST_F(ClearStateTest, aSecondCeremonyDuringTheDecayRisesFromTheValueThenReached
   EXPECT_EQ(calm(), 0.5);
 }
 
-TEST_F(ClearStateTest, aSecondCeremonyStopsTheFirstWhereItStandsWithinAStep) {
+TEST_F(ClearStateTest, aSecondCeremonyStopsTheFirstWithinAStep) {
   state.runCeremony(rise, decay);
   scheduler.advance(27.6 * calmStep);
   state.runCeremony(rise, decay);
@@ -84,7 +84,7 @@ TEST_F(ClearStateTest, aSecondCeremonyStopsTheFirstWhereItStandsWithinAStep) {
   EXPECT_GT(calm(), 0.5);
 }
 
-TEST_F(ClearStateTest, ofTwoCeremoniesAtOnceTheSecondRuns) {
+TEST_F(ClearStateTest, theSecondOfTwoSimultaneousCeremoniesRuns) {
   state.runCeremony(rise, decay);
   state.runCeremony(0.0, decay);
   scheduler.advance(calmStep);

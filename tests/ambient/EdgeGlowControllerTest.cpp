@@ -34,7 +34,7 @@ TEST_F(EdgeGlowControllerTest, isOffAtFirst) {
   EXPECT_FALSE(observes());
 }
 
-TEST_F(EdgeGlowControllerTest, enabledItLiesOverTheScreenAndShowsNothingBelowTheEdge) {
+TEST_F(EdgeGlowControllerTest, coversTheScreenOnceEnabledAndShowsNothingBelowTheEdge) {
   glow.enable();
   EXPECT_TRUE(glow.enabled());
   EXPECT_EQ(window.builds, std::vector{100.0});
@@ -52,7 +52,7 @@ TEST_F(EdgeGlowControllerTest, theRingOfTheFinishedTickLightsIt) {
   EXPECT_LE(opacityAfter(1.2), 0.335);
 }
 
-TEST_F(EdgeGlowControllerTest, aRingThatIsHighAlreadyLightsItAtOnce) {
+TEST_F(EdgeGlowControllerTest, anAlreadyHighRingLightsItAtOnce) {
   publish(1.0);
   glow.enable();
   EXPECT_EQ(window.restTimes, std::vector{infinity});
@@ -141,7 +141,7 @@ TEST_F(EdgeGlowControllerTest, offAndOnBuildsANewWindowWhoseBreathBeginsAnew) {
   EXPECT_NEAR(opacityAfter(4.5), 0.45, 1e-6);
 }
 
-TEST_F(EdgeGlowControllerTest, disablingWhatIsOffIsHarmless) {
+TEST_F(EdgeGlowControllerTest, disablingADisabledGlowDoesNothing) {
   glow.disable();
   EXPECT_EQ(window.removals, 0);
 }
@@ -171,7 +171,7 @@ TEST_F(EdgeGlowControllerTest, itFollowsTheScreenThatTheUserWorksOn) {
   EXPECT_EQ(window.moves, 3);
 }
 
-TEST_F(EdgeGlowControllerTest, aCheckThatComesAfterTheEndDoesNothing) {
+TEST_F(EdgeGlowControllerTest, aPendingCheckDoesNothingOnceDisabled) {
   glow.enable();
   window.screen.width = 1600.0;
   window.tellScreens();
@@ -197,7 +197,7 @@ TEST_F(EdgeGlowControllerTest, withoutAScreenItFollowsTheMonitorUnseenUntilTheSe
   EXPECT_EQ(window.restTimes, std::vector{infinity});
 }
 
-TEST_F(EdgeGlowControllerTest, withLessMovementTheLightStandsStill) {
+TEST_F(EdgeGlowControllerTest, withLessMovementTheLightStaysStill) {
   motion.setReduced(true);
   glow.enable();
   publish(1.0);

@@ -65,7 +65,7 @@ TEST_F(EdgeGlowViewTest, crossingTheEdgeIsSoftBothWays) {
   EXPECT_FALSE(view.isLit());
 }
 
-TEST_F(EdgeGlowViewTest, theColourMovesWithIt) {
+TEST_F(EdgeGlowViewTest, theColourFollowsTheProgressSmoothly) {
   setProgress(0.96);
   expectColour(after(0.6).colour, {(0.945 + 0.902) / 2, (0.525 + 0.235) / 2, (0.125 + 0.157) / 2});
   expectColour(after(1.2).colour, {0.902, 0.235, 0.157});

@@ -22,7 +22,7 @@ TEST(RingGradientTest, blendsBetweenThem) {
   expectColour(ringGradientColour(0.3), {0.399, 0.7198888888888889, 0.5941111111111111});
 }
 
-TEST(RingGradientTest, keepsItsEndsOutside) {
+TEST(RingGradientTest, keepsItsEndColoursOutsideItsRange) {
   expectColour(ringGradientColour(-0.5), {0.494, 0.82, 0.804});
   expectColour(ringGradientColour(1.5), {0.78, 0.247, 0.196});
   expectColour(ringGradientColour(std::numeric_limits<double>::infinity()), {0.78, 0.247, 0.196});

@@ -47,7 +47,7 @@ std::vector<std::string> rowTitles(const std::vector<ports::MenuRow>& rows) {
   return titles;
 }
 
-TEST_F(AppDelegateTest, theIconStandsBeforeTheFirstSample) {
+TEST_F(AppDelegateTest, theIconIsShownBeforeTheFirstSample) {
   setPressure(4);
   launch();
   ASSERT_EQ(statusItem.pictures.size(), 1u);
@@ -189,7 +189,7 @@ TEST_F(AppDelegateTest, aTickRedrawsTheIconAfterItIsWhole) {
   EXPECT_EQ(statusItem.accessibilityValue, statusSentence(SetupState::finished, 0.325));
 }
 
-TEST_F(AppDelegateTest, theCalmHoldsTheDialDown) {
+TEST_F(AppDelegateTest, theCalmKeepsTheDialLow) {
   setPressure(4);
   launch();
   scheduler.runReady();
@@ -300,7 +300,7 @@ TEST_F(AppDelegateTest, aPlainClickTakesAFreshSample) {
   EXPECT_EQ(memory.statisticsReads, 2);
 }
 
-TEST_F(AppDelegateTest, everyRowDoesItsWork) {
+TEST_F(AppDelegateTest, everyMenuRowDoesItsAction) {
   launch();
   statusItem.click(Button::right);
   EXPECT_TRUE(statusItem.choose(std::string(texts.restartDock)));
@@ -359,7 +359,7 @@ TEST_F(AppDelegateTest, polishNowWithoutAHelperSaysSo) {
   EXPECT_EQ(helperTransport.purgeMemory.requests, 0);
 }
 
-TEST_F(AppDelegateTest, memoryPressurePolishesByItselfWhenTheUserWantsIt) {
+TEST_F(AppDelegateTest, memoryPressureStartsAPolishIfTheUserWantsIt) {
   settings.autoClear.set(true);
   launch();
   scheduler.advance(10.0);
@@ -380,7 +380,7 @@ TEST_F(AppDelegateTest, memoryPressureAtLaunchIsSeenByTheFirstSample) {
   EXPECT_EQ(helperTransport.purgeMemory.requests, 1);
 }
 
-TEST_F(AppDelegateTest, quittingWaitsUntilEveryStoppedApplicationGoesOn) {
+TEST_F(AppDelegateTest, quittingWaitsUntilEveryStoppedApplicationIsResumed) {
   launch();
   scheduler.advance(10.0);
   fakes::publish(suspendedAppsManager.suspendedPIDs, std::set<std::int32_t>{41, 42});
@@ -421,7 +421,7 @@ TEST_F(AppDelegateTest, endingStopsTheTimerAndTheReactions) {
   EXPECT_EQ(statusItem.pictures.size(), pictures);
 }
 
-TEST_F(AppDelegateTest, theLaunchMakesThePopoverAndPutsItsContentIn) {
+TEST_F(AppDelegateTest, theLaunchCreatesThePopoverWithItsContent) {
   launch();
   EXPECT_FALSE(popover.shown);
   EXPECT_EQ(popover.size, (ports::PopoverSize{270.0, 280.0}));
@@ -443,14 +443,14 @@ TEST_F(AppDelegateTest, aPlainClickOpensThePopoverAndTheNextOneClosesIt) {
   EXPECT_EQ(installedPopoverView, delegate->popoverView());
 }
 
-TEST_F(AppDelegateTest, menuClicksLeaveThePopoverShut) {
+TEST_F(AppDelegateTest, menuClicksLeaveThePopoverClosed) {
   launch();
   statusItem.click(Button::right);
   statusItem.click(Button::left, Control::held);
   EXPECT_FALSE(popover.shown);
 }
 
-TEST_F(AppDelegateTest, withoutAButtonThereIsNothingToHangThePopoverOn) {
+TEST_F(AppDelegateTest, withoutAButtonThePopoverDoesNotOpen) {
   statusItem.buttonAvailable = false;
   launch();
   delegate->togglePopover();
@@ -472,7 +472,7 @@ TEST_F(AppDelegateTest, theEdgeGlowFollowsItsSetting) {
   EXPECT_FALSE(edgeGlow.enabled());
 }
 
-TEST_F(AppDelegateTest, anEdgeGlowThatIsSetIsThereFromTheLaunchOn) {
+TEST_F(AppDelegateTest, anEnabledEdgeGlowStartsWithTheLaunch) {
   settings.edgeGlow.set(true);
   launch();
   EXPECT_TRUE(edgeGlow.enabled());

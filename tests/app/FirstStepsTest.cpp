@@ -85,14 +85,14 @@ TEST_F(FirstStepsTest, aUserWhoHasNotSeenTheDoneStepComesBackToIt) {
   EXPECT_NE(doneStep, nullptr);
 }
 
-TEST_F(FirstStepsTest, aUserOfABuildWithoutThemIsNotSentThroughThem) {
+TEST_F(FirstStepsTest, aUserOfAnEarlierBuildSkipsThem) {
   defaults.values["vorli.lastLaunchedBuild"] = std::string("6");
   launch();
   EXPECT_EQ(onboardingWindow.openings, 0);
   EXPECT_EQ(notices.authorizationOptions, std::vector<std::uint32_t>{6});
 }
 
-TEST_F(FirstStepsTest, aLaunchThatDidNotFinishThemShowsThemAgainAtTheNext) {
+TEST_F(FirstStepsTest, unfinishedOnesAreShownAgainAtTheNextLaunch) {
   launch();
   onboardingWindow.close();
   ProgramRun next;
@@ -109,7 +109,7 @@ TEST_F(FirstStepsTest, theStepIsReadAgainBeforeThePopoversContent) {
   EXPECT_EQ(services.onboardingFlowState.step.get(), OnboardingFlowState::Step::done);
 }
 
-TEST_F(FirstStepsTest, onlyTheValueOneOfItsVariableAsksForThePreview) {
+TEST_F(FirstStepsTest, thePreviewIsShownOnlyIfItsVariableIsOne) {
   for (const char* value : {"", "0", "true", "11", " 1"}) {
     setenv(previewVariable, value, 1);
     ProgramRun run;
@@ -123,7 +123,7 @@ TEST_F(FirstStepsTest, onlyTheValueOneOfItsVariableAsksForThePreview) {
   EXPECT_NE(run.previewBar, nullptr);
 }
 
-TEST_F(FirstStepsTest, thePreviewStoresNothingOfThem) {
+TEST_F(FirstStepsTest, thePreviewStoresNothing) {
   setenv(previewVariable, "1", 1);
   launch();
   finishFirstSteps();
@@ -280,7 +280,7 @@ TEST_F(FirstStepsTest, aReportOfAnEarlierCrashWaitsForALaunchAfterThem) {
   EXPECT_NE(next.installedCrashReport, nullptr);
 }
 
-TEST_F(FirstStepsTest, aUserWhoAsksAboutTheHelperIsSentToThem) {
+TEST_F(FirstStepsTest, askingAboutTheHelperOpensThem) {
   launch();
   onboardingWindow.close();
   delegate.showHelperPage();
@@ -288,7 +288,7 @@ TEST_F(FirstStepsTest, aUserWhoAsksAboutTheHelperIsSentToThem) {
   EXPECT_TRUE(application.alerts.empty());
 }
 
-TEST_F(FirstStepsTest, anObstacleThatTheyDoNotNameIsSaidInAnAlert) {
+TEST_F(FirstStepsTest, anObstacleThatTheyDoNotMentionIsShownInAnAlert) {
   helperService.rawStatus = 2;
   launch();
   helperService.failRegistration("The rules of this system do not allow it.");
@@ -299,7 +299,7 @@ TEST_F(FirstStepsTest, anObstacleThatTheyDoNotNameIsSaidInAnAlert) {
             std::string::npos);
 }
 
-TEST_F(FirstStepsTest, aMissingPasswordWindowIsSaidInThemAndInNoAlert) {
+TEST_F(FirstStepsTest, aMissingPasswordWindowIsShownInThemAndNotInAnAlert) {
   helperService.rawStatus = 2;
   launch();
   helperService.failRegistration("No password window could be opened.");
@@ -320,7 +320,7 @@ TEST(FinishedFirstSteps, leaveTheHelpersStateToTheSettings) {
   EXPECT_EQ(run.onboardingWindow.openings, 0);
 }
 
-TEST(FinishedFirstSteps, sayInAnAlertTooWhatIsInTheHelpersWay) {
+TEST(FinishedFirstSteps, alsoShowAnObstacleToTheHelperInAnAlert) {
   ProgramRun run;
   run.helperService.rawStatus = 2;
   run.launch();
@@ -355,7 +355,7 @@ TEST_F(FirstStepsWithUpdatesTest, noCheckRunsBeforeTheHelperStepIsPassed) {
   EXPECT_FALSE(hasCheckedForUpdates(host));
 }
 
-TEST_F(FirstStepsWithUpdatesTest, theCheckOfTheSameRunFollowsAUserWhoIsQuick) {
+TEST_F(FirstStepsWithUpdatesTest, theCheckRunsInTheSameLaunchIfTheUserIsQuick) {
   Services services{host.ports()};
   AppDelegate delegate{services};
   delegate.applicationDidFinishLaunching();

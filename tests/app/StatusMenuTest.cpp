@@ -40,7 +40,7 @@ TEST_F(StatusMenuTest, hasNoUpdateRowWithoutThem) {
                                       "Open Login Items", "-", "About Vorli", "-", "Quit Vorli"}));
 }
 
-TEST_F(StatusMenuTest, onLinuxItNamesWhatADesktopHas) {
+TEST_F(StatusMenuTest, onLinuxItNamesThePanelAndTheFileManager) {
   EXPECT_EQ(titles(statusMenu(actions, UpdatesState::configured, StatusTexts::linuxDesktop)),
             (std::vector<std::string>{"Polish Now", "-", "Restart Panel", "Restart File Manager", "-",
                                       "Check for Updates…", "Open Startup Applications", "-", "About Vorli",

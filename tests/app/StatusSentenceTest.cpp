@@ -23,7 +23,7 @@ TEST(StatusSentenceTest, eachStateHasItsSentence) {
   EXPECT_EQ(sentence(0.93), "Your Mac is under heavy pressure. 93 percent. Tap to polish.");
 }
 
-TEST(StatusSentenceTest, onLinuxItSpeaksOfAComputer) {
+TEST(StatusSentenceTest, onLinuxItSaysComputer) {
   const auto onLinux = [](double progress) {
     return statusSentence(SetupState::finished, progress, StatusTexts::linuxDesktop);
   };

@@ -42,7 +42,7 @@ TEST_F(AnimatedTest, shownFollowsTheClock) {
   EXPECT_EQ(value.shown(), 10.0);
 }
 
-TEST_F(AnimatedTest, tellsUntilWhenItMoves) {
+TEST_F(AnimatedTest, knowsWhenItsMotionEnds) {
   EXPECT_LT(value.restsAt(), start);
   animate(Animation::linear(2.0).delayed(1.0), 10.0);
   EXPECT_EQ(value.restsAt(), start + 3.0);
@@ -51,7 +51,7 @@ TEST_F(AnimatedTest, tellsUntilWhenItMoves) {
   EXPECT_FALSE(value.isMoving(start + 3.0));
 }
 
-TEST_F(AnimatedTest, aDelayedMotionWaitsWhereTheValueStands) {
+TEST_F(AnimatedTest, aDelayedMotionWaitsAtTheCurrentValue) {
   animate(Animation::linear(2.0).delayed(1.0), 10.0);
   EXPECT_EQ(at(0.999), 0.0);
   EXPECT_NEAR(at(2.0), 5.0, 1e-8);
@@ -123,7 +123,7 @@ TEST_F(AnimatedTest, aWaitingMotionSurvivesANewerOneThatWaitsLonger) {
   EXPECT_EQ(at(3.5), 0.0);
 }
 
-TEST_F(AnimatedTest, aJumpClearsWhatRunsAndWhatWaits) {
+TEST_F(AnimatedTest, aJumpClearsRunningAndWaitingMotions) {
   animate(Animation::linear(2.0), 10.0);
   animate(Animation::linear(2.0).delayed(5.0), 20.0);
   scheduler.advance(1.0);
@@ -141,7 +141,7 @@ TEST_F(AnimatedTest, aJumpInsideAnAnimationClearsToo) {
   EXPECT_EQ(at(1.0), 4.0);
 }
 
-TEST_F(AnimatedTest, aValueThatRestsStartsItsNextMotionThere) {
+TEST_F(AnimatedTest, aRestingValueStartsItsNextMotionWhereItIs) {
   animate(Animation::linear(1.0), 10.0);
   scheduler.advance(5.0);
   animate(Animation::linear(1.0), 20.0);
@@ -149,7 +149,7 @@ TEST_F(AnimatedTest, aValueThatRestsStartsItsNextMotionThere) {
   EXPECT_NEAR(at(5.5), 15.0, 1e-8);
 }
 
-TEST_F(AnimatedTest, oneThatRepeatsForEverIsEndedByTheNextMotion) {
+TEST_F(AnimatedTest, theNextMotionEndsAnEndlessOne) {
   animate(Animation::linear(1.0).repeatedForever(Animation::Reversal::autoreverse), 10.0);
   EXPECT_EQ(value.restsAt(), INFINITY);
   EXPECT_NEAR(at(3.25), 7.5, 1e-8);
@@ -160,7 +160,7 @@ TEST_F(AnimatedTest, oneThatRepeatsForEverIsEndedByTheNextMotion) {
   EXPECT_EQ(value.restsAt(), start + 4.25);
 }
 
-TEST_F(AnimatedTest, aSpringGoesOnWithTheSpeedThatTheValueHad) {
+TEST_F(AnimatedTest, aSpringContinuesAtTheSpeedOfTheValue) {
   animate(Animation::linear(1.0), 10.0);
   scheduler.advance(0.5);
   animate(Animation::spring(0.5, 0.8), 5.0 + 1.0);

@@ -76,7 +76,7 @@ TEST(AnimationTest, aCurveStretchesOverItsDuration) {
   EXPECT_EQ(animation.progress(1e9), 1.0);
 }
 
-TEST(AnimationTest, oneWithoutLengthIsAtItsEndAtOnce) {
+TEST(AnimationTest, anAnimationWithoutDurationEndsAtOnce) {
   EXPECT_EQ(Animation::linear(0.0).progress(0.0), 1.0);
   EXPECT_EQ(Animation::linear(-1.0).progress(0.0), 1.0);
   EXPECT_EQ(Animation::spring(0.0, 0.5).progress(0.0), 1.0);
@@ -116,7 +116,7 @@ TEST(AnimationTest, repeatedForeverNeverRests) {
   EXPECT_NEAR(animation.progress(1'000'001.25), 0.870838069, 1e-6);
 }
 
-TEST(SpringTest, anUndampedOneSwingsWithItsResponseAsPeriod) {
+TEST(SpringTest, theResponseIsThePeriodOfAnUndampedSpring) {
   const auto spring = Animation::spring(2.0, 0.0);
   EXPECT_EQ(spring.activeSeconds(), INFINITY);
   EXPECT_NEAR(spring.progress(0.5), 1.0, 1e-9);
@@ -125,7 +125,7 @@ TEST(SpringTest, anUndampedOneSwingsWithItsResponseAsPeriod) {
   EXPECT_NEAR(spring.progress(101.0), 2.0, 1e-6);
 }
 
-TEST(SpringTest, anUnderDampedOneOvershootsByItsDamping) {
+TEST(SpringTest, dampingSetsTheOvershootOfAnUnderdampedSpring) {
   const auto spring = Animation::spring(0.34, 0.72);
   // The first top of a spring from rest: after half a damped period, by exp(-pi zeta / sqrt(1 - zeta^2)).
   const double root = std::sqrt(1.0 - 0.72 * 0.72);
@@ -144,7 +144,7 @@ TEST(SpringTest, startsFromRestUnlessItIsGivenASpeed) {
   }
 }
 
-TEST(SpringTest, aCriticallyDampedOneNeverOvershoots) {
+TEST(SpringTest, aCriticallyDampedSpringNeverOvershoots) {
   const auto spring = Animation::spring(1.0, 1.0);
   const double omega = 2.0 * std::numbers::pi;
   EXPECT_NEAR(spring.progress(0.25), 1.0 - std::exp(-omega / 4.0) * (1.0 + omega / 4.0), 1e-12);
@@ -173,7 +173,7 @@ TEST(SpringTest, restsWhereItStaysWithinAThousandth) {
   }
 }
 
-TEST(WithAnimationTest, theInnermostWinsAndTheOuterOneComesBack) {
+TEST(WithAnimationTest, theInnermostAnimationAppliesAndTheOuterOneIsRestored) {
   std::vector<double> durations;
   const auto note = [&] {
     const auto& current = detail::currentAnimation();

@@ -18,7 +18,7 @@ struct AnyChangeTest : testing::Test {
   int calls = 0;
 };
 
-TEST_F(AnyChangeTest, comesOnceForThePresentValuesAndOnceForEachChangeOfAny) {
+TEST_F(AnyChangeTest, firesOnceForTheCurrentValuesAndOnceForEachChange) {
   const auto token = onAnyChange(scheduler, count(), number, text);
   EXPECT_EQ(calls, 0);
   scheduler.runReady();
@@ -30,7 +30,7 @@ TEST_F(AnyChangeTest, comesOnceForThePresentValuesAndOnceForEachChangeOfAny) {
   EXPECT_EQ(calls, 3);
 }
 
-TEST_F(AnyChangeTest, endsWithItsTokenWithAllThatWasOnItsWay) {
+TEST_F(AnyChangeTest, pendingCallsAreDroppedWithTheToken) {
   auto token = onAnyChange(scheduler, count(), number, text);
   fakes::publish(number, 2);
   token.cancel();

@@ -15,7 +15,7 @@ struct AwaitedReplyTest : testing::Test {
   Task<> waitFor(AwaitedReply<int> awaited) { answers.push_back(co_await awaited); }
 };
 
-TEST_F(AwaitedReplyTest, theFlowWaitsHoweverLongItTakes) {
+TEST_F(AwaitedReplyTest, theFlowWaitsForTheAnswerHoweverLongItTakes) {
   TaskScope scope(scheduler);
   AwaitedReply<int> awaited(scheduler);
   auto reply = awaited.reply();

@@ -60,7 +60,7 @@ TEST_F(DeadlineRaceTest, deadlineBeforeTheReplyWinsOnce) {
   EXPECT_EQ(trace, Trace{"deadline"});
 }
 
-TEST_F(DeadlineRaceTest, aReplyThatCameFirstWinsOverADeadlineThatIsDueBeforeItIsTold) {
+TEST_F(DeadlineRaceTest, anEarlierReplyWinsOverADeadlineThatIsDueBeforeItsDelivery) {
   DeadlineRace<int> race(scheduler, 2.0);
   auto reply = race.reply();
   scope.spawn(racer(race));
@@ -81,7 +81,7 @@ TEST_F(DeadlineRaceTest, theDeadlineRunsFromConstruction) {
   EXPECT_EQ(trace, Trace{"deadline"});
 }
 
-TEST_F(DeadlineRaceTest, aRaceThatIsSettledIsNotWaitedFor) {
+TEST_F(DeadlineRaceTest, waitingForASettledRaceReturnsAtOnce) {
   DeadlineRace<int> answered(scheduler, 2.0);
   answered.reply()(7);
   DeadlineRace<int> late(scheduler, 2.0);

@@ -23,11 +23,11 @@ TEST(ISOTimestampTest, momentBefore1970CountsFromItsOwnDay) {
   EXPECT_EQ(written(Date::distantPast().secondsSince1970), "0001-01-01T00:00:00.000Z");
 }
 
-TEST(ISOTimestampTest, whatIsBelowAMillisecondIsCutOff) {
+TEST(ISOTimestampTest, fractionsOfAMillisecondAreCutOff) {
   EXPECT_EQ(written(1.9989), "1970-01-01T00:00:01.998Z");
 }
 
-TEST(ISOTimestampTest, momentsBeyondFourDigitsOfYearsAreHeldAtTheEdge) {
+TEST(ISOTimestampTest, momentsBeyondFourDigitYearsAreClamped) {
   EXPECT_EQ(written(1e18), "9999-12-31T23:59:59.999Z");
   EXPECT_EQ(written(-1e18), "0000-01-01T00:00:00.000Z");
   EXPECT_EQ(written(std::numeric_limits<double>::infinity()), "9999-12-31T23:59:59.999Z");
@@ -40,7 +40,7 @@ TEST(ISOTimestampTest, textIsReadBack) {
   EXPECT_EQ(parseISOTimestamp("2026-03-01T09:00:05.123-00:30"), Date{1'772'357'405.123});
 }
 
-TEST(ISOTimestampTest, everyMillisecondSurvivesTheWayThereAndBack) {
+TEST(ISOTimestampTest, everyMillisecondSurvivesARoundTrip) {
   for (int millisecond = 0; millisecond < 1000; ++millisecond) {
     const auto text = written(1'772'357'405.0 + millisecond / 1000.0);
     const auto date = parseISOTimestamp(text);
@@ -49,7 +49,7 @@ TEST(ISOTimestampTest, everyMillisecondSurvivesTheWayThereAndBack) {
   }
 }
 
-TEST(ISOTimestampTest, otherTextsAreNone) {
+TEST(ISOTimestampTest, otherTextsAreRefused) {
   for (const char* text :
        {"", "2026-03-01", "2026-03-01T09:30:05Z", "2026-03-01T09:30:05.12Z", "2026-03-01T09:30:05.123",
         "2026-03-01T09:30:05.123Zulu", "2026-02-29T09:30:05.123Z", "2026-13-01T09:30:05.123Z",

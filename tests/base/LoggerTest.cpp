@@ -52,7 +52,7 @@ TEST(LogFormatTest, boolPrintsTrueOrFalse) {
   EXPECT_EQ(formatLogMessage("%{bool}d", {0u}), "false");
 }
 
-TEST(LogFormatTest, aValueOfAnotherKindThanItsConversionIsPrintedAsItIs) {
+TEST(LogFormatTest, aValueThatDoesNotMatchItsConversionIsPrintedAsItIs) {
   EXPECT_EQ(formatLogMessage("%{public}d", {"text"}), "text");
   EXPECT_EQ(formatLogMessage("%s", {7}), "7");
   EXPECT_EQ(formatLogMessage("%d", {0.5}), "0.5");
@@ -74,7 +74,7 @@ TEST(LogFormatTest, valuesWithoutAPlaceholderAreLeftOut) {
   EXPECT_EQ(formatLogMessage("", {1}), "");
 }
 
-TEST(LogFormatTest, aFormatThatBreaksOffIsNoHarm) {
+TEST(LogFormatTest, anIncompleteFormatIsHarmless) {
   EXPECT_EQ(formatLogMessage("%", {}), "<missing>");
   EXPECT_EQ(formatLogMessage("50%", {7}), "507");
   EXPECT_EQ(formatLogMessage("%%%", {}), "%<missing>");
@@ -123,7 +123,7 @@ TEST_F(LoggerTest, theSubsystemIsTheProducts) {
   EXPECT_EQ(subsystem, "com.kv.vorli");
 }
 
-TEST_F(LoggerTest, setSinkGivesBackTheOneInForceAndWithoutOneLinesAreDropped) {
+TEST_F(LoggerTest, setSinkReturnsThePreviousSinkAndWithoutOneLinesAreDropped) {
   const auto outer = Logger::setSink(nullptr);
   EXPECT_TRUE(outer);
   logger.log("dropped");

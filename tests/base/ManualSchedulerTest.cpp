@@ -40,7 +40,7 @@ TEST_F(ManualSchedulerTest, delayedWorkRunsInOrderOfItsTimeAndOfItsCreation) {
   EXPECT_EQ(trace, (std::vector<std::string>{"early", "early too", "late"}));
 }
 
-TEST_F(ManualSchedulerTest, theClockStandsAtTheMomentOfEachPieceOfWork) {
+TEST_F(ManualSchedulerTest, theClockShowsTheDueTimeOfEachPieceOfWork) {
   const double start = scheduler.now();
   std::vector<double> times;
   scheduler.after(1.0, [&] {
@@ -81,7 +81,7 @@ TEST_F(ManualSchedulerTest, workMayCancelWorkThatIsDueAtTheSameMoment) {
   EXPECT_TRUE(trace.empty());
 }
 
-TEST_F(ManualSchedulerTest, workThatIsDroppedMayCancelOtherWork) {
+TEST_F(ManualSchedulerTest, droppedWorkMayCancelOtherWork) {
   const auto other = scheduler.after(2.0, note("other"));
   std::shared_ptr<void> canceller(nullptr, [&](void*) { scheduler.cancel(other); });
   const auto holder = scheduler.after(1.0, [held = std::move(canceller)] {});
@@ -90,7 +90,7 @@ TEST_F(ManualSchedulerTest, workThatIsDroppedMayCancelOtherWork) {
   EXPECT_EQ(scheduler.pendingTimers(), 0u);
 }
 
-TEST_F(ManualSchedulerTest, tellsItsNextDeadline) {
+TEST_F(ManualSchedulerTest, knowsItsNextDeadline) {
   EXPECT_EQ(scheduler.earliestDeadline(), INFINITY);
   scheduler.after(3.0, note("work"));
   EXPECT_EQ(scheduler.earliestDeadline(), scheduler.now() + 3.0);

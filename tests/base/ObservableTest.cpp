@@ -51,7 +51,7 @@ TEST_F(ObservableTest, anEqualValueIsDeliveredToo) {
   EXPECT_EQ(heard, (Numbers{1, 1}));
 }
 
-TEST_F(ObservableTest, theValueStandsBeforeItIsDelivered) {
+TEST_F(ObservableTest, theValueIsStoredBeforeItIsDelivered) {
   Numbers seen;
   const auto token = number.subscribeToChanges([&](const int&) { seen.push_back(number); });
   fakes::publish(number, 5);
@@ -65,7 +65,7 @@ TEST_F(ObservableTest, aSubscriberToChangesDoesNotGetTheCurrentValue) {
   EXPECT_EQ(heard, Numbers{2});
 }
 
-TEST_F(ObservableTest, nothingComesAfterTheTokenIsGone) {
+TEST_F(ObservableTest, nothingIsDeliveredAfterTheTokenIsDestroyed) {
   { const auto token = number.subscribe(record()); }
   fakes::publish(number, 2);
   EXPECT_EQ(heard, Numbers{1});
@@ -105,7 +105,7 @@ TEST_F(ObservableTest, deliveryOnTheMainLoopSeesTheFinishedTick) {
   EXPECT_EQ(seen, (std::vector<std::string>{"old", "new"}));
 }
 
-TEST_F(ObservableTest, whatWasOnItsWayIsNotDeliveredAfterTheTokenIsGone) {
+TEST_F(ObservableTest, aPendingValueIsNotDeliveredAfterTheTokenIsDestroyed) {
   auto token = number.subscribeOnMainLoop(scheduler, record());
   fakes::publish(number, 2);
   token.cancel();

@@ -21,7 +21,7 @@ TEST_F(OnceReplyTest, aSecondAnswerIsDropped) {
   EXPECT_EQ(answers, std::vector<int>{1});
 }
 
-TEST_F(OnceReplyTest, aDroppedReplyAnswersNobodyAndLetsGoOfWhatItHolds) {
+TEST_F(OnceReplyTest, aDroppedReplyAnswersNobodyAndReleasesItsCaptures) {
   auto sentinel = std::make_shared<int>();
   {
     const OnceReply<int> reply([sentinel](int) { *sentinel = 1; });
@@ -40,14 +40,14 @@ TEST_F(OnceReplyTest, anEmptyOrMovedReplyDoesNothing) {
   EXPECT_EQ(answers, std::vector<int>{3});
 }
 
-TEST_F(OnceReplyTest, assignmentDropsTheReplyThatStoodThere) {
+TEST_F(OnceReplyTest, assignmentDropsThePreviousReply) {
   auto first = makeReply();
   first = makeReply();
   std::move(first)(5);
   EXPECT_EQ(answers, std::vector<int>{5});
 }
 
-TEST_F(OnceReplyTest, isUsedUpBeforeItsAnswerIsHeard) {
+TEST_F(OnceReplyTest, isUsedUpBeforeItsHandlerRuns) {
   OnceReply<int> reply;
   reply = OnceReply<int>([&](int value) {
     answers.push_back(value);

@@ -3,7 +3,7 @@
 namespace vorli {
 namespace {
 
-TEST(PercentEncodingTest, lettersDigitsAndAllowedPunctuationStand) {
+TEST(PercentEncodingTest, lettersDigitsAndAllowedPunctuationAreKept) {
   EXPECT_EQ(percentEncoded("azAZ09-_.", "-_."), "azAZ09-_.");
   EXPECT_EQ(percentEncoded("a-b", ""), "a%2Db");
 }

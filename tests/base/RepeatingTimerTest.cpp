@@ -36,7 +36,7 @@ TEST_F(RepeatingTimerTest, aLateFiringKeepsTheRhythm) {
   EXPECT_EQ(firings, (std::vector<double>{3.5, 4.0}));
 }
 
-TEST_F(RepeatingTimerTest, firingsThatTheLoopWasTooBusyForAreDropped) {
+TEST_F(RepeatingTimerTest, firingsMissedByABusyLoopAreDropped) {
   start(2.0);
   scheduler.advanceClockOnly(9.0);
   scheduler.runReady();
@@ -45,7 +45,7 @@ TEST_F(RepeatingTimerTest, firingsThatTheLoopWasTooBusyForAreDropped) {
   EXPECT_EQ(firings, (std::vector<double>{9.0, 10.0}));
 }
 
-TEST_F(RepeatingTimerTest, oneThatIsAWholePeriodLateSkipsTheMomentThatIsNow) {
+TEST_F(RepeatingTimerTest, aFiringThatIsAWholePeriodLateReplacesTheOneDueNow) {
   start(2.0);
   scheduler.advanceClockOnly(4.0);
   scheduler.runReady();
@@ -54,7 +54,7 @@ TEST_F(RepeatingTimerTest, oneThatIsAWholePeriodLateSkipsTheMomentThatIsNow) {
   EXPECT_EQ(firings, (std::vector<double>{4.0, 6.0}));
 }
 
-TEST_F(RepeatingTimerTest, aDestroyedTimerFiresNoMore) {
+TEST_F(RepeatingTimerTest, aDestroyedTimerNoLongerFires) {
   start(2.0);
   scheduler.advance(2.0);
   timer.reset();

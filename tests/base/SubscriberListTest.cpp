@@ -16,7 +16,7 @@ struct SubscriberListTest : testing::Test {
   SubscriberList<int> list;
 };
 
-TEST_F(SubscriberListTest, subscribersAreCalledInTheOrderInWhichTheyCame) {
+TEST_F(SubscriberListTest, subscribersAreCalledInTheOrderOfSubscription) {
   const auto first = list.add(record(10));
   const auto second = list.add(record(20));
   list.deliver(1);
@@ -64,7 +64,7 @@ TEST_F(SubscriberListTest, aNewcomerDuringDeliveryWaitsForTheNextValue) {
   EXPECT_EQ(heard, Numbers{12});
 }
 
-TEST_F(SubscriberListTest, oneWhoLeavesDuringDeliveryGetsNothingMore) {
+TEST_F(SubscriberListTest, aSubscriberCancelledDuringDeliveryGetsNothingMore) {
   Subscription second;
   const auto first = list.add([&](const int&) { second.cancel(); });
   second = list.add(record(10));
@@ -105,7 +105,7 @@ TEST_F(SubscriberListTest, aTokenMayOutliveItsSource) {
   token.cancel();
 }
 
-TEST_F(SubscriberListTest, aSourceThatDiesInADeliveryDeliversNoMore) {
+TEST_F(SubscriberListTest, aSourceDestroyedDuringDeliveryDeliversNoMore) {
   auto source = std::make_optional<SubscriberList<int>>();
   const auto first = source->add([&](const int&) { source.reset(); });
   const auto second = source->add(record(10));

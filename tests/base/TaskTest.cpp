@@ -121,7 +121,7 @@ TEST_F(TaskTest, startsAtTheNextTurnAndReadsTopToBottom) {
   EXPECT_FALSE(handle.isRunning());
 }
 
-TEST_F(TaskTest, nestedFlowsHandBackTheirValues) {
+TEST_F(TaskTest, nestedFlowsReturnTheirValues) {
   TaskScope scope(scheduler);
   scope.spawn(nested(sentinel));
   scheduler.advance(2.999);
@@ -149,7 +149,7 @@ TEST_F(TaskTest, aFlowMayOutlastManySleeps) {
   EXPECT_EQ(trace, (Trace{"1 elapsed", "2 elapsed", "3 elapsed"}));
 }
 
-TEST_F(TaskTest, cancelEndsTheSleepAndTheFlowGoesOn) {
+TEST_F(TaskTest, cancelEndsTheSleepAndTheFlowContinues) {
   TaskScope scope(scheduler);
   const auto handle = scope.spawn(sleeper(100.0));
   scheduler.runReady();
@@ -262,7 +262,7 @@ TEST_F(TaskTest, aFlowThatNeverStartedEndsWithItsScopeToo) {
   EXPECT_TRUE(trace.empty());
 }
 
-TEST_F(TaskTest, aFinishedFlowLetsItsFrameGoWhileItsScopeLives) {
+TEST_F(TaskTest, aFinishedFlowReleasesItsFrameWhileItsScopeLives) {
   TaskScope scope(scheduler);
   scope.spawn(nested(sentinel));
   scheduler.advance(3.0);
@@ -289,7 +289,7 @@ TEST_F(TaskTest, aFlowMayEndItsOwnScopeAtItsEnd) {
   EXPECT_EQ(sentinel.use_count(), 1);
 }
 
-TEST_F(TaskTest, aFlowSpawnedWhileItsScopeGoesIsDestroyedWithIt) {
+TEST_F(TaskTest, aFlowSpawnedDuringTheDestructionOfItsScopeIsDestroyedWithIt) {
   ownScope.emplace(scheduler);
   std::shared_ptr<int> spawner(new int(0), [this](int* value) {
     delete value;
@@ -312,7 +312,7 @@ TEST_F(TaskTest, oneFlowWaitsForAnother) {
   EXPECT_EQ(trace, (Trace{"waited", "elapsed", "waited"}));
 }
 
-TEST_F(TaskTest, manyMayWaitForOneAndLateOnesGoOnAtOnce) {
+TEST_F(TaskTest, manyFlowsMayWaitForOneAndLateWaitersContinueAtOnce) {
   TaskScope scope(scheduler);
   const auto handle = scope.spawn(sleeper(1.0));
   scope.spawn(waiter(handle));
@@ -324,7 +324,7 @@ TEST_F(TaskTest, manyMayWaitForOneAndLateOnesGoOnAtOnce) {
   EXPECT_EQ(trace.size(), 4u);
 }
 
-TEST_F(TaskTest, waitingForADestroyedFlowGoesOnAtOnce) {
+TEST_F(TaskTest, waitingForADestroyedFlowReturnsAtOnce) {
   TaskHandle handle;
   {
     TaskScope other(scheduler);
@@ -351,7 +351,7 @@ TEST_F(TaskTest, aWaiterIsDestroyedWithTheFlowThatItWaitsFor) {
   EXPECT_TRUE(trace.empty());
 }
 
-TEST_F(TaskTest, aWaiterWhoseScopeIsGoneIsNotWoken) {
+TEST_F(TaskTest, aWaiterWhoseScopeIsDestroyedIsNotWoken) {
   TaskScope scope(scheduler);
   const auto handle = scope.spawn(sleeper(1.0));
   {
@@ -363,7 +363,7 @@ TEST_F(TaskTest, aWaiterWhoseScopeIsGoneIsNotWoken) {
   EXPECT_EQ(trace, Trace{"elapsed"});
 }
 
-TEST_F(TaskTest, anEmptyHandleIsOneWhoseFlowHasEnded) {
+TEST_F(TaskTest, anEmptyHandleCountsAsAFinishedFlow) {
   const TaskHandle none;
   EXPECT_FALSE(none.isRunning());
   none.cancel();

@@ -8,12 +8,12 @@
 namespace vorli {
 namespace {
 
-TEST(UUIDTest, isARandomOneInItsUsualNotation) {
+TEST(UUIDTest, isRandomInTheUsualNotation) {
   const std::regex form("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}");
   for (int i = 0; i < 100; ++i) EXPECT_TRUE(std::regex_match(newUUID(), form));
 }
 
-TEST(UUIDTest, neverComesTwice) {
+TEST(UUIDTest, isNeverTheSameTwice) {
   std::set<std::string> seen;
   for (int i = 0; i < 1000; ++i) seen.insert(newUUID());
   EXPECT_EQ(seen.size(), 1000u);

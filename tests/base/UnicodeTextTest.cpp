@@ -28,7 +28,7 @@ TEST(UnicodeTextTest, raisesTheLettersOfSeveralScripts) {
   for (const auto& [given, expected] : cases) EXPECT_EQ(uppercased(given), expected);
 }
 
-TEST(UnicodeTextTest, leavesBytesThatAreNoTextAsTheyAre) {
+TEST(UnicodeTextTest, leavesInvalidBytesAsTheyAre) {
   EXPECT_EQ(lowercased("A\xC3"), "a\xC3");
   EXPECT_EQ(lowercased("\xFF\xC3\x41\xE1\xBA"), "\xFF\xC3\x61\xE1\xBA");
   EXPECT_EQ(capitalizingFirst("\xC3z"), "\xC3z");

@@ -65,7 +65,7 @@ TEST_F(OnboardingFlowStateTest, eachStepIsStoredWhenItIsPassed) {
   EXPECT_EQ(defaults.values.at("hasSeenDoneScreen"), ports::StoredValue(true));
 }
 
-TEST_F(OnboardingFlowStateTest, aUserOfABuildWithoutFirstStepsIsNotSentThroughThem) {
+TEST_F(OnboardingFlowStateTest, aUserOfABuildWithoutFirstStepsSkipsThem) {
   defaults.values["vorli.lastLaunchedBuild"] = std::string("6");
   flow.begin(Preview::off);
   EXPECT_TRUE(flow.isSetupComplete());

@@ -83,7 +83,7 @@ TEST(OnboardingTextsTest, statusLinesAndButtonsOnMacOS) {
   EXPECT_EQ(macOS.waitingHint, "Toggle Vorli on in System Settings to continue");
 }
 
-TEST(OnboardingTextsTest, linuxSaysTheSameWithoutAMac) {
+TEST(OnboardingTextsTest, linuxTextsSayTheSameWithoutAMac) {
   EXPECT_EQ(linuxDesktop.requiresApproval.sentence,
             "Your system is asking for your password. Enter it to let Vorli's helper work.");
   EXPECT_EQ(linuxDesktop.requiresApproval.rows[0].title, "In the password window");

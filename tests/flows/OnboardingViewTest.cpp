@@ -136,7 +136,7 @@ TEST_F(OnboardingViewTest, waitingAsksAgainWhenPressed) {
   EXPECT_EQ(service.calls, Strings{"open login items"});
 }
 
-TEST_F(OnboardingViewTest, aMissingPasswordWindowIsSaidAndNotWaitedFor) {
+TEST_F(OnboardingViewTest, aMissingPasswordWindowIsShownAndNotWaitedFor) {
   for (const int raw : {0, 2}) {
     appearWith(raw);
     service.missPrompt();

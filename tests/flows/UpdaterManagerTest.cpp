@@ -42,7 +42,7 @@ TEST_F(UpdaterManagerTest, startsAConfiguredUpdaterWithHourlyChecks) {
   EXPECT_EQ(manager->lastUpdateError.get(), std::nullopt);
 }
 
-TEST_F(UpdaterManagerTest, runsWithoutUpdatesWhenNothingVouchesForThem) {
+TEST_F(UpdaterManagerTest, runsWithoutUpdatesWhenTheyHaveNoSource) {
   for (const std::optional<std::string>& source :
        {std::optional<std::string>(), std::optional<std::string>(""),
         std::optional<std::string>("REPLACE_WITH_KEY"), std::optional<std::string>("<<REPLACE_WITH>>")}) {
@@ -56,7 +56,7 @@ TEST_F(UpdaterManagerTest, runsWithoutUpdatesWhenNothingVouchesForThem) {
   }
 }
 
-TEST_F(UpdaterManagerTest, aSystemMayTakeItsTimeToTell) {
+TEST_F(UpdaterManagerTest, waitsUntilTheSystemKnowsItsUpdateSource) {
   framework.answersAtOnce = false;
   launch();
   scheduler.advance(60.0);
@@ -108,7 +108,7 @@ TEST_F(UpdaterManagerTest, theUsersCheckIsPassedOn) {
   EXPECT_EQ(framework.calls.back(), "check for the user");
 }
 
-TEST_F(UpdaterManagerTest, aFailureIsPublishedAndWarnedOf) {
+TEST_F(UpdaterManagerTest, aFailureIsPublishedAndLogged) {
   launch();
   scheduler.advance(60.0);
   framework.delegate->didAbortWithError(2001, "The network is down.");
@@ -139,7 +139,7 @@ TEST_F(UpdaterManagerTest, noUpdateIsACleanCheck) {
   EXPECT_EQ(warnings.size(), 1u);
 }
 
-TEST_F(UpdaterManagerTest, itsEndTakesTheUpdaterAndTheFirstCheckWithIt) {
+TEST_F(UpdaterManagerTest, itsDestructorEndsTheUpdaterAndTheFirstCheck) {
   launch();
   manager.reset();
   EXPECT_FALSE(framework.hasUpdater);

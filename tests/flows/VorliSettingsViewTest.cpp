@@ -195,7 +195,7 @@ TEST_F(VorliSettingsViewTest, helperOfAnotherBuildIsShownUntilItIsReplaced) {
   EXPECT_EQ(view->helperRow().symbol, "checkmark.seal");
 }
 
-TEST_F(VorliSettingsViewTest, anotherBuildIsNoNewsWhileTheHelperCannotBeUsed) {
+TEST_F(VorliSettingsViewTest, anotherBuildIsNotMentionedWhileTheHelperCannotBeUsed) {
   make();
   fakes::publish(helperManager.isOtherBuildInstalled, true);
   setHelper(Case::requiresApproval);
@@ -224,7 +224,7 @@ TEST_F(VorliSettingsViewTest, secondPressOfReinstallStartsNoSecondRepair) {
   EXPECT_EQ(std::ranges::count(helperService.calls, "unregister"), 1);
 }
 
-TEST_F(VorliSettingsViewTest, theEndOfAReinstallIsTold) {
+TEST_F(VorliSettingsViewTest, subscribersLearnOfTheEndOfAReinstall) {
   make();
   setHelper(Case::enabled);
   view->reinstallHelper();
@@ -235,7 +235,7 @@ TEST_F(VorliSettingsViewTest, theEndOfAReinstallIsTold) {
   EXPECT_EQ(shown, HelperRow::Button::reinstall);
 }
 
-TEST_F(VorliSettingsViewTest, theArrivalOfUpdatesIsTold) {
+TEST_F(VorliSettingsViewTest, subscribersLearnOfTheArrivalOfUpdates) {
   updates.source = std::nullopt;
   make();
   int changes = 0;
@@ -244,7 +244,7 @@ TEST_F(VorliSettingsViewTest, theArrivalOfUpdatesIsTold) {
   EXPECT_EQ(changes, 1);
 }
 
-TEST_F(VorliSettingsViewTest, theStartOfAnInstallationIsTold) {
+TEST_F(VorliSettingsViewTest, subscribersLearnOfTheStartOfAnInstallation) {
   make();
   int changes = 0;
   const auto watching = view->subscribe([&changes] { ++changes; });
@@ -252,7 +252,7 @@ TEST_F(VorliSettingsViewTest, theStartOfAnInstallationIsTold) {
   EXPECT_EQ(changes, 1);
 }
 
-TEST_F(VorliSettingsViewTest, changesOfTheHelperAndTheHotKeyAreTold) {
+TEST_F(VorliSettingsViewTest, subscribersLearnOfChangesOfTheHelperAndTheHotKey) {
   make();
   int changes = 0;
   const auto watching = view->subscribe([&changes] { ++changes; });
@@ -262,7 +262,7 @@ TEST_F(VorliSettingsViewTest, changesOfTheHelperAndTheHotKeyAreTold) {
   EXPECT_GE(changes, 2);
 }
 
-TEST_F(VorliSettingsViewTest, refusedHotKeyIsSaidInItsRow) {
+TEST_F(VorliSettingsViewTest, refusedHotKeyIsMentionedInItsRow) {
   make();
   hotkeyManager.registerCombo("opt+shift+C", [] {});
   EXPECT_FALSE(view->isHotkeyRefused());
@@ -275,7 +275,7 @@ TEST_F(VorliSettingsViewTest, refusedHotKeyIsSaidInItsRow) {
   EXPECT_EQ(view->hotkeySubtitle(), "This one can't be used everywhere. Press to record another.");
 }
 
-TEST_F(VorliSettingsViewTest, declinedHotKeyIsNotSaidToBeAnothers) {
+TEST_F(VorliSettingsViewTest, declinedHotKeyIsNotReportedAsTaken) {
   make(HostSystem::linuxDesktop);
   hotkeyManager.registerCombo("opt+shift+C", [] {});
   hotkeys.changeLater(ports::hotkeyDeclined);
@@ -291,7 +291,7 @@ TEST_F(VorliSettingsViewTest, desktopWithoutGlobalHotKeysSaysSo) {
   EXPECT_EQ(view->hotkeySubtitle(), "This desktop has no global hotkeys.");
 }
 
-TEST_F(VorliSettingsViewTest, noHotKeyIsNoRefusal) {
+TEST_F(VorliSettingsViewTest, absentHotKeyIsNotReportedAsRefused) {
   make();
   settings.globalHotkeyCombo.set("");
   hotkeyManager.registerCombo("", [] {});
