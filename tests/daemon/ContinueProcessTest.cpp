@@ -10,13 +10,13 @@ struct ContinueProcessTest : testing::Test {
   HelperReply askedBy(UserId user) { return continueProcess(control, PermitForTests::of(user), 77); }
 };
 
-TEST_F(ContinueProcessTest, continuesTheCallersOwn) {
+TEST_F(ContinueProcessTest, continuesAProcessOfTheCaller) {
   control.processes[77].users = {1000, 1000, 1000, 1000};
   EXPECT_EQ(askedBy(1000), (HelperReply{0, "Continued"}));
   EXPECT_EQ(control.resumed, std::vector<std::int32_t>{77});
 }
 
-TEST_F(ContinueProcessTest, everyOneOfTheFourUsersMustBeTheCaller) {
+TEST_F(ContinueProcessTest, allFourUserIdsMustBeTheCallers) {
   for (std::size_t i = 0; i < 4; ++i) {
     std::array<UserId, 4> users{1000, 1000, 1000, 1000};
     users[i] = 0;
@@ -32,7 +32,7 @@ TEST_F(ContinueProcessTest, rootHasNoMoreRightsThanOthers) {
   EXPECT_TRUE(control.resumed.empty());
 }
 
-TEST_F(ContinueProcessTest, hiddenUsersAreARefusal) {
+TEST_F(ContinueProcessTest, refusesAProcessWhoseUsersAreHidden) {
   control.processes[77].users.reset();
   EXPECT_EQ(askedBy(1000).exitCode, 1);
   EXPECT_TRUE(control.resumed.empty());
@@ -45,7 +45,7 @@ TEST_F(ContinueProcessTest, aProcessThatEndedMeanwhileIsNotMistakenForItsSuccess
   EXPECT_TRUE(control.resumed.empty());
 }
 
-TEST_F(ContinueProcessTest, handsOnWhatTheKernelSays) {
+TEST_F(ContinueProcessTest, passesOnTheErrorsOfTheKernel) {
   EXPECT_EQ(askedBy(1000), (HelperReply{3, "No such process"}));
   control.processes[77] = {.users = std::array<UserId, 4>{1000, 1000, 1000, 1000},
                            .isThere = true,

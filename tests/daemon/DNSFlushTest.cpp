@@ -28,7 +28,7 @@ struct DNSFlushTest : testing::Test {
   }
 };
 
-TEST_F(DNSFlushTest, noCacheIsAsGoodAsAnEmptyOne) {
+TEST_F(DNSFlushTest, flushingWithoutAnyCacheSucceeds) {
   run();
   EXPECT_EQ(answers, (std::vector<HelperReply>{{0, "No local DNS cache is running"}}));
 }
@@ -49,7 +49,7 @@ TEST_F(DNSFlushTest, theFirstFailureGivesTheCodeAndTheOthersAreStillTried) {
                 {13, "Flushed third; failed: first (Permission denied), second (Input/output error)"}}));
 }
 
-TEST_F(DNSFlushTest, aSilentCacheCostsASecondAndAHalf) {
+TEST_F(DNSFlushTest, aSilentCacheIsGivenUpAfterASecondAndAHalf) {
   first.outcome.reset();
   second.outcome = flushed;
   run();
@@ -60,7 +60,7 @@ TEST_F(DNSFlushTest, aSilentCacheCostsASecondAndAHalf) {
   EXPECT_EQ(first.limits, std::vector<double>{1.5});
 }
 
-TEST_F(DNSFlushTest, allSilentCachesTogetherCostLessThanFourAndAHalf) {
+TEST_F(DNSFlushTest, allSilentCachesTogetherTakeLessThanFourAndAHalfSeconds) {
   first.outcome.reset();
   second.outcome.reset();
   third.outcome.reset();
@@ -72,7 +72,7 @@ TEST_F(DNSFlushTest, allSilentCachesTogetherCostLessThanFourAndAHalf) {
   EXPECT_EQ(answers[0].output, "Failed: first (no answer), second (no answer), third (no answer)");
 }
 
-TEST_F(DNSFlushTest, aCacheForWhichNoTimeIsLeftIsNotAskedAtAll) {
+TEST_F(DNSFlushTest, aCacheIsNotAskedWhenNoTimeIsLeft) {
   FakeDNSCache fourth{"fourth", flushed};
   DNSFlush longer{scheduler, {&first, &second, &third, &fourth}};
   for (auto* cache : {&first, &second, &third}) cache->outcome.reset();
@@ -84,7 +84,7 @@ TEST_F(DNSFlushTest, aCacheForWhichNoTimeIsLeftIsNotAskedAtAll) {
   EXPECT_TRUE(fourth.limits.empty());
 }
 
-TEST_F(DNSFlushTest, theSecondWayIsTakenWhenTheFirstDoesNotWork) {
+TEST_F(DNSFlushTest, theSecondMethodIsTriedWhenTheFirstFails) {
   FallbackDNSCache cache(first, second);
   DNSCache::Outcome outcome;
   const auto result = [&](DNSCache::Outcome one, DNSCache::Outcome two) {

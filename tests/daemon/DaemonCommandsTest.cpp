@@ -39,7 +39,7 @@ TEST_F(DaemonCommandsTest, purgesOnAWorkerAndAnswersOnTheMainThread) {
   EXPECT_EQ(answers.size(), 1u);
 }
 
-TEST_F(DaemonCommandsTest, whoAsksDuringAPurgeGetsItsAnswer) {
+TEST_F(DaemonCommandsTest, aRequestDuringAPurgeGetsTheAnswerOfThatPurge) {
   purge();
   purge();
   purge();
@@ -61,7 +61,7 @@ TEST_F(DaemonCommandsTest, aPurgeOfTheLastFiveSecondsIsEnough) {
   EXPECT_EQ(workers.posted.size(), 1u);
 }
 
-TEST_F(DaemonCommandsTest, aFailedPurgeIsNotSoldAsASuccess) {
+TEST_F(DaemonCommandsTest, aFailedPurgeIsReportedToTheNextRequestToo) {
   memory.pageCache = std::unexpected(SystemError{30, "Read-only file system"});
   purge();
   finishPurge();
@@ -70,7 +70,7 @@ TEST_F(DaemonCommandsTest, aFailedPurgeIsNotSoldAsASuccess) {
   EXPECT_TRUE(workers.posted.empty());
 }
 
-TEST_F(DaemonCommandsTest, oneFlushServesAllWhoAskMeanwhile) {
+TEST_F(DaemonCommandsTest, oneFlushServesAllRequestsDuringIt) {
   cache.outcome.reset();
   commands.flushDNS(PermitForTests::of(1000), reply());
   commands.flushDNS(PermitForTests::of(1001), reply());
@@ -79,7 +79,7 @@ TEST_F(DaemonCommandsTest, oneFlushServesAllWhoAskMeanwhile) {
   EXPECT_EQ(answers.size(), 2u);
 }
 
-TEST_F(DaemonCommandsTest, aFlushNeedsNoFreshStart) {
+TEST_F(DaemonCommandsTest, aSecondFlushAsksTheCacheAgain) {
   commands.flushDNS(PermitForTests::of(1000), reply());
   scheduler.runReady();
   commands.flushDNS(PermitForTests::of(1000), reply());
@@ -87,14 +87,14 @@ TEST_F(DaemonCommandsTest, aFlushNeedsNoFreshStart) {
   EXPECT_EQ(cache.limits.size(), 2u);
 }
 
-TEST_F(DaemonCommandsTest, movesOnAWorker) {
+TEST_F(DaemonCommandsTest, movesFilesOnAWorker) {
   commands.moveStartupItem(PermitForTests::of(1000), order, reply());
   workers.runOne();
   scheduler.runReady();
   EXPECT_EQ(answers, (std::vector<HelperReply>{{0, "Moved"}}));
 }
 
-TEST_F(DaemonCommandsTest, anExceptionOnAWorkerIsAnAnswer) {
+TEST_F(DaemonCommandsTest, anExceptionOnAWorkerIsAnsweredAsAnInternalError) {
   folders.answer = [](const MoveOrder&) -> HelperReply { throw std::runtime_error("out of luck"); };
   commands.moveStartupItem(PermitForTests::of(1000), order, reply());
   workers.runOne();

@@ -34,7 +34,7 @@ struct LifecycleTest : testing::Test {
   bool hasStopped() const { return !link.calls.empty() && link.calls.back() == "stop"; }
 };
 
-TEST_F(LifecycleTest, leavesAfterThirtyIdleSeconds) {
+TEST_F(LifecycleTest, exitsAfterThirtyIdleSeconds) {
   lifecycle->start();
   scheduler.advance(29.999);
   EXPECT_TRUE(link.calls.empty());
@@ -42,7 +42,7 @@ TEST_F(LifecycleTest, leavesAfterThirtyIdleSeconds) {
   EXPECT_EQ(link.calls, dance);
 }
 
-TEST_F(LifecycleTest, aCallStartsTheWaitAnew) {
+TEST_F(LifecycleTest, aCallRestartsTheWait) {
   lifecycle->start();
   scheduler.advance(29.0);
   lifecycle->touch();
@@ -71,7 +71,7 @@ TEST_F(LifecycleTest, staysWhileARequestIsUnderWay) {
   EXPECT_EQ(link.calls, dance);
 }
 
-TEST_F(LifecycleTest, endsOnlyWhenEverythingThatTheBusHadSentIsServed) {
+TEST_F(LifecycleTest, exitsOnlyAfterServingEverythingThatTheBusHadSent) {
   lifecycle->start();
   lifecycle->leave();
   EXPECT_FALSE(hasStopped());
@@ -99,7 +99,7 @@ TEST_F(LifecycleTest, waitsForTheBarrierForTwentyFiveSeconds) {
   EXPECT_TRUE(hasStopped());
 }
 
-TEST_F(LifecycleTest, workThatNeverEndsIsLeftAfterTwentyFiveSeconds) {
+TEST_F(LifecycleTest, exitsAfterTwentyFiveSecondsThoughWorkIsUnfinished) {
   inFlight = 1;
   lifecycle->leave();
   passBarrier();
@@ -109,7 +109,7 @@ TEST_F(LifecycleTest, workThatNeverEndsIsLeftAfterTwentyFiveSeconds) {
   EXPECT_TRUE(hasStopped());
 }
 
-TEST_F(LifecycleTest, leavesOnce) {
+TEST_F(LifecycleTest, exitsOnce) {
   lifecycle->start();
   lifecycle->leave();
   lifecycle->leave();
@@ -117,7 +117,7 @@ TEST_F(LifecycleTest, leavesOnce) {
   EXPECT_EQ(link.calls, dance);
 }
 
-TEST_F(LifecycleTest, goesWithItsBarrierOutstanding) {
+TEST_F(LifecycleTest, mayBeDestroyedWhileItsBarrierIsOutstanding) {
   lifecycle->leave();
   lifecycle.reset();
   passBarrier();

@@ -36,7 +36,7 @@ TEST_F(LogBudgetTest, aUserHasTwentyLinesInAWindow) {
   EXPECT_EQ(linesOf(1000, 100), 20);
 }
 
-TEST_F(LogBudgetTest, aWindowInWhichNothingWasLeftOutEndsWithoutAWord) {
+TEST_F(LogBudgetTest, aWindowWithoutOmissionsEndsSilently) {
   EXPECT_EQ(linesOf(1000, 20), 20);
   scheduler.advance(9.999);
   EXPECT_EQ(scheduler.pendingTimers(), 0u);
@@ -51,13 +51,13 @@ TEST_F(LogBudgetTest, usersDoNotShareTheirLines) {
   EXPECT_EQ(linesOf(0, 21), 20);
 }
 
-TEST_F(LogBudgetTest, thoseWhomNobodyKnowsShareOneBudget) {
+TEST_F(LogBudgetTest, unknownUsersShareOneBudget) {
   EXPECT_EQ(linesOf(std::nullopt, 25), 20);
   scheduler.advance(10.0);
   EXPECT_EQ(told, (Told{{std::nullopt, 5}}));
 }
 
-TEST_F(LogBudgetTest, itsEndTellsWhatIsStillUntold) {
+TEST_F(LogBudgetTest, itsDestructorReportsTheRemainingOmissions) {
   EXPECT_EQ(linesOf(1000, 23), 20);
   EXPECT_EQ(linesOf(1001, 20), 20);
   budget.reset();

@@ -36,7 +36,7 @@ TEST(LogLine, neverExceedsSixHundredBytesNorOneLine) {
   EXPECT_TRUE(isPrintable(line));
 }
 
-TEST(LogLine, answersLoseWhatCannotBePrinted) {
+TEST(LogLine, unprintableBytesOfAnswersBecomeBlanks) {
   EXPECT_EQ(answerText("a\nb\xc3\xa4"), "a b  ");
   EXPECT_EQ(answerText(std::string(385, 'x')).size(), 384u);
 }

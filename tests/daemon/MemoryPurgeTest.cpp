@@ -17,7 +17,7 @@ struct MemoryPurgeTest : testing::Test {
   HelperReply run() { return MemoryPurge(memory, clock).run(); }
 };
 
-TEST_F(MemoryPurgeTest, writesBackThenDropsThenCompactsThenTells) {
+TEST_F(MemoryPurgeTest, writesBackThenDropsThenCompactsThenReports) {
   EXPECT_EQ(run(), (HelperReply{0, "Freed 1830 MiB (page cache 1710, slab 120), available +12 MiB, 0.1 s"}));
   EXPECT_EQ(memory.calls, (std::vector<std::string>{"read", "sync", "pages", "slab", "compact", "read"}));
 }
@@ -42,7 +42,7 @@ TEST_F(MemoryPurgeTest, doesNotCompactWhenItWasSlowAlready) {
   EXPECT_EQ(std::ranges::count(memory.calls, "compact"), 0);
 }
 
-TEST_F(MemoryPurgeTest, goesOnWithoutAStuckWriteBackAndSaysSo) {
+TEST_F(MemoryPurgeTest, continuesWithoutAStuckWriteBackAndSaysSo) {
   memory.syncTakes = 1e9;
   EXPECT_EQ(run().output,
             "Freed 1830 MiB (page cache 1710, slab 120), available +12 MiB, 3.0 s, writing back still runs");
@@ -57,14 +57,14 @@ TEST_F(MemoryPurgeTest, aFailedDropIsAFailedPurge) {
   EXPECT_EQ(run(), (HelperReply{13, "The slab caches could not be dropped: Permission denied"}));
 }
 
-TEST_F(MemoryPurgeTest, aFailedCompactionIsOnlyTold) {
+TEST_F(MemoryPurgeTest, aFailedCompactionIsOnlyReported) {
   memory.compaction = std::unexpected(SystemError{2, "No such file or directory"});
   const auto reply = run();
   EXPECT_EQ(reply.exitCode, 0);
   EXPECT_TRUE(reply.output.ends_with(", not compacted: No such file or directory"));
 }
 
-TEST_F(MemoryPurgeTest, claimsNoSavingThatWasNone) {
+TEST_F(MemoryPurgeTest, claimsNoSavingWhenThereWasNone) {
   memory.after = MemoryReading{900 * mebibyte, 4900 * mebibyte, 2100 * mebibyte, 400 * mebibyte};
   EXPECT_EQ(run().output, "Freed 0 MiB (page cache 0, slab 0), available -100 MiB, 0.1 s");
 }

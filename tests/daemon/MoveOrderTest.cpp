@@ -38,7 +38,7 @@ TEST(MoveOrder, allowsEachKindOfUnitInBothUnitFolders) {
           << folder << suffix;
 }
 
-TEST(MoveOrder, takesTheUnusualNamesThatUnitsHave) {
+TEST(MoveOrder, allowsUnusualNamesOfUnits) {
   EXPECT_EQ(codeOf(systemUnits + "dev-disk\\x2dby@0:1+a_b.path",
                    systemUnits + "dev-disk\\x2dby@0:1+a_b.path.vorli-removed"),
             0);
@@ -76,7 +76,7 @@ TEST(MoveOrder, refusesFoldersThatAreNotListedAndMovesBetweenFolders) {
   EXPECT_EQ(codeOf(systemUnits + name, userUnits + name + ".vorli-disabled"), 1);
 }
 
-TEST(MoveOrder, refusesNamesOutOfTheOrdinary) {
+TEST(MoveOrder, refusesImproperNames) {
   for (const std::string name : {"", ".", "..", ".hidden.desktop", "a b.desktop", "a\n.desktop",
                                  "a\x1b[2J.desktop", "\xc3\xa4.desktop", "a*.desktop", "a;b.desktop",
                                  "$(x).desktop", "~.desktop", "a%20.desktop", "a'.desktop", "a\".desktop"})
@@ -85,7 +85,7 @@ TEST(MoveOrder, refusesNamesOutOfTheOrdinary) {
   EXPECT_EQ(codeOf(autostart + embeddedNull, autostart + embeddedNull + ".vorli-disabled"), 22);
 }
 
-TEST(MoveOrder, refusesANameThatIsNothingButTheSuffix) {
+TEST(MoveOrder, refusesANameThatIsOnlyASuffix) {
   EXPECT_EQ(codeOf(systemUnits + ".service", systemUnits + ".service.vorli-disabled"), 22);
 }
 
@@ -115,7 +115,7 @@ TEST(MoveOrder, refusesPathsThatAreNotAbsolute) {
     EXPECT_NE(codeOf(path, path + ".vorli-disabled"), 0) << path;
 }
 
-TEST(MoveOrder, takesNamesOfTwoHundredBytesAndNotOneMore) {
+TEST(MoveOrder, allowsNamesOfUpToTwoHundredBytes) {
   const std::string extension = ".vorli-disabled";
   const std::string longest = std::string(200 - extension.size() - 8, 'a') + ".desktop";
   EXPECT_EQ(codeOf(autostart + longest, autostart + longest + extension), 0);

@@ -65,14 +65,14 @@ TEST_F(RequestDeskTest, asksNobodyBeforeContinuingAProcess) {
   EXPECT_EQ(commands.done, std::vector<std::string>{"continue 4242 for 1000"});
 }
 
-TEST_F(RequestDeskTest, dumpsNothing) {
+TEST_F(RequestDeskTest, refusesToDump) {
   call(Method::dumpBTM);
   scheduler.runReady();
   EXPECT_EQ(answers, (std::vector<HelperReply>{{203, "Not supported on this system"}}));
   EXPECT_TRUE(commands.done.empty());
 }
 
-TEST_F(RequestDeskTest, actsOnNothingButAGrant) {
+TEST_F(RequestDeskTest, actsOnlyOnAGrant) {
   const std::pair<Verdict, std::int32_t> refusals[] = {{Verdict::denied, 200},
                                                        {Verdict::authenticationNeeded, 201},
                                                        {Verdict::error, 200},
@@ -85,7 +85,7 @@ TEST_F(RequestDeskTest, actsOnNothingButAGrant) {
   EXPECT_TRUE(commands.done.empty());
 }
 
-TEST_F(RequestDeskTest, refusesACallerWhomTheBusDoesNotKnow) {
+TEST_F(RequestDeskTest, refusesACallerUnknownToTheBus) {
   for (const auto method : {Method::purgeMemory, Method::killPID, Method::moveLaunchAgentPlist})
     EXPECT_EQ(codeOf(method, ":1.77"), 200);
   EXPECT_TRUE(authority.asked.empty());
@@ -120,7 +120,7 @@ TEST_F(RequestDeskTest, rootIsItselfInEveryProcess) {
   EXPECT_TRUE(callers.held.empty());
 }
 
-TEST_F(RequestDeskTest, passesTheHighestUserOnUnchanged) {
+TEST_F(RequestDeskTest, passesOnTheHighestUserIdUnchanged) {
   callers.users[":1.5"] = 4000000000u;
   codeOf(Method::killPID, ":1.5");
   EXPECT_EQ(commands.done, std::vector<std::string>{"continue 4242 for 4000000000"});
@@ -212,7 +212,7 @@ TEST_F(RequestDeskTest, refusesTheSixtyFifthRequest) {
   EXPECT_EQ(desk.inFlight(), 64u);
 }
 
-TEST_F(RequestDeskTest, takesNoMoreWhileItLooksUpTheUsersOfThirtyTwoRequests) {
+TEST_F(RequestDeskTest, acceptsNoMoreWhileItLooksUpTheUsersOfThirtyTwoRequests) {
   callers.isSilent = true;
   for (int i = 0; i < 31; ++i) call(Method::killPID, ":3." + std::to_string(i));
   scheduler.runReady();
@@ -246,7 +246,7 @@ TEST_F(RequestDeskTest, aUserWithManyConnectionsTakesNoPlaceFromAnother) {
   EXPECT_EQ(commands.done.size(), 9u);
 }
 
-TEST_F(RequestDeskTest, goesOnWithoutTheUsersThatTheBusNeverNames) {
+TEST_F(RequestDeskTest, acceptsRequestsAgainWhenTheBusNeverNamesTheUsers) {
   callers.isSilent = true;
   for (int i = 0; i < 32; ++i) call(Method::killPID, ":3." + std::to_string(i));
   scheduler.runReady();
@@ -265,7 +265,7 @@ TEST_F(RequestDeskTest, asksTheBusOnceForEachCaller) {
   EXPECT_EQ(commands.done.back(), "continue 4242 for 1000");
 }
 
-TEST_F(RequestDeskTest, asksAgainForACallerWhomTheBusDidNotKnow) {
+TEST_F(RequestDeskTest, asksAgainForACallerWhoWasUnknownToTheBus) {
   codeOf(Method::killPID, ":1.77");
   callers.users[":1.77"] = 1077;
   EXPECT_EQ(codeOf(Method::killPID, ":1.77"), 0);
@@ -302,7 +302,7 @@ TEST_F(RequestDeskTest, malformedRequestsAreAnsweredWithoutAskingPolkit) {
   EXPECT_TRUE(authority.asked.empty());
 }
 
-TEST_F(RequestDeskTest, aLargeRequestIsNotKeptUntilItIsKnownWhoseItIs) {
+TEST_F(RequestDeskTest, aLargeRequestIsRefusedBeforeItsCallerIsLookedUp) {
   callers.isSilent = true;
   const std::string large(4097, 'x');
   submit({Method::moveLaunchAgentPlist, ":1.1", MoveArguments{"/" + large, "/a"}});
@@ -332,7 +332,7 @@ TEST_F(RequestDeskTest, writesOneLineForEachRequestWithItsCallerAndVerdict) {
             (std::vector{LogImportance::notice, LogImportance::warning, LogImportance::warning}));
 }
 
-TEST_F(RequestDeskTest, keepsWhatWasGrantedApartFromWhatNeedsNoGrant) {
+TEST_F(RequestDeskTest, logsGrantedRequestsAboveThoseThatNeedNoGrant) {
   codeOf(Method::killPID);
   codeOf(Method::purgeMemory);
   codeOf(Method::dumpBTM);
@@ -371,7 +371,7 @@ TEST_F(RequestDeskTest, answersHoldOnePrintableLine) {
   EXPECT_EQ(answers.back().output.size(), 384u);
 }
 
-TEST_F(RequestDeskTest, endsWithRequestsUnderWay) {
+TEST_F(RequestDeskTest, mayBeDestroyedWithRequestsUnderWay) {
   authority.verdict.reset();
   auto brief = std::make_unique<RequestDesk>(scheduler, callers, authority, commands,
                                              [](LogImportance, const std::string&) {});

@@ -34,7 +34,7 @@ TEST_F(SparingDNSCacheTest, asksTheServerOnceInFiveSeconds) {
   EXPECT_EQ(cache.limits.size(), 2u);
 }
 
-TEST_F(SparingDNSCacheTest, whatWasNotFlushedIsTriedAgainAtOnce) {
+TEST_F(SparingDNSCacheTest, aFailedFlushIsRetriedAtOnce) {
   cache.outcome = DNSCache::Outcome{State::failed, {5, "no"}};
   EXPECT_EQ(flush(), State::failed);
   cache.outcome = DNSCache::Outcome{};

@@ -47,7 +47,7 @@ TEST(ThreadPool, aFifthPieceWaitsForAThreadAndIsRun) {
   EXPECT_LE(most, 4);
 }
 
-TEST(ThreadPool, waitsAtItsEndForWhatRunsAndDropsTheRest) {
+TEST(ThreadPool, itsDestructorWaitsForRunningWorkAndDropsTheRest) {
   std::atomic<bool> finished{false};
   std::atomic<int> others{0};
   auto dropped = std::make_shared<int>(0);

@@ -11,7 +11,7 @@ std::string compose(const ports::CrashReportPieces& pieces) {
          pieces.lineCount + "1" + pieces.lines + "L";
 }
 
-TEST(CrashReportLayoutTest, reportOfMacOS) {
+TEST(CrashReportLayoutTest, laysOutAReportOfMacOS) {
   const auto pieces =
       crashReportPieces("v1.2 (build ?)", {.name = "", .release = "14.4.1"}, "Mac14,7", HostSystem::macOS);
   EXPECT_EQ(compose(pieces),
@@ -21,7 +21,7 @@ TEST(CrashReportLayoutTest, reportOfMacOS) {
             "-------------------------------------------------\nL");
 }
 
-TEST(CrashReportLayoutTest, reportOfALinuxDesktop) {
+TEST(CrashReportLayoutTest, laysOutAReportOfALinuxDesktop) {
   const auto pieces = crashReportPieces("v1.0 (build 7)", {.name = "Exemplar 12", .release = "6.1.0-18"},
                                         std::nullopt, HostSystem::linuxDesktop);
   EXPECT_EQ(pieces.kind,

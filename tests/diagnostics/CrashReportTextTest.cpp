@@ -66,7 +66,7 @@ TEST(CrashReportTextTest, laterFramesDoNotCount) {
   EXPECT_NE(crashSignature(other), crashSignature(report));
 }
 
-TEST(CrashReportTextTest, dateOfAFileName) {
+TEST(CrashReportTextTest, readsTheDateOfAFileName) {
   EXPECT_EQ(dateFromFileName("2026-03-01T09-30-05.123Z.txt"), Date{1'772'357'405.123});
   EXPECT_EQ(dateFromFileName("crash.txt"), std::nullopt);
   EXPECT_EQ(dateFromFileName("Trash.txt"), std::nullopt);

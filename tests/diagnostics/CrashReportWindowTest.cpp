@@ -140,7 +140,7 @@ TEST_F(CrashReportWindowTest, reportThatCannotBeFiledIsNotOfferedAgainInThisRun)
   EXPECT_FALSE(window.isOpen);
 }
 
-TEST_F(CrashReportWindowTest, textsOfTheView) {
+TEST_F(CrashReportWindowTest, viewHasItsTexts) {
   addReports(1);
   controller.showIfNeeded();
   EXPECT_EQ(CrashReportView::title, "Vorli crashed last time");
@@ -160,7 +160,7 @@ TEST_F(CrashReportWindowTest, textsOfTheView) {
   EXPECT_EQ(view->disclosureAccessibilityValue(), "Crash 1. Currently expanded");
 }
 
-TEST(CrashReportDateTest, hoursAreOfTwelve) {
+TEST(CrashReportDateTest, hoursUseTheTwelveHourClock) {
   EXPECT_EQ(mediumDateShortTime({.year = 2026, .month = 12, .day = 31, .hour = 0, .minute = 5}),
             "Dec 31, 2026 at 12:05 AM");
   EXPECT_EQ(mediumDateShortTime({.year = 2026, .month = 1, .day = 2, .hour = 11, .minute = 59}),

@@ -51,7 +51,7 @@ struct CrashReporterTest : testing::Test {
   CrashReporter reporter{{files, defaults, calendar, bundle, links, pasteboard}, "/data", "help@vorli.test"};
 };
 
-TEST_F(CrashReporterTest, noFolderIsNoReport) {
+TEST_F(CrashReporterTest, missingFolderHasNoReports) {
   files.folders.clear();
   EXPECT_THAT(reporter.pendingReports(), IsEmpty());
 }
@@ -157,7 +157,7 @@ TEST_F(CrashReporterTest, withoutAMailProgramTheReportIsOnTheClipboard) {
   EXPECT_TRUE(files.contents.contains("/data/sent/a.txt"));
 }
 
-TEST_F(CrashReporterTest, versionThatIsNoTextHasAPlainSubject) {
+TEST_F(CrashReporterTest, invalidVersionGivesAPlainSubject) {
   bundle.info["CFBundleVersion"] = "\xFF";
   EXPECT_FALSE(reporter.send(reportForLinkOf(200)));
   EXPECT_THAT(links.opened, ElementsAre("mailto:help@vorli.test?subject=Vorli%20crash"));

@@ -42,7 +42,7 @@ TEST_F(DiagnosticsTest, installMakesTheFoldersLogsTheLaunchAndThenCapturesCrashe
   EXPECT_EQ(files.contents[log], "2026-03-01T09:30:05.123Z [INFO] Vorli launched, v1.2.3 (build 7)\n");
 }
 
-TEST_F(DiagnosticsTest, crashCaptureKnowsEverythingThatIsFixed) {
+TEST_F(DiagnosticsTest, crashCaptureGetsEverythingThatIsKnownAtLaunch) {
   diagnostics->install();
   ASSERT_EQ(crashes.plans.size(), 1u);
   const auto& plan = crashes.plans.front();

@@ -99,7 +99,7 @@ TEST_F(RollingLogTest, logThatCannotBeReadOrMovedStartsAgain) {
   EXPECT_EQ(files.contents[current], "2026-03-01T09:30:05.123Z [INFO] kept\n");
 }
 
-TEST_F(RollingLogTest, messageThatIsNoTextIsLeftOutEverywhere) {
+TEST_F(RollingLogTest, invalidMessageIsLeftOutEverywhere) {
   files.folders.insert("/home/kim/Logs/Vorli");
   files.contents[current] = std::string(1'000'001, 'x');
   log.write("INFO", "broken \xFF");
@@ -107,7 +107,7 @@ TEST_F(RollingLogTest, messageThatIsNoTextIsLeftOutEverywhere) {
   EXPECT_THAT(systemLog.lines(), IsEmpty());
 }
 
-TEST_F(RollingLogTest, diskThatTakesNothingLosesTheLineOnly) {
+TEST_F(RollingLogTest, fullDiskLosesOnlyTheLine) {
   files.isReadOnly = true;
   log.write("INFO", "lost");
   files.isReadOnly = false;
@@ -136,7 +136,7 @@ TEST_F(RollingLogTest, logOfMoreThanSixteenMillionBytesHasNoLines) {
   EXPECT_THAT(log.recentLines(1), IsEmpty());
 }
 
-TEST_F(RollingLogTest, logThatIsNoTextHasNoLines) {
+TEST_F(RollingLogTest, invalidLogHasNoLines) {
   files.contents[current] = "a\nb\xC3\n";
   EXPECT_THAT(log.recentLines(1), IsEmpty());
 }

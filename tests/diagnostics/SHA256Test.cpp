@@ -18,7 +18,7 @@ std::string hex(std::string_view bytes) {
 }
 
 // Examples published with the standard.
-TEST(SHA256Test, publishedVectors) {
+TEST(SHA256Test, matchesThePublishedVectors) {
   EXPECT_EQ(hex(""), "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
   EXPECT_EQ(hex("abc"), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
   EXPECT_EQ(hex("abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq"),
@@ -31,7 +31,7 @@ TEST(SHA256Test, publishedVectors) {
 }
 
 // The end of the text and its length share the last block up to 55 bytes.
-TEST(SHA256Test, lengthsAroundTheEndOfABlock) {
+TEST(SHA256Test, hashesLengthsAroundTheEndOfABlock) {
   EXPECT_EQ(hex(std::string(55, 'a')), "9f4390f8d30c2dd92ec9f095b65e2b9ae9b0a925a5258e241c9f1e910f734318");
   EXPECT_EQ(hex(std::string(56, 'a')), "b35439a4ac6f0948b6d6f9e3c6af0f5f590ce20f1bde7090ef7970686ec6738a");
   EXPECT_EQ(hex(std::string(63, 'a')), "7d3e74a05d7db15bce4ad9ec0658ea98e3f06eeecf16b4c6fff2da457ddc2f34");
