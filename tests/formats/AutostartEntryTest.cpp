@@ -13,7 +13,7 @@ bool starts(const std::string& lines, const Names& desktops = {}) {
   return parseAutostartEntry("[Desktop Entry]\nExec=vorli\n" + lines).startsIn(desktops);
 }
 
-TEST(AutostartEntryTest, startsUnlessSomethingSpeaksAgainstIt) {
+TEST(AutostartEntryTest, startsUnlessItIsSwitchedOff) {
   EXPECT_TRUE(starts(""));
   EXPECT_TRUE(starts("Hidden=false\nX-GNOME-Autostart-enabled=true\n"));
   EXPECT_FALSE(starts("Hidden=true\n"));
@@ -47,7 +47,7 @@ TEST(AutostartEntryTest, aNumberHidesWhereNumbersAreUnderstood) {
   EXPECT_TRUE(starts("Hidden=0\n", {"GNOME"}));
 }
 
-TEST(AutostartEntryTest, switchingOnTakesEachSwitchOut) {
+TEST(AutostartEntryTest, switchingOnRemovesEverySwitch) {
   EXPECT_EQ(switchedOn("[Desktop Entry]\nHidden=1\nX-GNOME-Autostart-enabled=false\n"
                        "X-MATE-Autostart-enabled=false\nName=Tea\n"),
             "[Desktop Entry]\nName=Tea\n");
@@ -98,7 +98,7 @@ TEST(AutostartEntryTest, startsOnlyInItsDesktops) {
   EXPECT_TRUE(starts("NotShowIn=GNOME;\n", {"KDE"}));
 }
 
-TEST(AutostartEntryTest, whatIsNoEntryStartsNothing) {
+TEST(AutostartEntryTest, aTextThatIsNotAnEntryStartsNothing) {
   for (const char* text :
        {"", "Exec=vorli", "[Other]\nExec=vorli\n", "[Desktop Entry]\nName=Vorli\n", "\xFF=\x00"})
     EXPECT_FALSE(parseAutostartEntry(text).startsIn({})) << text;
@@ -125,7 +125,7 @@ TEST(AutostartEntryTest, aWrapperIsNotTheProgram) {
     EXPECT_EQ(parseAutostartEntry("[Desktop Entry]\nExec=" + command + "\n").program, "") << command;
 }
 
-TEST(AutostartEntryTest, anEmptyWordIsNoProgramAndItsArgumentsAreNobodys) {
+TEST(AutostartEntryTest, anEmptyWordIsNoProgramAndItsArgumentsAreIgnored) {
   for (const std::string command : {"\"\" --quiet", "env \"\" --quiet", "sh -c \"\" \"\""}) {
     const auto entry = parseAutostartEntry("[Desktop Entry]\nExec=" + command + "\n");
     EXPECT_TRUE(!entry.program.empty() || entry.arguments.empty()) << command;

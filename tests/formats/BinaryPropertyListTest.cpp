@@ -150,7 +150,7 @@ TEST(BinaryPropertyListTest, aKeyIsAnyScalarAndNoContainer) {
             "a container as a key");
 }
 
-TEST(BinaryPropertyListTest, longCountsStandAsIntegers) {
+TEST(BinaryPropertyListTest, longCountsAreWrittenAsIntegers) {
   const std::string text(300, 'x');
   for (const auto& count : {"\x11\x01\x2C"s, "\x12" + bigEndian(300, 4), "\x14" + bigEndian(300, 16)}) {
     EXPECT_EQ(readBinary(listOf("\x5F" + count + text))->root().text(), text);
@@ -263,7 +263,7 @@ TEST(BinaryPropertyListTest, referencesBeyondTheTableAreRefused) {
             "a reference to no object");
 }
 
-TEST(BinaryPropertyListTest, whatTheRootDoesNotLeadToIsNotLookedAt) {
+TEST(BinaryPropertyListTest, unreachableObjectsAreIgnored) {
   EXPECT_TRUE(isReadAsBinary(listOf([](ListWriter& writer) {
     writer.add("\x51\x80");
     writer.array({1});
@@ -295,7 +295,7 @@ TEST(BinaryPropertyListTest, nestingEndsAtFiveHundredAndTwelve) {
   EXPECT_FALSE(isReadAsBinary(nestedBinary(200000)));
 }
 
-TEST(BinaryPropertyListTest, aValueThatManyHoldIsThereOnce) {
+TEST(BinaryPropertyListTest, aSharedValueIsStoredOnce) {
   // Expanded, these have 2^60 leaves.
   const auto bytes = listOf([](ListWriter& writer) {
     auto shared = writer.text("leaf");
@@ -309,7 +309,7 @@ TEST(BinaryPropertyListTest, aValueThatManyHoldIsThereOnce) {
   EXPECT_EQ(value.text(), "leaf");
 }
 
-TEST(BinaryPropertyListTest, objectsOverEachOtherAreRefused) {
+TEST(BinaryPropertyListTest, overlappingObjectsAreRefused) {
   ListWriter writer(3);
   // Data of 60,000 bytes begins at every sixth byte: 600 MB in a file of 200 kB.
   std::string run;

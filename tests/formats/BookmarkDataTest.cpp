@@ -41,7 +41,7 @@ TEST(BookmarkDataTest, aPathOnAnotherVolumeBeginsAtItsMountPoint) {
   EXPECT_EQ(readBookmarkData(BookmarkWriter::bookmarkOf({"a"}, "/Volumes//Disk/"))->volume, "/Volumes/Disk");
 }
 
-TEST(BookmarkDataTest, noComponentsAreTheVolumeItself) {
+TEST(BookmarkDataTest, aPathWithoutComponentsIsTheVolumeItself) {
   EXPECT_EQ(pathFrom(Components{}), "/");
   EXPECT_EQ(pathFrom(Components{}, "/Volumes/Disk"), "/Volumes/Disk");
 }
@@ -79,7 +79,7 @@ TEST(BookmarkDataTest, improperVolumesAreRefused) {
   EXPECT_EQ(pathOf(writer.bytes(writer.table(1, entries))), std::nullopt);
 }
 
-TEST(BookmarkDataTest, thePathEndsWithItsLimit) {
+TEST(BookmarkDataTest, aPathBeyondTheLimitIsRefused) {
   EXPECT_EQ(pathFrom({std::string(4095, 'a')})->size(), 4096U);
   EXPECT_EQ(pathFrom({std::string(4096, 'a')}), std::nullopt);
   EXPECT_EQ(pathFrom({"a"}, "/" + std::string(4095, 'a'))->size(), 4098U);
@@ -112,7 +112,7 @@ TEST(BookmarkDataTest, customKeysAreIgnored) {
             "/a");
 }
 
-TEST(BookmarkDataTest, tablesThatNameEachOtherEnd) {
+TEST(BookmarkDataTest, tablesThatNameEachOtherCauseNoLoop) {
   BookmarkWriter writer;
   const auto itself = writer.next();
   EXPECT_EQ(pathOf(writer.bytes(writer.table(2, {}, itself))), std::nullopt);
@@ -142,7 +142,7 @@ TEST(BookmarkDataTest, theMagicIsOneOfTwo) {
   EXPECT_EQ(pathOf(writer.bytes(table, 48, "boot")), std::nullopt);
 }
 
-TEST(BookmarkDataTest, aClassicAliasHasNoPathHere) {
+TEST(BookmarkDataTest, aClassicAliasHasNoPath) {
   BookmarkWriter writer;
   const auto alias = writer.record(BookmarkWriter::dataType, std::string(150, '\0'));
   EXPECT_EQ(pathOf(writer.bytes(writer.table(1, {{0xFE00, alias}}), 48, "alis")), std::nullopt);
@@ -238,7 +238,7 @@ TEST(BookmarkDataTest, oneLongTextNamedManyTimesIsRefused) {
   EXPECT_EQ(pathOfTexts(100000), std::nullopt);
 }
 
-TEST(BookmarkDataTest, whatIsNotNeededIsNotLookedAt) {
+TEST(BookmarkDataTest, unneededRecordsAreIgnored) {
   BookmarkWriter writer;
   const BookmarkWriter::Entries entries{{0x1003, 0xFFFFFFFF},
                                         {BookmarkWriter::pathKey, writer.texts({"a"})},

@@ -9,7 +9,7 @@ namespace {
 
 using Commands = std::vector<std::string>;
 
-TEST(CrontabTest, readsOnlyWhatRunsAtTheStart) {
+TEST(CrontabTest, readsOnlyCommandsThatRunAtTheStart) {
   EXPECT_EQ(parseRebootCommands("# mine\nPATH=/usr/bin\n0 4 * * * /usr/bin/nightly\n@daily /usr/bin/daily\n"
                                 "@reboot /opt/acme/run --fast\n  @reboot\tsleep 5 && ~/bin/sync\n"
                                 "#@reboot /usr/bin/off\n@reboot\n@rebooted /x\n"),
@@ -23,7 +23,7 @@ TEST(CrontabTest, aPercentSignBeginsTheInput) {
   EXPECT_EQ(parseRebootCommands("@reboot %\n"), Commands());
 }
 
-TEST(CrontabTest, findsTheProgramBehindWhatOnlyPreparesIt) {
+TEST(CrontabTest, findsTheProgramBehindCommandsThatPrepareIt) {
   EXPECT_EQ(programOfCommand("/opt/acme/run --fast"), "/opt/acme/run");
   EXPECT_EQ(programOfCommand("sleep 30 && /opt/acme/run"), "/opt/acme/run");
   EXPECT_EQ(programOfCommand("cd '/opt/the acme'; sleep 5; A=1 nice -n5 ./run &"), "./run");

@@ -13,7 +13,7 @@ DesktopEntry parsed(const std::string& text, const std::vector<std::string>& loc
   return entry.value_or(DesktopEntry{});
 }
 
-TEST(DesktopEntryTest, readsWhatProcessesAreMatchedWith) {
+TEST(DesktopEntryTest, readsTheKeysThatProcessesAreMatchedBy) {
   const auto entry =
       parsed(minimal + "Icon=viewer-icon\nStartupWMClass=Viewer-bin\nX-Flatpak=org.example.Viewer\n");
   EXPECT_EQ(entry.name, "Viewer");
@@ -53,7 +53,7 @@ TEST(DesktopEntryTest, fallsBackToTryExec) {
             "/usr/bin/v");
 }
 
-TEST(DesktopEntryTest, anEmptyWordIsNoProgramAndItsArgumentsAreNobodys) {
+TEST(DesktopEntryTest, anEmptyWordIsNoProgramAndItsArgumentsAreIgnored) {
   const auto entry =
       parsed("[Desktop Entry]\nType=Application\nName=V\nExec=\"\" --flag\nTryExec=/usr/bin/v\n");
   EXPECT_EQ(entry.program, "/usr/bin/v");
@@ -102,7 +102,7 @@ TEST(DesktopEntryTest, repairsInvalidText) {
   EXPECT_EQ(parsed("[Desktop Entry]\nType=Application\nName=V\xff\nExec=v\n").name, "V\xEF\xBF\xBD");
 }
 
-TEST(DesktopEntryTest, whatIsNoApplicationIsRefusedWithAReason) {
+TEST(DesktopEntryTest, anEntryThatIsNotAnApplicationIsRefusedWithAReason) {
   for (const std::string text :
        {"", "\n", "garbage", "[Desktop Entry", "[Desktop Entry]",
         "[Other]\nType=Application\nName=V\nExec=v\n", "[Desktop Entry]\nType=Link\nName=V\nURL=x\n",

@@ -17,7 +17,7 @@ TEST(DesktopLineTest, aLineIsAGroupAKeyWithItsValueOrNothing) {
     EXPECT_EQ(splitDesktopLine(nothing), DesktopLine()) << nothing;
 }
 
-TEST(DesktopLineTest, blanksAroundThePartsAreNoPartOfThem) {
+TEST(DesktopLineTest, blanksAroundThePartsAreIgnored) {
   EXPECT_EQ(splitDesktopLine(" \tHidden \t= true \r"), (DesktopLine{"", "Hidden", "true"}));
   EXPECT_EQ(splitDesktopLine("\t[Desktop Entry]\r"), (DesktopLine{"[Desktop Entry]", "", ""}));
   // No session accepts a typographic space as a blank.

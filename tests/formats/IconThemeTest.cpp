@@ -25,7 +25,7 @@ TEST(IconTheme, aFolderWithoutATypeServesTwoPixelsMoreAndLess) {
   EXPECT_EQ(theme.folders, (std::vector<IconFolder>{{"a", 30, 34}}));
 }
 
-TEST(IconTheme, leavesOutWhatHasNoSizeOrLiesOutside) {
+TEST(IconTheme, leavesOutFoldersWithoutASizeOrOutsideOfTheTheme) {
   const auto theme = parseIconTheme(
       "[Icon "
       "Theme]\nInherits=..,a/b,hicolor\nDirectories=../up,/root,a/../../b,none,zero,huge,turned,good//x\n"
@@ -51,7 +51,7 @@ TEST(IconTheme, aSizeIsAtMost4096AndAScaleAtMost8) {
   EXPECT_EQ(theme.folders, (std::vector<IconFolder>{{"a", 32768, 32768}, {"b", 4096, 4096}}));
 }
 
-TEST(IconTheme, aTextThatIsNoThemeHasNothing) {
+TEST(IconTheme, aTextThatIsNotAThemeIsEmpty) {
   EXPECT_EQ(parseIconTheme(""), IconTheme());
   EXPECT_EQ(parseIconTheme("Directories=a\n[a]\nSize=32\n"), IconTheme());
   EXPECT_EQ(parseIconTheme("[Icon Theme\nDirectories=a\n"), IconTheme());

@@ -5,7 +5,7 @@
 namespace vorli::formats {
 namespace {
 
-TEST(KernelTextTest, linesAreTakenOneByOneWithTheLastOneUnended) {
+TEST(KernelTextTest, linesAreTakenOneByOneAndTheLastMayLackItsNewline) {
   std::string_view text = "one\n\nthree";
   EXPECT_EQ(takeLine(text), "one");
   EXPECT_EQ(takeLine(text), "");
@@ -14,7 +14,7 @@ TEST(KernelTextTest, linesAreTakenOneByOneWithTheLastOneUnended) {
   EXPECT_EQ(takeLine(text), "");
 }
 
-TEST(KernelTextTest, wordsStandBetweenAnyBlanks) {
+TEST(KernelTextTest, anyBlanksSeparateWords) {
   std::string_view text = "  a\t\tbc \n d";
   EXPECT_EQ(takeWord(text), "a");
   EXPECT_EQ(takeWord(text), "bc");
@@ -50,7 +50,7 @@ TEST(KernelTextTest, aDecimalIsTheNearestDouble) {
   EXPECT_EQ(parseDecimal("999999999999999.9"), 999999999999999.0);
 }
 
-TEST(KernelTextTest, whatIsNoDecimalIsEmpty) {
+TEST(KernelTextTest, otherTextsAreNotDecimals) {
   for (const char* text : {"", ".", ".5", "-0.5", "1e5", "nan", "1,5", "1.2.3", "1000000000000000.0"}) {
     EXPECT_FALSE(parseDecimal(text)) << text;
   }

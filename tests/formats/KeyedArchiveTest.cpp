@@ -29,7 +29,7 @@ std::vector<std::string> textsOf(const std::optional<std::vector<Object>>& eleme
   return texts;
 }
 
-TEST(KeyedArchiveTest, textsAndDataStandForThemselvesOrInObjects) {
+TEST(KeyedArchiveTest, textsAndDataArePlainValuesOrObjects) {
   ArchiveWriter writer;
   const auto mutableString = writer.classNamed("NSMutableString", {"NSString"});
   const auto mutableData = writer.classNamed("NSMutableData", {"NSData"});
@@ -124,7 +124,7 @@ TEST(KeyedArchiveTest, aHintNamesTheClassOnlyWhenItsOwnIsUnknown) {
   EXPECT_EQ(archive->root()->object("array")->arrayElements()->size(), 1U);
 }
 
-TEST(KeyedArchiveTest, aBrokenClassIsAnUnknownOne) {
+TEST(KeyedArchiveTest, aBrokenClassCountsAsUnknown) {
   ArchiveWriter writer;
   auto& list = writer.inlined();
   const auto withClass = [&](ArchiveWriter::Number value) {
@@ -264,7 +264,7 @@ TEST(KeyedArchiveTest, anArchiveWithoutARootOpensWithoutOne) {
   EXPECT_FALSE(open(writer.bytesWithTop({{"root", writer.refer(1000)}}))->root());
 }
 
-TEST(KeyedArchiveTest, anArchiveInXMLIsReadAlike) {
+TEST(KeyedArchiveTest, anXMLArchiveIsReadTheSameWay) {
   const auto archive = open(sampleArchiveInXML());
   ASSERT_TRUE(archive);
   const auto item = archive->root()->entry("backgroundItems");

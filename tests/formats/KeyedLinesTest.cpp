@@ -5,7 +5,7 @@
 namespace vorli::formats {
 namespace {
 
-TEST(KeyedLinesTest, valuesAreWhatStandsBehindTheKeyOnItsLine) {
+TEST(KeyedLinesTest, aValueIsTheRestOfTheLineOfItsKey) {
   KeyedLines lines("one 1\ntwo 22\nthree");
   EXPECT_EQ(lines.valueOf("one "), "1");
   EXPECT_EQ(lines.valueOf("two"), " 22");
@@ -22,7 +22,7 @@ TEST(KeyedLinesTest, keysMayBeAskedInAnyOrderAndAgain) {
   }
 }
 
-TEST(KeyedLinesTest, aKeyThatIsMissingHidesNoOther) {
+TEST(KeyedLinesTest, aMissingKeyDoesNotHideOthers) {
   KeyedLines lines("one 1\ntwo 2\n");
   EXPECT_EQ(lines.valueOf("one "), "1");
   EXPECT_FALSE(lines.valueOf("zero "));

@@ -7,7 +7,7 @@ namespace {
 
 const std::string entry = "[Desktop Entry]\nType=Application\nExec=/bin/true\n";
 
-TEST(PauseMarks, standRightBehindTheGroupHeader) {
+TEST(PauseMarks, followTheGroupHeader) {
   EXPECT_EQ(
       withPauseMarks(entry, 1700000000),
       "[Desktop Entry]\nHidden=true\nX-Vorli-Paused=true\nX-Vorli-FirstSeen=1700000000\nType=Application\n"
@@ -16,7 +16,7 @@ TEST(PauseMarks, standRightBehindTheGroupHeader) {
             "[Desktop Entry]\nHidden=true\nX-Vorli-Paused=true\nType=Application\nExec=/bin/true\n");
 }
 
-TEST(PauseMarks, goAgainWithoutATrace) {
+TEST(PauseMarks, areRemovedWithoutATrace) {
   for (const auto& content : {
            entry,
            std::string("# a comment\n\n  [Desktop Entry]  \r\nExec=x\r\n"),
@@ -70,7 +70,7 @@ TEST(PauseMarks, belongToDesktopEntriesOnly) {
   }
 }
 
-TEST(PauseMarks, anEntryThatIsHiddenByItsOwnIsNotPaused) {
+TEST(PauseMarks, anEntryThatIsHiddenWithoutThemIsNotPaused) {
   EXPECT_FALSE(hasPauseMarks("[Desktop Entry]\nHidden=true\nExec=x\n"));
   EXPECT_FALSE(hasPauseMarks("[Desktop Entry]\nX-Vorli-Paused=true\nHidden=true\n"));
   EXPECT_EQ(withoutPauseMarks("[Desktop Entry]\nHidden=true\nExec=x\n"), std::nullopt);

@@ -76,7 +76,7 @@ TEST(ProcStatTest, numbersThatMakeNoSenseAreRefused) {
   EXPECT_FALSE(with(" 180224 ", " 9223372036854775807 "));
 }
 
-TEST(ProcStatTest, whatIsNoStatLineIsEmpty) {
+TEST(ProcStatTest, aTextThatIsNotAStatLineIsEmpty) {
   for (const char* text :
        {"", "\n", "7", "7 (", "7 )", ")(", "7 sleep S 1 2 3", "7 (a)", "7 (a) ", "7 (a) S", "7 (a) S "}) {
     EXPECT_FALSE(parseProcStat(text)) << text;

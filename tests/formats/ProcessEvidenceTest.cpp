@@ -25,7 +25,7 @@ TEST(ProcessEvidenceTest, dashesInsideOfAnIDAreUnescaped) {
   EXPECT_EQ(evidenceFromCgroup(slice + "app-a\\x2-1.scope\n").ids.front(), "a\\x2");
 }
 
-TEST(ProcessEvidenceTest, aServiceCarriesItsRandomPartBehindAnAt) {
+TEST(ProcessEvidenceTest, aServiceHasItsRandomPartAfterAnAtSign) {
   EXPECT_EQ(evidenceFromCgroup(slice + "app-org.example.Viewer@ab12.service\n"),
             evidence(Kind::systemdUnit, {"org.example.Viewer"}));
   EXPECT_EQ(evidenceFromCgroup(slice + "app-org.example.Agent@autostart.service\n"),
@@ -69,7 +69,7 @@ TEST(ProcessEvidenceTest, theSandboxNamesItsApplication) {
   EXPECT_EQ(flatpakIDFromInfo(""), "");
 }
 
-TEST(ProcessEvidenceTest, aLaunchRecordCountsForTheVeryProcessOnly) {
+TEST(ProcessEvidenceTest, aLaunchRecordCountsOnlyForItsOwnProcess) {
   const std::string environment(
       "A=1\0GIO_LAUNCHED_DESKTOP_FILE=/usr/share/applications/v.desktop\0"
       "GIO_LAUNCHED_DESKTOP_FILE_PID=42\0",

@@ -42,7 +42,7 @@ TEST(ProcessorTimesTest, countsTheProcessorsOfAList) {
   EXPECT_EQ(parseProcessorCount("2-2,5-7,9"), 5);
 }
 
-TEST(ProcessorTimesTest, whatIsNoListOfProcessorsHasNoCount) {
+TEST(ProcessorTimesTest, aMalformedListHasNoCount) {
   for (const char* list : {"", "\n", "x", "0-", "-3", "3-2", "0-x", "0,,1", ",0", "0 1", "0--1"})
     EXPECT_EQ(parseProcessorCount(list), std::nullopt) << list;
 }

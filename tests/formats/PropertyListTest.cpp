@@ -8,7 +8,7 @@ namespace {
 
 using Kind = PropertyList::Kind;
 
-TEST(PropertyListTest, binaryAndXMLAreToldApart) {
+TEST(PropertyListTest, binaryAndXMLAreDistinguished) {
   BinaryPropertyListWriter writer;
   EXPECT_EQ(readPropertyList(writer.bytes(writer.text("binary")), 1000)->root().text(), "binary");
   EXPECT_EQ(readPropertyList("<string>XML</string>", 1000)->root().text(), "XML");
@@ -16,7 +16,7 @@ TEST(PropertyListTest, binaryAndXMLAreToldApart) {
   EXPECT_FALSE(readPropertyList("", 1000));
 }
 
-TEST(PropertyListTest, theLargestSizeIsTheCallers) {
+TEST(PropertyListTest, theCallerSetsTheLargestSize) {
   constexpr std::string_view list = "<string>XML</string>";
   EXPECT_TRUE(readPropertyList(list, list.size()));
   EXPECT_EQ(readPropertyList(list, list.size() - 1).error(), "the property list is too large");

@@ -18,7 +18,7 @@ TEST(UnitFileTest, readsWhatAServiceStarts) {
   EXPECT_EQ(unit, (UnitFile{"Acme sync", "/opt/acme/syncd", "", false}));
 }
 
-TEST(UnitFileTest, takesOffWhatOnlyChangesHowTheProgramIsRun) {
+TEST(UnitFileTest, removesPrefixesQuotesAndWrappersOfTheProgram) {
   EXPECT_EQ(programOf("-/usr/bin/acme"), "/usr/bin/acme");
   EXPECT_EQ(programOf("!@-/usr/bin/acme argv0"), "/usr/bin/acme");
   EXPECT_EQ(programOf("+:/usr/bin/acme"), "/usr/bin/acme");
@@ -38,7 +38,7 @@ TEST(UnitFileTest, takesOffWhatOnlyChangesHowTheProgramIsRun) {
   EXPECT_EQ(programOf(""), "");
 }
 
-TEST(UnitFileTest, theFirstCommandCountsAndAnEmptyOneTakesItBack) {
+TEST(UnitFileTest, theFirstCommandCountsAndAnEmptyOneResetsIt) {
   EXPECT_EQ(parseUnitFile("[Service]\nExecStart=/a\nExecStart=/b\n").program, "/a");
   EXPECT_EQ(parseUnitFile("[Service]\nExecStart=/a\nExecStart=\nExecStart=/b\n").program, "/b");
   EXPECT_EQ(parseUnitFile("[Unit]\nExecStart=/a\n").program, "");
@@ -62,7 +62,7 @@ TEST(UnitFileTest, readsWhatATriggerStarts) {
   EXPECT_EQ(parseUnitFile("[Service]\nUnit=other.service\n").triggered, "");
 }
 
-TEST(UnitFileTest, whatIsNoUnitDescribesNothing) {
+TEST(UnitFileTest, aTextThatIsNotAUnitDescribesNothing) {
   for (const std::string text :
        {"", "\n\n", "Description=x", "[Unit", "[Unit]\nDescription", "\xFF\xFE\\\n\\"})
     EXPECT_EQ(parseUnitFile(text), UnitFile()) << text;

@@ -51,7 +51,7 @@ TEST(XMLEncodingTest, utf32NeedsCharacters) {
   }
 }
 
-TEST(XMLEncodingTest, theDeclarationTellsTheEncoding) {
+TEST(XMLEncodingTest, theDeclarationNamesTheEncoding) {
   const auto declared = [](const std::string& name, const std::string& text) {
     return decode("<?xml version=\"1.0\" encoding=\"" + name + "\"?>" + text).has_value();
   };

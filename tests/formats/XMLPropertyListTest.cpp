@@ -80,12 +80,12 @@ TEST(XMLPropertyListTest, declarationsAndThePlistElementMayBeMissing) {
   EXPECT_EQ(readXML("<true/>")->root().boolean(), true);
 }
 
-TEST(XMLPropertyListTest, whatFollowsTheRootIsNotLookedAt) {
+TEST(XMLPropertyListTest, everythingAfterTheRootIsIgnored) {
   EXPECT_TRUE(isReadAsXML("<dict/> and more <"));
   EXPECT_TRUE(isReadAsXML("<plist><dict/></plist></plist><!--"));
 }
 
-TEST(XMLPropertyListTest, commentsAndInstructionsMayStandBetweenElements) {
+TEST(XMLPropertyListTest, commentsAndInstructionsMayAppearBetweenElements) {
   EXPECT_TRUE(
       isReadAsXML("<!-- a -- b --><plist><!-- <dict> --><?go?><dict><!----><key>a</key><!-- --><true/></dict>"
                   "<!-- --></plist>"));
@@ -227,7 +227,7 @@ TEST(XMLPropertyListTest, theLastOfEqualKeysCounts) {
   EXPECT_EQ(list->root().count(), 2U);
 }
 
-TEST(XMLPropertyListTest, keysAndValuesTakeTurns) {
+TEST(XMLPropertyListTest, keysAndValuesAlternate) {
   for (const std::string_view text :
        {"<dict><key>a</key></dict>", "<dict><true/></dict>", "<dict><string>a</string><true/></dict>",
         "<dict><key>a</key><true/><true/></dict>", "<dict><array/><true/></dict>"}) {
@@ -249,7 +249,7 @@ TEST(XMLPropertyListTest, aLoneIdentifierKeyMakesAnIdentifier) {
   EXPECT_EQ(kindOf("<key>a</key><dict><key>CF$UID</key><integer>7</integer></dict>"), Kind::dictionary);
 }
 
-TEST(XMLPropertyListTest, whatIsNotWellFormedIsRefused) {
+TEST(XMLPropertyListTest, malformedTextsAreRefused) {
   for (const std::string_view text : {"",
                                       " ",
                                       "text",

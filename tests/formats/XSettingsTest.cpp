@@ -85,13 +85,13 @@ TEST(XSettingsTest, findsATextInBothByteOrders) {
   }
 }
 
-TEST(XSettingsTest, whatIsMissingOrNoTextIsNotThere) {
+TEST(XSettingsTest, aMissingSettingOrAnotherTypeIsNotFound) {
   EXPECT_EQ(xSettingsText(usual(Order::little), "Net/Nothing"), std::nullopt);
   EXPECT_EQ(xSettingsText(usual(Order::little), "Xft/DPI"), std::nullopt);
   EXPECT_EQ(xSettingsText({}, "Net/ThemeName"), std::nullopt);
 }
 
-TEST(XSettingsTest, anEmptyTextIsOne) {
+TEST(XSettingsTest, anEmptyTextIsFound) {
   EXPECT_EQ(xSettingsText(Settings(Order::little).text("Net/ThemeName", "").bytes(), "Net/ThemeName"), "");
 }
 
