@@ -32,7 +32,7 @@ TEST_F(HelperCallsTest, theLimitOfAPingIsTheCallers) {
   EXPECT_EQ(outcome->value, false);
 }
 
-TEST_F(HelperCallsTest, versionIsTheTextAsItStands) {
+TEST_F(HelperCallsTest, versionIsReturnedUnchanged) {
   for (const char* text : {"1.2.3", "1.2.3 ", "1.2.30", ""}) {
     transport.version.answer = text;
     EXPECT_EQ(start(manager->versionWithTimeout(2.0))->value, text);
@@ -166,7 +166,7 @@ TEST_P(TimedCallTest, aReplyOneFrameBeforeTheLimitWinsAndTheTimerIsSilent) {
   EXPECT_EQ(log.lines(), lines);
 }
 
-TEST_P(TimedCallTest, aReplyOneFrameBehindTheLimitIsDroppedInSilence) {
+TEST_P(TimedCallTest, aReplyOneFrameAfterTheLimitIsDroppedSilently) {
   method().delaySeconds = GetParam().limit + frame;
   const auto outcome = begin();
   scheduler.advance(GetParam().limit);
@@ -177,7 +177,7 @@ TEST_P(TimedCallTest, aReplyOneFrameBehindTheLimitIsDroppedInSilence) {
   EXPECT_EQ(log.lines(), lines);
 }
 
-TEST_P(TimedCallTest, onTheLimitWhoeverComesFirstWins) {
+TEST_P(TimedCallTest, onTheLimitTheFirstOfThemWins) {
   method().conduct = Conduct::silent;
   const auto timed = begin();
   scheduler.advance(GetParam().limit);
@@ -262,7 +262,7 @@ INSTANTIATE_TEST_SUITE_P(
                               false}),
     [](const auto& row) { return row.param.name; });
 
-TEST_F(HelperCallsTest, callsAtTheSameTimeShareTheConnectionAndHaveTheirOwnEnds) {
+TEST_F(HelperCallsTest, concurrentCallsShareTheConnectionAndEndSeparately) {
   transport.purgeMemory.delaySeconds = 3.0;
   const auto purge = start(manager->purgeMemory());
   const auto flush = start(manager->flushDNS());

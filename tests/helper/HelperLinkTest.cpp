@@ -76,7 +76,7 @@ TEST_F(HelperLinkTest, theNextCallAfterAnEventOpensANewConnection) {
 
 // The invalidation of the old connection is still queued when a call opens a new one. It then affects the new
 // one, because events do not say which connection they belong to.
-TEST_F(HelperLinkTest, anEventActsOnWhateverConnectionStandsWhenItArrives) {
+TEST_F(HelperLinkTest, anEventActsOnTheCurrentConnection) {
   ping();
   int alive = 0;
   const auto open = manager->lastError.subscribeToChanges([&](const auto& text) {
@@ -109,7 +109,7 @@ TEST_F(HelperLinkTest, thereIsNoRetryInsideACall) {
   EXPECT_EQ(transport.connectionsOpened(), 1);
 }
 
-TEST_F(HelperLinkTest, eventsOfAManagerThatIsGoneDoNothing) {
+TEST_F(HelperLinkTest, eventsAfterTheManagerIsDestroyedDoNothing) {
   ping();
   log.clear();
   transport.interrupt(0);

@@ -15,7 +15,7 @@ struct HelperManagerTest : HelperFixture {
   }
 };
 
-TEST_F(HelperManagerTest, beginsAsNotRegisteredWithNothingToTell) {
+TEST_F(HelperManagerTest, startsUnregisteredAndWithoutAnError) {
   EXPECT_EQ(manager->status.get(), Case::notRegistered);
   EXPECT_EQ(manager->lastError.get(), std::nullopt);
   EXPECT_FALSE(manager->isInstalling.get());
@@ -46,7 +46,7 @@ TEST_F(HelperManagerTest, onlyEnabledWipesLastError) {
   EXPECT_EQ(manager->lastError.get(), std::nullopt);
 }
 
-TEST_F(HelperManagerTest, aDaemonOfAnotherBuildIsSaidUntilItIsReplaced) {
+TEST_F(HelperManagerTest, aDaemonOfAnotherBuildIsReportedUntilItIsReplaced) {
   service.isOtherBuild = true;
   service.rawStatus = 2;
   manager->refreshStatus();
@@ -69,7 +69,7 @@ TEST_F(HelperManagerTest, aDaemonOfAnotherBuildIsSaidUntilItIsReplaced) {
   EXPECT_EQ(changes, 1);
 }
 
-TEST_F(HelperManagerTest, aChangeThatTheSystemTellsOfIsTakenOver) {
+TEST_F(HelperManagerTest, aStatusChangeReportedByTheSystemIsPublished) {
   service.changeStatus(2);
   EXPECT_EQ(manager->status.get(), Case::notRegistered);
   scheduler.runReady();
@@ -121,7 +121,7 @@ TEST_F(HelperManagerTest, onLinuxTheRemedyIsToInstallIt) {
             "installer, then reopen.");
 }
 
-TEST_F(HelperManagerTest, aForbiddenRegistrationInsideOfApplicationsTellsTheText) {
+TEST_F(HelperManagerTest, aForbiddenRegistrationInsideOfApplicationsShowsTheSystemsText) {
   makeBundleLie(true);
   service.rawStatus = 0;
   service.registerResult = std::unexpected("Operation not permitted");
@@ -129,7 +129,7 @@ TEST_F(HelperManagerTest, aForbiddenRegistrationInsideOfApplicationsTellsTheText
   EXPECT_EQ(manager->lastError.get(), "Couldn't set up the helper. Operation not permitted");
 }
 
-TEST_F(HelperManagerTest, anyOtherFailureTellsTheTextWhereverTheBundleLies) {
+TEST_F(HelperManagerTest, anyOtherFailureShowsTheSystemsTextWhereverTheBundleIs) {
   service.rawStatus = 0;
   service.registerResult = std::unexpected("Operation not permit");
   for (const bool inApplications : {true, false}) {
@@ -139,7 +139,7 @@ TEST_F(HelperManagerTest, anyOtherFailureTellsTheTextWhereverTheBundleLies) {
   }
 }
 
-TEST_F(HelperManagerTest, aFailedReplacementOfADaemonThatWorksIsNotTakenBack) {
+TEST_F(HelperManagerTest, theErrorOfAFailedReplacementStaysThoughTheDaemonWorks) {
   service.isOtherBuild = true;
   manager->refreshStatus();
   service.failRegistration("Its installation failed with code 1.");
@@ -156,7 +156,7 @@ TEST_F(HelperManagerTest, aFailedRegistrationThatFindsItEnabledLeavesNoError) {
   EXPECT_EQ(manager->lastError.get(), std::nullopt);
 }
 
-TEST_F(HelperManagerTest, aRegistrationThatFailsLateIsToldAsOneThatFailsAtOnce) {
+TEST_F(HelperManagerTest, aLateRegistrationFailureIsReportedLikeAnImmediateOne) {
   makeBundleLie(true);
   service.rawStatus = 2;
   manager->registerDaemon();
@@ -173,7 +173,7 @@ TEST_F(HelperManagerTest, aRegistrationThatFailsLateIsToldAsOneThatFailsAtOnce) 
   scheduler.runReady();
 }
 
-TEST_F(HelperManagerTest, aMissingPasswordWindowIsSaidUntilTheUserAsksAgainOrUntilItIsEnabled) {
+TEST_F(HelperManagerTest, aMissingPasswordWindowIsReportedUntilTheUserAsksAgainOrItIsEnabled) {
   service.rawStatus = 2;
   const auto miss = [this] {
     service.missPrompt();
@@ -204,7 +204,7 @@ TEST_F(HelperManagerTest, consentIsAskedForAtTheUsersRequest) {
   EXPECT_EQ(service.calls, Calls{"ask for consent"});
 }
 
-TEST_F(HelperManagerTest, anApprovalThatCannotBeGivenIsSaidUntilTheNextRequest) {
+TEST_F(HelperManagerTest, anApprovalThatCannotBeGivenIsReportedUntilTheNextRequest) {
   const auto refuse = [this] {
     service.consentResult = std::unexpected("There is no window for it.");
     manager->askForStartupItemConsent();
@@ -232,7 +232,7 @@ TEST_F(HelperManagerTest, anApprovalThatCannotBeGivenIsSaidUntilTheNextRequest) 
   EXPECT_EQ(manager->approvalObstacle.get(), std::nullopt);
 }
 
-TEST_F(HelperManagerTest, anAnswerAboutTheConsentMayComeAfterTheManager) {
+TEST_F(HelperManagerTest, aConsentAnswerAfterTheManagerIsDestroyedDoesNothing) {
   service.consentResult = std::unexpected("too late");
   manager->askForStartupItemConsent();
   manager.reset();
@@ -312,7 +312,7 @@ TEST_F(EnsureHelperAliveTest, aLivingDaemonWithoutTheUsersConsentNeedsApproval) 
   EXPECT_EQ(service.calls, Calls{"ask for consent"});
 }
 
-TEST_F(EnsureHelperAliveTest, aStatusThatTheSystemIsSlowToTellIsWaitedFor) {
+TEST_F(EnsureHelperAliveTest, aSlowStatusIsWaitedFor) {
   transport.leadsToDaemon = false;
   service.rawStatus = 1;
   service.statusAfterRead = 2;

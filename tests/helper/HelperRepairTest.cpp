@@ -133,7 +133,7 @@ TEST_F(HelperRepairTest, theStepsKeepTheirOrderAndTheirPauses) {
   EXPECT_FALSE(manager->isInstalling.get());
 }
 
-TEST_F(HelperRepairTest, aStatusThatComesDuringTheLastPauseIsTheOneThatCounts) {
+TEST_F(HelperRepairTest, aStatusChangeDuringTheLastPauseCounts) {
   service.rawStatus = 0;
   repair(Reinstall::forced);
   scheduler.advance(0.4);
@@ -144,7 +144,7 @@ TEST_F(HelperRepairTest, aStatusThatComesDuringTheLastPauseIsTheOneThatCounts) {
   EXPECT_EQ(service.calls, (Calls{"unregister", "register"}));
 }
 
-TEST_F(HelperRepairTest, aFailedUnregisterIsLoggedAndTheRepairGoesOn) {
+TEST_F(HelperRepairTest, aFailedUnregisterIsLoggedAndTheRepairContinues) {
   service.unregisterResult = std::unexpected("not there");
   EXPECT_EQ(callsOf(Reinstall::forced), (Calls{"unregister", "register"}));
   EXPECT_EQ(errors("Helper unregister failed: not there"), 1);
@@ -168,7 +168,7 @@ TEST_F(HelperRepairTest, aDeadConnectionToAHealthyDaemonHealsByTheVersionCall) {
   EXPECT_EQ(transport.connectionsOpened(), 2);
 }
 
-TEST_F(HelperRepairTest, twoRepairsAtOnceAreOneAndTheSecondReturnsWithTheFirst) {
+TEST_F(HelperRepairTest, simultaneousRequestsShareOneRepair) {
   transport.version.answer = "1.0.0";
   const auto first = tasks->spawn(manager->reinstallIfStale(Reinstall::ifStale));
   const auto second = tasks->spawn(manager->reinstallIfStale(Reinstall::ifStale));
@@ -182,7 +182,7 @@ TEST_F(HelperRepairTest, twoRepairsAtOnceAreOneAndTheSecondReturnsWithTheFirst) 
   EXPECT_EQ(notices("reinstallIfStale: waiting for in-flight reinstall"), 1);
 }
 
-TEST_F(HelperRepairTest, theForceOfAWaiterIsDropped) {
+TEST_F(HelperRepairTest, aForcedRequestDoesNotForceARepairInProgress) {
   const auto first = tasks->spawn(manager->reinstallIfStale(Reinstall::ifStale));
   const auto second = tasks->spawn(manager->reinstallIfStale(Reinstall::forced));
   scheduler.advance(5.0);
@@ -191,13 +191,13 @@ TEST_F(HelperRepairTest, theForceOfAWaiterIsDropped) {
   EXPECT_TRUE(service.calls.empty());
 }
 
-TEST_F(HelperRepairTest, aRepairAfterAFinishedOneIsANewOne) {
+TEST_F(HelperRepairTest, aRequestAfterAFinishedRepairStartsANewOne) {
   callsOf(Reinstall::forced);
   EXPECT_EQ(callsOf(Reinstall::forced), (Calls{"unregister", "register"}));
   EXPECT_EQ(notices("reinstallIfStale: waiting for in-flight reinstall"), 0);
 }
 
-TEST_F(HelperRepairTest, aRepairOutlivesTheOneWhoAskedForIt) {
+TEST_F(HelperRepairTest, aRepairOutlivesItsCaller) {
   {
     TaskScope caller(scheduler);
     caller.spawn(manager->reinstallIfStale(Reinstall::forced));
@@ -211,7 +211,7 @@ TEST_F(HelperRepairTest, aRepairOutlivesTheOneWhoAskedForIt) {
   EXPECT_EQ(service.calls, (Calls{"unregister", "register"}));
 }
 
-TEST_F(HelperRepairTest, aManagerThatGoesInTheMiddleTakesItsRepairWithIt) {
+TEST_F(HelperRepairTest, destroyingTheManagerEndsItsRepair) {
   tasks->spawn(manager->reinstallIfStale(Reinstall::forced));
   scheduler.advance(0.1);
   dropManager();
@@ -220,7 +220,7 @@ TEST_F(HelperRepairTest, aManagerThatGoesInTheMiddleTakesItsRepairWithIt) {
 }
 
 // Each wait of a check with its repair, one after the other.
-TEST_F(HelperRepairTest, aManagerMayGoAtEveryMomentAndNothingHappensAfterwards) {
+TEST_F(HelperRepairTest, nothingHappensAfterTheManagerIsDestroyedAtAnyMoment) {
   transport.setConduct(Conduct::silent);
   service.unregisterSeconds = 0.5;
   service.answers = false;
@@ -258,7 +258,7 @@ TEST_F(HelperRepairTest, aServiceThatDoesNotAnswerDelaysARepairNoLongerThanItsLi
   EXPECT_EQ(service.calls, Calls{"unregister"});
 }
 
-TEST_F(HelperRepairTest, aSystemThatIsSlowAtTheStartMakesNoHealthyDaemonLookBroken) {
+TEST_F(HelperRepairTest, aHealthyDaemonDoesNotLookBrokenOnASlowlyStartingSystem) {
   service.rawStatus = 0;
   service.statusAfterRead = 1;
   service.readSeconds = 2.0;
@@ -271,7 +271,7 @@ TEST_F(HelperRepairTest, aSystemThatIsSlowAtTheStartMakesNoHealthyDaemonLookBrok
   EXPECT_TRUE(service.calls.empty());
 }
 
-TEST_F(HelperRepairTest, aStatusThatWasNeverReadIsNoBrokenOne) {
+TEST_F(HelperRepairTest, aStatusThatWasNeverReadIsNotBroken) {
   service.rawStatus = 0;
   service.answers = false;
   const auto handle = start(manager->reinstallIfStale(Reinstall::ifStale, ports::AskedBy::program));
@@ -289,7 +289,7 @@ TEST_F(HelperRepairTest, aForcedRepairOfADaemonWhoseStatusWasNeverReadOpensNothi
   EXPECT_EQ(callsOf(Reinstall::forced), (Calls{"unregister", "register"}));
 }
 
-TEST_F(HelperRepairTest, onceAStatusWasReadTheProgramWaitsNoLongerThanAUser) {
+TEST_F(HelperRepairTest, onceAStatusIsKnownTheProgramWaitsOnlyAsLongAsAUser) {
   start(manager->reinstallIfStale(Reinstall::ifStale, ports::AskedBy::program));
   service.answers = false;
   start(manager->reinstallIfStale(Reinstall::forced, ports::AskedBy::program));
@@ -309,14 +309,14 @@ TEST_F(HelperRepairTest, theStatusAfterARegistrationIsReadAnewBeforeItIsJudged) 
   EXPECT_EQ(service.calls, (Calls{"unregister", "register"}));
 }
 
-TEST_F(HelperRepairTest, whatNoUserAskedForIsDoneInTheProgramsName) {
+TEST_F(HelperRepairTest, aRepairByTheProgramIsMarkedAsSuch) {
   transport.leadsToDaemon = false;
   start(manager->reinstallIfStale(Reinstall::forced, ports::AskedBy::program));
   scheduler.advance(1.0);
   EXPECT_EQ(service.calls, (Calls{"unregister", "register (program)", "open login items (program)"}));
 }
 
-TEST_F(HelperRepairTest, aUserWhoJoinsARepairMakesItTheirs) {
+TEST_F(HelperRepairTest, aUserWhoJoinsARepairBecomesItsRequester) {
   transport.leadsToDaemon = false;
   start(manager->reinstallIfStale(Reinstall::forced, ports::AskedBy::program));
   repair(Reinstall::forced);
@@ -324,7 +324,7 @@ TEST_F(HelperRepairTest, aUserWhoJoinsARepairMakesItTheirs) {
   EXPECT_EQ(service.calls, (Calls{"unregister", "register", "open login items"}));
 }
 
-TEST_F(HelperRepairTest, aProgramThatJoinsAUsersRepairLeavesItTheUsers) {
+TEST_F(HelperRepairTest, theUserStaysTheRequesterWhenTheProgramJoins) {
   transport.leadsToDaemon = false;
   repair(Reinstall::forced);
   start(manager->reinstallIfStale(Reinstall::forced, ports::AskedBy::program));

@@ -20,7 +20,7 @@ struct LaunchAtLoginManagerTest : testing::Test {
   LaunchAtLoginManager manager{settings, item};
 };
 
-TEST_F(LaunchAtLoginManagerTest, leavesAloneWhatAgrees) {
+TEST_F(LaunchAtLoginManagerTest, leavesAnItemThatAgreesAlone) {
   for (const int status : {0, 2, 3}) {
     item.rawStatus = status;
     manager.syncFromSettings();
@@ -32,7 +32,7 @@ TEST_F(LaunchAtLoginManagerTest, leavesAloneWhatAgrees) {
   EXPECT_TRUE(log.lines().empty());
 }
 
-TEST_F(LaunchAtLoginManagerTest, putsBackWhatTheUserRemovedElsewhere) {
+TEST_F(LaunchAtLoginManagerTest, restoresAnItemThatTheUserRemovedElsewhere) {
   settings.launchAtLogin.set(true);
   manager.syncFromSettings();
   EXPECT_EQ(item.calls, Strings{"register"});

@@ -81,7 +81,7 @@ TEST(ApplicationNameTest, aNameIsCleaned) {
   for (const auto& [given, expected] : rows) EXPECT_EQ(cleanedApplicationName(given), expected) << given;
 }
 
-TEST(ApplicationNameTest, whatIsNoNameNeverBecomesOne) {
+TEST(ApplicationNameTest, improperNamesAreRefused) {
   const char* const rows[] = {
       "",
       " ",
@@ -146,7 +146,7 @@ TEST(ShownApplicationNameTest, anInstalledApplicationKeepsItsWholeName) {
   EXPECT_EQ(shownApplicationName({.bundleIdentifier = SharedText("x")}, folders), std::nullopt);
 }
 
-TEST(ShownApplicationNameTest, whatANameWasNotWrittenForIsCleaned) {
+TEST(ShownApplicationNameTest, otherNamesAreCleaned) {
   using enum ApplicationPathRules::Kind;
   EXPECT_EQ(shown("Worker (Notes)", "org.example.Tool", bundles), "Notes");
   EXPECT_EQ(shown("Worker (Notes)", nullptr, folders), "Notes");

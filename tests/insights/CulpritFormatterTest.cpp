@@ -74,7 +74,7 @@ TEST_F(CulpritFormatterTest, oneNameIsUsingTheMost) {
             (CulpritData{{"Notes"}, "is", "[**Notes**](vorli-quit://Notes) is using the most right now."}));
 }
 
-TEST_F(CulpritFormatterTest, ofMoreNamesTheTwoBiggestAreTold) {
+TEST_F(CulpritFormatterTest, onlyTheTwoLargestOfMoreNamesAreShown) {
   addApplication("Small", 2 * GB);
   addApplication("Visual Studio Code", 3 * GB);
   addApplication("Café/Bar", 9 * GB);  // no name
@@ -98,7 +98,7 @@ TEST_F(CulpritFormatterTest, aNameGathersAllProcessesOfItsApplication) {
   EXPECT_EQ(names(onMacOS), (Names{"Notes", "Chrome"}));
 }
 
-TEST_F(CulpritFormatterTest, theSystemsProcessesAreNobodysFault) {
+TEST_F(CulpritFormatterTest, processesOfTheSystemAreNotBlamed) {
   for (const char* name : {"kernel_task",
                            "WindowServer",
                            "loginwindow",

@@ -39,7 +39,7 @@ TEST(CulpritSentenceTest, aListIsJoinedAsAPersonWould) {
   EXPECT_EQ(joinedAsList({"a", "b", "c"}), "a, b, and c");
 }
 
-TEST(CulpritSentenceTest, aChipTellsWhatItDoes) {
+TEST(CulpritSentenceTest, aChipDescribesItsAction) {
   EXPECT_EQ(AppNameChip::helpText("Notes"), "Click to quit Notes");
   EXPECT_EQ(AppNameChip::accessibilityLabel("Notes"), "Quit Notes");
   EXPECT_EQ(AppNameChip::accessibilityHint("Notes"), "Closes Notes right away. It can still launch later.");

@@ -93,7 +93,7 @@ TEST_F(IdleAppTrackerTest, aValueThatIsNoDictionaryLoadsAsNothing) {
   }
 }
 
-TEST_F(IdleAppTrackerTest, whatRunsAtTheStartCountsAsActiveNowUnlessItIsKnown) {
+TEST_F(IdleAppTrackerTest, applicationsRunningAtTheStartCountAsActiveNowUnlessTheyAreKnown) {
   defaults.values[key] = StoredDictionary{{"org.example.mail", Date{5.0}}};
   add(1, "mail");
   add(2, "notes").launchDate = Date{7.0};
@@ -181,7 +181,7 @@ TEST_F(IdleAppTrackerTest, twoHundredEntriesStay) {
   EXPECT_TRUE(tracker->activationMap->contains("old.0"));  // the oldest
 }
 
-TEST_F(IdleAppTrackerTest, ofMoreThanTwoHundredEntriesTheOldestGo) {
+TEST_F(IdleAppTrackerTest, theOldestOfMoreThanTwoHundredEntriesAreDropped) {
   defaults.values[key] = entries(200);
   startTracker();
   add(1, "mail");
@@ -215,7 +215,7 @@ TEST_F(IdleAppTrackerTest, anActivationAtTheCutoffIsNotIdle) {
   EXPECT_EQ(idlePIDs(30), PIDs{1});
 }
 
-TEST_F(IdleAppTrackerTest, aRowTellsWhatItWasBuiltFrom) {
+TEST_F(IdleAppTrackerTest, aRowDescribesItsApplication) {
   auto& mail = add(1, "mail");
   mail.icon = {SharedText("mail-icon")};
   startTracker();
@@ -255,7 +255,7 @@ TEST_F(IdleAppTrackerTest, theMapCountsBeforeTheLaunchDate) {
   EXPECT_EQ(idlePIDs(1), PIDs{});
 }
 
-TEST_F(IdleAppTrackerTest, someAreNeverIdle) {
+TEST_F(IdleAppTrackerTest, theFrontmostBackgroundAndNamelessApplicationsAreNeverIdle) {
   startTracker();
   add(1, "front");
   add(2, "front");  // a second one of the same application

@@ -19,7 +19,7 @@ struct LargestRowsTest : testing::Test {
   LargestRows largest;
 };
 
-TEST_F(LargestRowsTest, theLargestStandsFirst) {
+TEST_F(LargestRowsTest, theLargestComesFirst) {
   EXPECT_EQ(find({3, 9, 1, 7, 5, 8}, 3), (Sizes{9, 8, 7}));
   EXPECT_EQ(find({1, 2, 3, 4, 5, 6}, 3), (Sizes{6, 5, 4}));
   EXPECT_EQ(find({6, 5, 4, 3, 2, 1}, 3), (Sizes{6, 5, 4}));

@@ -34,11 +34,11 @@ struct LeakyAppDetectorTest : testing::Test {
 
 using PIDs = std::vector<std::int32_t>;
 
-TEST_F(LeakyAppDetectorTest, nothingGivesNothing) {
+TEST_F(LeakyAppDetectorTest, noRowsGiveNoFindings) {
   EXPECT_EQ(detector.detect({}), std::vector<LeakyApp>());
 }
 
-TEST_F(LeakyAppDetectorTest, aRowTellsWhatItWasBuiltFrom) {
+TEST_F(LeakyAppDetectorTest, aRowDescribesItsApplication) {
   add(42, 6 * GiB, 50'000.5);
   workspace.add(41, SharedText("Other")).bundleURL = SharedText("/Applications/Other.app");
   workspace.add(42, SharedText("App")).bundleURL = SharedText("/Applications/App.app");
@@ -87,7 +87,7 @@ TEST_F(LeakyAppDetectorTest, anApplicationThatHasQuitMeanwhileStillQualifies) {
   EXPECT_FALSE(detector.detect(rows)[0].bundleURL.has_value());
 }
 
-TEST_F(LeakyAppDetectorTest, applicationsWithoutAProcessIdentifierAreNobodys) {
+TEST_F(LeakyAppDetectorTest, applicationsWithoutAProcessIdentifierAreIgnored) {
   add(0);
   workspace.add(0, SharedText("Zero")).bundleURL = SharedText("/Applications/Zero.app");
   ASSERT_EQ(leakyPIDs(), PIDs{0});

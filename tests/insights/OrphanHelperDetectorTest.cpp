@@ -35,11 +35,11 @@ struct OrphanHelperDetectorTest : testing::Test {
 using PIDs = std::vector<std::int32_t>;
 constexpr const char* fooAgent = "/Applications/Foo.app/Contents/MacOS/foo-agent";
 
-TEST_F(OrphanHelperDetectorTest, nothingGivesNothing) {
+TEST_F(OrphanHelperDetectorTest, noRowsGiveNoFindings) {
   EXPECT_EQ(onMacOS.detect({}), std::vector<OrphanHelper>());
 }
 
-TEST_F(OrphanHelperDetectorTest, aRowTellsWhatWasLeftBehindByWhom) {
+TEST_F(OrphanHelperDetectorTest, aRowDescribesTheHelperAndItsApplication) {
   install("/Applications/Foo.app", "org.example.foo", "Foo");
   add(42, fooAgent).residentBytes = 123;
   EXPECT_EQ(onMacOS.detect(rows), (std::vector<OrphanHelper>{{.id = 42,
@@ -159,7 +159,7 @@ TEST_F(OrphanHelperDetectorTest, everyKindOfApplicationsFolderCounts) {
   }
 }
 
-TEST_F(OrphanHelperDetectorTest, anApplicationsOwnProgramIsNoHelperOfIts) {
+TEST_F(OrphanHelperDetectorTest, anApplicationsOwnProgramIsNotItsHelper) {
   install("/opt/Foo", "org.example.foo", "Foo");
   install("/opt/Foo/foo", "org.example.foo", "Foo");
   add(42, "/opt/Foo/foo");

@@ -89,7 +89,7 @@ TEST_F(ProcessEnumeratorTest, anApplicationWithoutANameShowsTheShortName) {
   EXPECT_EQ(row.activationPolicy, ports::ActivationPolicy::regular);
 }
 
-TEST_F(ProcessEnumeratorTest, applicationsWithoutAProcessIdentifierAreNobodys) {
+TEST_F(ProcessEnumeratorTest, applicationsWithoutAProcessIdentifierAreIgnored) {
   table.add(42, "worker");
   workspace.add(0, SharedText("Zero"));
   workspace.add(-1, SharedText("Minus"));
@@ -213,7 +213,7 @@ TEST_F(ProcessEnumeratorTest, aCounterThatFellShowsAsFullUse) {
   EXPECT_EQ(onlyRow().cpuFraction, 4.0);
 }
 
-TEST_F(ProcessEnumeratorTest, aClockThatStoodStillOrWasSetBackGivesNoFractions) {
+TEST_F(ProcessEnumeratorTest, aClockThatStopsOrIsSetBackGivesNoFractions) {
   addBusy(1, 0);
   pass();
   addBusy(1, second);
@@ -247,7 +247,7 @@ TEST_F(ProcessEnumeratorTest, aVanishedProcessIsForgotten) {
   EXPECT_EQ(onlyRow().cpuFraction, 0.0);
 }
 
-TEST_F(ProcessEnumeratorTest, aProcessThatCouldNotBeReadOnceStartsAnew) {
+TEST_F(ProcessEnumeratorTest, aProcessThatWasUnreadableOnceStartsOver) {
   addBusy(1, 0);
   pass();
   table.entry(1).taskInfo.reset();

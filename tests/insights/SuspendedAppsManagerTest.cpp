@@ -133,7 +133,7 @@ TEST_F(SuspendedAppsManagerTest, allAreResumedOneAfterTheOther) {
   EXPECT_TRUE(apps->suspendedInfo->empty());
 }
 
-TEST_F(SuspendedAppsManagerTest, aFailureDoesNotKeepTheRestFromBeingTried) {
+TEST_F(SuspendedAppsManagerTest, aFailureDoesNotStopTheRest) {
   for (const std::int32_t pid : {42, 43}) suspend(pid);
   transport.killPID.answer = {1, "no"};
   const auto end = start(apps->resumeAll());
@@ -143,7 +143,7 @@ TEST_F(SuspendedAppsManagerTest, aFailureDoesNotKeepTheRestFromBeingTried) {
   EXPECT_EQ(apps->suspendedPIDs.get(), (PIDSet{42, 43}));
 }
 
-TEST_F(SuspendedAppsManagerTest, oneThatEndsBeforeItsTurnIsNotTried) {
+TEST_F(SuspendedAppsManagerTest, anApplicationThatEndsBeforeItsTurnIsSkipped) {
   for (const std::int32_t pid : {42, 43}) suspend(pid);
   transport.killPID.delaySeconds = 1.0;
   const auto end = start(apps->resumeAll());
@@ -153,7 +153,7 @@ TEST_F(SuspendedAppsManagerTest, oneThatEndsBeforeItsTurnIsNotTried) {
   EXPECT_EQ(transport.requests, Requests{"killPID 42 19"});
 }
 
-TEST_F(SuspendedAppsManagerTest, aManagerThatIsGoneHearsNothing) {
+TEST_F(SuspendedAppsManagerTest, aDestroyedManagerReceivesNothing) {
   suspend(42);
   transport.killPID.delaySeconds = 1.0;
   tell(ApplicationEvent::activated, 42);
