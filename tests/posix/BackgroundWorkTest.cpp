@@ -17,7 +17,7 @@ struct BackgroundWorkTest : testing::Test {
   std::optional<BackgroundWork> background{std::in_place, scheduler};
 };
 
-TEST_F(BackgroundWorkTest, worksOnAnotherThreadAndIsDoneOnTheMainOne) {
+TEST_F(BackgroundWorkTest, worksOnAnotherThreadAndFinishesOnTheMainOne) {
   const auto here = std::this_thread::get_id();
   std::thread::id workedOn;
   std::thread::id doneOn;
@@ -29,7 +29,7 @@ TEST_F(BackgroundWorkTest, worksOnAnotherThreadAndIsDoneOnTheMainOne) {
   EXPECT_EQ(doneOn, here);
 }
 
-TEST_F(BackgroundWorkTest, isNeverDoneOutsideOfTheMainLoop) {
+TEST_F(BackgroundWorkTest, neverFinishesOutsideOfTheMainLoop) {
   std::atomic<bool> hasWorked = false;
   bool isDone = false;
   background->start([&] { hasWorked = true; }, [&] { isDone = true; });
@@ -55,7 +55,7 @@ TEST_F(BackgroundWorkTest, piecesFollowOneAnotherOnTheSameThread) {
   }
 }
 
-TEST_F(BackgroundWorkTest, finishWaitsAndIsDoneOnceInsideTheCall) {
+TEST_F(BackgroundWorkTest, finishWaitsAndCompletesOnceInsideTheCall) {
   int plain = 0;
   int done = 0;
   for (int piece = 1; piece <= 100; ++piece) {
@@ -74,7 +74,7 @@ TEST_F(BackgroundWorkTest, finishWithoutWorkDoesNothing) {
   EXPECT_FALSE(background->isUnderWay());
 }
 
-TEST_F(BackgroundWorkTest, doneMayStartTheNextPiece) {
+TEST_F(BackgroundWorkTest, theCompletionMayStartTheNextPiece) {
   int done = 0;
   background->start([] {},
                     [&] {
@@ -87,7 +87,7 @@ TEST_F(BackgroundWorkTest, doneMayStartTheNextPiece) {
   ASSERT_TRUE(holdsInTime(scheduler, [&] { return done == 2; }));
 }
 
-TEST_F(BackgroundWorkTest, abandonWaitsAndDropsWhatWouldBeDone) {
+TEST_F(BackgroundWorkTest, abandonWaitsAndDropsTheCompletion) {
   bool hasWorked = false;
   bool isDone = false;
   background->start([&] { hasWorked = true; }, [&] { isDone = true; });
@@ -97,7 +97,7 @@ TEST_F(BackgroundWorkTest, abandonWaitsAndDropsWhatWouldBeDone) {
   EXPECT_FALSE(isDone);
 }
 
-TEST_F(BackgroundWorkTest, whoGoesWaitsForTheWorkAndIsSilentAfterwards) {
+TEST_F(BackgroundWorkTest, theDestructorWaitsForTheWorkAndDropsTheCompletion) {
   bool hasWorked = false;
   bool isDone = false;
   background->start([&] { hasWorked = true; }, [&] { isDone = true; });
@@ -127,7 +127,7 @@ struct NoMoreThreads {
   pthread_attr_t before;
 };
 
-TEST_F(BackgroundWorkTest, whereNoThreadCanBeMadeTheWorkIsDoneAllTheSame) {
+TEST_F(BackgroundWorkTest, theWorkIsStillDoneIfNoThreadCanBeCreated) {
   const auto here = std::this_thread::get_id();
   std::thread::id workedOn;
   int done = 0;

@@ -58,7 +58,7 @@ TEST_F(FilesTest, appendMakesAFileAndAddsToIt) {
   EXPECT_EQ(status.st_mode & 0777u, 0600u);
 }
 
-TEST_F(FilesTest, whatIsNoRegularFileIsNeitherReadNorWritten) {
+TEST_F(FilesTest, onlyRegularFilesAreReadOrWritten) {
   ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
   EXPECT_FALSE(files.append(path("pipe"), "x"));
   EXPECT_EQ(files.read(path("pipe"), 100), std::nullopt);

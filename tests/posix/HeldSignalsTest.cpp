@@ -32,7 +32,7 @@ TEST(HeldSignalsTest, threadIsPassedOverBySignalsToTheProcessAndNotByItsOwnFault
   EXPECT_FALSE(fault || bus || abort);
 }
 
-TEST(HeldSignalsTest, callingThreadHasItsOwnMaskBack) {
+TEST(HeldSignalsTest, callingThreadGetsItsMaskBack) {
   ASSERT_FALSE(isHeld(SIGTERM));
   {
     const HeldSignals held;

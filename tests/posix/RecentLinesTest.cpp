@@ -62,7 +62,7 @@ TEST(RecentLinesTest, charactersMayLieAcrossTheEdgeOfAChunk) {
   }
 }
 
-TEST(RecentLinesTest, fileThatIsNoTextHasNone) {
+TEST(RecentLinesTest, invalidFileHasNoLines) {
   EXPECT_EQ(find("a\n\xC3"), (Found{0, ""}));
   EXPECT_EQ(find("a\n\xC3\nb"), (Found{0, ""}));
   EXPECT_EQ(find("\xFF" + std::string(10'000, '\n')), (Found{0, ""}));
@@ -70,7 +70,7 @@ TEST(RecentLinesTest, fileThatIsNoTextHasNone) {
   EXPECT_EQ(find("a\n\xED\xA0\x80"), (Found{0, ""}));
 }
 
-TEST(RecentLinesTest, fileThatCannotBeReadHasNone) {
+TEST(RecentLinesTest, unreadableFileHasNoLines) {
   EXPECT_EQ(RecentLines::find(-1, 100).count, 0u);
 }
 

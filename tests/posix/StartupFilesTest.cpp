@@ -66,7 +66,7 @@ TEST_F(StartupFilesTest, readsRegularFilesUpToTheLimit) {
   EXPECT_EQ(files.read(path("none"), limit), std::nullopt);
 }
 
-TEST_F(StartupFilesTest, neverWaitsForAPeer) {
+TEST_F(StartupFilesTest, neverWaitsForTheOtherEndOfAFIFO) {
   tree.replaceByFIFO("fifo");
   tree.replaceByFolder("folder");
   for (const auto& name : {path("fifo"), path("folder"), std::string("/dev/zero"), std::string("/dev/null")})
@@ -87,7 +87,7 @@ TEST_F(StartupFilesTest, existsFollowsLinks) {
   EXPECT_EQ(files.linkTarget(path("none")), std::nullopt);
 }
 
-TEST_F(StartupFilesTest, whatTheUserMayNotSeeIsNotMissing) {
+TEST_F(StartupFilesTest, aFileThatTheUserMayNotSeeIsNotMissing) {
   tree.write("closed/a", "");
   EXPECT_FALSE(files.isMissing(path("closed/a")));
   EXPECT_TRUE(files.isMissing(path("closed/b")));
@@ -218,7 +218,7 @@ TEST_F(StartupFilesTest, createsOnlyWhatIsNotThere) {
   EXPECT_TRUE(files.create(path(std::string(255, 'n')), "text"));  // the longest name
 }
 
-TEST_F(StartupFilesTest, aProgramThatDiesWhileItCreatesAFileLeavesNoneAndIsNotInTheWay) {
+TEST_F(StartupFilesTest, aProgramKilledWhileCreatingAFileLeavesNoneAndBlocksNoLaterOne) {
   const pid_t child = fork();
   if (child == 0) {
     const rlimit none{0, 0}, twoBytes{2, 2};

@@ -16,7 +16,7 @@ TEST(TextBufferTest, textsAndNumbersFollowOneAnother) {
   EXPECT_EQ(text.text(), "18446744073709551615");
 }
 
-TEST(TextBufferTest, whatDoesNotFitIsCutOff) {
+TEST(TextBufferTest, textThatDoesNotFitIsCutOff) {
   FixedText<4> text;
   text.add("abc");
   EXPECT_FALSE(text.isFull());

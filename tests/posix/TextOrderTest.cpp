@@ -28,7 +28,7 @@ TEST_F(TextOrderTest, everyByteCounts) {
   EXPECT_NE(order.sortKey("\xFF"), order.sortKey(""));
 }
 
-TEST_F(TextOrderTest, aLocaleThatIsNotInstalledIsNoObstacle) {
+TEST_F(TextOrderTest, aMissingLocaleIsHarmless) {
   setenv("LC_ALL", "xx_YY.nothing", 1);
   const TextOrder order;
   EXPECT_LT(order.sortKey("Acme"), order.sortKey("box"));

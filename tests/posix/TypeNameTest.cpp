@@ -36,7 +36,7 @@ TEST(TypeNameTest, otherTypesAreAsTheCompilerWritesThem) {
   EXPECT_EQ(readable("St"), "St");
 }
 
-TEST(TypeNameTest, lengthsThatLieAreNoTrouble) {
+TEST(TypeNameTest, falseLengthsAreHarmless) {
   EXPECT_EQ(readable("9Foo"), "9Foo");
   EXPECT_EQ(readable("99999999999999999999Foo"), "99999999999999999999Foo");
   EXPECT_EQ(readable("0"), "0");

@@ -60,7 +60,7 @@ DesktopWindow windowOf(const std::string& instance, const std::string& wmClass) 
 
 const std::string slice = "0::/user.slice/user@1000.service/app.slice/";
 
-TEST_F(ApplicationMatcherTest, theSandboxSpeaksBeforeAnythingElse) {
+TEST_F(ApplicationMatcherTest, theSandboxCountsBeforeAnythingElse) {
   entry("org.example.Boxed", "boxed");
   entry("other", "other");
   program("bin/other");
@@ -114,7 +114,7 @@ TEST_F(ApplicationMatcherTest, aLaunchRecordMustBeTheProcesssOwnAndNameAnEntryOf
   EXPECT_EQ(match(10), "none");
 }
 
-TEST_F(ApplicationMatcherTest, windowsSpeakInTheOrderOfTheirWorth) {
+TEST_F(ApplicationMatcherTest, theMostReliablePropertyOfAWindowCounts) {
   entry("org.example.Gtk", "a");
   entry("org.kde.viewer", "b");
   entry("by-class", "c", "StartupWMClass=Special\n");
@@ -132,7 +132,7 @@ TEST_F(ApplicationMatcherTest, windowsSpeakInTheOrderOfTheirWorth) {
   EXPECT_EQ(match(10, {windowOf("", "")}), "none");
 }
 
-TEST_F(ApplicationMatcherTest, theExecutableIsTheLastWitness) {
+TEST_F(ApplicationMatcherTest, theExecutableCountsLast) {
   entry("viewer", "viewer");
   entry("script", "python3 " + (root / "opt/tool.py").string());
   program("bin/viewer");
@@ -188,7 +188,7 @@ TEST_F(ApplicationMatcherTest, aLaunchRecordMayNameAnEntryInASubfolder) {
   EXPECT_EQ(match(10), "vendor-tool");
 }
 
-TEST_F(ApplicationMatcherTest, windowsThatDisagreeBelongToTheProgramAsSuch) {
+TEST_F(ApplicationMatcherTest, windowsThatDisagreeLeadToTheEntryWithoutArguments) {
   program("bin/office");
   entry("writer", "office --writer %U", "StartupWMClass=office-writer\n");
   entry("calc", "office --calc %U", "StartupWMClass=office-calc\n");
@@ -245,7 +245,7 @@ TEST_F(ApplicationMatcherTest, aProgramReplacedByAnUpgradeKeepsItsEntry) {
   EXPECT_EQ(match(10), "viewer");
 }
 
-TEST_F(ApplicationMatcherTest, aProcessThatIsGoneIsNobodys) {
+TEST_F(ApplicationMatcherTest, anEndedProcessHasNoApplication) {
   EXPECT_EQ(match(4711), "none");
 }
 

@@ -36,7 +36,7 @@ struct ApplicationUnitsTest : testing::Test {
   PIDs started;
 };
 
-TEST_F(ApplicationUnitsTest, unitsThatAreThereAreReportedByTheirOldestProcess) {
+TEST_F(ApplicationUnitsTest, existingUnitsAreReportedByTheirOldestProcess) {
   process(10, 500);
   process(11, 400);
   process(12, 600);

@@ -5,7 +5,7 @@
 namespace vorli::linuxhost {
 namespace {
 
-TEST(BusNamesTest, anInstancesNumberIsNoPartOfTheApplicationsIdentifier) {
+TEST(BusNamesTest, anInstancesNumberIsRemovedFromTheApplicationsIdentifier) {
   EXPECT_EQ(BusNames::applicationIDOf("org.example.Editor"), "org.example.Editor");
   EXPECT_EQ(BusNames::applicationIDOf("org.example.Editor-1234"), "org.example.Editor");
   EXPECT_EQ(BusNames::applicationIDOf("org.example.text-editor"), "org.example.text-editor");

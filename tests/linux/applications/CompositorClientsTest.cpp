@@ -33,7 +33,7 @@ TEST_F(CompositorClientsTest, aSingleProcessIsAskedAbout) {
   EXPECT_EQ(compositorClients.isClient(-1), std::nullopt);  // there is no such process
 }
 
-TEST_F(CompositorClientsTest, clientsOfAnotherSocketAreNone) {
+TEST_F(CompositorClientsTest, clientsOfAnotherSocketDoNotCount) {
   start(Protocol::none);
   startClient();
   CompositorClients others(socket() + "1");

@@ -90,7 +90,7 @@ TEST_F(DesktopEntryIndexTest, anInterpretersScriptIsTheProgram) {
   EXPECT_EQ(idOf(entries.byProgram((root / "bin/python3.11").string())), "none");
 }
 
-TEST_F(DesktopEntryIndexTest, whatALauncherShowsCountsBeforeItsHandlerOfLinks) {
+TEST_F(DesktopEntryIndexTest, aVisibleEntryCountsBeforeItsHandlerOfLinks) {
   entry("system/a-handler.desktop", "code --open-url", "NoDisplay=true\nStartupWMClass=Code\n");
   entry("system/maker.code.desktop", "code", "StartupWMClass=Code\n");
   entry("system/z-handler.desktop", "code --other", "NoDisplay=true\nStartupWMClass=Code\n");
@@ -182,7 +182,7 @@ TEST_F(DesktopEntryIndexTest, anEntryIsFoundByItsFileHoweverDeep) {
   EXPECT_EQ(idOf(entries.byPath((root / "elsewhere/tool.desktop").string())), "none");
 }
 
-TEST_F(DesktopEntryIndexTest, theProgramAsSuchIsTheEntryWithoutArguments) {
+TEST_F(DesktopEntryIndexTest, aPlainProgramIsTheEntryWithoutArguments) {
   for (const char* name : {"bin/office", "bin/twins"}) program(name);
   entry("system/writer.desktop", "office --writer %U");
   entry("system/calc.desktop", "office --calc %U");
@@ -373,7 +373,7 @@ struct ChangingEntriesTest : DesktopEntryIndexTest {
   }
 };
 
-TEST_F(ChangingEntriesTest, aBurstOfChangesIsOneReading) {
+TEST_F(ChangingEntriesTest, aBurstOfChangesIsReadOnce) {
   DesktopEntryIndex entries(scheduler, places);
   EXPECT_EQ(readings(entries,
                      [&] {
@@ -388,7 +388,7 @@ TEST_F(ChangingEntriesTest, aBurstOfChangesIsOneReading) {
   EXPECT_EQ(entries.byID("f")->program, "changed");
 }
 
-TEST_F(ChangingEntriesTest, otherFilesOfTheFolderAreNoChange) {
+TEST_F(ChangingEntriesTest, otherFilesOfTheFolderAreIgnored) {
   DesktopEntryIndex entries(scheduler, places);
   EXPECT_EQ(readings(entries,
                      [&] {
@@ -405,7 +405,7 @@ TEST_F(ChangingEntriesTest, aFolderInsideIsFollowedToo) {
   EXPECT_NE(entries.byID("kde-viewer"), nullptr);
 }
 
-TEST_F(ChangingEntriesTest, aFolderThatComesLaterIsNoticedHoweverMuchOfItsPathIsMissing) {
+TEST_F(ChangingEntriesTest, aFolderCreatedLaterIsNoticedHoweverMuchOfItsPathIsMissing) {
   places.folders.push_back(root / "flatpak/exports/share/applications");
   DesktopEntryIndex entries(scheduler, places);
   EXPECT_EQ(readings(entries, [&] { std::ofstream(root / "something else") << "x"; }), 0);

@@ -21,11 +21,11 @@ struct EmbeddedIconOwnersTest : testing::Test {
   }
 };
 
-TEST_F(EmbeddedIconOwnersTest, anIconIsAnotherClientsWindowInsideOfOneOfTheTrays) {
+TEST_F(EmbeddedIconOwnersTest, iconsAreWindowsOfOtherClientsInsideATray) {
   EXPECT_EQ(guests({{icon, socket}, {otherIcon, tray}, {socket, tray}}, tray), (Windows{icon, otherIcon}));
 }
 
-TEST_F(EmbeddedIconOwnersTest, windowsThatMoveElsewhereAreNoIcons) {
+TEST_F(EmbeddedIconOwnersTest, windowsThatMoveElsewhereAreNotIcons) {
   EXPECT_EQ(guests({{icon, root}, {icon, frame}, {otherIcon, panel}, {tray, frame}}, tray), Windows{});
 }
 

@@ -6,7 +6,7 @@
 namespace vorli::linuxhost {
 namespace {
 
-TEST(InterpreterTest, isToldByItsWholeName) {
+TEST(InterpreterTest, isRecognisedByItsWholeName) {
   for (const char* program :
        {"/usr/bin/python3.11", "/bin/sh", "/usr/bin/bash", "/usr/bin/perl5.36",
         "/usr/lib/electron28/electron", "/usr/lib/jvm/java-17-openjdk-amd64/bin/java", "/usr/bin/gjs-console",
@@ -20,7 +20,7 @@ TEST(InterpreterTest, isToldByItsWholeName) {
   }
 }
 
-TEST(InterpreterTest, aShellIsAnInterpreterButALanguageIsNoShell) {
+TEST(InterpreterTest, everyShellIsAnInterpreterButNotTheReverse) {
   for (const char* program : {"/bin/sh", "/usr/bin/bash", "/usr/bin/dash", "/usr/bin/zsh5.9"}) {
     EXPECT_TRUE(isShell(program)) << program;
     EXPECT_TRUE(isInterpreter(program)) << program;
@@ -30,7 +30,7 @@ TEST(InterpreterTest, aShellIsAnInterpreterButALanguageIsNoShell) {
   }
 }
 
-TEST(InterpreterTest, theScriptIsTheFirstWordThatIsNoOption) {
+TEST(InterpreterTest, theScriptIsTheFirstWordThatIsNotAnOption) {
   const RecordedTree tree;
   tree.write("opt/tool.py", "");
   const auto tool = tree.path("opt/tool.py").string();

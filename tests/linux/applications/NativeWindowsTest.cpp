@@ -115,7 +115,7 @@ TEST_F(NativeWindowsTest, theCompositorIsReadFourTimesASecondAtMost) {
   EXPECT_EQ(scheduler.pendingTimers(), 0U);  // nothing wakes the program until the compositor speaks
 }
 
-TEST_F(NativeWindowsTest, aTitleThatChangesAllTheTimeIsNoChange) {
+TEST_F(NativeWindowsTest, aChangedTitleIsNotReported) {
   start(Protocol::plasma);
   auto& window = compositor->open({.appID = "terminal", .pid = 5});
   follow();
@@ -125,7 +125,7 @@ TEST_F(NativeWindowsTest, aTitleThatChangesAllTheTimeIsNoChange) {
   EXPECT_EQ(changes, 0);
 }
 
-TEST_F(NativeWindowsTest, theVeryWindowIsAskedToClose) {
+TEST_F(NativeWindowsTest, onlyTheGivenWindowIsAskedToClose) {
   for (const auto protocol : {Protocol::foreignToplevels, Protocol::plasma}) {
     start(protocol);
     compositor->open({.appID = "one", .pid = 5});

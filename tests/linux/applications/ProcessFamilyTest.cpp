@@ -99,14 +99,14 @@ TEST_F(ProcessFamilyTest, withWindowsOfItsOwnAnInterpretersProcessIsARelativeByI
   EXPECT_EQ(above(30, Kinship::script), 11);
 }
 
-TEST_F(ProcessFamilyTest, managersAndProcessesThatAreGoneHaveNoFamily) {
+TEST_F(ProcessFamilyTest, managersAndEndedProcessesHaveNoFamily) {
   line("/usr/lib/systemd/systemd", {10, 20});
   line("/usr/bin/dbus-daemon", {11, 21});
   applications = {1, 10, 11};
   for (const int pid : {20, 21, 10, 4711}) EXPECT_EQ(above(pid), 0) << pid;
 }
 
-TEST_F(ProcessFamilyTest, aLoopOfParentsEnds) {
+TEST_F(ProcessFamilyTest, aLoopOfParentsHasNoFamily) {
   process(10, 20, "/opt/a/a");
   process(20, 10, "/opt/a/a");
   EXPECT_EQ(above(10), 0);

@@ -27,7 +27,7 @@ TEST_F(ProgramPathsTest, aPathIsAskedOfTheKernelOnce) {
   EXPECT_EQ(find(7), "/usr/bin/seven");
 }
 
-TEST_F(ProgramPathsTest, thatThereIsNoneIsRememberedToo) {
+TEST_F(ProgramPathsTest, aMissingPathIsRememberedToo) {
   EXPECT_EQ(find(7), "none");
   tree.program(7, "/usr/bin/late");
   EXPECT_EQ(find(7), "none");
@@ -74,12 +74,12 @@ TEST_F(ProgramPathsTest, onlyLivingProcessesAreRemembered) {
   EXPECT_EQ(paths.size(), 0U);
 }
 
-TEST_F(ProgramPathsTest, theMarkOfAReplacedFileIsNoPartOfThePath) {
+TEST_F(ProgramPathsTest, theMarkOfAReplacedFileIsRemovedFromThePath) {
   tree.program(7, "/usr/bin/upgraded (deleted)");
   EXPECT_EQ(find(7), "/usr/bin/upgraded");
 }
 
-TEST_F(ProgramPathsTest, aFileThatIsReallyCalledSoKeepsItsName) {
+TEST_F(ProgramPathsTest, aFileWhoseNameEndsLikeTheMarkKeepsIt) {
   tree.write("usr/bin/odd (deleted)", "");
   tree.program(7, "/usr/bin/odd (deleted)");
   EXPECT_EQ(find(7), "/usr/bin/odd (deleted)");

@@ -164,7 +164,7 @@ TEST_F(WorkspaceTest, nothingWakesTheProgramWhileNobodyReadsTheList) {
   EXPECT_EQ(scheduler.pendingTimers(), 0U);
 }
 
-TEST_F(WorkspaceTest, whereTheCompositorTellsNothingAClientCannotBeAskedAndLives) {
+TEST_F(WorkspaceTest, withoutHelpOfTheCompositorAClientCannotBeAskedToQuit) {
   start(Protocol::none);
   const auto editor = startClient();
   follow();

@@ -69,7 +69,7 @@ bool findsAnything(const std::string& bytes) {
   return query.isFound;
 }
 
-TEST(FunctionNamesTest, filesThatAreNoneOrLieAreSearchedInVain) {
+TEST(FunctionNamesTest, missingAndDamagedFilesHaveNoFunctions) {
   Elf64_Ehdr header{};
   std::memcpy(header.e_ident, ELFMAG, SELFMAG);
   header.e_ident[EI_CLASS] = ELFCLASS64;

@@ -11,11 +11,11 @@ posix::FileDescriptor nameless() {
   return posix::FileDescriptor(::memfd_create("attributes", MFD_CLOEXEC));
 }
 
-TEST(FileAttributesTest, thereIsNothingToKeepOfAFileWithoutAttributes) {
+TEST(FileAttributesTest, aFileWithoutAttributesHasNothingToKeep) {
   EXPECT_TRUE(copyAttributes(nameless(), nameless()).has_value());
 }
 
-TEST(FileAttributesTest, attributesThatCannotBeListedAreNotTakenForNone) {
+TEST(FileAttributesTest, unreadableAttributesAreNotTakenForNone) {
   const posix::FileDescriptor closed;
   EXPECT_EQ(copyAttributes(closed, nameless()).error().code, EBADF);
   EXPECT_EQ(copyAttributes(nameless(), closed).error().code, EBADF);

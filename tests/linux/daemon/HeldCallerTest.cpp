@@ -56,7 +56,7 @@ class Child {
   bool hasEnded_ = false;
 };
 
-TEST(HeldCallerTest, aProcessOfTheUsersIsHeldUntilItEnds) {
+TEST(HeldCallerTest, aProcessOfTheUserIsHeldUntilItEnds) {
   Child child;
   const auto held = holdCaller(child.pid(), posix::FileDescriptor(), sessionUser());
   ASSERT_TRUE(held);
@@ -65,7 +65,7 @@ TEST(HeldCallerTest, aProcessOfTheUsersIsHeldUntilItEnds) {
   EXPECT_FALSE(held->isThere());
 }
 
-TEST(HeldCallerTest, theHandleOfTheBusIsWhatIsHeld) {
+TEST(HeldCallerTest, theHandleFromTheBusIsHeld) {
   Child child;
   const auto held = holdCaller(child.pid(), child.handle(), sessionUser());
   ASSERT_TRUE(held);
@@ -75,7 +75,7 @@ TEST(HeldCallerTest, theHandleOfTheBusIsWhatIsHeld) {
 }
 
 // Another process of the same user takes the part of the one that now has the pid of the ended process.
-TEST(HeldCallerTest, aCallerWhoseProcessHasEndedIsRefusedThoughItsNumberIsTaken) {
+TEST(HeldCallerTest, anEndedCallerIsRefusedThoughItsNumberIsReused) {
   Child connected, heir;
   auto handle = connected.handle();
   connected.end();
@@ -89,7 +89,7 @@ TEST(HeldCallerTest, anotherUsersProcessIsRefused) {
   EXPECT_FALSE(holdCaller(child.pid(), child.handle(), sessionUser() + 1));
 }
 
-TEST(HeldCallerTest, aNumberThatNobodyHasIsRefused) {
+TEST(HeldCallerTest, anUnusedProcessNumberIsRefused) {
   Child child;
   child.end();
   EXPECT_FALSE(holdCaller(child.pid(), posix::FileDescriptor(), sessionUser()));

@@ -26,7 +26,7 @@ struct HelperChannelTest : testing::Test {
   }
 };
 
-TEST_F(HelperChannelTest, aDyingDaemonIsToldInOneTurnOfTheMainLoop) {
+TEST_F(HelperChannelTest, aDyingDaemonIsReportedInOneTurnOfTheMainLoop) {
   channel.fail(request("purge"), "died", HelperChannel::Cause::daemonDied);
   EXPECT_EQ(told, Told{});
   EXPECT_EQ(scheduler.postedCount(), 1u);
@@ -34,7 +34,7 @@ TEST_F(HelperChannelTest, aDyingDaemonIsToldInOneTurnOfTheMainLoop) {
   EXPECT_EQ(told, (Told{"purge: died", "interrupted"}));
 }
 
-TEST_F(HelperChannelTest, theInterruptionIsToldOnceForAllThatTheDaemonLeaves) {
+TEST_F(HelperChannelTest, oneInterruptionIsReportedForEachDeathOfTheDaemon) {
   const auto purge = request("purge");
   const auto flush = request("flush");
   channel.fail(purge, "died", HelperChannel::Cause::daemonDied);
@@ -54,7 +54,7 @@ TEST_F(HelperChannelTest, aRequestThatWasNotDeliveredInterruptsNothing) {
   EXPECT_EQ(told, Told{"ping: refused"});
 }
 
-TEST_F(HelperChannelTest, theEndIsToldToEveryRequestAndLastToTheConnectionOnce) {
+TEST_F(HelperChannelTest, closingFailsEveryRequestAndThenReportsTheInvalidationOnce) {
   request("purge");
   const auto answered = request("ping");
   request("flush");
@@ -69,7 +69,7 @@ TEST_F(HelperChannelTest, theEndIsToldToEveryRequestAndLastToTheConnectionOnce) 
   EXPECT_EQ(told, (Told{"purge: gone", "flush: gone", "invalidated"}));
 }
 
-TEST_F(HelperChannelTest, whatEndedWithTheChannelIsNotToldAgain) {
+TEST_F(HelperChannelTest, aRequestThatEndedWithTheChannelIsNotReportedAgain) {
   const auto purge = request("purge");
   channel.close("gone");
   channel.fail(purge, "died", HelperChannel::Cause::daemonDied);

@@ -28,7 +28,7 @@ struct HelperFilesTest : testing::Test {
   std::filesystem::path folder;
 };
 
-TEST_F(HelperFilesTest, aDaemonThatTheScriptNeverInstalledIsNoOtherBuild) {
+TEST_F(HelperFilesTest, aDaemonThatTheScriptDidNotInstallIsNotAnotherBuild) {
   EXPECT_FALSE(files().bringsOtherThanInstalled());
 }
 
@@ -41,7 +41,7 @@ TEST_F(HelperFilesTest, theSameBuildIsRecognisedByItsContent) {
   EXPECT_TRUE(files().bringsOtherThanInstalled());
 }
 
-TEST_F(HelperFilesTest, withoutAScriptNothingIsBrought) {
+TEST_F(HelperFilesTest, withoutAScriptThereIsNoBuildToInstall) {
   program("installed", "build two");
   std::filesystem::remove(folder / "vorli-helper-install");
   EXPECT_FALSE(files().bringsOtherThanInstalled());

@@ -115,7 +115,7 @@ TEST_F(HelperInstallTest, withoutAnInstallerThereIsNothingToRegister) {
             "The background helper is not part of this installation.");
 }
 
-TEST_F(HelperInstallTest, aProgramThatAsksDoesNotInstall) {
+TEST_F(HelperInstallTest, onlyTheUserCanStartTheInstallation) {
   addInstaller();
   startClient();
   ASSERT_EQ(readStatus(), 3);
@@ -124,7 +124,7 @@ TEST_F(HelperInstallTest, aProgramThatAsksDoesNotInstall) {
   EXPECT_EQ(service().status(), 3);
 }
 
-TEST_F(HelperInstallTest, whileTheInstallerAsksApprovalIsRequiredAndThenTheTruthShows) {
+TEST_F(HelperInstallTest, approvalIsRequiredWhileTheInstallerAsks) {
   addInstaller();
   startClient();
   ASSERT_EQ(readStatus(), 3);
@@ -180,7 +180,7 @@ TEST_F(HelperInstallTest, withoutAWayToAskForThePasswordTheRegistrationFails) {
   waitUntil([&] { return manager().status.get() == InstallStatus::Case::notFound; });
 }
 
-TEST_F(HelperInstallTest, aDesktopWithoutAPasswordWindowIsToldFromARefusal) {
+TEST_F(HelperInstallTest, aMissingPasswordWindowIsDistinguishedFromARefusal) {
   addInstaller();
   startClient();
   ASSERT_EQ(readStatus(), 3);

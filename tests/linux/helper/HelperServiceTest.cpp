@@ -20,7 +20,7 @@ TEST_F(HelperServiceTest, withoutABusTheStatusIsUnknown) {
   EXPECT_EQ(service().status(), 100);
 }
 
-TEST_F(HelperServiceTest, aNameThatNobodyKnowsIsNotFound) {
+TEST_F(HelperServiceTest, anUnknownNameIsNotFound) {
   bus.start();
   startClient();
   EXPECT_EQ(readStatus(), 3);
@@ -76,7 +76,7 @@ TEST_F(HelperServiceTest, aRunningDaemonNeedsNoUnit) {
   EXPECT_EQ(readStatus(), 1);
 }
 
-TEST_F(HelperServiceTest, askingCostsTheMainThreadNothing) {
+TEST_F(HelperServiceTest, askingDoesNotBlockTheMainThread) {
   startWithPolkit();
   std::vector<double> costs, times;
   for (int i = 0; i < 101; ++i) {
@@ -109,7 +109,7 @@ TEST_F(HelperServiceTest, aStoppedBusLeavesTheLastKnownStatusAndAnswersLater) {
   waitUntil([&] { return answer == 1; });
 }
 
-TEST_F(HelperServiceTest, aNewlyInstalledDaemonIsToldWithoutBeingAsked) {
+TEST_F(HelperServiceTest, aNewlyInstalledDaemonIsReportedUnasked) {
   bus.start();
   startClient();
   bus.startAuthority("polkit");
@@ -122,7 +122,7 @@ TEST_F(HelperServiceTest, aNewlyInstalledDaemonIsToldWithoutBeingAsked) {
   waitUntil([&] { return manager().status.get() == InstallStatus::Case::notFound; });
 }
 
-TEST_F(HelperServiceTest, changedRulesAreToldWithoutBeingAsked) {
+TEST_F(HelperServiceTest, changedRulesAreReportedUnasked) {
   startWithPolkit();
   manager().refreshStatus();
   waitUntil([&] { return manager().status.get() == InstallStatus::Case::enabled; });
@@ -131,7 +131,7 @@ TEST_F(HelperServiceTest, changedRulesAreToldWithoutBeingAsked) {
   waitUntil([&] { return manager().status.get() == InstallStatus::Case::requiresApproval; });
 }
 
-TEST_F(HelperServiceTest, aLostBusIsToldWithoutBeingAsked) {
+TEST_F(HelperServiceTest, aLostBusIsReportedUnasked) {
   startWithPolkit();
   manager().refreshStatus();
   waitUntil([&] { return manager().status.get() == InstallStatus::Case::enabled; });
@@ -139,7 +139,7 @@ TEST_F(HelperServiceTest, aLostBusIsToldWithoutBeingAsked) {
   waitUntil([&] { return manager().status.get() == InstallStatus::unknown(100); });
 }
 
-TEST_F(HelperServiceTest, aBusThatComesBackIsToldWithoutBeingAsked) {
+TEST_F(HelperServiceTest, aRestartedBusIsReportedUnasked) {
   startWithPolkit();
   manager().refreshStatus();
   waitUntil([&] { return manager().status.get() == InstallStatus::Case::enabled; });
@@ -173,7 +173,7 @@ TEST_F(HelperServiceTest, aHealthyDaemonIsShownAndNoPasswordIsAskedForStartupIte
   EXPECT_EQ(manager().lastError.get(), std::nullopt);
 }
 
-TEST_F(HelperServiceTest, aReinstallOfADeadDaemonAsksForNoPasswordThatMendsNothing) {
+TEST_F(HelperServiceTest, aReinstallOfADeadDaemonAsksForNoUselessPassword) {
   startWithPolkit();
   bus.setAuthority("purge-memory yes\nmove-startup-item challenge\n");
   ASSERT_TRUE(ping());
@@ -230,7 +230,7 @@ TEST_F(HelperServiceTest, withoutABusARegistrationSaysSo) {
   EXPECT_EQ(manager().lastError.get(), "Couldn't set up the helper. The system bus cannot be reached.");
 }
 
-TEST_F(HelperServiceTest, aQuestionThatTheBusRefusesIsDoubtAndNotAbsence) {
+TEST_F(HelperServiceTest, aDaemonMayExistThoughTheBusRefusesToSaySo) {
   bus.installScriptedHelper();
   bus.refuse("ListActivatableNames");
   bus.start();
@@ -272,7 +272,7 @@ TEST_F(HelperServiceTest, aProgramThatAsksNeverPrompts) {
   expectNothingDisturbed();
 }
 
-TEST_F(HelperServiceTest, whereNoPasswordWouldHelpTheOwnPageComesUp) {
+TEST_F(HelperServiceTest, theOwnPageAppearsWhereNoPasswordWouldHelp) {
   startWithPolkit();
   // Nothing is missing; refused with any password; no agent to ask.
   for (const char* conduct :
@@ -284,7 +284,7 @@ TEST_F(HelperServiceTest, whereNoPasswordWouldHelpTheOwnPageComesUp) {
   }
 }
 
-TEST_F(HelperServiceTest, withoutADaemonTheOwnPageComesUp) {
+TEST_F(HelperServiceTest, theOwnPageAppearsWithoutADaemon) {
   bus.start();
   startClient();
   bus.startAuthority("polkit");
@@ -294,7 +294,7 @@ TEST_F(HelperServiceTest, withoutADaemonTheOwnPageComesUp) {
   EXPECT_EQ(prompts(), 0);
 }
 
-TEST_F(HelperServiceTest, aPasswordThatNobodyAsksForIsSaidUntilTheNextAttempt) {
+TEST_F(HelperServiceTest, aMissingPasswordWindowIsReportedUntilTheNextAttempt) {
   startWithPolkit();
   bus.setAuthority("purge-memory challenge\npurge-memory_prompt challenge\n");
   manager().openLoginItems();
@@ -307,7 +307,7 @@ TEST_F(HelperServiceTest, aPasswordThatNobodyAsksForIsSaidUntilTheNextAttempt) {
   EXPECT_FALSE(manager().lacksPrompt.get());
 }
 
-TEST_F(HelperServiceTest, whatARequestFindsIsNewerThanTheLastReading) {
+TEST_F(HelperServiceTest, theResultOfARequestReplacesTheLastReading) {
   startWithPolkit();
   ASSERT_EQ(readSettledStatus(), 1);
   bus.setAuthority("purge-memory challenge\npurge-memory_prompt challenge\n");
@@ -340,7 +340,7 @@ TEST_F(HelperServiceTest, thePageThatARequestShowsKnowsWhatTheRequestFound) {
   EXPECT_EQ(manager().lastError.get(), std::nullopt);
 }
 
-TEST_F(HelperServiceTest, aRequestThatFindsNothingMissingEndsAnErrorOfBefore) {
+TEST_F(HelperServiceTest, aRequestThatFindsNothingMissingClearsAnEarlierError) {
   bus.setHelper("purge_ms -1\n");
   startWithPolkit();
   ASSERT_EQ(readSettledStatus(), 1);
@@ -355,7 +355,7 @@ TEST_F(HelperServiceTest, aRequestThatFindsNothingMissingEndsAnErrorOfBefore) {
   EXPECT_EQ(manager().lastError.get(), std::nullopt);
 }
 
-TEST_F(HelperServiceTest, aDismissedPromptIsTheEndOfIt) {
+TEST_F(HelperServiceTest, nothingFollowsADismissedPrompt) {
   startWithPolkit();
   bus.setAuthority("purge-memory challenge\npurge-memory_prompt dismissed\n");
   for (int click = 1; click <= 2; ++click) {
@@ -392,7 +392,7 @@ TEST_F(HelperServiceTest, aClickDuringAReadingIsJudgedByTheNextOne) {
   EXPECT_EQ(std::count(questions.begin(), prompt, "system-bus-name purge-memory"), before + 2);
 }
 
-TEST_F(HelperServiceTest, consentForStartupItemsIsPolkitsAndDoubtLeavesItToTheDaemon) {
+TEST_F(HelperServiceTest, polkitDecidesOnConsentForStartupItemsAndDoubtCountsAsGranted) {
   startInstalled();
   startClient();
   EXPECT_EQ(readConsent(), Consent::granted);

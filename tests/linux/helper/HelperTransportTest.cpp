@@ -50,7 +50,7 @@ TEST_F(HelperTransportTest, everyCallReachesTheDaemonAndComesBack) {
   EXPECT_EQ(log.count("Opening new XPC connection to com.kv.vorli.helper (service status: <private>)"), 1);
 }
 
-TEST_F(HelperTransportTest, aSlowPurgeHoldsUpNoPing) {
+TEST_F(HelperTransportTest, aSlowPurgeDoesNotDelayAPing) {
   bus.setHelper("purge_ms 6000\n");
   startOnScriptedHelper();
   const auto purge = start(manager().purgeMemory());
@@ -68,7 +68,7 @@ TEST_F(HelperTransportTest, theVeryFirstCallIsNotRefused) {
   EXPECT_EQ(first->value, (HelperReply{0, "done"}));
 }
 
-TEST_F(HelperTransportTest, aDaemonKilledDuringAPurgeIsToldAndComesBackAndThePurgeEndsAtItsLimit) {
+TEST_F(HelperTransportTest, aDaemonKilledDuringAPurgeIsReportedAndRestartedAndThePurgeEndsAtItsLimit) {
   bus.setHelper("purge_ms -1\n");
   startOnScriptedHelper();
   const double begun = client->scheduler.now();
@@ -133,7 +133,7 @@ TEST_F(HelperTransportTest, repliesAroundTheLimitLeaveOneResumeAndAreNeverEarly)
   }
 }
 
-TEST_F(HelperTransportTest, aReplyOfAnotherShapeIsAFailureAndNoReply) {
+TEST_F(HelperTransportTest, aReplyOfAnotherTypeIsAnError) {
   bus.setHelper("version_is_a_number 1\n");
   startOnScriptedHelper();
   const double begun = client->scheduler.now();
@@ -151,7 +151,7 @@ TEST_F(HelperTransportTest, aReplyOfAnotherShapeIsAFailureAndNoReply) {
   EXPECT_EQ(resultOf(manager().versionWithTimeout(20.0)), "1.2.3");
 }
 
-TEST_F(HelperTransportTest, aHugeReplyHoldsUpNothing) {
+TEST_F(HelperTransportTest, aHugeReplyDelaysNothing) {
 #if defined(__SANITIZE_THREAD__)
   constexpr int bytes = 3'000'000;  // each byte takes a hundred times as long there
 #else
@@ -204,7 +204,7 @@ TEST_F(HelperTransportTest, withoutABusCallsReturnAtOnce) {
   EXPECT_LT(client->scheduler.now() - begun, loadSeconds);
 }
 
-TEST_F(HelperTransportTest, aBusThatComesLaterIsFound) {
+TEST_F(HelperTransportTest, aBusThatStartsLaterIsFound) {
   startClient();
   waitForStatus(100);
   bus.installScriptedHelper();
@@ -216,7 +216,7 @@ TEST_F(HelperTransportTest, aBusThatComesLaterIsFound) {
   EXPECT_TRUE(ping());
 }
 
-TEST_F(HelperTransportTest, aBusKilledDuringAFlushIsToldAndTheFlushEndsAtItsLimit) {
+TEST_F(HelperTransportTest, aBusKilledDuringAFlushIsReportedAndTheFlushEndsAtItsLimit) {
   bus.setHelper("flush_ms -1\n");
   startOnScriptedHelper();
   const double begun = client->scheduler.now();
@@ -253,7 +253,7 @@ TEST_F(HelperTransportTest, aStoppedBusDelaysNothingButItsOwnAnswers) {
   EXPECT_TRUE(ping());
 }
 
-TEST_F(HelperTransportTest, aBusThatNeverAnswersTheGreetingHoldsUpNobodyNotEvenTheEnd) {
+TEST_F(HelperTransportTest, aBusThatNeverAnswersTheGreetingDelaysNothingNotEvenTheEnd) {
   bus.installScriptedHelper();
   bus.start();
   bus.daemon().stop();
@@ -285,7 +285,7 @@ TEST_F(HelperTransportTest, theProgramEndsAtOnceWhileTheBusHangs) {
 }
 
 // It releases its name first and answers the pending calls. This is no death, although the name has no owner.
-TEST_F(HelperTransportTest, aDaemonThatGoesIdleUnderACallIsNoInterruption) {
+TEST_F(HelperTransportTest, aDaemonThatGoesIdleDuringACallCausesNoInterruption) {
   bus.setHelper("purge_ms 300\nrelease_on_purge 1\n");
   startOnScriptedHelper();
   EXPECT_EQ(resultOf(manager().purgeMemory()), (HelperReply{0, "done"}));

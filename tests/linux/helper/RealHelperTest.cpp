@@ -81,7 +81,7 @@ TEST_F(RealHelperTest, aKilledDaemonIsBackForTheNextCall) {
 }
 
 // The bus passes on sixteen descriptors with any message; the daemon may have only a few open.
-TEST_F(RealHelperTest, aCallThatBringsOpenFilesDoesNotReachTheDaemon) {
+TEST_F(RealHelperTest, aCallWithOpenFilesDoesNotReachTheDaemon) {
   const auto connection = sdbus::createSystemBusConnection();
   const auto helper = linuxhost::bus::proxy(*connection, "com.kv.vorli.helper", "/com/kv/vorli/helper");
   const auto errorOf = [&](const char* interface, const char* method) -> std::string {

@@ -88,7 +88,7 @@ TEST_F(StartupBusesTest, masksAndUnmasksByTheServiceManagerWhichMayAskTheUser) {
   EXPECT_TRUE(service.mayAsk);
 }
 
-TEST_F(StartupBusesTest, tellsARefusalFromAFailure) {
+TEST_F(StartupBusesTest, distinguishesARefusalFromAFailure) {
   serve("org.freedesktop.systemd1");
   for (const char* name : {"org.freedesktop.DBus.Error.AccessDenied",
                            "org.freedesktop.DBus.Error.InteractiveAuthorizationRequired"}) {
@@ -112,7 +112,7 @@ TEST_F(StartupBusesTest, withoutASystemBusNothingIsMasked) {
   EXPECT_EQ(reply, ports::UnitReply::unavailable);
 }
 
-TEST_F(StartupBusesTest, aSystemBusThatHangsHoldsUpNobody) {
+TEST_F(StartupBusesTest, aHangingSystemBusDelaysNobody) {
   const auto path = (bus.folder() / "silent").string();
   const posix::FileDescriptor silent(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
   sockaddr_un place{};

@@ -29,7 +29,7 @@ TEST(CPUCountersTest, ticksWrapAroundAt32Bits) {
             (ports::CPUTicks{.user = 4294967290, .system = 2, .idle = 6, .nice = 0}));
 }
 
-TEST(CPUCountersTest, anIdleCounterThatRunsBackStandsStillAndThenGoesOn) {
+TEST(CPUCountersTest, anIdleCounterThatRunsBackStopsAndThenContinues) {
   const RecordedTree tree;
   CPUCounters counters(tree.root());
   const auto idleAfter = [&](const char* line) {
@@ -60,7 +60,7 @@ TEST(CPUCountersTest, anOldKernelsFourFieldsAreEnough) {
             (ports::CPUTicks{.user = 100, .system = 50, .idle = 1000, .nice = 0}));
 }
 
-TEST(CPUCountersTest, loadAndProcessors) {
+TEST(CPUCountersTest, readsTheLoadAndTheProcessors) {
   const RecordedTree tree("laptop");
   CPUCounters counters(tree.root());
   EXPECT_EQ(loadAverages(counters), (std::array{0.52, 0.61, 0.7}));
@@ -79,7 +79,7 @@ TEST(CPUCountersTest, hostileContentsGiveNothing) {
   EXPECT_EQ(counters.processorCount(), 0);
 }
 
-TEST(CPUCountersTest, absentFilesAreFoundWhenTheyCome) {
+TEST(CPUCountersTest, missingFilesAreFoundWhenTheyAppear) {
   const RecordedTree tree;
   CPUCounters counters(tree.root());
   EXPECT_FALSE(counters.readTicks());

@@ -10,7 +10,7 @@ std::uint64_t pagesOfKibibytes(std::uint64_t kibibytes) {
   return kibibytes * 1024 / pageBytes;
 }
 
-TEST(MemoryCountersTest, pageCountsOfALaptop) {
+TEST(MemoryCountersTest, readsThePageCountsOfALaptop) {
   const RecordedTree tree("laptop");
   MemoryCounters counters(tree.root());
   EXPECT_EQ(counters.pageSizeBytes(), pageBytes);
@@ -32,7 +32,7 @@ TEST(MemoryCountersTest, pageCountsOfALaptop) {
   EXPECT_EQ(counters.readSwapUsage(), (ports::SwapUsage{(8388604U - 8126460ULL) * 1024, 8388604ULL * 1024}));
 }
 
-TEST(MemoryCountersTest, pressureIsHandedOnUnjudged) {
+TEST(MemoryCountersTest, pressureIsReturnedUnjudged) {
   const RecordedTree tree("laptop");
   const auto pressure = MemoryCounters(tree.root()).readPressure();
   EXPECT_FALSE(pressure.kernelLevel);
@@ -42,7 +42,7 @@ TEST(MemoryCountersTest, pressureIsHandedOnUnjudged) {
   EXPECT_EQ(pressure.totalBytes, 16242340ULL * 1024);
 }
 
-TEST(MemoryCountersTest, aLongTableIsReadBehindItsFirstPage) {
+TEST(MemoryCountersTest, aLongTableIsReadBeyondItsFirstPage) {
   const RecordedTree tree("server");
   const auto statistics = MemoryCounters(tree.root()).readStatistics();
   ASSERT_TRUE(statistics);
@@ -65,7 +65,7 @@ TEST(MemoryCountersTest, anOldKernelWithoutPressureAndAvailableMemoryStillCounts
   EXPECT_EQ(pressure.totalBytes, 1018332ULL * 1024);
 }
 
-TEST(MemoryCountersTest, swapOnZramIsCompressionAndNoSwap) {
+TEST(MemoryCountersTest, swapOnZramCountsAsCompression) {
   const RecordedTree tree("zram");
   MemoryCounters counters(tree.root());
   auto statistics = counters.readStatistics();
@@ -99,7 +99,7 @@ TEST(MemoryCountersTest, zswapHasCountersOfItsOwn) {
   EXPECT_EQ(statistics->swapouts, 900U);
 }
 
-TEST(MemoryCountersTest, aReadingTakesOneLookAndTheNextReadingAnother) {
+TEST(MemoryCountersTest, theFilesAreReadOncePerReading) {
   const RecordedTree tree("no-psi");
   MemoryCounters counters(tree.root());
   ASSERT_TRUE(counters.readStatistics());
@@ -136,7 +136,7 @@ TEST(MemoryCountersTest, hostileCountersBesideGoodMemoryCountAsZero) {
   EXPECT_EQ(statistics->decompressions, 0U);
 }
 
-TEST(MemoryCountersTest, withoutItsCountersAReadingFailsAndTheNextOneIsWholeAgain) {
+TEST(MemoryCountersTest, aReadingWithoutItsCountersFailsAndTheNextOneIsComplete) {
   const RecordedTree tree("laptop");
   const std::string counted = "pgpgin 10\npswpin 1024\npswpout 65536\n";
   tree.write("proc/vmstat", counted);
@@ -169,7 +169,7 @@ TEST(MemoryCountersTest, aMachineWithoutAnyOfTheFilesGivesNothing) {
   EXPECT_EQ(counters.physicalMemoryBytes(), 0U);
 }
 
-TEST(MemoryCountersTest, aFIFOOrAFolderInAFilesPlaceGivesNothing) {
+TEST(MemoryCountersTest, aFIFOOrAFolderInPlaceOfAFileGivesNothing) {
   const RecordedTree tree("laptop");
   tree.replaceByFIFO("proc/meminfo");
   tree.replaceByFolder("proc/pressure/memory");

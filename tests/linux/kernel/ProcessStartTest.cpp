@@ -11,7 +11,7 @@ std::string line(const std::string& name) {
          ") S 7 42 42 0 -1 4194560 1 0 0 0 5 6 0 0 20 0 1 0 123456 1000 10 18446744073709551615\n";
 }
 
-TEST(ProcessStartTest, readsBehindTheNameWhateverItHolds) {
+TEST(ProcessStartTest, readsTheFieldsAfterAnyName) {
   for (const std::string name : {"plain", "with blank", "a) b", ") S 1 (", "line\nbreak", "\xff\xfe", ""}) {
     const auto start = parseProcessStart(line(name));
     ASSERT_TRUE(start) << name;
@@ -20,7 +20,7 @@ TEST(ProcessStartTest, readsBehindTheNameWhateverItHolds) {
   }
 }
 
-TEST(ProcessStartTest, aLineThatIsCutShortIsNone) {
+TEST(ProcessStartTest, aTruncatedLineIsRefused) {
   const auto whole = line("x");
   for (std::size_t length = 0; length < whole.find("123456"); ++length) {
     EXPECT_FALSE(parseProcessStart(whole.substr(0, length))) << length;

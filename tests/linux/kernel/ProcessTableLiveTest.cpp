@@ -89,7 +89,7 @@ struct ProcessTableLiveTest : testing::Test {
   ProcessTable table{calendar};
 };
 
-TEST_F(ProcessTableLiveTest, ourOwnRowIsRight) {
+TEST_F(ProcessTableLiveTest, theRowOfThisProcessIsRight) {
   const auto pids = listedPIDs(table);
   const std::int32_t own = getpid();
   ASSERT_TRUE(std::ranges::count(pids, own) == 1);
@@ -127,7 +127,7 @@ TEST_F(ProcessTableLiveTest, aChildThatBurnsProcessorTimeGainsTicks) {
   EXPECT_GE(nanoseconds, 80'000'000U);
 }
 
-TEST_F(ProcessTableLiveTest, aChildThatEndedIsGoneFromTheKeptFilesToo) {
+TEST_F(ProcessTableLiveTest, anEndedChildIsNotReadFromItsKeptFile) {
   std::int32_t pid = 0;
   {
     const BurningChild child;

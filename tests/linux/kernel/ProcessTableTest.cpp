@@ -118,7 +118,7 @@ TEST_F(ProcessTableTest, withoutAProcFolderTheListingFailsAndComesBackWithIt) {
   EXPECT_EQ(listedPIDs(table), PIDs{1});
 }
 
-TEST_F(ProcessTableTest, namesOfAnyBytesAreHandedOn) {
+TEST_F(ProcessTableTest, namesOfAnyBytesAreReturnedUnchanged) {
   const std::string names[] = {"Web Content (2)", "a b", "two\nlines", "\xff\xfe\x80",
                                ") S 1 2 (",       "",    "ends)",      std::string(63, 'w')};
   std::int32_t pid = 100;
@@ -198,7 +198,7 @@ TEST_F(ProcessTableTest, theLargestSizeStaysWithin64Bits) {
   EXPECT_EQ(usage.residentBytes / pageBytes, 140737488355327U);
 }
 
-TEST_F(ProcessTableTest, startTimesFollowTheCalendarWhenItIsSetAndStandStillOtherwise) {
+TEST_F(ProcessTableTest, startTimesFollowTheCalendarWhenItIsSetAndAreConstantOtherwise) {
   tree.process(7, "seven", {.startTicks = 500 * ticksPerSecond});
   listedPIDs(table);
   EXPECT_EQ(identity(7).startSeconds, 1'700'000'000 - 1000 + 500);

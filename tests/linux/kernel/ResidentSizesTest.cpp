@@ -32,7 +32,7 @@ TEST_F(ResidentSizesTest, aFileIsKeptAsLongAsEveryPassAsksForIt) {
   EXPECT_EQ(read(7), 5U);
 }
 
-TEST_F(ResidentSizesTest, unreadableOnesAreNotKept) {
+TEST_F(ResidentSizesTest, unreadableFilesAreNotKept) {
   statm(7, "nonsense");
   tree.replaceByFIFO("proc/8/statm");
   tree.replaceByFolder("proc/9/statm");
@@ -40,7 +40,7 @@ TEST_F(ResidentSizesTest, unreadableOnesAreNotKept) {
   EXPECT_EQ(sizes.keptCount(), 0U);
 }
 
-TEST_F(ResidentSizesTest, noMoreThanSoManyFilesAreKeptAndTheRestIsReadAllTheSame) {
+TEST_F(ResidentSizesTest, theNumberOfKeptFilesIsLimitedAndTheOthersAreStillRead) {
   const auto most = static_cast<std::int32_t>(ResidentSizes::mostKept);
   for (std::int32_t pid = 1; pid <= most + 5; ++pid) {
     statm(pid, "900 " + std::to_string(pid) + " 1");

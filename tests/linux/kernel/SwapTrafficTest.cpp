@@ -13,7 +13,7 @@ TEST(SwapTrafficTest, withoutZramEverythingWentToDisks) {
   EXPECT_EQ(traffic.onZram(), (PageTraffic{}));
 }
 
-TEST(SwapTrafficTest, zramsPartIsTakenOutOfTheWhole) {
+TEST(SwapTrafficTest, theShareOfZramIsSubtracted) {
   SwapTraffic traffic;
   traffic.add({100, 200}, {{0, {60, 150}}, {1, {10, 20}}});
   EXPECT_EQ(traffic.onDisks(), (PageTraffic{30, 30}));
@@ -32,7 +32,7 @@ TEST(SwapTrafficTest, aDeviceReadSomePagesLaterNeverMakesTheDisksRunBackwards) {
   EXPECT_EQ(traffic.onDisks(), (PageTraffic{3, 0}));
 }
 
-TEST(SwapTrafficTest, aDeviceThatWentAwayLeavesNoJump) {
+TEST(SwapTrafficTest, aRemovedDeviceCausesNoJump) {
   SwapTraffic traffic;
   traffic.add({5000, 5000}, {{0, {5000, 5000}}});
   traffic.add({5001, 5002}, {});
@@ -40,7 +40,7 @@ TEST(SwapTrafficTest, aDeviceThatWentAwayLeavesNoJump) {
   EXPECT_EQ(traffic.onZram(), (PageTraffic{5000, 5000}));
 }
 
-TEST(SwapTrafficTest, aDeviceThatCameStartsFromWhatItHas) {
+TEST(SwapTrafficTest, aNewDeviceStartsFromItsPresentCounts) {
   SwapTraffic traffic;
   traffic.add({10, 10}, {});
   traffic.add({10, 10}, {{0, {700, 700}}});
@@ -50,7 +50,7 @@ TEST(SwapTrafficTest, aDeviceThatCameStartsFromWhatItHas) {
   EXPECT_EQ(traffic.onDisks(), (PageTraffic{10, 10}));
 }
 
-TEST(SwapTrafficTest, aDeviceMadeAnewCountsFromNothing) {
+TEST(SwapTrafficTest, aRecreatedDeviceCountsFromZero) {
   SwapTraffic traffic;
   traffic.add({900, 900}, {{0, {900, 900}}});
   traffic.add({905, 906}, {{0, {5, 6}}});

@@ -71,7 +71,7 @@ TEST_F(SystemMonitorLiveTest, realProcessesAreReadInTheBackgroundAndPublishedOnT
   }
 }
 
-TEST_F(SystemMonitorLiveTest, refreshesBetweenTheTimersTicksLoseNone) {
+TEST_F(SystemMonitorLiveTest, refreshesBetweenTheTimersTicksLoseNoTick) {
   int ticks = 0;
   const auto seen = monitor.lastUpdate.subscribeToChanges([&](Date) { ++ticks; });
   monitor.refresh();

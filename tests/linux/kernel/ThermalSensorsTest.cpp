@@ -10,7 +10,7 @@ using Zones = std::vector<ports::ThermalZone>;
 
 constexpr auto none = std::nullopt;
 
-TEST(ThermalSensorsTest, zonesOfALaptopWithTheirTripPoints) {
+TEST(ThermalSensorsTest, readsTheZonesOfALaptopWithTheirTripPoints) {
   const RecordedTree tree("laptop");
   const auto reading = ThermalSensors(tree.root()).readThermal();
   EXPECT_FALSE(reading.systemState);
@@ -19,7 +19,7 @@ TEST(ThermalSensorsTest, zonesOfALaptopWithTheirTripPoints) {
             (Zones{{47000, 95000, 99000, 105000}, {52000, 86000, none, none}, {-5000, none, none, 115000}}));
 }
 
-TEST(ThermalSensorsTest, temperaturesAreReadEachTimeAndAZoneMayFallSilent) {
+TEST(ThermalSensorsTest, temperaturesAreReadEachTimeAndAZoneMayStopReporting) {
   const RecordedTree tree("laptop");
   ThermalSensors sensors(tree.root());
   sensors.readThermal();
@@ -49,7 +49,7 @@ TEST(ThermalSensorsTest, hostileZonesAreLeftOutAndHostileTripPointsIgnored) {
   EXPECT_EQ(ThermalSensors(tree.root()).readThermal().zones, (Zones{{40000, none, 80000, none}}));
 }
 
-TEST(ThermalSensorsTest, aFIFOOrAFolderInAFilesPlaceIsNoZone) {
+TEST(ThermalSensorsTest, aFIFOOrAFolderInPlaceOfAFileIsNoZone) {
   const RecordedTree tree("laptop");
   tree.replaceByFIFO("sys/class/thermal/thermal_zone0/temp");
   tree.replaceByFolder("sys/class/thermal/thermal_zone1/temp");

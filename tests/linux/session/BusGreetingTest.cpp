@@ -67,7 +67,7 @@ struct BusGreetingTest : testing::Test {
   std::string folder, heard;
 };
 
-TEST_F(BusGreetingTest, aBusThatAnswersIsThere) {
+TEST_F(BusGreetingTest, aBusThatAnswersIsReachable) {
   {
     const Listener bus(folder + "/bus", answering("OK 1234\r\n"));
     EXPECT_TRUE(greetsBack("unix:path=" + folder + "/bus,guid=1234", ample));
@@ -77,7 +77,7 @@ TEST_F(BusGreetingTest, aBusThatAnswersIsThere) {
   EXPECT_EQ(heard, std::string(1, '\0') + "AUTH EXTERNAL " + uid + "\r\n");
 }
 
-TEST_F(BusGreetingTest, oneThatSaysNoOrHangsUpIsLeftToTheLibraries) {
+TEST_F(BusGreetingTest, aBusThatRefusesOrHangsUpIsLeftToTheLibraries) {
   {
     const Listener bus(folder + "/no", answering("REJECTED EXTERNAL\r\n"));
     EXPECT_TRUE(greetsBack("unix:path=" + folder + "/no", ample));
@@ -86,7 +86,7 @@ TEST_F(BusGreetingTest, oneThatSaysNoOrHangsUpIsLeftToTheLibraries) {
   EXPECT_TRUE(greetsBack("unix:path=" + folder + "/up", ample));
 }
 
-TEST_F(BusGreetingTest, oneThatKeepsSilentIsNot) {
+TEST_F(BusGreetingTest, aSilentBusIsUnreachable) {
   const Listener bus(folder + "/bus");
   EXPECT_FALSE(greetsBack("unix:path=" + folder + "/bus", brief));
   // The queue is full now, so the next connection is not even accepted.
@@ -94,7 +94,7 @@ TEST_F(BusGreetingTest, oneThatKeepsSilentIsNot) {
   EXPECT_FALSE(greetsBack("unix:guid=1,path=" + folder + "/bus", brief));
 }
 
-TEST_F(BusGreetingTest, namesOutsideOfTheFileSystemAndEscapedOnesAreUnderstood) {
+TEST_F(BusGreetingTest, abstractAndEscapedNamesAreUnderstood) {
   const std::string name = "vorli-bus-" + std::to_string(getpid());
   const Listener silent('\0' + name);
   EXPECT_FALSE(greetsBack("unix:abstract=" + name, brief));
@@ -102,7 +102,7 @@ TEST_F(BusGreetingTest, namesOutsideOfTheFileSystemAndEscapedOnesAreUnderstood) 
   EXPECT_FALSE(greetsBack("unix:path=" + folder + "/a%20bus", brief));
 }
 
-TEST_F(BusGreetingTest, whatIsNoLocalSocketIsLeftToTheLibraries) {
+TEST_F(BusGreetingTest, otherAddressesAreLeftToTheLibraries) {
   for (const auto& address :
        {std::string(), std::string("unix:path=/nonexistent"), "unix:path=" + folder,
         std::string("autolaunch:"), std::string("tcp:host=localhost,port=1"), std::string("unix:path=%zz"),
@@ -112,7 +112,7 @@ TEST_F(BusGreetingTest, whatIsNoLocalSocketIsLeftToTheLibraries) {
   }
 }
 
-TEST_F(BusGreetingTest, theAddressIsTheSessionsOrTheRuntimeFolders) {
+TEST_F(BusGreetingTest, theAddressIsFromTheSessionOrInTheRuntimeFolder) {
   const auto address = qgetenv("DBUS_SESSION_BUS_ADDRESS"), runtime = qgetenv("XDG_RUNTIME_DIR");
   qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/a");
   qputenv("XDG_RUNTIME_DIR", "/run/user/7");

@@ -164,7 +164,7 @@ TEST_F(DesktopShellTest, aPanelThatStaysAwayIsStartedAgainAsItWas) {
   EXPECT_THAT(again[0].environment, testing::UnorderedElementsAre("DISPLAY=" + ownDisplay, "COLOUR=blue"));
 }
 
-TEST_F(DesktopShellTest, aPanelWhoseFolderIsGoneIsStartedAgainAllTheSame) {
+TEST_F(DesktopShellTest, aPanelWhoseFolderIsGoneIsStillStartedAgain) {
   workFolder = folder / "work";
   fs::create_directory(workFolder);
   const pid_t panel = run("plank");
@@ -200,7 +200,7 @@ TEST_F(DesktopShellTest, aPanelThatDoesNotEndIsLeftAlone) {
   EXPECT_EQ(running().size(), 1U);
 }
 
-TEST_F(DesktopShellTest, aPanelThatHasACommandForItIsRestartedByThat) {
+TEST_F(DesktopShellTest, aPanelWithARestartCommandIsRestartedByIt) {
   const pid_t panel = run("lxpanel");
   addTool("lxpanelctl");
   shell.restartDock();

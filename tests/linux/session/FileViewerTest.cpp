@@ -103,7 +103,7 @@ TEST_F(FileViewerTest, withoutASessionBusTheUsersProgramOpensTheFolder) {
   EXPECT_EQ(opened(), "/state/Logs.");
 }
 
-TEST_F(FileViewerTest, nothingThatShowsFilesIsALogLine) {
+TEST_F(FileViewerTest, withoutAnythingThatShowsFilesTheFailureIsLogged) {
   viewer.reveal("/state/Logs/diagnostics.log");
   loopUntil([&] { return !log.lines().empty(); });
   EXPECT_EQ(log.lines(),

@@ -179,7 +179,7 @@ TEST_F(KeyValueStoreTest, aFileOfAnotherKindIsKeptAside) {
   EXPECT_TRUE(std::filesystem::exists(file.string() + ".damaged"));
 }
 
-TEST_F(KeyValueStoreTest, aFolderInTheFilesPlaceLosesNothingAndIsTold) {
+TEST_F(KeyValueStoreTest, aFolderInPlaceOfTheFileLosesNothingAndIsLogged) {
   std::filesystem::create_directories(file);
   auto store = open();
   store.setObject("autoClear", StoredValue(true));
@@ -189,7 +189,7 @@ TEST_F(KeyValueStoreTest, aFolderInTheFilesPlaceLosesNothingAndIsTold) {
   EXPECT_GE(log.lines().size(), 1u);
 }
 
-TEST_F(KeyValueStoreTest, aFileThatBeginsWithAByteOrderMarkIsWhole) {
+TEST_F(KeyValueStoreTest, aByteOrderMarkIsSkipped) {
   write("\xEF\xBB\xBF[General]\nautoClear=true\n");
   auto store = open();
   EXPECT_TRUE(boolForKey(store, "autoClear"));
@@ -197,7 +197,7 @@ TEST_F(KeyValueStoreTest, aFileThatBeginsWithAByteOrderMarkIsWhole) {
 }
 
 // A FIFO represents everything that is neither file nor folder. Opening it would block for ever.
-TEST_F(KeyValueStoreTest, whatIsNoFileIsSetAsideUnread) {
+TEST_F(KeyValueStoreTest, anythingButAFileIsSetAsideUnread) {
   std::filesystem::create_directories(file.parent_path());
   ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
   auto store = open();
@@ -208,7 +208,7 @@ TEST_F(KeyValueStoreTest, whatIsNoFileIsSetAsideUnread) {
   EXPECT_EQ(log.lines().size(), 1u);
 }
 
-TEST_F(KeyValueStoreTest, whatALinkLeadsToIsNotReplaced) {
+TEST_F(KeyValueStoreTest, theTargetOfALinkIsNotReplaced) {
   std::filesystem::create_directories(file.parent_path());
   const auto target = folder / "target";
   ASSERT_EQ(mkfifo(target.c_str(), 0600), 0);
@@ -220,7 +220,7 @@ TEST_F(KeyValueStoreTest, whatALinkLeadsToIsNotReplaced) {
   EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status(file)));
 }
 
-TEST_F(KeyValueStoreTest, whatIsNoFileAndCannotBeSetAsideStaysAndSettingsLastInMemory) {
+TEST_F(KeyValueStoreTest, settingsLastInMemoryIfTheFileCannotBeReplaced) {
   std::filesystem::create_directories(file.string() + ".damaged/in/the/way");
   ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
   auto store = open();
@@ -280,7 +280,7 @@ TEST_F(KeyValueStoreTest, aWriteLeavesNothingElseInTheFolder) {
   EXPECT_EQ(std::distance(begin(entries), end(entries)), 1);
 }
 
-TEST_F(KeyValueStoreTest, whatAPersonAddsWhileTheProgramRunsStays) {
+TEST_F(KeyValueStoreTest, editsWhileTheProgramRunsAreKept) {
   auto store = open();
   store.setObject("autoClear", StoredValue(true));
   store.setObject("edgeGlow", StoredValue(true));
@@ -296,7 +296,7 @@ TEST_F(KeyValueStoreTest, whatAPersonAddsWhileTheProgramRunsStays) {
   EXPECT_TRUE(again.object("edgeGlow") == StoredValue(false));
 }
 
-TEST_F(KeyValueStoreTest, theLastKeyThatGoesLeavesAnEmptyFile) {
+TEST_F(KeyValueStoreTest, removingTheLastKeyLeavesAnEmptyFile) {
   auto store = open();
   store.setObject("autoClear", StoredValue(true));
   scheduler.runReady();
@@ -323,7 +323,7 @@ TEST_F(KeyValueStoreTest, aLinkedFileStaysWhereItIsAndWhatItIs) {
             std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 }
 
-TEST_F(KeyValueStoreTest, aVariableThatNamesNoAbsoluteFolderCountsForNothing) {
+TEST_F(KeyValueStoreTest, aVariableWithARelativeFolderIsIgnored) {
   const auto before = qgetenv("XDG_CONFIG_HOME");
   qputenv("XDG_CONFIG_HOME", "somewhere");
   const auto relative = KeyValueStore::defaultFile();
@@ -334,7 +334,7 @@ TEST_F(KeyValueStoreTest, aVariableThatNamesNoAbsoluteFolderCountsForNothing) {
   EXPECT_EQ(absolute, "/somewhere/Vorli/Vorli.ini");
 }
 
-TEST_F(KeyValueStoreTest, aFailedWriteKeepsTheValueAndIsToldOnce) {
+TEST_F(KeyValueStoreTest, aFailedWriteKeepsTheValueAndIsLoggedOnce) {
   // Fails like a full disk, because the folder of the file is itself a file.
   std::ofstream(folder / "Vorli") << "in the way";
   auto store = open();

@@ -75,7 +75,7 @@ TEST_F(LinkHandlersTest, listOfTheRunningDesktopComesFirst) {
   EXPECT_THAT(command(), Optional(ElementsAre("sh", "b")));
 }
 
-TEST_F(LinkHandlersTest, programThatOnlyCanIsTakenWhereNoneWasChosen) {
+TEST_F(LinkHandlersTest, capableProgramIsTakenWhereNoneWasChosen) {
   install("a.desktop", "a");
   write("system/applications/mimeinfo.cache", "[MIME Cache]\nx-scheme-handler/mailto=a.desktop;\n");
   EXPECT_THAT(command(), Optional(ElementsAre("sh", "a")));
@@ -144,7 +144,7 @@ TEST_F(LinkHandlersTest, wordsOfTheCommandKeepTheirPlaces) {
   EXPECT_THAT(wholeCommand(), Optional(ElementsAre("sh", "--compose", "mailto:a")));
 }
 
-TEST(LinkHandlersListTest, valueIsOfItsGroupOnly) {
+TEST(LinkHandlersListTest, valueIsReadFromItsGroupOnly) {
   constexpr auto text =
       "key=none\n[Other]\nkey=other\n[Group]\r\n# key=comment\nkey2=x\n key =\tvalue \r\nkey=second";
   EXPECT_EQ(iniValue(text, "Group", "key"), "value");

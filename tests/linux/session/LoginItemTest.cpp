@@ -54,7 +54,7 @@ TEST(AutostartPlacesTest, theUsersFolderIsInTheGivenHomeUnlessTheVariableNamesAn
   before ? setenv("XDG_CONFIG_HOME", kept.c_str(), 1) : unsetenv("XDG_CONFIG_HOME");
 }
 
-TEST_F(LoginItemTest, isNotRegisteredAtFirst) {
+TEST_F(LoginItemTest, startsUnregistered) {
   EXPECT_EQ(item().status(), 0);
   EXPECT_TRUE(item().unregisterItem().has_value());
   EXPECT_FALSE(fs::exists(user()));
@@ -112,7 +112,7 @@ TEST_F(LoginItemTest, movesWithTheProgram) {
   EXPECT_EQ(textOf(own()).find("/old/place"), std::string::npos);
 }
 
-TEST_F(LoginItemTest, anEntryOfTheSystemIsEnoughAndGetsNoSecondOneBeside) {
+TEST_F(LoginItemTest, anEntryOfTheSystemNeedsNoEntryOfTheUser) {
   place("etc/autostart/vorli-for-all.desktop", entry());
   EXPECT_EQ(item().status(), 1);
   EXPECT_TRUE(item().registerItem().has_value());
@@ -184,7 +184,7 @@ TEST_F(LoginItemTest, anEntryThatStartsTheProgramThroughAnotherCounts) {
   }
 }
 
-TEST_F(LoginItemTest, whatCannotBeWrittenIsSaid) {
+TEST_F(LoginItemTest, aFailedWriteIsReported) {
   place("home/.config", "a file where the folder should be");
   const auto result = item().registerItem();
   ASSERT_FALSE(result.has_value());

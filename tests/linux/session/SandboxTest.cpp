@@ -14,21 +14,21 @@ struct SandboxTest : testing::Test {
   RecordedTree tree;
 };
 
-TEST_F(SandboxTest, anOrdinaryProgramIsInNone) {
+TEST_F(SandboxTest, anOrdinaryProgramIsNotSandboxed) {
   EXPECT_FALSE(isSandboxed("/usr/bin/vorli", tree.root()));
 }
 
-TEST_F(SandboxTest, theMarkOfAFlatpakIsOne) {
+TEST_F(SandboxTest, aProgramWithTheMarkOfAFlatpakIsSandboxed) {
   tree.write(".flatpak-info", "[Application]\nname=com.kv.vorli\n");
   EXPECT_TRUE(isSandboxed("/app/bin/vorli", tree.root()));
 }
 
-TEST_F(SandboxTest, aProgramInTheFolderOfItsSnapIsInOne) {
+TEST_F(SandboxTest, aProgramInTheFolderOfItsSnapIsSandboxed) {
   setenv("SNAP", "/snap/vorli/7", 1);
   EXPECT_TRUE(isSandboxed("/snap/vorli/7/bin/vorli", tree.root()));
 }
 
-TEST_F(SandboxTest, aProgramThatASnapStartedIsInNone) {
+TEST_F(SandboxTest, aProgramStartedByASnapIsNotSandboxed) {
   setenv("SNAP", "/snap/terminal/7", 1);
   EXPECT_FALSE(isSandboxed("/usr/bin/vorli", tree.root()));
   EXPECT_FALSE(isSandboxed("/snap/terminal/70/bin/vorli", tree.root()));

@@ -49,7 +49,7 @@ TEST_F(ShellProcessTest, aProgramBeforeAnotherInTheListComesFirstAndThenTheOlder
   EXPECT_THAT(pids(), ElementsAre(12, 11, 10));
 }
 
-TEST_F(ShellProcessTest, whatIsNeededToStartItAgainIsRead) {
+TEST_F(ShellProcessTest, readsEverythingNeededToStartItAgain) {
   add(10, "first-panel");
   setWords(10, "cmdline", {"panel", "--profile", "", "at home"});
   setWords(10, "environ", {"HOME=/home/ada", "DISPLAY=:7.0"});
@@ -88,7 +88,7 @@ TEST_F(ShellProcessTest, aProcessThatHasEndedDoesNotCount) {
   EXPECT_THAT(pids(), IsEmpty());
 }
 
-TEST_F(ShellProcessTest, whatIsNoProcessIsPassedOver) {
+TEST_F(ShellProcessTest, otherFoldersAreSkipped) {
   tree.write("proc/10x/comm", "first-panel\n");
   tree.write("proc/comm", "first-panel\n");
   tree.write("proc/11/comm", "first-panel\n");  // nothing else can be read

@@ -26,7 +26,7 @@ TEST(SystemDescriptionTest, foreignTextsAreShortAndReadable) {
   EXPECT_EQ(prettyName("PRETTY_NAME=a\x01\xFF"), "a \xEF\xBF\xBD");
 }
 
-TEST(SystemDescriptionTest, namesThatTheMakerLeftOutAreNone) {
+TEST(SystemDescriptionTest, namesThatTheMakerLeftOutAreEmpty) {
   EXPECT_EQ(productName("Laptop 5\n"), "Laptop 5");
   EXPECT_EQ(productName("Board 3\0"), "Board 3");
   for (const char* text :
@@ -35,7 +35,7 @@ TEST(SystemDescriptionTest, namesThatTheMakerLeftOutAreNone) {
   }
 }
 
-TEST(SystemDescriptionTest, processorIsTheFirst) {
+TEST(SystemDescriptionTest, firstProcessorIsNamed) {
   EXPECT_EQ(processorModel("processor\t: 0\nmodel\t\t: 5\nmodel name\t: One @ 2 GHz\nmodel name\t: Two\n"),
             "One @ 2 GHz");
   EXPECT_EQ(processorModel("processor: 0\n"), std::nullopt);
@@ -67,7 +67,7 @@ TEST(SystemDescriptionTest, firmwareComesBeforeTheProcessor) {
   std::filesystem::remove_all(root);
 }
 
-TEST(SystemDescriptionTest, releaseIsTheRunningKernels) {
+TEST(SystemDescriptionTest, releaseIsThatOfTheRunningKernel) {
   utsname kernel{};
   ASSERT_EQ(uname(&kernel), 0);
   EXPECT_EQ(SystemDescription().systemVersion().release, kernel.release);

@@ -34,7 +34,7 @@ struct TerminationSignalsTest : testing::Test {
   int wishes = 0;
 };
 
-TEST_F(TerminationSignalsTest, eachOfThemIsAWishToEndFromTheLoop) {
+TEST_F(TerminationSignalsTest, eachSignalRequestsTheEndFromTheLoop) {
   handleSignals();
   int expected = 0;
   for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
@@ -45,7 +45,7 @@ TEST_F(TerminationSignalsTest, eachOfThemIsAWishToEndFromTheLoop) {
   }
 }
 
-TEST_F(TerminationSignalsTest, severalBeforeTheLoopTurnsAreOneWish) {
+TEST_F(TerminationSignalsTest, severalSignalsInOneTurnAreOneRequest) {
   handleSignals();
   for (int i = 0; i < 5; ++i) std::raise(SIGTERM);
   waitForWishes(1);

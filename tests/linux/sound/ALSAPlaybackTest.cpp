@@ -49,14 +49,14 @@ TEST_F(ALSAPlaybackTest, anyRunningOutputOfAnyCardCounts) {
   EXPECT_EQ(answer(), true);
 }
 
-TEST_F(ALSAPlaybackTest, aRunningMicrophoneIsNoOutput) {
+TEST_F(ALSAPlaybackTest, aRunningMicrophoneDoesNotCount) {
   write("card0/pcm0c/sub0/status", running);
   EXPECT_EQ(answer(), std::nullopt);
   write("card0/pcm0p/sub0/status", "closed\n");
   EXPECT_EQ(answer(), false);
 }
 
-TEST_F(ALSAPlaybackTest, onlyCardsAreLookedInto) {
+TEST_F(ALSAPlaybackTest, onlyCardsCount) {
   write("seq/pcm0p/sub0/status", running);
   write("card0/oss_mixer/sub0/status", running);
   EXPECT_EQ(answer(), std::nullopt);

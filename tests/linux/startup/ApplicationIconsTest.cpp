@@ -55,7 +55,7 @@ TEST_F(ApplicationIconsTest, theUsersOwnFoldersComeFirst) {
   EXPECT_EQ(found("acme"), "own");
 }
 
-TEST_F(ApplicationIconsTest, theChosenThemeComesBeforeThoseBehindItOnceItIsNoticed) {
+TEST_F(ApplicationIconsTest, theChosenThemeComesBeforeItsFallbacksOnceItIsNoticed) {
   tree.write("shared/hicolor/48x48/apps/acme.png", "hicolor");
   tree.write("shared/hicolor/48x48/apps/tea.png", "hicolor");
   tree.write("shared/Stone/any/tea.png", "Stone");
@@ -94,7 +94,7 @@ TEST_F(ApplicationIconsTest, anEntryMayNameAFile) {
   EXPECT_EQ(found("../opt/acme"), "none");
 }
 
-TEST_F(ApplicationIconsTest, whatIsNoOrdinaryFileOrTooLargeIsNotRead) {
+TEST_F(ApplicationIconsTest, onlyOrdinaryFilesOfModestSizeAreRead) {
   ASSERT_EQ(mkfifo(path("pipe.png").c_str(), 0600), 0);
   EXPECT_EQ(found(path("pipe.png")), "none");
   const std::size_t limit = std::size_t{4} * 1024 * 1024;

@@ -72,7 +72,7 @@ TEST_F(StartupOnDiskTest, aPausedEntryOfTheSystemsDoesNotStartForThisUser) {
   expectPauseAndResume("acme");
 }
 
-TEST_F(StartupOnDiskTest, whatTheDesktopSwitchedOffComesBackByEnable) {
+TEST_F(StartupOnDiskTest, anEntrySwitchedOffByTheDesktopIsSwitchedOnByEnable) {
   entry("home/.config/autostart/acme.desktop", "Hidden=true\n");
   EXPECT_FALSE(item("acme").isEnabled);
   EXPECT_EQ(startedAtLogin(), NameSet());
@@ -106,7 +106,7 @@ TEST_F(StartupOnDiskTest, aRemovedEntryDoesNotStart) {
   EXPECT_EQ(startedAtLogin().size(), 2u);
 }
 
-TEST_F(StartupOnDiskTest, unitsOfEachKindComeBackAsTheyWere) {
+TEST_F(StartupOnDiskTest, unitsOfEachKindAreRestoredUnchanged) {
   unit("home/.config/systemd/user", "mine.service", "home/.config/systemd/user");
   unit("etc/systemd/user", "shared.service", "etc/systemd/user");
   unit("usr/lib/systemd/user", "packaged.service", "etc/systemd/user");
@@ -147,7 +147,7 @@ TEST_F(StartupOnDiskTest, aLinkToNothingDoesNotKeepTheSystemsEntryFromStarting) 
   EXPECT_EQ(startedAtLogin(), NameSet());
 }
 
-TEST_F(StartupOnDiskTest, aLinkPausesWithoutATouchOfWhatItLeadsTo) {
+TEST_F(StartupOnDiskTest, pausingALinkLeavesItsTargetUntouched) {
   entry("home/dotfiles/acme.desktop");
   fs::create_directories(tree.path("home/.config/autostart"));
   fs::create_symlink(path("home/dotfiles/acme.desktop"), tree.path("home/.config/autostart/acme.desktop"));
