@@ -69,7 +69,7 @@ TEST(RuntimeTest, anObjectLivesAsLongAsItsLastOwner) {
   EXPECT_EQ(livingOf("VorliPlanted"), 0);
 }
 
-TEST(RuntimeTest, twoObjectsThatOwnEachOtherStay) {
+TEST(RuntimeTest, objectsThatOwnEachOtherStayAlive) {
   __weak VorliPlanted* weak = nil;
   @autoreleasepool {
     VorliPlanted* const one = [[VorliPlanted alloc] init];
@@ -84,7 +84,7 @@ TEST(RuntimeTest, twoObjectsThatOwnEachOtherStay) {
   EXPECT_EQ(livingOf("VorliPlanted"), 0);
 }
 
-TEST(RuntimeTest, aBlockThatHoldsItsOwnerStaysWithIt) {
+TEST(RuntimeTest, aBlockThatHoldsItsOwnerKeepsItAlive) {
   VorliPlanted* kept = nil;
   @autoreleasepool {
     VorliPlanted* const owner = [[VorliPlanted alloc] init];
@@ -105,7 +105,7 @@ TEST(RuntimeTest, aBlockThatHoldsItsOwnerStaysWithIt) {
   EXPECT_EQ(livingOf("block"), 0);
 }
 
-TEST(RuntimeDeathTest, aReleaseTooMuchEndsTheProgram) {
+TEST(RuntimeDeathTest, anExcessReleaseStopsTheProgram) {
   EXPECT_DEATH(
       {
         const CFTypeRef object = (__bridge_retained CFTypeRef)[[VorliPlanted alloc] init];
@@ -115,7 +115,7 @@ TEST(RuntimeDeathTest, aReleaseTooMuchEndsTheProgram) {
       "AddressSanitizer: heap-use-after-free");
 }
 
-TEST(RuntimeDeathTest, aMessageThatNobodyUnderstandsEndsTheProgram) {
+TEST(RuntimeDeathTest, anUnknownMessageStopsTheProgram) {
   const id object = [[VorliPlanted alloc] init];
   EXPECT_DEATH([static_cast<NSString*>(object) UTF8String], "VorliPlanted: UTF8String");
 }
@@ -160,7 +160,7 @@ TEST(RuntimeTest, resultsOfEveryKindArriveAndNilReturnsZero) {
   EXPECT_EQ(object.number, 0);
 }
 
-TEST(RuntimeTest, textsOfTheProgramAreOrdinaryTexts) {
+TEST(RuntimeTest, stringLiteralsAreOrdinaryStrings) {
   EXPECT_TRUE([@"same" isEqual:macfake::string("same")]);
   EXPECT_STREQ([@"one " stringByAppendingString:@"two"].UTF8String, "one two");
   EXPECT_EQ(macfake::string("\xFF"), nil);

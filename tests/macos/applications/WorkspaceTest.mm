@@ -53,7 +53,7 @@ TEST_F(WorkspaceTest, aRecordHoldsWhatTheSystemKnows) {
                                                    .icon = {"/Applications/Mail.app"}}));
 }
 
-TEST_F(WorkspaceTest, whatTheSystemDoesNotKnowIsEmpty) {
+TEST_F(WorkspaceTest, unknownFieldsAreEmpty) {
   launch(80, nil).activationPolicy = NSApplicationActivationPolicyProhibited;
   const auto& records = workspace.runningApplications();
   ASSERT_EQ(records.size(), 1U);
@@ -78,7 +78,7 @@ TEST_F(WorkspaceTest, theFrontmostApplicationMayBeMissing) {
   EXPECT_TRUE(workspace.seesEveryWindow());
 }
 
-TEST_F(WorkspaceTest, ownersOfTheWindowsOnTheScreenWithoutTheDesktops) {
+TEST_F(WorkspaceTest, ownersOfVisibleWindowsExcludeTheDesktop) {
   desktop().windows = @[ windowOf(80), windowOf(81), windowOf(80) ];
   EXPECT_EQ(workspace.onScreenWindowOwnerPIDs(), (OwnerPIDs{80, 81, 80}));
   EXPECT_EQ(desktop().windowOptions, (std::vector<CGWindowListOption>{17}));

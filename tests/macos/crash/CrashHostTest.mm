@@ -164,7 +164,7 @@ TEST_F(CrashHostTest, aCallToNowhereIsLeftByItsReturnAddress) {
   EXPECT_EQ(registers.__ss.__rsp, reinterpret_cast<std::uintptr_t>(stack + 1));
 }
 
-TEST_F(CrashHostTest, aStackThatLeadsNowhereIsLeftAlone) {
+TEST_F(CrashHostTest, aStackWithoutAReturnAddressIsLeftAlone) {
   std::uintptr_t stack[]{12, 0};
   vorli_machine_context registers{{4711, reinterpret_cast<std::uintptr_t>(stack)}};
   ucontext_t context{&registers};

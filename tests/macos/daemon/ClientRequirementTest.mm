@@ -9,14 +9,14 @@ namespace {
 
 using macfake::signature;
 
-TEST(ClientRequirementTest, theApplicationSignedByTheDaemonsOwnTeam) {
+TEST(ClientRequirementTest, theRequirementNamesTheApplicationAndTheDaemonsTeam) {
   signature().team = macfake::string("A1B2C3D4E5");
   EXPECT_EQ(clientRequirement(), "anchor apple generic and identifier \"com.kv.vorli\" and certificate "
                                  "leaf[subject.OU] = \"A1B2C3D4E5\"");
   EXPECT_EQ(signature().askedFlags, 2U);
 }
 
-TEST(ClientRequirementTest, withoutATeamThereIsNone) {
+TEST(ClientRequirementTest, withoutATeamThereIsNoRequirement) {
   EXPECT_FALSE(clientRequirement());
   signature().team = @"";
   EXPECT_FALSE(clientRequirement());
@@ -24,14 +24,14 @@ TEST(ClientRequirementTest, withoutATeamThereIsNone) {
   EXPECT_FALSE(clientRequirement());
 }
 
-TEST(ClientRequirementTest, aTeamThatWouldChangeTheRequirementIsNone) {
+TEST(ClientRequirementTest, aTeamThatWouldChangeTheRequirementIsRefused) {
   for (NSString* team in @[ @"A\" or true", @"A B", @"A-B", @"A[0]", macfake::string("A\xC3\x84") ]) {
     signature().team = team;
     EXPECT_FALSE(clientRequirement()) << team.UTF8String;
   }
 }
 
-TEST(ClientRequirementTest, aSignatureThatCannotBeReadIsNone) {
+TEST(ClientRequirementTest, anUnreadableSignatureGivesNoRequirement) {
   signature().team = @"A1B2C3D4E5";
   signature().informationStatus = -67062;
   EXPECT_FALSE(clientRequirement());

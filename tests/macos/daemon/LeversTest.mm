@@ -85,7 +85,7 @@ TEST(DaemonToolTest, nothingOfTheDaemonsEnvironmentIsPassedOn) {
       << run->output;
 }
 
-TEST(DaemonToolTest, thereIsNoInput) {
+TEST(DaemonToolTest, theToolHasNoInput) {
   const auto run = runTool("/bin/cat", {}, 20.0);
   ASSERT_TRUE(run);
   EXPECT_EQ(run->output, "");
@@ -172,7 +172,7 @@ TEST_F(ProcessPinsTest, aSignalThatIsRefusedIsTheKernelsError) {
   EXPECT_EQ(resumed.error().code, EPERM);
 }
 
-TEST(ResponderTest, itIsFoundByItsPathAndAskedToForget) {
+TEST(ResponderTest, theResponderIsFoundByItsPathAndSignalled) {
   macfake::kernel().add(1).path = "/usr/sbin/mDNSResponder";
   macfake::kernel().add(40).path = "/tmp/mDNSResponder";
   macfake::kernel().add(41).path = "/usr/sbin/mDNSResponderHelper";
@@ -181,7 +181,7 @@ TEST(ResponderTest, itIsFoundByItsPathAndAskedToForget) {
   EXPECT_EQ(macfake::signals().sent, Lines{"1 to 42"});
 }
 
-TEST(ResponderTest, withoutItThereIsNothingToFlush) {
+TEST(ResponderTest, withoutAResponderThereIsNothingToFlush) {
   macfake::kernel().add(40).path = "/usr/sbin/other";
   EXPECT_EQ(flushResponder(4.0).state, State::absent);
   macfake::kernel().canList = false;

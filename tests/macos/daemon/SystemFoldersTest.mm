@@ -60,7 +60,7 @@ TEST_F(SystemFoldersTest, nothingIsReplaced) {
   EXPECT_TRUE(fs::exists(movedIn / "a.plist"));
 }
 
-TEST_F(SystemFoldersTest, whatIsNotThereIsTheKernelsError) {
+TEST_F(SystemFoldersTest, aMissingFileIsReportedWithTheKernelsError) {
   EXPECT_EQ(move("b.plist").exitCode, ENOENT);
   fs::remove_all(movedIn);
   EXPECT_EQ(move().exitCode, ENOENT);

@@ -167,13 +167,13 @@ TEST_F(HelperTransportTest, anInvalidConnectionHasNoProxy) {
   EXPECT_EQ(HelperTransport().connect("com.kv.vorli.helper")->remoteObjectProxy({}), nullptr);
 }
 
-TEST_F(HelperTransportTest, theEndOfTheObjectInvalidatesItsConnection) {
+TEST_F(HelperTransportTest, theDestructorInvalidatesTheConnection) {
   connection->resume();
   connection.reset();
   EXPECT_EQ(xpc().calls, (Calls{"resume", "invalidate"}));
 }
 
-TEST_F(HelperTransportTest, missingHandlersAreNoFault) {
+TEST_F(HelperTransportTest, missingHandlersAreAllowed) {
   connection->setInvalidationHandler({});
   connection->setInterruptionHandler({});
   const auto helper = connection->remoteObjectProxy({});

@@ -9,7 +9,7 @@
 namespace vorli::machost {
 namespace {
 
-TEST(CPUCountersTest, ticksOfEachState) {
+TEST(CPUCountersTest, readsTheTicksOfEachState) {
   macfake::kernel().load = {{100, 200, 4'000'000'000, 50}};
   EXPECT_EQ(CPUCounters().readTicks(),
             (ports::CPUTicks{.user = 100, .system = 200, .idle = 4'000'000'000, .nice = 50}));

@@ -8,7 +8,7 @@
 namespace vorli::machost {
 namespace {
 
-TEST(MemoryCountersTest, pageCountsAndCountersOfTheKernel) {
+TEST(MemoryCountersTest, readsThePageCountsAndCountersOfTheKernel) {
   auto& kernel = macfake::kernel();
   kernel.memory = {.free_count = 1,
                    .active_count = 2,
@@ -63,7 +63,7 @@ TEST(MemoryCountersTest, aKernelThatRefusesGivesNothingAndTheNextReadingIsWholeA
   EXPECT_TRUE(counters.readStatistics());
 }
 
-TEST(MemoryCountersTest, swapIsUsedAndTotalBytes) {
+TEST(MemoryCountersTest, swapHasUsedAndTotalBytes) {
   macfake::kernel().setValue(
       "vm.swapusage",
       xsw_usage{

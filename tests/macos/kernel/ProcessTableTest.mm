@@ -38,7 +38,7 @@ TEST(ProcessTableTest, aListThatFailsIsBelowOne) {
   EXPECT_LT(table.listAllPIDs(pids), 1);
 }
 
-TEST(ProcessTableTest, memoryAndTimesOfAProcess) {
+TEST(ProcessTableTest, readsTheMemoryAndTheTimesOfAProcess) {
   auto& process = macfake::kernel().add(80);
   process.usage.pti_resident_size = 5'000'000'000;
   process.usage.pti_virtual_size = 1;
@@ -70,7 +70,7 @@ TEST(ProcessTableTest, anythingButTheWholeRecordIsAFailure) {
   EXPECT_FALSE(table.readBSDInfo(81, identity));
 }
 
-TEST(ProcessTableTest, parentStartAndTheLongerName) {
+TEST(ProcessTableTest, readsTheParentTheStartAndTheLongerName) {
   auto& process = macfake::kernel().add(80);
   process.identity.pbi_ppid = 1;
   process.identity.pbi_start_tvsec = 1'700'000'000;

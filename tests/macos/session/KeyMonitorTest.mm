@@ -72,7 +72,7 @@ TEST_F(KeyMonitorTest, aMonitorMayEndInItsOwnCall) {
   EXPECT_TRUE(windows().localMonitors.empty());
 }
 
-TEST_F(KeyMonitorTest, aSystemThatAllowsNoMonitorIsNoFault) {
+TEST_F(KeyMonitorTest, aSystemThatRefusesAMonitorIsHarmless) {
   windows().allowsMonitors = false;
   listen();
   EXPECT_TRUE(press(8, 0, @"c"));

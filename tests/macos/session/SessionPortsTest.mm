@@ -42,7 +42,7 @@ TEST(LoginItemTest, theProgramItselfIsRegisteredAndUnregistered) {
   EXPECT_EQ(services().calls, (SessionLines{"register main app", "unregister main app"}));
 }
 
-TEST(LoginItemTest, whatIsNotRegisteredNeedsNoRemoval) {
+TEST(LoginItemTest, anUnregisteredItemNeedsNoRemoval) {
   services().refuses = true;
   EXPECT_TRUE(LoginItem().unregisterItem());
   EXPECT_EQ(services().calls, SessionLines{});

@@ -31,7 +31,7 @@ TEST(OlderSystemTest, aSystemWithoutTapsCannotListen) {
   EXPECT_TRUE(macfake::machine().sleeps.empty());
 }
 
-TEST(OlderSystemTest, itKnowsWhetherTheOutputRuns) {
+TEST(OlderSystemTest, knowsWhetherTheOutputRuns) {
   macfake::sound().isRunning = 1;
   EXPECT_EQ(OlderAudioOutputTap().isOutputRunning(), true);
 }

@@ -60,7 +60,7 @@ TEST_F(MacStartupFilesTest, aFileSystemThatKnowsNoFlagsMovesByLinks) {
   EXPECT_FALSE(files.exists(path("a")));
 }
 
-TEST_F(MacStartupFilesTest, whatAnEarlierRunLeftBehindIsNoObstacle) {
+TEST_F(MacStartupFilesTest, leftoversOfAnEarlierRunAreNoObstacle) {
   tree.write("a", "old");
   tree.write(".a.vorli-new", "left behind");
   EXPECT_TRUE(files.rewrite(path("a"), "old", "new"));

@@ -69,7 +69,7 @@ TEST(LaunchControlTest, anAgentIsLoadedAndUnloadedByThePathOfItsFile) {
                                       "/bin/launchctl unload /Users/ada/Library/LaunchAgents/a b.plist"}));
 }
 
-TEST(LaunchControlTest, aMissingToolIsNoFault) {
+TEST(LaunchControlTest, aMissingToolIsHarmless) {
   LaunchControl control;
   control.load("/Users/ada/Library/LaunchAgents/a.plist");
   control.unload("/Users/ada/Library/LaunchAgents/a.plist");
