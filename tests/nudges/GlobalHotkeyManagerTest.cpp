@@ -40,7 +40,7 @@ TEST_F(GlobalHotkeyManagerTest, registersTheKeyUnderItsIdentifier) {
   EXPECT_EQ(state(), HotkeyState::registered);
 }
 
-TEST_F(GlobalHotkeyManagerTest, aPressOnlyQueuesTheTrigger) {
+TEST_F(GlobalHotkeyManagerTest, aPressQueuesTheTriggerWithoutRunningIt) {
   set("opt+shift+C");
   hotkeys.press();
   EXPECT_EQ(presses, 0);
@@ -89,20 +89,20 @@ TEST_F(GlobalHotkeyManagerTest, aRefusalIsLoggedWithItsCodeAndLeavesNoKey) {
   EXPECT_EQ(state(), HotkeyState::registered);
 }
 
-TEST_F(GlobalHotkeyManagerTest, aDesktopWithoutGlobalKeysIsToldApart) {
+TEST_F(GlobalHotkeyManagerTest, aDesktopWithoutGlobalKeysIsDistinguished) {
   hotkeys.status = ports::hotkeyUnavailable;
   set("opt+shift+C");
   EXPECT_EQ(state(), HotkeyState::unavailable);
 }
 
-TEST_F(GlobalHotkeyManagerTest, aKeyThatTheKeyboardLacksIsNotSaidToBeAnothers) {
+TEST_F(GlobalHotkeyManagerTest, aKeyThatTheKeyboardLacksIsNotReportedAsTaken) {
   hotkeys.status = ports::hotkeyNotOnKeyboard;
   set("cmd+K");
   EXPECT_EQ(log.count("RegisterEventHotKey failed (-2) for cmd+K"), 1);
   EXPECT_EQ(state(), HotkeyState::notParsed);
 }
 
-TEST_F(GlobalHotkeyManagerTest, aKeyThatTheUserDeclinesIsNotSaidToBeAnothers) {
+TEST_F(GlobalHotkeyManagerTest, aKeyThatTheUserDeclinesIsNotReportedAsTaken) {
   set("opt+shift+C");
   hotkeys.changeLater(ports::hotkeyDeclined);
   EXPECT_EQ(log.count("RegisterEventHotKey failed (-3) for opt+shift+C"), 1);
@@ -122,7 +122,7 @@ TEST_F(GlobalHotkeyManagerTest, aKeyThatStopsWorkingIsReportedAndMayWorkAgain) {
   EXPECT_EQ(presses, 1);
 }
 
-TEST_F(GlobalHotkeyManagerTest, unregisteringIsWholeAndMayRepeat) {
+TEST_F(GlobalHotkeyManagerTest, unregisteringIsCompleteAndMayBeRepeated) {
   set("opt+shift+C");
   hotkeys.press();
   manager->unregister();

@@ -41,7 +41,7 @@ TEST(HotkeyComboTest, aModifierMayRepeat) {
   EXPECT_EQ(parseCombo("cmd+cmd+K"), Combo({40, 0x100}));
 }
 
-TEST(HotkeyComboTest, rejectsWhatHasNoKeyOrNoModifier) {
+TEST(HotkeyComboTest, rejectsCombosWithoutAKeyOrAModifier) {
   for (const char* text : {"", "+", "C", "shift", "opt+shift", "opt+nonsense", "opt+↑", "opt+Ä", "opt+F1",
                            "opt+c d", "   ", "opt+C1"})
     EXPECT_EQ(parseCombo(text), std::nullopt) << text;
@@ -53,7 +53,7 @@ TEST(HotkeyComboTest, theLastKnownKeyWins) {
   EXPECT_EQ(parseCombo("opt+Y+nonsense"), Combo({16, 0x800}));
 }
 
-TEST(HotkeyComboTest, whatTheRecorderWritesForTheNamedKeysIsUnderstood) {
+TEST(HotkeyComboTest, theRecordersNamesOfKeysAreUnderstood) {
   EXPECT_EQ(parseCombo("ctrl+Space"), Combo({49, 0x1000}));
   EXPECT_EQ(parseCombo("ctrl+↩"), Combo({36, 0x1000}));
   EXPECT_EQ(parseCombo("ctrl+⇥"), Combo({48, 0x1000}));

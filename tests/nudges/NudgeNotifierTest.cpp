@@ -136,7 +136,7 @@ TEST_F(NudgeNotifierTest, aRestartForgetsTheCooldown) {
   EXPECT_EQ(postedFor(0.95), 1u);
 }
 
-TEST_F(NudgeNotifierTest, switchedOffItNoticesNoCrossing) {
+TEST_F(NudgeNotifierTest, noCrossingIsNoticedWhileSwitchedOff) {
   settings.gentleNudges.set(false);
   EXPECT_EQ(postedFor(0.95), 0u);
   settings.gentleNudges.set(true);
@@ -165,7 +165,7 @@ TEST_F(NudgeNotifierTest, stayingQuietDuringFocusIsTheSystemsAffair) {
   EXPECT_EQ(center.posted[0].interruptionLevel, center.posted[1].interruptionLevel);
 }
 
-TEST_F(NudgeNotifierTest, aBrokenHelperIsTold) {
+TEST_F(NudgeNotifierTest, aBrokenHelperIsReported) {
   notifyHelperBroken();
   ASSERT_EQ(center.posted.size(), 1u);
   const auto& notice = center.posted[0];
@@ -181,14 +181,14 @@ TEST_F(NudgeNotifierTest, aBrokenHelperIsTold) {
   EXPECT_EQ(store.values.at("vorli.helperBroken.lastNotifiedAt"), ports::StoredValue(calendar.now()));
 }
 
-TEST_F(NudgeNotifierTest, aBrokenHelperIsNotToldDuringSetup) {
+TEST_F(NudgeNotifierTest, aBrokenHelperIsNotReportedDuringSetup) {
   store.values.erase("hasCompletedOnboarding");
   notifyHelperBroken();
   EXPECT_TRUE(center.posted.empty());
   EXPECT_TRUE(said(LogLevel::debug, "helper-broken notification skipped: onboarding not complete"));
 }
 
-TEST_F(NudgeNotifierTest, aBrokenHelperIsToldOnceADayAcrossLaunches) {
+TEST_F(NudgeNotifierTest, aBrokenHelperIsReportedOnceADayAcrossLaunches) {
   notifyHelperBroken();
   scheduler.advance(86399.5);
   notifier.reset();
@@ -201,13 +201,13 @@ TEST_F(NudgeNotifierTest, aBrokenHelperIsToldOnceADayAcrossLaunches) {
   EXPECT_EQ(center.posted.size(), 2u);
 }
 
-TEST_F(NudgeNotifierTest, whatIsNoDateHoldsNothingBack) {
+TEST_F(NudgeNotifierTest, aMalformedDateDoesNotHoldANoticeBack) {
   store.values["vorli.helperBroken.lastNotifiedAt"] = std::string("yesterday");
   notifyHelperBroken();
   EXPECT_EQ(center.posted.size(), 1u);
 }
 
-TEST_F(NudgeNotifierTest, aBrokenHelperThatCouldNotBeToldIsTriedAgain) {
+TEST_F(NudgeNotifierTest, aFailedReportOfABrokenHelperIsTriedAgain) {
   center.postResult = std::unexpected("nobody listens");
   notifyHelperBroken();
   EXPECT_TRUE(said(LogLevel::error, "helper-broken notification post failed: nobody listens"));
@@ -286,7 +286,7 @@ TEST_F(NudgeNotifierTest, playingSoundSparesThePurgeOfANotice) {
   EXPECT_EQ(transport.requests, Strings{"flushDNS"});
 }
 
-TEST_F(NudgeNotifierTest, aNoticesPolishWithoutTheHelperIsNothingAtAll) {
+TEST_F(NudgeNotifierTest, aNoticesPolishWithoutTheHelperDoesNothing) {
   setHelperStatus(2);
   transport.requests.clear();
   helperService.calls.clear();

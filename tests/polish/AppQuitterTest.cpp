@@ -41,7 +41,7 @@ struct AppQuitterTest : testing::Test {
 
 using PIDs = std::vector<std::int32_t>;
 
-TEST_F(AppQuitterTest, asksTheFirstThatBearsTheName) {
+TEST_F(AppQuitterTest, asksTheFirstApplicationOfThatName) {
   workspace.add(1, SharedText("Mail"), SharedText("org.example.mail"));
   workspace.add(2, SharedText("Notes"), SharedText("org.example.notes"));
   workspace.add(3, SharedText("Notes"), SharedText("org.example.notes"));
@@ -52,14 +52,14 @@ TEST_F(AppQuitterTest, asksTheFirstThatBearsTheName) {
       (std::vector<fakes::CapturedLog::Line>{{LogLevel::standard, "quitter", "terminating Notes (pid 2)"}}));
 }
 
-TEST_F(AppQuitterTest, tellsThatTheApplicationCouldNotBeAsked) {
+TEST_F(AppQuitterTest, reportsThatTheApplicationCouldNotBeAsked) {
   workspace.add(2, SharedText("Notes"), SharedText("org.example.notes"));
   workspace.refusing = {2};
   EXPECT_EQ(quit("Notes"), QuitAnswer::cannotBeAsked);
   EXPECT_EQ(workspace.terminated, PIDs{2});
 }
 
-TEST_F(AppQuitterTest, aNameWithoutAMatchIsALogLine) {
+TEST_F(AppQuitterTest, aNameWithoutAMatchIsLogged) {
   workspace.add(1, SharedText("Mail"), SharedText("org.example.mail"));
   EXPECT_EQ(quit("Notes & More"), QuitAnswer::gone);
   EXPECT_TRUE(workspace.terminated.empty());
@@ -129,7 +129,7 @@ TEST_F(AppQuitterTest, anApplicationWithoutAnIdentifierIsTakenForAProgramWithout
   EXPECT_EQ(workspace.terminated, PIDs{1});
 }
 
-TEST_F(AppQuitterTest, oneThatCannotBeAskedLeavesTheTurnToTheNextOfItsName) {
+TEST_F(AppQuitterTest, theNextOfTheSameNameIsAskedIfTheFirstCannotBe) {
   workspace.add(1, SharedText("Notes"), SharedText("org.example.notes"));
   workspace.add(2, SharedText("Mail"), SharedText("org.example.mail"));
   workspace.add(3, SharedText("Notes"), SharedText("org.example.notes"));
@@ -246,7 +246,7 @@ TEST_F(AppQuitterTest, anEmptyScreenProtectsNobodyButTheProgramItself) {
   EXPECT_EQ(workspace.terminated, (PIDs{1, 3}));
 }
 
-TEST_F(AppQuitterTest, whereWindowsCannotBeSeenNobodyIsHidden) {
+TEST_F(AppQuitterTest, whereWindowsCannotBeSeenNoApplicationIsHidden) {
   workspace.add(1, SharedText("Mail"), SharedText("org.example.mail"));
   workspace.windowOwners.reset();
   quitHidden();
@@ -255,7 +255,7 @@ TEST_F(AppQuitterTest, whereWindowsCannotBeSeenNobodyIsHidden) {
             std::vector<std::string>{"hidden quit: windows cannot be seen here, nobody is asked"});
 }
 
-TEST_F(AppQuitterTest, oneThatCannotBeAskedDoesNotStopTheSweep) {
+TEST_F(AppQuitterTest, anApplicationThatCannotBeAskedDoesNotStopTheSweep) {
   workspace.add(1, SharedText("Mail"), SharedText("org.example.mail"));
   workspace.add(2, SharedText("Notes"), SharedText("org.example.notes"));
   workspace.windowOwners = PIDs{77};

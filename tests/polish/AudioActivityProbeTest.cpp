@@ -85,7 +85,7 @@ TEST_F(AudioActivityProbeTest, aBufferMayStartAtAnyAddress) {
   EXPECT_TRUE(probe.isAudioActive());
 }
 
-TEST_F(AudioActivityProbeTest, aSampleThatIsNoNumberIsNoPeak) {
+TEST_F(AudioActivityProbeTest, aSampleThatIsNotANumberIsNotAPeak) {
   tap.play({std::numeric_limits<float>::quiet_NaN(), 0.01F});
   EXPECT_FALSE(probe.isAudioActive());
 }

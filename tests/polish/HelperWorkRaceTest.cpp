@@ -95,7 +95,7 @@ TEST_F(HelperWorkRaceTest, bothRepliesInTimeDecideIt) {
       Lines{"handleTap: helper calls done in budget. dns exit=0 purge exit=0 reachable=true. Elapsed 1.25s"});
 }
 
-TEST_F(HelperWorkRaceTest, bothCallsAreOutAtOnce) {
+TEST_F(HelperWorkRaceTest, bothCallsAreSentAtOnce) {
   transport.setConduct(Conduct::silent);
   run();
   EXPECT_EQ(transport.requests, (Lines{"flushDNS", "purgeMemory"}));
@@ -139,7 +139,7 @@ TEST_F(HelperWorkRaceTest, whilePlayingSoundIsFlushedAndNotPurged) {
       Lines{"handleTap: helper calls done in budget. dns exit=0 purge exit=0 reachable=true. Elapsed 0.50s"});
 }
 
-TEST_F(HelperWorkRaceTest, noProxyIsNotReached) {
+TEST_F(HelperWorkRaceTest, withoutAProxyTheHelperIsNotReached) {
   transport.leadsToDaemon = false;
   const auto outcome = run();
   EXPECT_EQ(outcome->value, false);
@@ -170,7 +170,7 @@ TEST_F(HelperWorkRaceTest, onlyTheTwoTextsOfThePurgeMeanNotReached) {
   EXPECT_EQ(reachedWith({-1, ""}), true);
 }
 
-TEST_F(HelperWorkRaceTest, theFlushHasNoSay) {
+TEST_F(HelperWorkRaceTest, theFlushDoesNotAffectTheOutcome) {
   transport.flushDNS.answer = {-1, "No helper connection"};
   const auto outcome = run();
   scheduler.advance(budget);
@@ -215,7 +215,7 @@ TEST_F(HelperWorkRaceTest, theBudgetWinsAgainstAPurgeThatComesLater) {
   EXPECT_EQ(log.messages(), Lines{"purgeMemory reply: exit=0 output=late"});
 }
 
-TEST_F(HelperWorkRaceTest, ofTwoAtTheSameInstantTheFirstDecides) {
+TEST_F(HelperWorkRaceTest, theFirstOfTwoSimultaneousEventsDecides) {
   transport.purgeMemory.conduct = Conduct::silent;
   auto outcome = run();
   scheduler.advanceClockOnly(budget);  // the budget has run out, and the main thread was busy
@@ -253,7 +253,7 @@ TEST_F(HelperWorkRaceTest, aPurgeAtItsLimitIsAmongTheLateResults) {
   EXPECT_EQ(popoverLines(), Lines{exceeded});
 }
 
-TEST_F(HelperWorkRaceTest, twoRacesDoNotMeet) {
+TEST_F(HelperWorkRaceTest, twoRacesAreIndependent) {
   transport.purgeMemory.conduct = Conduct::silent;
   const auto first = run();
   scheduler.advance(1.0);
@@ -266,7 +266,7 @@ TEST_F(HelperWorkRaceTest, twoRacesDoNotMeet) {
   EXPECT_EQ(first->value, true);
 }
 
-TEST_F(HelperWorkRaceTest, itsOwnerMayGoWhileTheWorkIsOut) {
+TEST_F(HelperWorkRaceTest, itsOwnerMayBeDestroyedDuringTheWork) {
   transport.setConduct(Conduct::silent);
   const auto outcome = run();
   tasks.reset();

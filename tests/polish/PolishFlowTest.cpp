@@ -97,7 +97,7 @@ TEST_F(PolishFlowTest, afterTheEndTheNextPressPolishesAgain) {
   EXPECT_EQ(sentence(), "Now, your Mac has room to breathe.");
 }
 
-TEST_F(PolishFlowTest, theCeremonyTapsOnceWhenTheSettingIsOn) {
+TEST_F(PolishFlowTest, theCeremonyTapsOnceIfTheSettingIsOn) {
   press();
   EXPECT_EQ(haptics.taps,
             (std::vector{std::pair(ports::FeedbackPattern::generic, ports::PerformanceTime::now)}));
@@ -173,7 +173,7 @@ struct SentenceCase {
 
 struct PolishSentenceTest : PolishFlowTest, testing::WithParamInterface<SentenceCase> {};
 
-TEST_P(PolishSentenceTest, followsFromTheThreeAnswers) {
+TEST_P(PolishSentenceTest, dependsOnTheHelperTheCallAndTheAudio) {
   const auto& row = GetParam();
   if (!row.helperReady) setHelperStatus(0);
   if (!row.reachable) transport.purgeMemory.answer = {-1, "Helper purgeMemory timed out"};
@@ -329,7 +329,7 @@ TEST_F(PolishFlowTest, aTickDuringTheSettleIsDroppedAndNotQueued) {
   EXPECT_EQ(view->animatedProgress, 0.31);
 }
 
-TEST_F(PolishFlowTest, theFlowGoesOnThoughThePopoverHasClosed) {
+TEST_F(PolishFlowTest, theFlowContinuesAfterThePopoverHasClosed) {
   int ringAtClose = -1;
   const auto subscription = notifications.observe<VorliClosePopover>(
       [&](const auto&) { ringAtClose = static_cast<int>(view->animatedProgress); });
@@ -388,7 +388,7 @@ TEST_F(PolishFlowTest, aCancelledFlowStillWaitsForTheRace) {
   EXPECT_FALSE(view->isReleasing);
 }
 
-TEST_F(PolishFlowTest, theViewMayGoAtAnyMoment) {
+TEST_F(PolishFlowTest, theViewMayBeDestroyedAtAnyMoment) {
   for (const double at : {0.0, 1.0, 3.0, 7.0, 12.0, 14.0}) {
     press();
     goTo(at + rounding);

@@ -48,7 +48,7 @@ TEST(LighterPercentageTest, takesMoreFreeThanTotalAsNothingUsed) {
   EXPECT_EQ(lighterPercentage(snapshot(1000, 0), snapshot(1000, 2000)), 100);
 }
 
-TEST(LogSettledRingTest, tellsWhatTheHoldHasBrought) {
+TEST(LogSettledRingTest, reportsTheEffectOfTheHold) {
   const fakes::CapturedLog log;
   logSettledRing(0.549, snapshot(1000, 100), snapshot(1000, 350));
   logSettledRing(0.8, snapshot(1000, 350), snapshot(1000, 100));

@@ -24,7 +24,7 @@ TEST(PolishTextsTest, linuxWords) {
     expectNoForeignWords(text);
 }
 
-TEST(PolishTextsTest, theWordsThatShowTheLinkAreThoseOfTheirSentences) {
+TEST(PolishTextsTest, theWordsThatShowTheLinkOccurInTheirSentences) {
   for (const auto* texts : {&PolishTexts::macOS, &PolishTexts::linuxDesktop}) {
     EXPECT_NE(texts->approveHelper.find(texts->approveHelperWords), std::string_view::npos);
     EXPECT_NE(texts->helperOutOfReach.find(texts->helperOutOfReachWords), std::string_view::npos);

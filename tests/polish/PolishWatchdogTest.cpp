@@ -84,7 +84,7 @@ TEST_F(PolishWatchdogTest, theRingMovesAgainWithTheMonitorsNextChange) {
   EXPECT_EQ(view->animatedState.get(), RingState::warming);
 }
 
-TEST_F(PolishWatchdogTest, aFlowThatEndsIsNotWatchedOn) {
+TEST_F(PolishWatchdogTest, aFinishedFlowIsNoLongerWatched) {
   press();
   goTo(16.0);
   press();  // its own watchdog checks 18 seconds from here
@@ -95,7 +95,7 @@ TEST_F(PolishWatchdogTest, aFlowThatEndsIsNotWatchedOn) {
   EXPECT_EQ(resets(), 0);
 }
 
-TEST_F(PolishWatchdogTest, aStuckFlowThatComesBackGoesOnAndClearsTheFlagAgain) {
+TEST_F(PolishWatchdogTest, aStuckFlowThatResumesContinuesAndClearsTheFlagAgain) {
   stalling.stall(PolishTimings::full.hold);
   press();
   goTo(25.0);

@@ -219,7 +219,7 @@ TEST_F(QuietPolishTest, aNotificationsPolishSparesPlayingSound) {
   EXPECT_EQ(taken(), Requests{"flushDNS"});
 }
 
-TEST_F(QuietPolishTest, aNotificationsPolishWithoutTheHelperIsNothingAtAll) {
+TEST_F(QuietPolishTest, aNotificationsPolishWithoutTheHelperDoesNothing) {
   setHelperStatus(2);
   const int reads = memory.statisticsReads;
   start(polish.polishFromNotification());

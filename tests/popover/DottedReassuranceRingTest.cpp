@@ -13,7 +13,7 @@ struct DottedReassuranceRingTest : testing::Test {
   DottedReassuranceRing ring{scheduler};
 };
 
-TEST_F(DottedReassuranceRingTest, twelveDotsStandOnACircleTheFirstAtItsTop) {
+TEST_F(DottedReassuranceRingTest, twelveDotsLieOnACircleWithTheFirstAtTheTop) {
   const auto all = dots(0.0);
   ASSERT_EQ(all.size(), 12u);
   EXPECT_NEAR(all[0].x, 0.0, 1e-9);
@@ -65,7 +65,7 @@ TEST_F(DottedReassuranceRingTest, hidingTakesAllDotsTogether) {
   EXPECT_EQ(ring.scale(ring.restsAt() + 1e-6), 0.94);
 }
 
-TEST_F(DottedReassuranceRingTest, whatIsSoAlreadyStartsNothing) {
+TEST_F(DottedReassuranceRingTest, settingTheCurrentStateStartsNothing) {
   ring.setVisible(true);
   scheduler.advance(5.0);
   ring.setVisible(true);

@@ -13,18 +13,18 @@ struct FlowingTextTest : testing::Test {
   FlowingText layout;
 };
 
-TEST_F(FlowingTextTest, isSetTightWithTwoPointsBetweenLines) {
+TEST_F(FlowingTextTest, hasNoSpacingAndTwoPointsBetweenLines) {
   EXPECT_EQ(layout.spacing, 0.0);
   EXPECT_EQ(layout.lineSpacing, 2.0);
 }
 
-TEST_F(FlowingTextTest, nothingTakesNoRoom) {
+TEST_F(FlowingTextTest, anEmptyFlowTakesNoRoom) {
   const auto arrangement = arrange({}, 100.0);
   EXPECT_TRUE(arrangement.positions.empty());
   EXPECT_EQ(arrangement.size, (Size{0.0, 0.0}));
 }
 
-TEST_F(FlowingTextTest, itemsStandSideBySideUpToTheProposedWidth) {
+TEST_F(FlowingTextTest, itemsArePlacedSideBySideUpToTheProposedWidth) {
   const auto arrangement = arrange({{40.0, 14.0}, {60.0, 13.0}}, 100.0);
   EXPECT_EQ(arrangement.positions, (std::vector<Position>{{0.0, 0.0}, {40.0, 0.0}}));
   EXPECT_EQ(arrangement.size, (Size{100.0, 14.0}));

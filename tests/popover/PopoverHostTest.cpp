@@ -101,7 +101,7 @@ TEST_F(PopoverHostTest, showingAPopoverThatRollsUpOpensItAgainOnceItHasClosed) {
   EXPECT_TRUE(popover.shown);
 }
 
-TEST_F(PopoverHostTest, aClickOnTheIconTakesBackTheWishToSeeARollingPopoverAgain) {
+TEST_F(PopoverHostTest, aClickOnTheIconCancelsReopeningAfterTheRollUp) {
   open();
   host.togglePopover();
   scheduler.advance(0.1);
@@ -138,7 +138,7 @@ TEST_F(PopoverHostTest, openingTakesAFreshSampleAndLooksMoreOften) {
   EXPECT_EQ(samples(), before + 2);
 }
 
-TEST_F(PopoverHostTest, openingSamplesFirstThenShowsAndThenTellsTheContent) {
+TEST_F(PopoverHostTest, openingSamplesFirstThenShowsAndThenNotifiesTheContent) {
   std::vector<std::string> steps;
   const auto sampled = monitor.lastUpdate.subscribeToChanges([&](Date) {
     steps.push_back(isActive() ? "sample while active" : "sample while idle");
@@ -212,7 +212,7 @@ TEST_F(PopoverHostTest, theStripThatRemainsIsAsWideAsThePopover) {
   EXPECT_EQ(popover.motions.at(0).size, (ports::PopoverSize{271.0, 24.0}));
 }
 
-TEST_F(PopoverHostTest, aPopoverThatGoesByItselfDuringTheRollUpLeavesNothingBehind) {
+TEST_F(PopoverHostTest, aPopoverThatDisappearsDuringTheRollUpLeavesNothingBehind) {
   open();
   host.togglePopover();
   scheduler.advance(0.1);
@@ -231,7 +231,7 @@ TEST_F(PopoverHostTest, aPopoverThatGoesByItselfDuringTheRollUpLeavesNothingBehi
   EXPECT_TRUE(popover.shown);
 }
 
-TEST_F(PopoverHostTest, thePassLetsOneCloseThroughOnly) {
+TEST_F(PopoverHostTest, onlyOneCloseBypassesTheRollUp) {
   open();
   host.togglePopover();
   scheduler.advance(1.0);
@@ -242,7 +242,7 @@ TEST_F(PopoverHostTest, thePassLetsOneCloseThroughOnly) {
   EXPECT_FALSE(popover.shown);
 }
 
-TEST_F(PopoverHostTest, theWindowsOwnWishToCloseGoesTheSameWay) {
+TEST_F(PopoverHostTest, aCloseByTheWindowRollsUpToo) {
   open();
   popover.performClose();
   scheduler.advance(0.2);
@@ -263,7 +263,7 @@ TEST_F(PopoverHostTest, aPressOutsideClosesAndFallsIdleAtTheStartOfTheRollUp) {
   EXPECT_FALSE(popover.shown);
 }
 
-TEST_F(PopoverHostTest, aSecondPressOutsideIsNotHeard) {
+TEST_F(PopoverHostTest, aSecondPressOutsideIsIgnored) {
   open();
   popover.pressOutside();
   popover.pressOutside();
@@ -360,7 +360,7 @@ TEST_F(PopoverHostTest, withoutAPlaceNothingHappens) {
   EXPECT_EQ(appearances, 0);
 }
 
-TEST_F(PopoverHostTest, twoHundredOpeningsLeaveNothing) {
+TEST_F(PopoverHostTest, twoHundredOpeningsLeaveNothingBehind) {
   view.emplace(popoverServices());
   for (int i = 0; i < 200; ++i) {
     host.togglePopover();

@@ -232,7 +232,7 @@ TEST_F(PopoverPresentationTest, aPressThatTradesTheCulpritsForASentenceKeepsTheH
   EXPECT_TRUE(heights.empty());
 }
 
-TEST_F(PopoverPresentationTest, aShutPopoverWorksOutNothing) {
+TEST_F(PopoverPresentationTest, aClosedPopoverComputesNothing) {
   open();
   dismiss();
   scheduler.advance(1.0);
@@ -267,7 +267,7 @@ TEST_F(PopoverPresentationTest, culpritsAreNamedWhenTheMacIsNotHealthy) {
   EXPECT_TRUE(view->culpritSegments().empty());
 }
 
-TEST_F(PopoverPresentationTest, culpritsAreWorkedOutOncePerChange) {
+TEST_F(PopoverPresentationTest, culpritsAreComputedOncePerChange) {
   hogInFolder();
   showRing(0.6);
   const auto looks = workspace.looksAtPaths.size();
@@ -326,7 +326,7 @@ std::string sentenceOf(const PopoverView& view) {
   return whole;
 }
 
-TEST_F(QuitConfirmationTest, anApplicationThatCannotBeAskedIsSaidToBeClosedByHand) {
+TEST_F(QuitConfirmationTest, anApplicationThatCannotBeAskedMustBeClosedByHand) {
   workspace.refusing = {41};
   view->culpritNamePressed("Notes");
   EXPECT_EQ(view->quitQuestion(), std::nullopt);
@@ -340,7 +340,7 @@ TEST_F(QuitConfirmationTest, anApplicationThatCannotBeAskedIsSaidToBeClosedByHan
   EXPECT_EQ(sentenceOf(*view), "Notes is using the most right now.");
 }
 
-TEST_F(QuitConfirmationTest, whatCannotBeAskedAnyMoreIsSaidAfterTheConfirmation) {
+TEST_F(QuitConfirmationTest, aRefusalAfterTheConfirmationIsShown) {
   view->culpritNamePressed("Notes");
   EXPECT_EQ(view->quitQuestion(), "Quit Notes?");
   workspace.refusing = {41};
@@ -354,7 +354,7 @@ TEST_F(QuitConfirmationTest, whatCannotBeAskedAnyMoreIsSaidAfterTheConfirmation)
   EXPECT_EQ(sentenceOf(*view), "Notes is using the most right now.");
 }
 
-TEST_F(QuitConfirmationTest, theQuestionGoesWithItsCulprits) {
+TEST_F(QuitConfirmationTest, theQuestionDisappearsWithItsCulprits) {
   view->culpritNamePressed("Notes");
   fakes::publish(view->isReleasing, true);
   scheduler.runReady();
@@ -410,7 +410,7 @@ TEST_F(PopoverPresentationTest, theStatesColourFollowsProgressHourAndCalm) {
   EXPECT_EQ(view->stateColor(now()), (Colour{0.423, 0.659, 0.643}));
 }
 
-TEST_F(PopoverPresentationTest, allChangesOfATurnAreToldOnce) {
+TEST_F(PopoverPresentationTest, allChangesOfATurnAreReportedOnce) {
   open();
   int changes = 0;
   const auto watching = view->subscribeToContent([&] { ++changes; });
@@ -422,7 +422,7 @@ TEST_F(PopoverPresentationTest, allChangesOfATurnAreToldOnce) {
   EXPECT_EQ(changes, 1);
 }
 
-TEST_F(PopoverPresentationTest, itTellsWhenThereIsNothingToDraw) {
+TEST_F(PopoverPresentationTest, knowsWhenThereIsNothingToDraw) {
   EXPECT_EQ(view->motion(now()), PopoverMotion::none);
   appear();
   scheduler.runReady();
@@ -435,7 +435,7 @@ TEST_F(PopoverPresentationTest, itTellsWhenThereIsNothingToDraw) {
   EXPECT_EQ(view->motion(now() + 1000.0), PopoverMotion::none);
 }
 
-TEST_F(PopoverPresentationTest, aPolishDrawsUntilItsLastMotionAndRestsWhileShut) {
+TEST_F(PopoverPresentationTest, aPolishDrawsUntilItsLastMotionAndRestsWhileClosed) {
   showRing(0.9);
   open();
   press();
@@ -466,7 +466,7 @@ TEST_F(PopoverPresentationTest, reducedMotionKeepsTheStatesAndDropsTheMovement) 
   EXPECT_EQ(view->ringProgress(now() + 1.85), 0.0);
 }
 
-TEST_F(PopoverPresentationTest, aWishForLessMovementIsHeardWhileOpen) {
+TEST_F(PopoverPresentationTest, reducedMotionTakesEffectWhileOpen) {
   open();
   int changes = 0;
   const auto watching = view->subscribeToContent([&] { ++changes; });

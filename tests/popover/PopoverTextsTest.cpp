@@ -53,7 +53,7 @@ struct LinuxPopoverTest : PolishFixture {
   }
 };
 
-TEST_F(LinuxPopoverTest, everySentenceOfItsStatesKnowsNoMac) {
+TEST_F(LinuxPopoverTest, noSentenceOfItsStatesNamesAMac) {
   const std::pair<RingState, const char*> rows[] = {
       {RingState::healthy, "Your computer feels great."},
       {RingState::warming, "Your computer is starting to fill up."},

@@ -88,7 +88,7 @@ TEST_F(PopoverViewTest, canPolishNeedsALoadedRingTheHelperAndNoPolishUnderWay) {
   EXPECT_TRUE(view->canPolish());
 }
 
-TEST_F(PopoverViewTest, theButtonTellsWhatAPressWouldDo) {
+TEST_F(PopoverViewTest, theButtonDescribesTheEffectOfAPress) {
   showRing(0.9);
   EXPECT_EQ(view->polishToolTip(), "Tap to polish your Mac");
   EXPECT_EQ(view->polishAccessibilityLabel(), "Polish");

@@ -11,7 +11,7 @@ constexpr auto normal = MemoryPressureLevel::normal;
 constexpr auto warning = MemoryPressureLevel::warning;
 constexpr auto critical = MemoryPressureLevel::critical;
 
-TEST(MemorySnapshotTest, theEmptyOneIsAllZeroInTheDistantPast) {
+TEST(MemorySnapshotTest, theEmptySnapshotIsAllZeroInTheDistantPast) {
   const MemorySnapshot& empty = MemorySnapshot::empty;
   EXPECT_TRUE(empty.isEmpty());
   EXPECT_EQ(empty.totalBytes, 0u);
@@ -87,7 +87,7 @@ TEST(MemorySnapshotTest, unreadableCountersGiveTheEmptySnapshot) {
   EXPECT_EQ(sampleMemory(counters, fakes::CalendarClock()), MemorySnapshot::empty);
 }
 
-TEST(MemorySnapshotTest, unreadableSwapLeavesTheRestStanding) {
+TEST(MemorySnapshotTest, unreadableSwapLeavesTheRestUnaffected) {
   fakes::MemoryCounters counters;
   counters.swapUsage.reset();
   counters.statistics->freeCount = 2;
@@ -149,7 +149,7 @@ TEST(MemoryPressureLevelTest, availableMemoryIsJudgedUnderTenAndUnderFivePercent
   }
 }
 
-TEST(MemoryPressureLevelTest, halfAReadingOfAvailableMemoryIsNone) {
+TEST(MemoryPressureLevelTest, anIncompleteReadingOfAvailableMemoryIsIgnored) {
   ports::PressureReading reading;
   reading.availableBytes = 0;
   EXPECT_EQ(pressureLevel(reading), normal);

@@ -52,7 +52,7 @@ TEST_F(RingProgressTest, theKernelsLevelGivesTheBase) {
   EXPECT_EQ(target(), 0.85);
 }
 
-TEST_F(RingProgressTest, fullMemoryAloneIsNoDistress) {
+TEST_F(RingProgressTest, fullMemoryAloneIsNotDistress) {
   memory.freeBytes = 0;
   EXPECT_EQ(target(), 0.05);
 }
@@ -97,7 +97,7 @@ TEST_F(RingProgressTest, withoutAnEarlierSampleThereAreNoRates) {
   EXPECT_EQ(target(), 0.05);
 }
 
-TEST_F(RingProgressTest, aClockThatStoodStillOrWasSetBackGivesNoRates) {
+TEST_F(RingProgressTest, aClockThatStopsOrIsSetBackGivesNoRates) {
   base();
   memory.decompressionsCumulative = 1'000'000;
   previous->capturedAt = memory.capturedAt;

@@ -171,7 +171,7 @@ TEST_F(SystemMonitorBackgroundTest, aFiringDuringALookIsDroppedAndTheRhythmStays
   EXPECT_EQ(background.started, 2);
 }
 
-TEST_F(SystemMonitorBackgroundTest, aLookThatIsOverIsPublishedInItsTurnAndAsItWas) {
+TEST_F(SystemMonitorBackgroundTest, aFinishedLookIsPublishedInItsTurnAndAsItWas) {
   workQuickly();
   startWithALookOf(0.009);
   processes.add(2).taskInfo->residentBytes = 200;
@@ -270,7 +270,7 @@ TEST_F(SystemMonitorBackgroundTest, aTickUnderWayOutlivesItsTimer) {
   EXPECT_EQ(tickCount, 1);
 }
 
-TEST_F(SystemMonitorBackgroundTest, aMonitorThatGoesTakesItsTickWithIt) {
+TEST_F(SystemMonitorBackgroundTest, destroyingTheMonitorDropsItsTick) {
   startWithALookOf(0.009);
   scheduler.advance(idlePeriod);
   ASSERT_TRUE(background.isUnderWay());
@@ -280,7 +280,7 @@ TEST_F(SystemMonitorBackgroundTest, aMonitorThatGoesTakesItsTickWithIt) {
   EXPECT_EQ(tickCount, 0);
 }
 
-TEST_F(SystemMonitorBackgroundTest, aMonitorThatGoesDropsALookThatIsOverToo) {
+TEST_F(SystemMonitorBackgroundTest, destroyingTheMonitorDropsAFinishedLookToo) {
   workQuickly();
   startWithALookOf(0.009);
   scheduler.advance(idlePeriod);

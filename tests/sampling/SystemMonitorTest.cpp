@@ -66,7 +66,7 @@ TEST_F(SystemMonitorTest, everyRefreshIsAWholeStepHoweverSoon) {
   EXPECT_DOUBLE_EQ(monitor->ringProgress.get(), 0.807625);  // 0.05 -> 0.5725 -> 0.807625
 }
 
-TEST_F(SystemMonitorTest, theSampleBeforeIsTheBaseOfTheRates) {
+TEST_F(SystemMonitorTest, thePreviousSampleIsTheBaseOfTheRates) {
   monitor->refresh();
   const auto first = monitor->memory.get();
   memory.statistics->decompressions = 5000;
@@ -285,7 +285,7 @@ TEST_F(SystemMonitorTest, settingThePresentCadenceLeavesTheTimerAlone) {
   EXPECT_EQ(memory.statisticsReads, 1);
 }
 
-TEST_F(SystemMonitorTest, aStoppedTimerFiresNoMore) {
+TEST_F(SystemMonitorTest, aStoppedTimerNoLongerFires) {
   monitor->restartTimer();
   monitor->stopTimer();
   EXPECT_FALSE(monitor->hasTimer());
@@ -293,7 +293,7 @@ TEST_F(SystemMonitorTest, aStoppedTimerFiresNoMore) {
   EXPECT_EQ(memory.statisticsReads, 0);
 }
 
-TEST_F(SystemMonitorTest, aMonitorThatIsGoneTicksNoMore) {
+TEST_F(SystemMonitorTest, aDestroyedMonitorNoLongerTicks) {
   monitor->restartTimer();
   scheduler.advance(14.0);
   monitor.reset();

@@ -15,7 +15,7 @@ ThermalState stateOf(std::vector<ports::ThermalZone> zones) {
   return thermalState(reading);
 }
 
-TEST(ThermalSnapshotTest, theEmptyOneIsNominalOnAnUnknownSource) {
+TEST(ThermalSnapshotTest, theEmptySnapshotIsNominalOnAnUnknownSource) {
   EXPECT_EQ(ThermalSnapshot::empty.thermalState, ThermalState::nominal);
   EXPECT_FALSE(ThermalSnapshot::empty.lowPowerMode);
   EXPECT_EQ(ThermalSnapshot::empty.powerSource, PowerSource::unknown);

@@ -95,7 +95,7 @@ TEST_F(AppSettingsTest, valuesOfAnotherTypeLoadAsTheTypedReadGivesThem) {
   EXPECT_FALSE(settings.lastAutoRefresh().has_value());
 }
 
-TEST_F(AppSettingsTest, anEmptyComboIsTakenAsItStands) {
+TEST_F(AppSettingsTest, anEmptyComboIsKept) {
   store.values["globalHotkeyCombo"] = std::string();
   EXPECT_EQ(AppSettings(store).globalHotkeyCombo().get(), "");
 }
@@ -144,7 +144,7 @@ TEST_F(AppSettingsTest, observersHearOfAChangeBeforeItIsWritten) {
   EXPECT_EQ(store.values.at("edgeGlow"), ports::StoredValue(true));
 }
 
-TEST_F(AppSettingsTest, whatAnObserverPutsInItsPlaceIsWhatIsWritten) {
+TEST_F(AppSettingsTest, aValueReplacedByAnObserverIsTheOneWritten) {
   AppSettings settings(store);
   const auto token = settings.launchAtLogin().subscribeToChanges([&](bool value) {
     if (value) settings.launchAtLogin.set(false);

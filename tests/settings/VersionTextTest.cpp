@@ -4,13 +4,13 @@
 namespace vorli {
 namespace {
 
-TEST(VersionTextTest, tellsVersionAndBuild) {
+TEST(VersionTextTest, containsVersionAndBuild) {
   fakes::ApplicationBundle bundle;
   bundle.info = {{"CFBundleShortVersionString", "1.0"}, {"CFBundleVersion", "100"}};
   EXPECT_EQ(versionText(bundle), "v1.0 (build 100)");
 }
 
-TEST(VersionTextTest, whatIsMissingIsAQuestionMark) {
+TEST(VersionTextTest, aMissingPartIsAQuestionMark) {
   fakes::ApplicationBundle bundle;
   bundle.info = {{"CFBundleShortVersionString", "1.2"}};
   EXPECT_EQ(versionText(bundle), "v1.2 (build ?)");
