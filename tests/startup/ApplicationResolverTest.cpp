@@ -68,7 +68,7 @@ TEST_F(ApplicationResolverTest, emptyPiecesDoNotCount) {
   EXPECT_EQ(resolve()->bundleID, "com.acme.agent");
 }
 
-TEST_F(ApplicationResolverTest, whatIsFoundButDoesNotOpenIsPassedOver) {
+TEST_F(ApplicationResolverTest, anApplicationThatDoesNotOpenIsSkipped) {
   candidate.identifier = "com.acme.agent";
   applications.urls["com.acme.agent"] = "/Applications/Broken.app";
   applications.install("/Applications/Acme.app", "com.acme", "Acme");

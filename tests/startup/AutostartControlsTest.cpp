@@ -50,7 +50,7 @@ TEST_F(AutostartControlsTest, anEntryThatCannotBeReadIsNotDeleted) {
   EXPECT_TRUE(files.files.contains(own));
 }
 
-TEST_F(AutostartControlsTest, aMaskOverTheSystemsEntryEndsByEnable) {
+TEST_F(AutostartControlsTest, enableRemovesAMaskOfTheSystemsEntry) {
   files.add(shared + std::string("acme.desktop"), text);
   files.addLink(own, "/dev/null");
   scan();
@@ -224,7 +224,7 @@ TEST_F(AutostartControlsTest, aChangeToAPausedEntryOutlivesIt) {
   EXPECT_EQ(files.files.size(), 1u);
 }
 
-TEST_F(AutostartControlsTest, anOriginalThatNothingLeadsBackToMakesRoom) {
+TEST_F(AutostartControlsTest, anOrphanedOriginalIsReplaced) {
   addSeenEntry();
   pause("acme");
   files.files.erase(paused);  // deleted by hand
@@ -237,7 +237,7 @@ TEST_F(AutostartControlsTest, anOriginalThatNothingLeadsBackToMakesRoom) {
   expectNotNew();
 }
 
-TEST_F(AutostartControlsTest, aMaskHasNoAge) {
+TEST_F(AutostartControlsTest, aMaskHasNoDate) {
   files.add(shared + std::string("acme.desktop"), text);
   files.addLink(own, "/dev/null");
   files.files[own].birth = Date{3000.0};

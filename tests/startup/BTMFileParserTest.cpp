@@ -90,7 +90,7 @@ TEST_F(BTMFileParserTest, aStoreOfMoreThanSixteenMebibytesIsEmpty) {
   EXPECT_TRUE(BTMFileParser::parse(files, "/store").empty());
 }
 
-TEST_F(BTMFileParserTest, whatIsNoArchiveIsEmpty) {
+TEST_F(BTMFileParserTest, anythingButAnArchiveIsEmpty) {
   EXPECT_TRUE(parse("").empty());
   EXPECT_TRUE(parse("bplist00").empty());
   EXPECT_TRUE(parse(sampleBinaryLaunchAgent()).empty());
@@ -157,7 +157,7 @@ TEST_F(BTMFileParserTest, helpersOfAnotherKindAreLeftOut) {
   EXPECT_TRUE(parse(store({container({{"internalItems", writer.refer(array)}})})).empty());
 }
 
-TEST_F(BTMFileParserTest, whatResolvesNowhereIsDropped) {
+TEST_F(BTMFileParserTest, unresolvableItemsAreDropped) {
   const auto gone = container({{"bookmark", writer.refer(bookmark({"Applications", "Gone.app"}))}});
   const auto dataless = container({{"bookmark", writer.refer(writer.object(classNamed("Bookmark"), {}))}});
   const auto broken = container(
@@ -167,7 +167,7 @@ TEST_F(BTMFileParserTest, whatResolvesNowhereIsDropped) {
             Strings{"/Applications/A.app"});
 }
 
-TEST_F(BTMFileParserTest, aVolumeThatIsNotThereResolvesNowhere) {
+TEST_F(BTMFileParserTest, anItemOnAMissingVolumeIsUnresolvable) {
   const auto data =
       writer.data(BookmarkDataWriter::bookmarkOf({"Volumes", "Disk", "A.app"}, "/Volumes/Disk"));
   const auto outside = writer.object(classNamed("Bookmark"), {{"data", writer.refer(data)}});
@@ -208,7 +208,7 @@ TEST_F(BTMFileParserTest, anArrayKeepsWhatItNamesTwice) {
   EXPECT_EQ(parse(store({one, one}, "NSSet")).size(), 1u);
 }
 
-TEST_F(BTMFileParserTest, aCycleEnds) {
+TEST_F(BTMFileParserTest, aCycleCausesNoLoop) {
   const Reference itself = writer.next() + 1;
   classNamed("BackgroundItemContainer");
   const auto looped =

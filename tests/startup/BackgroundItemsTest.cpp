@@ -54,7 +54,7 @@ TEST_F(BackgroundItemsTest, theInnermostApplicationCountsEvenIfItDoesNotOpen) {
   EXPECT_EQ(candidate->programPath, "/Applications/Acme.app/Contents/Library/LoginItems/Helper.app");
 }
 
-TEST_F(BackgroundItemsTest, whatIsNoApplicationIsNamedAfterItsFile) {
+TEST_F(BackgroundItemsTest, anythingButAnApplicationIsNamedAfterItsFile) {
   EXPECT_EQ(items.candidateFromBundleURL("/opt/acme/agent.sh", true)->identifier, "agent");
   EXPECT_EQ(items.candidateFromBundleURL("/Acme.APP", true)->identifier, "Acme");
   EXPECT_EQ(items.candidateFromBundleURL("/", true), std::nullopt);
@@ -108,7 +108,7 @@ struct BackgroundItemsComparisonTest : BackgroundItemsTest {
   fakes::CapturedLog log;
 };
 
-TEST_F(BackgroundItemsComparisonTest, whatTheSystemReadsTheSameIsNotLogged) {
+TEST_F(BackgroundItemsComparisonTest, anEqualReadingOfTheSystemIsNotLogged) {
   lists.containers = SystemsContainers{same};
   items.candidates();
   EXPECT_EQ(lists.readStores, Strings{store});
@@ -128,7 +128,7 @@ TEST_F(BackgroundItemsComparisonTest, aStoreThatTheSystemCannotReadIsLogged) {
             Strings{"The store of background items: Vorli alone reads 1 containers, the system alone 0"});
 }
 
-TEST_F(BackgroundItemsComparisonTest, whatTheSystemReadsDifferentlyIsLoggedOnceAndChangesNoItem) {
+TEST_F(BackgroundItemsComparisonTest, aDifferentReadingOfTheSystemIsLoggedOnceAndChangesNoItem) {
   auto enabled = same;
   enabled.isEnabled = true;
   lists.containers = SystemsContainers{enabled, {"/Applications/Moved.app", true, {}}};

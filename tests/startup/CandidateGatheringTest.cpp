@@ -36,7 +36,7 @@ GatheredCandidates gathered(ListedSource first, ListedSource second = ListedSour
   return gatherCandidates(sources);
 }
 
-TEST(CandidateGatheringTest, theFirstOfAnIdentifierStandsAsItIs) {
+TEST(CandidateGatheringTest, theFirstOfAnIdentifierIsKeptUnchanged) {
   const auto incoming = candidate("com.acme.agent");
   EXPECT_EQ(mergeCandidate(std::nullopt, incoming), incoming);
 }
@@ -62,7 +62,7 @@ TEST(CandidateGatheringTest, textsOfTheEarlierSourceWin) {
   EXPECT_EQ(merged.plistURL, "/first.plist");
 }
 
-TEST(CandidateGatheringTest, flagsHoldForEitherAndEnabledForBoth) {
+TEST(CandidateGatheringTest, aMergedItemHasTheFlagsOfEitherAndIsEnabledIfBothAre) {
   for (const bool first : {false, true}) {
     for (const bool second : {false, true}) {
       auto existing = candidate("a");
@@ -80,7 +80,7 @@ TEST(CandidateGatheringTest, flagsHoldForEitherAndEnabledForBoth) {
   }
 }
 
-TEST(CandidateGatheringTest, onlyEqualIdentifiersAreOneThing) {
+TEST(CandidateGatheringTest, onlyEqualIdentifiersAreMerged) {
   const auto result = gathered(ListedSource({candidate("com.acme.a"), candidate("com.Acme.a")}),
                                ListedSource({candidate("com.acme.a")}));
   EXPECT_EQ(result.byIdentifier.size(), 2u);
@@ -106,7 +106,7 @@ TEST(CandidateGatheringTest, theLastSourceIsReadFirst) {
   EXPECT_EQ(readings, (std::vector<int>{2, 1}));
 }
 
-TEST(CandidateGatheringTest, whatBelongsToTheSystemIsCountedAndHidden) {
+TEST(CandidateGatheringTest, itemsOfTheSystemAreCountedAndHidden) {
   const std::pair<const char*, bool> rows[] = {
       {"com.apple.dock", true},      {"com.apple.", true},        {"COM.Apple.Dock", true},
       {"com.apple", false},          {"com.applesauce.a", false}, {"com.amazon.webservices.a", true},

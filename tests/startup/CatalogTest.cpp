@@ -129,7 +129,7 @@ TEST(CatalogTest, asksBeforeItStopsWhatAUserReliesOn) {
 }
 
 // All updaters can be paused at once, without a question.
-TEST(CatalogTest, whatAsksFirstIsNoUpdater) {
+TEST(CatalogTest, itemsThatAskFirstAreNotDescribedAsUpdaters) {
   EXPECT_TRUE(lookupCatalog("unattended-upgrades.service", "x", "", onLinux).requiresConfirmation);
   for (const auto system : {onMac, onLinux}) {
     for (const auto& entry : catalogOf(system)) {
@@ -150,7 +150,7 @@ TEST(CatalogTest, everyRowCanBeFound) {
   }
 }
 
-TEST(CatalogTest, saysWhatIsToldOfThem) {
+TEST(CatalogTest, describesKnownItems) {
   const CatalogRow rows[] = {
       {"com.spotify.client", "Spotify", "Opens with your Mac so music plays instantly when you want it."},
       {"com.apple.Music", "Apple Music", "Opens with your Mac so music plays instantly when you want it."},
@@ -189,7 +189,7 @@ TEST(CatalogTest, saysWhatIsToldOfThem) {
   }
 }
 
-TEST(CatalogTest, saysTheSameWithoutAMacOnLinux) {
+TEST(CatalogTest, describesThemWithoutAMacOnLinux) {
   const std::pair<const char*, const char*> rows[] = {
       {"com.spotify.client", "Opens with your computer so music plays instantly when you want it."},
       {"com.apple.Music", "Opens with your computer so music plays instantly when you want it."},
@@ -246,7 +246,7 @@ TEST(CatalogTest, caseCounts) {
             (CatalogText{"given", "Runs quietly in the background.", false}));
 }
 
-TEST(CatalogTest, guessesFromTheIdentifierInItsOrder) {
+TEST(CatalogTest, guessesFromTheIdentifierInAFixedOrder) {
   const std::pair<const char*, const char*> rows[] = {
       {"com.acme.AutoUpdate.sync", "Checks for updates quietly in the background."},
       {"com.acme.Updater", "Checks for updates quietly in the background."},

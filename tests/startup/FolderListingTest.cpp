@@ -22,7 +22,7 @@ TEST_F(FolderListingTest, listsTheFolderOnce) {
   EXPECT_EQ(files.listings, std::vector<std::string>{"/etc/units"});
 }
 
-TEST_F(FolderListingTest, hasALinkThatLeadsNowhere) {
+TEST_F(FolderListingTest, listsADanglingLink) {
   files.addLink("/etc/units/a.service", "/nowhere");
   EXPECT_TRUE(folder.has("a.service"));
   EXPECT_FALSE(folder.has("b.service"));
@@ -38,7 +38,7 @@ TEST_F(FolderListingTest, aFolderThatCannotBeListedIsAskedForEachName) {
   EXPECT_TRUE(folder.names().empty());
 }
 
-TEST_F(FolderListingTest, aMissingFolderHasNothing) {
+TEST_F(FolderListingTest, aMissingFolderIsEmpty) {
   files.unlistable = {"/etc/units"};
   EXPECT_FALSE(folder.mayHave("a.service"));
   EXPECT_FALSE(folder.has("a.service"));

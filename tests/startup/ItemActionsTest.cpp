@@ -99,7 +99,7 @@ TEST_F(ItemActionsTest, aMoveNeverReplaces) {
   EXPECT_EQ(at(paused(mine)), "old");
 }
 
-TEST_F(ItemActionsTest, aFailedMoveIsMendedByTheNextScan) {
+TEST_F(ItemActionsTest, aFailedMoveIsCorrectedByTheNextScan) {
   addMine();
   files.locked = {""};
   startup->setEnabled(Enablement::paused, agent(), CreateUndo::yes);
@@ -115,7 +115,7 @@ TEST_F(ItemActionsTest, aFailedMoveIsMendedByTheNextScan) {
   EXPECT_TRUE(isListed("com.acme.agent"));
 }
 
-TEST_F(ItemActionsTest, onlyAnAskedForPauseCanBeTakenBack) {
+TEST_F(ItemActionsTest, onlyARequestedPauseCanBeUndone) {
   addMine();
   startup->setEnabled(Enablement::paused, agent(), CreateUndo::yes);
   EXPECT_EQ(startup->pendingUndo.get(),
@@ -244,7 +244,7 @@ TEST_F(ItemActionsTest, aLaterActionTakesThePlaceOfAnEarlierUndo) {
   EXPECT_EQ(at(removed(mine)), "/opt/acme");  // never deleted: its countdown was replaced
 }
 
-TEST_F(ItemActionsTest, twoActionsAtOnceEndAsTheLaterOneSays) {
+TEST_F(ItemActionsTest, theLaterOfTwoSimultaneousActionsWins) {
   addMine();
   const auto row = agent();
   startup->setEnabled(Enablement::paused, row, CreateUndo::yes);
@@ -307,7 +307,7 @@ TEST_F(ItemActionsTest, theHelperRemovesAndBringsBackWithoutBeingAskedWhetherItL
   EXPECT_EQ(startup->pendingUndo.get(), std::nullopt);
 }
 
-TEST_F(ItemActionsTest, whatTheHelperRemovedStaysForGood) {
+TEST_F(ItemActionsTest, filesRemovedByTheHelperAreNeverDeleted) {
   addSystems();
   startup->remove(daemon(), CreateUndo::yes);
   settle();
@@ -325,7 +325,7 @@ TEST_F(ItemActionsTest, aUsersFolderOfTheSameNameIsNotTheSystems) {
   EXPECT_TRUE(transport.requests.empty());
 }
 
-TEST_F(ItemActionsTest, aHelperThatAwaitsApprovalTakesThePauseBack) {
+TEST_F(ItemActionsTest, aHelperAwaitingApprovalRevertsThePause) {
   addSystems();
   transport.setConduct(Conduct::silent);
   service.rawStatus = 2;
@@ -380,7 +380,7 @@ TEST_F(ItemActionsTest, aMoveThatWorksAfterTheRepairIsNoFailure) {
   EXPECT_EQ(at(removed(systems)), "/opt/acme");
 }
 
-TEST_F(ItemActionsTest, aLyingHelperIsFoundOutByTheNextScan) {
+TEST_F(ItemActionsTest, theNextScanExposesALyingHelper) {
   addSystems();
   transport.whenAnswered = nullptr;
   transport.moveLaunchAgentPlist.answer = {0, "moved"};
@@ -402,7 +402,7 @@ TEST_F(ItemActionsTest, aFailedRemovalLeavesItsUndoToRunOut) {
   EXPECT_TRUE(isListed("com.acme.daemon"));
 }
 
-TEST_F(ItemActionsTest, aFailedPauseSparesTheUndoOfAnotherItem) {
+TEST_F(ItemActionsTest, aFailedPauseKeepsTheUndoOfAnotherItem) {
   addSystems();
   files.add(mine);
   scan();
@@ -428,7 +428,7 @@ TEST_F(ItemActionsTest, anUndoWaitsForTheRemovalThatItTakesBack) {
   EXPECT_TRUE(isListed("com.acme.daemon"));
 }
 
-TEST_F(ItemActionsTest, aServiceThatGoesLetsItsHelperCallsGo) {
+TEST_F(ItemActionsTest, destroyingTheServiceCancelsItsHelperCalls) {
   addSystems();
   transport.setConduct(Conduct::silent);
   startup->setEnabled(Enablement::paused, daemon(), CreateUndo::yes);

@@ -34,7 +34,7 @@ TEST_F(ItemClassifierTest, footprintGrowsAtItsThresholds) {
   EXPECT_EQ(footprintOf(true, false, 50.0, 5000.0), Footprint::light);
 }
 
-TEST_F(ItemClassifierTest, somethingUnknownIsNamedAfterItsIdentifier) {
+TEST_F(ItemClassifierTest, anUnknownItemIsNamedAfterItsIdentifier) {
   const auto made = item();
   EXPECT_EQ(made.id, "com.acme.agent");
   EXPECT_EQ(made.bundleID, "com.acme.agent");
@@ -86,7 +86,7 @@ TEST_F(ItemClassifierTest, aPausedItemThatRunsShowsItsNumbersAndIsLight) {
   EXPECT_EQ(made.timing, Timing::startsWithMac);
 }
 
-TEST_F(ItemClassifierTest, whatDoesNotRegisterRunsNowOrOnDemand) {
+TEST_F(ItemClassifierTest, unregisteredItemsRunNowOrOnDemand) {
   EXPECT_EQ(item().timing, Timing::onDemand);
   surroundings.stats["com.acme.agent"] = {0.0, 0.0, true};
   EXPECT_EQ(item().timing, Timing::runningNow);
@@ -115,7 +115,7 @@ TEST_F(ItemClassifierTest, withoutAFileOrItsDateNothingIsNew) {
   EXPECT_FALSE(item().isNewSinceLastVisit);
 }
 
-TEST_F(ItemClassifierTest, whatTookThePlaceOfAPausedFileOnLinuxIsNotItsDate) {
+TEST_F(ItemClassifierTest, aFileThatReplacedAPausedOneOnLinuxDoesNotDateIt) {
   candidate.plistURL = "/home/kim/.config/autostart/acme.desktop";
   candidate.isEnabled = false;
   files.add(*candidate.plistURL, "", Date{1000.0});

@@ -148,7 +148,7 @@ TEST_F(LaunchDirectoriesTest, onlyABooleanRunsAtLoad) {
     EXPECT_EQ(parsed(plist("<key>RunAtLoad</key>" + std::string(content))).runAtLoad, expected) << content;
 }
 
-TEST_F(LaunchDirectoriesTest, whatIsNoDictionaryIsNoJob) {
+TEST_F(LaunchDirectoriesTest, onlyADictionaryIsAJob) {
   EXPECT_TRUE(isRefused("<plist><array/></plist>"));
   EXPECT_TRUE(isRefused("<plist><string>a</string></plist>"));
   EXPECT_TRUE(isRefused("<plist><dict>"));

@@ -88,7 +88,7 @@ TEST_F(StartupAppRowTest, anEnabledRowCanBeDisabled) {
                        .accessibilityHint = "Stops Acme launching at login. You can re-enable any time."}));
 }
 
-TEST_F(StartupAppRowTest, whatHasNoFileIsTheSystems) {
+TEST_F(StartupAppRowTest, aRowWithoutAFileIsLeftToTheSystem) {
   item.plistURL.reset();
   EXPECT_EQ(row(macOSWords).buttons()[0].toolTip, "Managed by macOS. Click to open System Settings.");
   EXPECT_EQ(row(macOSWords).buttons()[0].accessibilityHint,

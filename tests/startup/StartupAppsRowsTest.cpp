@@ -34,7 +34,7 @@ TEST_F(StartupAppsRowsTest, aPressActsAtOnce) {
   EXPECT_FALSE(isPaused());
 }
 
-TEST_F(StartupAppsRowsTest, somethingImportantAsksFirst) {
+TEST_F(StartupAppsRowsTest, anImportantItemAsksFirst) {
   for (const auto& [verb, title, label] : {std::tuple(RowVerb::disable, "Disable a?", "Disable"),
                                            {RowVerb::remove, "Remove a?", "Remove"},
                                            {RowVerb::quit, "Quit a?", "Quit"}}) {
@@ -73,7 +73,7 @@ TEST_F(StartupAppsRowsTest, enableNeverAsks) {
   EXPECT_EQ(startup->pendingUndo.get(), std::nullopt);
 }
 
-TEST_F(StartupAppsRowsTest, aQuestionGoesWithItsRow) {
+TEST_F(StartupAppsRowsTest, aQuestionDisappearsWithItsRow) {
   view.press(row("a", asking), RowVerb::disable);
   show({row("b")});
   EXPECT_FALSE(view.pendingConfirmation(row("a")));
@@ -92,7 +92,7 @@ TEST_F(StartupAppsRowsTest, aRemovalMovesTheListByItsAnimation) {
   for (const auto& each : animations) EXPECT_EQ(each, std::nullopt);
 }
 
-TEST_F(StartupAppsRowsTest, aRemovalThatCannotBeAnimatesNoLaterChange) {
+TEST_F(StartupAppsRowsTest, anImpossibleRemovalAnimatesNoLaterChange) {
   auto withoutFile = leftover("a");
   withoutFile.plistURL.reset();
   view.press(withoutFile, RowVerb::remove);

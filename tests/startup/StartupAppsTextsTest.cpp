@@ -20,7 +20,7 @@ TEST(StartupAppsTextsTest, macOSWords) {
   EXPECT_EQ(texts.approveLabel, "Open Login Items in System Settings");
 }
 
-TEST(StartupAppsTextsTest, linuxWordsKnowNoMac) {
+TEST(StartupAppsTextsTest, linuxWordsNameNoMac) {
   const auto& texts = StartupAppsTexts::linuxDesktop;
   for (const auto text : {texts.looking, texts.nothing, texts.hiddenItems, texts.managedToolTip,
                           texts.managedHint, texts.notApproved, texts.notApprovedSpoken, texts.declinedSpoken,

@@ -183,7 +183,7 @@ TEST_F(StartupAppsViewTest, bannersActOnAllOfThem) {
   EXPECT_EQ(startup->pendingUndo.get(), std::nullopt);
 }
 
-TEST_F(StartupAppsViewTest, theFooterTellsHowManyAreHidden) {
+TEST_F(StartupAppsViewTest, theFooterCountsTheHiddenItems) {
   EXPECT_EQ(view.footer(), std::nullopt);
   fakes::publish(startup->hiddenSystemCount, 1);
   EXPECT_EQ(view.footer(),
@@ -208,7 +208,7 @@ TEST_F(StartupAppsViewTest, tellsOfAChangeOnceATurn) {
   EXPECT_EQ(changes, 0);
 }
 
-TEST_F(StartupAppsViewTest, whatTheVisitKnewIsForgotten) {
+TEST_F(StartupAppsViewTest, theEndOfAVisitClearsQueryAndQuestion) {
   show({row("a", asking)});
   view.appear();
   view.press(row("a", asking), RowVerb::disable);

@@ -35,14 +35,14 @@ struct StartupControlTest : testing::Test {
   bool hasQuit = false;
 };
 
-TEST_F(StartupControlTest, withoutFoldersTheItemTellsWhoMovesIt) {
+TEST_F(StartupControlTest, withoutFoldersTheItemDecidesWhoMovesIt) {
   EXPECT_EQ(&macOS.forItem(itemAt("/home/kim/Library/LaunchAgents/a.plist", true)), &ofUser);
   EXPECT_EQ(&macOS.forItem(itemAt("/Library/LaunchAgents/a.plist", false)), &ofHelper);
   // The item decides, even at the helper's path.
   EXPECT_EQ(&macOS.forItem(itemAt("/Library/LaunchAgents/a.plist", true)), &ofUser);
 }
 
-TEST_F(StartupControlTest, whatWasRemovedIsTheHelpersInTheTwoSystemFoldersOnly) {
+TEST_F(StartupControlTest, theHelperHandlesRemovedItemsOnlyInTheTwoSystemFolders) {
   EXPECT_EQ(&macOS.forRemoved("/Library/LaunchAgents/a.plist"), &ofHelper);
   EXPECT_EQ(&macOS.forRemoved("/Library/LaunchDaemons/a.plist"), &ofHelper);
   EXPECT_EQ(&macOS.forRemoved("/Users/kim/Library/LaunchAgents/a.plist"), &ofUser);

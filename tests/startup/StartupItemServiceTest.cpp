@@ -11,7 +11,7 @@ using Strings = std::vector<std::string>;
 
 struct StartupItemServiceTest : StartupFixture {};
 
-TEST_F(StartupItemServiceTest, beginsWithNothingKnown) {
+TEST_F(StartupItemServiceTest, startsWithoutItems) {
   EXPECT_TRUE(startup->items.get().empty());
   EXPECT_EQ(startup->hiddenSystemCount.get(), 0);
   EXPECT_FALSE(startup->isScanning.get());

@@ -108,7 +108,7 @@ TEST_F(StartupItemsTest, anEnabledUnitOfAPackageIsMaskedByTheServiceManager) {
   EXPECT_EQ(transport.requests.size(), 0u);
 }
 
-TEST_F(StartupItemsTest, aRefusedPasswordTakesThePauseBack) {
+TEST_F(StartupItemsTest, aRefusedPasswordRevertsThePause) {
   files.add(packagedSystemUnits + std::string("acme.service"), unit("/usr/sbin/acme"));
   wanted(systemUnits, "acme.service", "multi-user");
   scan();
@@ -143,7 +143,7 @@ TEST_F(StartupItemsTest, askingAgainRepeatsTheActionThatWasRefused) {
   EXPECT_EQ(units.calls.size(), 2u);
 }
 
-TEST_F(StartupItemsTest, whatTheSystemListsIsShownAndOpensItsSettings) {
+TEST_F(StartupItemsTest, itemsListedByTheSystemAreShownAndOpenItsSettings) {
   lists.table = "@reboot sleep 5 && /home/kim/bin/tea.sh\n";
   lists.permissions = {{"org.acme.Allowed", true}, {"org.acme.Forbidden", false}};
   scan();
@@ -177,7 +177,7 @@ TEST_F(StartupItemsTest, aCommandFindsItsApplication) {
   EXPECT_EQ(item("tea@reboot").runningAppBundleID, "tea");
 }
 
-TEST_F(StartupItemsTest, removedEntriesComeBackByUndoAndOnlyByIt) {
+TEST_F(StartupItemsTest, onlyUndoRestoresRemovedEntries) {
   files.unseen = {};  // no such program
   files.add(mine + std::string("acme.desktop"), entry("Acme", "/opt/acme"));
   files.add(shared + std::string("tea.desktop"), entry("Tea", "/opt/tea"));

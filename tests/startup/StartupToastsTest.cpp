@@ -28,7 +28,7 @@ struct StartupToastsTest : StartupAppsFixture {
   }
 };
 
-TEST_F(StartupToastsTest, aRemovalIsAnnouncedWithItsWayBack) {
+TEST_F(StartupToastsTest, aRemovalIsAnnouncedWithItsUndo) {
   press(RowVerb::remove);
   ASSERT_TRUE(view.undoToast());
   EXPECT_EQ(announcements.said, Strings{"Removed a. Six seconds to undo."});
@@ -46,7 +46,7 @@ TEST_F(StartupToastsTest, aPauseIsAnnouncedToo) {
   EXPECT_EQ(view.undoToast()->undoAccessibilityLabel(), "Undo paused a");
 }
 
-TEST_F(StartupToastsTest, theCountTakesSixtySteps) {
+TEST_F(StartupToastsTest, theCountdownTakesSixtySteps) {
   press(RowVerb::remove);
   EXPECT_EQ(view.undoToast()->elapsed.get(), 0.0);
   EXPECT_EQ(view.undoToast()->countdownProgress(), 1.0);
@@ -105,7 +105,7 @@ TEST_F(StartupToastsTest, anUndoThatCannotBringTheFileBackDoesNotDeleteIt) {
   EXPECT_EQ(files.files["/home/kim/Library/LaunchAgents/a.plist"].content, "made meanwhile");
 }
 
-TEST_F(StartupToastsTest, anotherActionBeginsACountOfItsOwn) {
+TEST_F(StartupToastsTest, anotherActionStartsItsOwnCountdown) {
   files.add("/home/kim/Library/LaunchAgents/b.plist");
   press(RowVerb::remove);
   scheduler.advance(4.0);
@@ -122,7 +122,7 @@ TEST_F(StartupToastsTest, anotherActionBeginsACountOfItsOwn) {
   EXPECT_TRUE(files.exists(removed));  // its count was never finished
 }
 
-TEST_F(StartupToastsTest, aClosedListDropsTheCountAndBeginsItAgain) {
+TEST_F(StartupToastsTest, aClosedListStopsTheCountdownAndRestartsIt) {
   press(RowVerb::remove);
   scheduler.advance(5.0);
   view.disappear();

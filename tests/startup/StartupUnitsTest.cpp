@@ -88,7 +88,7 @@ TEST_F(StartupUnitsTest, anAdministratorsUnitNeedsTheHelper) {
   EXPECT_EQ(system("acme.service@system").plistURL, "/etc/units/acme.service");
 }
 
-TEST_F(StartupUnitsTest, whatNobodyWantsIsNotListed) {
+TEST_F(StartupUnitsTest, unwantedUnitsAreNotListed) {
   add(own, "acme.service");
   want(usr, "acme.service");  // a package's own links
   want(own, "none.service");  // leads to no unit
@@ -134,7 +134,7 @@ TEST_F(StartupUnitsTest, anInstanceIsMaskedByItsNameAndTheSystemsByItsTemplatesF
   EXPECT_EQ(system("acme@two.service@system").plistURL, "/usr/units/acme@two.service");
 }
 
-TEST_F(StartupUnitsTest, whatCannotBeMovedInEtcIsMaskedForTheUserAndNotOfferedForTheSystem) {
+TEST_F(StartupUnitsTest, unitsThatCannotBeMovedInEtcAreMaskedForTheUserAndNotOfferedForTheSystem) {
   add(etc, "above.service");
   add(usr, "above.service");
   add(etc, "twin.service");

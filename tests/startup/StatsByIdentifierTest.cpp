@@ -63,7 +63,7 @@ TEST(StatsByIdentifierTest, aServiceOfTheSystemsIsAnotherThanTheUsersOfThatName)
   EXPECT_EQ(stats.at("mpd.service"), (ProcessStats{1.0, 5.0, true}));
 }
 
-TEST(StatsByIdentifierTest, whatIsNoNumberIsNotCounted) {
+TEST(StatsByIdentifierTest, valuesThatAreNotNumbersAreNotCounted) {
   const auto stats =
       statsByIdentifier({runningApp(1, "a")}, {{{1, NAN, 1024.0}}}, {{"b", 1.0, INFINITY, true}});
   EXPECT_EQ(stats.at("a"), (ProcessStats{0.0, 0.0, false}));

@@ -64,7 +64,7 @@ TEST_F(UnitControlsTest, aPausedUnitOfAPackageIsStillListed) {
   expectPauseAndResume("acme.service");
 }
 
-TEST_F(UnitControlsTest, whatThisUserMaskedIsResumedWithoutTheHelper) {
+TEST_F(UnitControlsTest, unitsMaskedByThisUserAreResumedWithoutTheHelper) {
   files.add(userUnits + std::string("acme.service"), unit("/opt/acme"));
   wanted(userUnits, "acme.service");
   files.addLink(myUnits + std::string("acme.service"), "/dev/null");
@@ -233,7 +233,7 @@ TEST_F(UnitControlsTest, anEmptyFileOverAPausedUnitIsAMaskThatTheServiceManagerE
   EXPECT_EQ(files.files.at(systemUnits + std::string("acme.service")).content, unit("/opt/acme"));
 }
 
-TEST_F(UnitControlsTest, whatTheUserMaskedEndsByEnableAndPausesAgain) {
+TEST_F(UnitControlsTest, enableRemovesAMaskOfTheUserAndPausingMasksAgain) {
   files.add(packagedUserUnits + std::string("acme.service"), unit("/usr/bin/acme"));
   wanted(userUnits, "acme.service");
   const auto before = files.files;

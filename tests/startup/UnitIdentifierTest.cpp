@@ -5,7 +5,7 @@
 namespace vorli {
 namespace {
 
-TEST(UnitIdentifierTest, tellsTheManagersApart) {
+TEST(UnitIdentifierTest, distinguishesTheManagers) {
   EXPECT_EQ(unitIdentifier("mpd.service", UnitManager::user), "mpd.service");
   EXPECT_EQ(unitIdentifier("mpd.service", UnitManager::system), "mpd.service@system");
 }

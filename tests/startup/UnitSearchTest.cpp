@@ -36,7 +36,7 @@ struct UnitSearchTest : testing::Test {
                      {"/usr/units", Owner::package}}};
 };
 
-TEST_F(UnitSearchTest, startedIsWhatTheUserOrTheAdministratorWantsOrThisProgramPaused) {
+TEST_F(UnitSearchTest, startedUnitsAreWantedOrPausedByThisProgram) {
   link(own, "default.target.wants/a.service", "../a.service");
   link(etc, "default.target.requires/b.timer", "../b.timer");
   link(etc, "default.target.wants/multi-user.target", "../x");
@@ -182,7 +182,7 @@ TEST_F(UnitSearchTest, aFileInAMoreImportantFolderIsNoAlias) {
   EXPECT_EQ(find("b.service").text, "own");
 }
 
-TEST_F(UnitSearchTest, aliasesInACircleLeadNowhere) {
+TEST_F(UnitSearchTest, circularAliasesLeadNowhere) {
   link(etc, "a.service", "b.service");
   link(etc, "b.service", "a.service");
   EXPECT_FALSE(search.find("a.service"));

@@ -55,7 +55,7 @@ TEST_F(WorkQueueTest, aQuestionIsAnsweredOnTheSecondThread) {
   EXPECT_EQ(log, (std::vector<std::string>{"asked", "yes", "asked", "no"}));
 }
 
-TEST_F(WorkQueueTest, workGoesOnWhenNobodyWaitsForItAnyMore) {
+TEST_F(WorkQueueTest, workContinuesWhenNobodyWaitsForItAnyMore) {
   tasks->spawn(piece("a"));
   tasks->spawn(piece("b"));
   scheduler.runReady();
@@ -64,7 +64,7 @@ TEST_F(WorkQueueTest, workGoesOnWhenNobodyWaitsForItAnyMore) {
   EXPECT_EQ(log, (std::vector<std::string>{"a", "b"}));
 }
 
-TEST_F(WorkQueueTest, whatHasBegunIsFinishedAndTheRestDropped) {
+TEST_F(WorkQueueTest, runningWorkIsFinishedAndTheRestDropped) {
   tasks->spawn(piece("a"));
   tasks->spawn(piece("b"));
   scheduler.runReady();
