@@ -24,7 +24,7 @@ TEST(AppMark, holdsTheStarInItsMiddle) {
   EXPECT_EQ(markColourAt(appMarkImage(256, 0, lightWindow()), 0.5, 0.5), lightWindow().gleam);
 }
 
-TEST(AppMark, colourOfTheTicksGoesOnceRound) {
+TEST(AppMark, coloursOfTheTicksGoOnceAround) {
   const QImage image = appMarkImage(512, 0, lightWindow());
   // The middle of the tick at twelve o'clock, and of the one before it.
   EXPECT_EQ(markColourAt(image, 0.5, 0.5 - 22.5 * 0.77 / 64), lightWindow().mark.firstTick);
@@ -47,7 +47,7 @@ TEST(AppMark, shadowFallsBelow) {
   EXPECT_GT(below, 0);
 }
 
-TEST(AppMark, darkOneIsDark) {
+TEST(AppMark, darkMarkIsDark) {
   const QImage image = appMarkImage(128, 0, WindowPalette::of(Appearance::dark));
   EXPECT_LT(markColourAt(image, 0.5, 0.9).lightness(), 60);
 }

@@ -66,7 +66,7 @@ TEST(Control, onlyASwitchIsToggledByAssistiveToolsAndEverythingElsePressed) {
   EXPECT_EQ(choice.chosen(), 1);
 }
 
-TEST(Control, toggleSaysItsNameHintRoleAndState) {
+TEST(Control, toggleExposesItsNameHintRoleAndState) {
   GlassToggle toggle(face("Gentle nudges", "A quiet hint."), lightLook, nullptr);
   auto& said = spoken(toggle);
   EXPECT_EQ(said.text(QAccessible::Name), "Gentle nudges");
@@ -303,7 +303,7 @@ TEST(Toast, wrapsALongNameWithinItsGreatestWidth) {
   EXPECT_EQ(toast.accessibleName().left(12), "Removed Very");
 }
 
-TEST(Toast, shortOneIsAsHighAsItsLeast) {
+TEST(Toast, shortToastHasItsMinimumHeight) {
   const Toast::Words words{"checkmark.circle.fill", Tone::lit, "Removed", "ARK Audio", "Undo"};
   const Toast toast(words, GlassPillButton::Role::plain, lightLook, nullptr, [] {});
   EXPECT_EQ(toast.sizeHint().shrunkBy(Toast::shadowMargins).height(), 48);

@@ -94,7 +94,7 @@ TEST_F(MovingValueTest, withLessMotionPlacesJumpAndColoursFadeQuickly) {
   EXPECT_EQ(colour.shown(), 1.0);
 }
 
-TEST_F(MovingValueTest, jumpsWhereNobodySeesIt) {
+TEST_F(MovingValueTest, jumpsWhileInvisible) {
   QWidget hidden(sheet.get()), elsewhere;
   elsewhere.show();
   for (QWidget* widget : {&hidden, &elsewhere}) {

@@ -23,7 +23,7 @@ struct ColouredSheet final : PaperWindow {
   int contents = 0;
 };
 
-TEST(PaperWindow, makesItsContentAnewOncePerChangeOfColours) {
+TEST(PaperWindow, rebuildsItsContentOncePerChangeOfColours) {
   FakeSurroundings surroundings;
   ColouredSheet sheet(surroundings);
   surroundings.change(Appearance::light);
@@ -53,7 +53,7 @@ TEST(PaperWindow, keepsItsColoursOnceItIsClosed) {
   EXPECT_TRUE(sheet.isNull());
 }
 
-TEST(PaperWindow, tellsTheDesktopThatItIsGoneOnceItsContentIsDestroyed) {
+TEST(PaperWindow, reportsItsEndOnceItsContentIsDestroyed) {
   FakeSurroundings surroundings;
   auto* sheet = new ColouredSheet(surroundings);
   const QPointer<QWidget> content = new QWidget(sheet);

@@ -43,7 +43,7 @@ int greatestDifference(const QImage& one, const QImage& other) {
 // An edge between two pixels rounds to either of two neighbouring values.
 constexpr int rounding = 1;
 
-TEST(SoftShadow, ofALargeRectangleIsThatOfTheWholeBlurredShape) {
+TEST(SoftShadow, largeRectangleHasTheShadowOfTheWholeBlurredShape) {
   for (const double ratio : {1.0, 1.25, 1.5, 2.0}) {
     const QRectF place(40.0, 30.0, 300.0, 221.0);
     const QSize size(static_cast<int>(380 * ratio), static_cast<int>(290 * ratio));
@@ -52,7 +52,7 @@ TEST(SoftShadow, ofALargeRectangleIsThatOfTheWholeBlurredShape) {
   }
 }
 
-TEST(SoftShadow, ofARectangleWithoutAMiddleIsBlurredWhole) {
+TEST(SoftShadow, rectangleWithoutAMiddleIsBlurredWhole) {
   const QSize size(200, 400);
   const QRectF small(40.0, 40.0, 60.0, 30.0), long_(40.0, 40.0, 60.0, 300.0);
   EXPECT_EQ(drawn(small, size, 1.0), blurredWhole(small, size, 1.0));

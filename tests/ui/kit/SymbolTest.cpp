@@ -53,7 +53,7 @@ TEST(Symbol, nameMustMatchAsAWhole) {
   EXPECT_EQ(Symbol::named("  stroke 1.75"), nullptr);
 }
 
-TEST(Symbol, strokesAndFillsAreToldApart) {
+TEST(Symbol, strokesAndFillsAreDistinguished) {
   ASSERT_NE(Symbol::named("xmark"), nullptr);
   EXPECT_EQ(Symbol::named("xmark")->parts().front().strokeWidth, 1.75);
   EXPECT_EQ(Symbol::named("paperplane.fill")->parts().front().strokeWidth, 0.0);

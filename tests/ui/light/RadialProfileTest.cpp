@@ -21,25 +21,25 @@ void expectAlphas(const RadialProfile& profile, double end, const std::array<dou
   }
 }
 
-TEST(RadialProfile, warmCloudAtRest) {
+TEST(RadialProfile, warmCloudAtRestHasItsProfile) {
   expectAlphas(RadialProfile::blurred(aurora().warmCloud.gradient, 14.0), 159.0,
                {0.488, 0.480, 0.460, 0.432, 0.400, 0.364, 0.323, 0.275, 0.221, 0.163, 0.107, 0.059, 0.026,
                 0.008, 0.002, 0.0, 0.0});
 }
 
-TEST(RadialProfile, warmCloudWhenItHasSwollen) {
+TEST(RadialProfile, swollenWarmCloudHasItsProfile) {
   expectAlphas(RadialProfile::blurred(aurora().warmCloud.gradient, 24.0), 189.0,
                {0.443, 0.436, 0.417, 0.387, 0.348, 0.300, 0.247, 0.190, 0.134, 0.085, 0.048, 0.023, 0.010,
                 0.003, 0.001, 0.0, 0.0});
 }
 
-TEST(RadialProfile, openBloom) {
+TEST(RadialProfile, openBloomHasItsProfile) {
   expectAlphas(RadialProfile::blurred(aurora().bloom.gradient, 14.0), 159.0,
                {0.499, 0.493, 0.476, 0.452, 0.425, 0.394, 0.355, 0.306, 0.248, 0.184, 0.121, 0.066, 0.029,
                 0.009, 0.002, 0.0, 0.0});
 }
 
-TEST(RadialProfile, leak) {
+TEST(RadialProfile, leakHasItsProfile) {
   expectAlphas(RadialProfile::blurred(aurora().leak.gradient, 6.0), 98.0,
                {0.810, 0.792, 0.750, 0.697, 0.642, 0.583, 0.519, 0.448, 0.374, 0.300, 0.226, 0.152, 0.082,
                 0.030, 0.006, 0.001, 0.0});

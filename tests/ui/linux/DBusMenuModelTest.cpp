@@ -41,7 +41,7 @@ TEST_F(DBusMenuModelTest, aKeyIsShownWithControl) {
   EXPECT_FALSE(model.properties(childIds()[0], {}).contains("shortcut"));
 }
 
-TEST_F(DBusMenuModelTest, depthAndNamesLimitWhatIsTold) {
+TEST_F(DBusMenuModelTest, depthAndNamesLimitTheAnswer) {
   EXPECT_TRUE(model.layout(0, 0, {})->children.isEmpty());
   const auto root = model.layout(0, 1, {"label"});
   EXPECT_TRUE(root->properties.isEmpty());
@@ -78,7 +78,7 @@ TEST_F(DBusMenuModelTest, changedRowsGetNewNumbersSoThatALateClickHitsNothing) {
   EXPECT_EQ(chosen, "Check for Updates…");
 }
 
-TEST_F(DBusMenuModelTest, anUnderscoreIsNoAccessKey) {
+TEST_F(DBusMenuModelTest, anUnderscoreMarksNoAccessKey) {
   rows = {action("snake_case")};
   model.rebuild();
   EXPECT_EQ(model.properties(childIds()[0], {"label"}).value("label"), "snake__case");

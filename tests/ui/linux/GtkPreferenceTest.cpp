@@ -24,14 +24,14 @@ TEST(GtkPreferenceTest, readsTheNamesOfTheThemes) {
   EXPECT_FALSE(preference.prefersDark);
 }
 
-TEST(GtkPreferenceTest, readsTheWishForDarkWindows) {
+TEST(GtkPreferenceTest, readsThePreferenceForDarkWindows) {
   EXPECT_TRUE(preferenceIn("[Settings]\ngtk-application-prefer-dark-theme=1\n").prefersDark);
   EXPECT_TRUE(preferenceIn("[Settings]\ngtk-application-prefer-dark-theme = true\n").prefersDark);
   EXPECT_FALSE(preferenceIn("[Settings]\ngtk-application-prefer-dark-theme=0\n").prefersDark);
   EXPECT_FALSE(preferenceIn("[Settings]\ngtk-application-prefer-dark-theme=false\n").prefersDark);
 }
 
-TEST(GtkPreferenceTest, readsTheWishForStillWindows) {
+TEST(GtkPreferenceTest, readsThePreferenceForStillWindows) {
   EXPECT_TRUE(preferenceIn("[Settings]\ngtk-enable-animations=0\n").dropsAnimations);
   EXPECT_TRUE(preferenceIn("[Settings]\ngtk-enable-animations=FALSE\n").dropsAnimations);
   EXPECT_FALSE(preferenceIn("[Settings]\ngtk-enable-animations=1\n").dropsAnimations);
@@ -45,7 +45,7 @@ TEST(GtkPreferenceTest, otherSectionsDoNotCount) {
   EXPECT_FALSE(preference.prefersDark);
 }
 
-TEST(GtkPreferenceTest, damagedOrMissingFileSaysNothing) {
+TEST(GtkPreferenceTest, damagedOrMissingFileSetsNothing) {
   EXPECT_EQ(preferenceIn(QByteArray("\0\xff[[[=\n=\n]", 10)).theme, "");
   const auto preference = GtkPreference::read(QStringLiteral("/nonexistent/settings.ini"));
   EXPECT_FALSE(preference.dropsAnimations);

@@ -164,7 +164,7 @@ TEST_F(PortalNotificationCenterTest, withoutAPortalOrABusNothingIsPosted) {
   EXPECT_EQ(post("one", "polish").error(), "There is no session bus.");
 }
 
-TEST_F(PortalNotificationCenterTest, whatIsUnderWayEndsWithIt) {
+TEST_F(PortalNotificationCenterTest, pendingRequestsEndWithIt) {
   center->add({}, OnceReply<Result>([](const Result&) { ADD_FAILURE(); }));
   center.reset();
   make(bus.connect());

@@ -132,7 +132,7 @@ struct ShortcutsPortalTest : testing::Test {
   }
 };
 
-TEST_F(ShortcutsPortalTest, bindsTheKeyUnderItsNameAndHearsItsPresses) {
+TEST_F(ShortcutsPortalTest, bindsTheKeyUnderItsNameAndReportsItsPresses) {
   bindAndWait();
   ASSERT_EQ(service->bound.size(), 1);
   EXPECT_EQ(service->bound[0].id, "polish");
@@ -207,23 +207,23 @@ TEST_F(ShortcutsPortalTest, anotherKeyTakesTheFirstOnesPlace) {
   loopUntil([this] { return presses == 1; });
 }
 
-TEST_F(ShortcutsPortalTest, aUserWhoSaysNoIsARefusal) {
+TEST_F(ShortcutsPortalTest, aUserWhoDeclinesIsReportedAsARefusal) {
   service->response = 1;
   expectRefusal(ports::hotkeyDeclined);
 }
 
-TEST_F(ShortcutsPortalTest, aPortalThatEndsTheQuestionSaysNo) {
+TEST_F(ShortcutsPortalTest, aPortalThatEndsTheQuestionIsReportedAsARefusal) {
   service->response = 2;
   expectRefusal(ports::hotkeyDeclined);
 }
 
-TEST_F(ShortcutsPortalTest, aUserWhoLeavesTheKeyOutSaysNo) {
+TEST_F(ShortcutsPortalTest, omittingTheKeyIsReportedAsARefusal) {
   service->leavesOut = true;
   expectRefusal(ports::hotkeyDeclined);
   loopUntil([this] { return service->calls.back() == "Close"; });
 }
 
-TEST_F(ShortcutsPortalTest, aPortalMayKeepToItselfWhatItBound) {
+TEST_F(ShortcutsPortalTest, aPortalNeedNotNameTheBoundKey) {
   service->reportsBound = false;
   bindAndWait();
   service->activate(service->session, "polish");
@@ -238,7 +238,7 @@ TEST_F(ShortcutsPortalTest, aSessionThatTheDesktopEndsHasNoGlobalKeys) {
   EXPECT_EQ(refusals, std::vector{ports::hotkeyUnavailable});
 }
 
-TEST_F(ShortcutsPortalTest, aPortalThatDiesTakesTheKeyAlongAndBringsItBack) {
+TEST_F(ShortcutsPortalTest, theKeyIsLostWithThePortalAndBoundAgainWhenItRestarts) {
   bindAndWait();
   service.reset();
   loopUntil([this] { return !refusals.empty(); });
@@ -253,7 +253,7 @@ TEST_F(ShortcutsPortalTest, aPortalThatDiesTakesTheKeyAlongAndBringsItBack) {
   loopUntil([this] { return presses == 1; });
 }
 
-TEST_F(ShortcutsPortalTest, aPortalThatStartsLateBringsTheKey) {
+TEST_F(ShortcutsPortalTest, theKeyIsBoundWhenThePortalStartsLate) {
   service.reset();
   expectRefusal(ports::hotkeyUnavailable);
   service = std::make_unique<ScriptedPortal>(bus);
@@ -261,7 +261,7 @@ TEST_F(ShortcutsPortalTest, aPortalThatStartsLateBringsTheKey) {
   EXPECT_EQ(refusals.back(), 0);
 }
 
-TEST_F(ShortcutsPortalTest, aPortalThatStartsAgainDoesNotAskAUserWhoSaidNo) {
+TEST_F(ShortcutsPortalTest, aRestartedPortalDoesNotAskAUserWhoDeclined) {
   const auto connection = bus.connect();
   make(connection);
   service->response = 1;

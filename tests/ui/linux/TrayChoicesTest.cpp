@@ -44,7 +44,7 @@ TEST(TrayColoursTest, greenIsLightAndBlueIsDark) {
   EXPECT_EQ(hasLightForeground(trayColours(0, 0, 65535)), false);
 }
 
-TEST(TrayColoursTest, bytesOfAnotherLengthTellNothing) {
+TEST(TrayColoursTest, bytesOfAnotherLengthAreIgnored) {
   EXPECT_EQ(hasLightForeground({}), std::nullopt);
   EXPECT_EQ(hasLightForeground(trayColours(1, 2, 3).left(47)), std::nullopt);
 }
@@ -53,7 +53,7 @@ const ScreenPlace single{{0, 0, 1920, 1080}, {0, 29, 1920, 1051}, 1.0};
 const ScreenPlace doubled{{0, 0, 960, 540}, {0, 0, 960, 520}, 2.0};
 const ScreenPlace beside{{1920, 0, 960, 540}, {1920, 0, 960, 540}, 2.0};
 
-TEST(ClickAnchorTest, noTwoIntegersAreTooFarAway) {
+TEST(ClickAnchorTest, extremeCoordinatesAreHandled) {
   constexpr int least = std::numeric_limits<int>::min(), most = std::numeric_limits<int>::max();
   for (const QPoint far : {QPoint(least, least), QPoint(most, most), QPoint(least, 10), QPoint(10, most)}) {
     EXPECT_EQ(logicalPoint(far, {beside, single}), std::nullopt);
@@ -74,7 +74,7 @@ TEST(ClickAnchorTest, aPointIsDividedByTheRatioOfItsScreen) {
   EXPECT_EQ(logicalPoint({2020, 101}, {single, beside}), QPoint(1970, 50));
 }
 
-TEST(ClickAnchorTest, aPointOnNoScreenIsNone) {
+TEST(ClickAnchorTest, aPointOutsideOfAllScreensIsIgnored) {
   EXPECT_EQ(logicalPoint({5000, 13}, {single}), std::nullopt);
   EXPECT_EQ(logicalPoint({-1, 13}, {single}), std::nullopt);
   EXPECT_EQ(logicalPoint({5, 5}, {}), std::nullopt);
@@ -85,7 +85,7 @@ TEST(ClickAnchorTest, theIconIsTakenToBeAsLargeAsThePanelIsThick) {
   EXPECT_EQ(assumedIconRectangle({955, 533}, {doubled}), QRect(945, 523, 20, 20));
 }
 
-TEST(ClickAnchorTest, aPanelThatTheDesktopDoesNotTellOfHasTheUsualThickness) {
+TEST(ClickAnchorTest, anUnreportedPanelHasTheUsualThickness) {
   EXPECT_EQ(assumedIconRectangle({2000, 10}, {single, beside}), QRect(1984, -6, 32, 32));
 }
 

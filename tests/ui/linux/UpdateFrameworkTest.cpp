@@ -201,7 +201,7 @@ TEST_F(UpdateFrameworkTest, anUpdateOfThePackageIsAnUpdate) {
   EXPECT_EQ(said, Strings{});
 }
 
-TEST_F(UpdateFrameworkTest, updatesOfOthersAreNone) {
+TEST_F(UpdateFrameworkTest, updatesOfOtherPackagesAreIgnored) {
   start();
   service->updates = {"vorli-extras;2;amd64;stable"};
   EXPECT_EQ(afterBackgroundCheck(), Strings{"1001 Vorli is up to date."});
@@ -215,7 +215,7 @@ TEST_F(UpdateFrameworkTest, aFailureHasThePackageManagersCodeAndText) {
   EXPECT_TRUE(updater->canCheckForUpdates());
 }
 
-TEST_F(UpdateFrameworkTest, aFailureWithoutAWordHasATextAllTheSame) {
+TEST_F(UpdateFrameworkTest, aFailureWithoutATextGetsOne) {
   start();
   service->failsWithoutAWord = true;
   EXPECT_EQ(afterBackgroundCheck(), Strings{"0 The package service gave no reason."});
@@ -229,7 +229,7 @@ TEST_F(UpdateFrameworkTest, theUsersCheckOpensTheUpdatesOfTheSystem) {
   EXPECT_EQ(said, Strings{});
 }
 
-TEST_F(UpdateFrameworkTest, theUsersCheckSaysHowItIsWhereNothingCanBeOpened) {
+TEST_F(UpdateFrameworkTest, theUsersCheckShowsTheResultWhereNothingCanBeOpened) {
   start();
   hasCentre = false;
   service->updates = {"vorli;1.1;amd64;stable"};
@@ -237,20 +237,20 @@ TEST_F(UpdateFrameworkTest, theUsersCheckSaysHowItIsWhereNothingCanBeOpened) {
   EXPECT_EQ(said, Strings{"An update for Vorli is ready. Install it with your system's updates."});
 }
 
-TEST_F(UpdateFrameworkTest, theUsersCheckSaysThatAllIsWell) {
+TEST_F(UpdateFrameworkTest, theUsersCheckShowsThatEverythingIsUpToDate) {
   start();
   EXPECT_EQ(afterUsersCheck(), Strings{"1001 Vorli is up to date."});
   EXPECT_EQ(said, Strings{"Vorli is up to date."});
 }
 
-TEST_F(UpdateFrameworkTest, theUsersCheckSaysWhatWentWrong) {
+TEST_F(UpdateFrameworkTest, theUsersCheckShowsWhatWentWrong) {
   start();
   service->error = {2, "The network is down."};
   afterUsersCheck();
   EXPECT_EQ(said, Strings{"Vorli couldn't look for updates. The network is down."});
 }
 
-TEST_F(UpdateFrameworkTest, oneCheckAtATimeAnswersTheUserToo) {
+TEST_F(UpdateFrameworkTest, aCheckInProgressAnswersTheUserToo) {
   start();
   updater->checkForUpdatesInBackground();
   EXPECT_FALSE(updater->canCheckForUpdates());

@@ -180,7 +180,7 @@ TEST_F(UserNotificationCenterTest, closingANoticeAnswersNothing) {
   EXPECT_EQ(delegate.responses, Responses{});
 }
 
-TEST_F(UserNotificationCenterTest, anotherProgramsNoticeIsNoneOfOurs) {
+TEST_F(UserNotificationCenterTest, noticesOfOtherProgramsAreIgnored) {
   EXPECT_TRUE(post().has_value());
   server->press(7, "VorliClearNow");
   settle();
@@ -199,7 +199,7 @@ TEST_F(UserNotificationCenterTest, listensOnlyWhileANoticeIsThere) {
   EXPECT_TRUE(stopsListening());
 }
 
-TEST_F(UserNotificationCenterTest, answersComeFromARestartedServerToo) {
+TEST_F(UserNotificationCenterTest, aRestartedServerAnswersToo) {
   EXPECT_TRUE(post("broken").has_value());
   server.reset();
   EXPECT_TRUE(stopsListening());  // its notice has disappeared with it
@@ -210,7 +210,7 @@ TEST_F(UserNotificationCenterTest, answersComeFromARestartedServerToo) {
   EXPECT_EQ(delegate.responses, (Responses{{"polish", "VorliClearNow"}}));
 }
 
-TEST_F(UserNotificationCenterTest, theSameNumberOfARestartedServerIsAnothersNotice) {
+TEST_F(UserNotificationCenterTest, aRestartedServersNumbersBelongToOtherNotices) {
   EXPECT_TRUE(post("broken").has_value());
   auto next = std::make_unique<ScriptedServer>(bus);  // waits for the name
   server.reset();
@@ -291,7 +291,7 @@ TEST_F(UserNotificationCenterTest, aServerThatWasNotReadyIsAskedAgain) {
   EXPECT_TRUE(authorization->granted);
 }
 
-TEST_F(UserNotificationCenterTest, whatIsUnderWayEndsWithIt) {
+TEST_F(UserNotificationCenterTest, pendingRequestsEndWithIt) {
   server.reset();
   ask();
   loopUntil([&] { return scheduler.pendingTimers() == 1; });

@@ -70,7 +70,7 @@ TEST_F(QtSchedulerTest, aPostWakesALoopThatSleeps) {
   poster.join();
 }
 
-TEST_F(QtSchedulerTest, delayIsNeverCutShort) {
+TEST_F(QtSchedulerTest, delayIsNeverShortened) {
   for (const double seconds : {0.0, 0.0004, 0.005, 0.0166666, 0.06}) {
     for (const auto precision : {Scheduler::Precision::exact, Scheduler::Precision::coarse}) {
       const double start = scheduler.now();
@@ -102,7 +102,7 @@ TEST_F(QtSchedulerTest, aChainOfDelaysIsNotRoundedToMilliseconds) {
   EXPECT_LT(shortest, 0.0016);
 }
 
-TEST_F(QtSchedulerTest, anEndlessDelayHoldsNobodyUp) {
+TEST_F(QtSchedulerTest, anEndlessDelayDoesNotBlockTheLoop) {
   scheduler.after(std::numeric_limits<double>::infinity(), [this] { ran += 'x'; });
   scheduler.after(0.001, [this] { ran += 'a'; });
   ASSERT_TRUE(runUntil([this] { return !ran.empty(); }));
@@ -121,7 +121,7 @@ TEST_F(QtSchedulerTest, aDelayThatWasPutOffDoesNotFireAtItsOldMoment) {
   EXPECT_GE(scheduler.now() - start, 0.02);
 }
 
-TEST_F(QtSchedulerTest, laterTimerAddedFirstRunsLast) {
+TEST_F(QtSchedulerTest, timersRunInTheOrderOfTheirDueTimes) {
   // The delays differ by more than the machine pauses between these lines.
   scheduler.after(0.9, [this] { ran += 'c'; });
   scheduler.after(0.3, [this] { ran += 'a'; });
@@ -151,7 +151,7 @@ TEST_F(QtSchedulerTest, oneTimerMayCancelAnotherThatIsDueWithIt) {
   EXPECT_EQ(ran, "ab");
 }
 
-TEST_F(QtSchedulerTest, timersGoOnInsideAnEventLoopThatOneOfThemRuns) {
+TEST_F(QtSchedulerTest, timersContinueInsideANestedEventLoop) {
   scheduler.after(0.001, [this] {
     ran += 'a';
     QEventLoop inner;
@@ -167,7 +167,7 @@ TEST_F(QtSchedulerTest, timersGoOnInsideAnEventLoopThatOneOfThemRuns) {
   EXPECT_EQ(ran, "a-bc");
 }
 
-TEST_F(QtSchedulerTest, whatDroppedWorkHoldsMayUseTheSchedulerOnItsWayOut) {
+TEST_F(QtSchedulerTest, capturesOfDroppedWorkMayUseTheSchedulerInTheirDestructors) {
   auto dropped = std::make_unique<QtScheduler>();
   struct Guard {
     Scheduler* scheduler;

@@ -24,7 +24,7 @@ struct TimerQueueTest : testing::Test {
   }
 };
 
-TEST_F(TimerQueueTest, emptyQueueWakesNobody) {
+TEST_F(TimerQueueTest, emptyQueueSchedulesNoWakeUp) {
   EXPECT_EQ(queue.nextWake(), std::nullopt);
   wakeAt(1e9);
   EXPECT_EQ(ran, "");
@@ -119,7 +119,7 @@ TEST_F(TimerQueueTest, workAddedDuringAWakeUpWaitsForTheNextOne) {
   EXPECT_EQ(ran, "second");
 }
 
-TEST_F(TimerQueueTest, droppedWorkMayCancelAnotherOnItsWayOut) {
+TEST_F(TimerQueueTest, droppedWorkMayCancelOtherWorkInItsDestructor) {
   struct Canceller {
     TimerQueue* queue;
     Scheduler::TimerId other;

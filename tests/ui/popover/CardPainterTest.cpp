@@ -113,7 +113,7 @@ TEST(CardPainter, shadowIsBrownOnPaperAndBlackOnCharcoal) {
   EXPECT_EQ(shares(dark), (std::array{0.0, 0.0, 0.0}));
 }
 
-TEST(CardPainter, tallCardIsPutTogetherFromTheSameShadow) {
+TEST(CardPainter, tallCardIsAssembledFromTheSameShadow) {
   QImage low = clear(170), tall = clear(380), taller = clear(380);
   paintShadow(low, card, Appearance::dark);
   paintShadow(tall, {24.0, 16.0, 270.0, 97.0}, Appearance::dark);
@@ -208,7 +208,7 @@ TEST(CardPainter, hairlineInsideFollowsTheRoundCorner) {
   EXPECT_EQ(alphaAt(image, 24 + 8, 16 + 8), 0.0);
 }
 
-TEST(CardPainter, stripIsACapsule) {
+TEST(CardPainter, aStripHasFullyRoundEnds) {
   EXPECT_EQ(CardPainter::radiusOf({0.0, 0.0, 270.0, 24.0}), 12.0);
   EXPECT_EQ(CardPainter::radiusOf({0.0, 0.0, 270.0, 36.0}), 18.0);
   EXPECT_EQ(CardPainter::radiusOf({0.0, 0.0, 270.0, 304.0}), 18.0);

@@ -37,7 +37,7 @@ TEST(GearPainter, hasAPlateOnlyUnderThePointer) {
   EXPECT_EQ(alphaAt(gear({.hover = 1.0}), 262, 22), 0.0);
 }
 
-TEST(GearPainter, keyRaisesItAsThePointerDoes) {
+TEST(GearPainter, keyPressRaisesItLikeThePointer) {
   EXPECT_EQ(gear({.press = 1.0}), gear({.hover = 1.0, .press = 1.0}));
   EXPECT_EQ(gear({.press = -0.1}), gear({}));
 }
@@ -94,7 +94,7 @@ TEST(QuitPainter, quitIsSolid) {
   EXPECT_NEAR(redOf({.press = 1.0}, darkPopover), 0.80, plateTolerance);
 }
 
-TEST(QuitPainter, capsulesAreRoundAndTheirFocusStandsThreePointsOff) {
+TEST(QuitPainter, capsulesAreRoundAndTheirFocusIsThreePointsAway) {
   EXPECT_EQ(alphaAt(question({}, {}), 47, 255), 0.0);
   const QImage image = question({.focused = true}, {});
   EXPECT_NEAR(alphaAt(image, 89, 251), 1.0, plateTolerance);
@@ -120,12 +120,12 @@ TEST(LinkPainter, capsuleLightsUpUnderThePointerAndShrinksWhenPressed) {
   EXPECT_NEAR(alphaAt(link({.press = 1.0, .scales = false}), 78, 252), 0.18, 0.02);
 }
 
-TEST(LinkPainter, keyRaisesItAsThePointerDoes) {
+TEST(LinkPainter, keyPressRaisesItLikeThePointer) {
   EXPECT_EQ(link({.press = 1.0}), link({.hover = 1.0, .press = 1.0}));
   EXPECT_EQ(link({.press = -0.1, .scales = false}), link({.scales = false}));  // a spring on its way back
 }
 
-TEST(LinkPainter, arrowStandsInItsSquare) {
+TEST(LinkPainter, arrowIsInItsSquare) {
   const QImage image = link({});
   EXPECT_GT(alphaAt(image, 170, 253), 0.5);  // left side
   EXPECT_GT(alphaAt(image, 177, 254), 0.5);  // right side
@@ -133,7 +133,7 @@ TEST(LinkPainter, arrowStandsInItsSquare) {
   EXPECT_LT(alphaAt(image, 172, 250), 0.2);  // beside the shaft
 }
 
-TEST(BannerPainter, standsOnACapsule) {
+TEST(BannerPainter, isDrawnOnACapsule) {
   const PlacedLabel placed{{80.0, 221.0, 110.0, 24.0}, {}};
   for (const auto* palette : {&lightPopover, &darkPopover}) {
     const QImage image = paintedControl([&](QPainter& painter) { paintBanner(painter, placed, *palette); });

@@ -18,7 +18,7 @@ class FadedValueTest : public testing::Test {
   Faded value{clock, [this] { ++exchanges; }};
 };
 
-TEST_F(FadedValueTest, oldOneFadesOutBeforeTheNewOneFadesIn) {
+TEST_F(FadedValueTest, oldValueFadesOutBeforeTheNewOneFadesIn) {
   value.fadeTo("new");
   EXPECT_EQ(value.shown(), "old");
   EXPECT_EQ(value.wanted(), "new");
@@ -31,7 +31,7 @@ TEST_F(FadedValueTest, oldOneFadesOutBeforeTheNewOneFadesIn) {
   EXPECT_EQ(exchanges, 1);
 }
 
-TEST_F(FadedValueTest, oldOneCanLeaveAtAnotherPace) {
+TEST_F(FadedValueTest, oldValueCanFadeOutAtAnotherPace) {
   value.fadeTo("new", Animation::easeInOut(0.6));
   clock.advance(0.3);
   EXPECT_NEAR(value.opacity(clock.now()), 0.5, 1e-9);
@@ -49,7 +49,7 @@ TEST_F(FadedValueTest, sameValueDoesNotMove) {
   EXPECT_LT(value.restsAt(), clock.now());
 }
 
-TEST_F(FadedValueTest, lastOfSeveralIsShown) {
+TEST_F(FadedValueTest, lastOfSeveralValuesIsShown) {
   value.fadeTo("new");
   clock.advance(Faded::outSeconds / 2);
   value.fadeTo("newest");
@@ -67,7 +67,7 @@ TEST_F(FadedValueTest, jumpEndsAFade) {
   EXPECT_EQ(exchanges, 0);
 }
 
-TEST_F(FadedValueTest, nothingHappensAfterItsEnd) {
+TEST_F(FadedValueTest, nothingHappensAfterItsDestruction) {
   auto* gone = new Faded(clock, [this] { ++exchanges; });
   gone->fadeTo("new");
   delete gone;

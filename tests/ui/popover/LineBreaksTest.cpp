@@ -25,7 +25,7 @@ TEST(LineBreaks, linesAreOfNearlyTheSameLength) {
   EXPECT_EQ(balancedLines("aaaa bbbb cccc dddd", 14.0, letters), (QStringList{"aaaa bbbb", "cccc dddd"}));
 }
 
-TEST(LineBreaks, noLineEndsInAWordThatLeansOnTheNext) {
+TEST(LineBreaks, noLineEndsInAWordThatBelongsToTheNext) {
   EXPECT_EQ(balancedLines("aaaa bbbb for cc", 13.0, letters), (QStringList{"aaaa bbbb", "for cc"}));
   EXPECT_EQ(balancedLines("see your Mac now", 12.0, letters), (QStringList{"see", "your Mac now"}));
 }
@@ -34,7 +34,7 @@ TEST(LineBreaks, loginItemsStayTogether) {
   EXPECT_EQ(balancedLines("in Login Items here", 15.0, letters), (QStringList{"in Login Items", "here"}));
 }
 
-TEST(LineBreaks, wordThatIsTooWideStandsAlone) {
+TEST(LineBreaks, tooWideWordIsOnALineOfItsOwn) {
   EXPECT_EQ(balancedLines("a-very-wide-word x", 8.0, letters), (QStringList{"a-very-wide-word", "x"}));
 }
 

@@ -22,7 +22,7 @@ struct PopoverControlTest : PopoverWidgetFixture {
   }
 };
 
-TEST_F(PopoverControlTest, nameThatLeavesWhileItIsHeldDownComesBackReleased) {
+TEST_F(PopoverControlTest, nameRemovedWhileHeldDownReturnsReleased) {
   open();
   auto* name = control(Id::secondName);
   send(QEvent::MouseButtonPress, *name);
@@ -59,7 +59,7 @@ TEST_F(PopoverControlTest, nameThatIsNotPaintedCannotBePressed) {
   EXPECT_EQ(view->confirmingQuitName().get(), "Brave");
 }
 
-TEST_F(PopoverControlTest, pressThatBeganOnAnotherNameAsksNothing) {
+TEST_F(PopoverControlTest, pressThatBeganOnAnotherNameOpensNoQuestion) {
   open();
   auto other = hogs;
   other[0].name = other[0].displayName = "Brave";

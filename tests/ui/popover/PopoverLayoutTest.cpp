@@ -38,7 +38,7 @@ CulpritPicture oneName(const char* name) {
           .names = {{}}};
 }
 
-TEST(PopoverLayout, ringAndHeadlineStandByTheHeightOfTheCard) {
+TEST(PopoverLayout, ringAndHeadlineArePlacedByTheHeightOfTheCard) {
   EXPECT_EQ(ringCentre(240.0, filling), 96.0);
   EXPECT_EQ(words(240.0, full).headlineTop, 175.0);
   EXPECT_EQ(ringCentre(264.0, filling), 98.0);
@@ -73,7 +73,7 @@ TEST(PopoverLayout, sentenceOfTwoLinesHasRoomForItsCulpritsAndForTheQuestion) {
   EXPECT_EQ(304.0 - PopoverLayout::of(content, 1.0).bottom, 21.0);
 }
 
-TEST(PopoverLayout, headlineAndAsideStandOnTheirBaseLines) {
+TEST(PopoverLayout, headlineAndAsideAreOnTheirBaselines) {
   const auto layout = PopoverLayout::of(words(304.0, full), 1.0);
   ASSERT_EQ(layout.headline.size(), 1U);
   ASSERT_EQ(layout.aside.size(), 1U);
@@ -93,7 +93,7 @@ TEST(PopoverLayout, linesAreCentredAndBeginOnADevicePixel) {
   }
 }
 
-TEST(PopoverLayout, culpritSentenceStandsUnderTheAsideAndNothingAboveItMoves) {
+TEST(PopoverLayout, culpritSentenceIsBelowTheAsideAndNothingAboveItMoves) {
   auto content = words(304.0, full);
   const auto before = PopoverLayout::of(content, 1.0);
   content.culprits = twoNames("Chrome", "Photoshop");
@@ -106,7 +106,7 @@ TEST(PopoverLayout, culpritSentenceStandsUnderTheAsideAndNothingAboveItMoves) {
   EXPECT_EQ(304.0 - layout.bottom, 304.0 - (219.0 + 12.0 + 30.0));
 }
 
-TEST(PopoverLayout, culpritsWithoutAnAsideStandTwoPointsLower) {
+TEST(PopoverLayout, culpritsWithoutAnAsideAreTwoPointsLower) {
   auto content = words(304.0, filling, Under::culprits);
   content.culprits = oneName("Chrome");
   const auto layout = PopoverLayout::of(content, 1.0);
@@ -179,7 +179,7 @@ TEST(PopoverLayout, longNameIsCutSoThatTheQuestionFits) {
   EXPECT_LE(PopoverTextStyles::shared().question.width(question), 230.0);
 }
 
-TEST(PopoverLayout, cutTextLosesNoHalfOfALetter) {
+TEST(PopoverLayout, cutTextKeepsWholeLetters) {
   const auto& style = PopoverTextStyles::shared().question;
   const QString faces = QString::fromUtf8("\U0001F600\U0001F600\U0001F600\U0001F600");
   const QString cut = cutToWidth(style, faces, style.width(faces) * 0.7);
@@ -187,7 +187,7 @@ TEST(PopoverLayout, cutTextLosesNoHalfOfALetter) {
   EXPECT_FALSE(cut.at(cut.size() - 2).isHighSurrogate());
 }
 
-TEST(PopoverLayout, nothingIsLeftOfATextWithoutRoom) {
+TEST(PopoverLayout, textWithoutRoomIsEmpty) {
   EXPECT_EQ(cutToWidth(PopoverTextStyles::shared().question, QStringLiteral("Chrome"), 1.0), "…");
 }
 
@@ -211,7 +211,7 @@ TEST(PopoverLayout, bannerIsAnEvenCapsule) {
   EXPECT_EQ(264.0 - layout.bottom, 29.0);
 }
 
-TEST(PopoverLayout, linkStandsUnderTheTwoLinesOfItsSentence) {
+TEST(PopoverLayout, linkIsBelowTheTwoLinesOfItsSentence) {
   auto content = words(304.0, QStringLiteral("A gentle tidy. Couldn't reach the helper for a full polish."));
   content.link = LinkPicture{};
   const auto layout = PopoverLayout::of(content, 1.0);

@@ -51,7 +51,7 @@ QImage paintedPopover(const PopoverPicture& picture, double pixelRatio) {
 class PopoverPainterAt : public testing::TestWithParam<double> {};
 INSTANTIATE_TEST_SUITE_P(pixelRatios, PopoverPainterAt, testing::Values(1.0, 1.25, 1.5, 1.75, 2.0));
 
-TEST_P(PopoverPainterAt, repaintOfTheHaloAloneGivesTheWholePicture) {
+TEST_P(PopoverPainterAt, repaintingTheHaloAloneGivesTheWholePicture) {
   const double pixelRatio = GetParam();
   PopoverPainter popover;
   QImage image = window(pixelRatio);
@@ -76,7 +76,7 @@ std::vector<PopoverPicture> successors() {
   return pictures;
 }
 
-TEST_P(PopoverPainterAt, repaintOfTheChangedPartGivesTheWholePicture) {
+TEST_P(PopoverPainterAt, repaintingTheChangedPartGivesTheWholePicture) {
   const double pixelRatio = GetParam();
   const QRectF all({0.0, 0.0}, QSizeF(windowSize));
   for (const auto& next : successors()) {
@@ -138,7 +138,7 @@ TEST_P(PopoverPainterAt, ringAndItsLightHaveOneCentre) {
   }
 }
 
-TEST(ChangedPart, nothingWhereNothingDiffersAndTheHaloAloneWhereItBreathes) {
+TEST(ChangedPart, isEmptyForEqualPicturesAndTheHaloForABreath) {
   EXPECT_TRUE(changedPart(critical(), critical())->isEmpty());
   EXPECT_EQ(changedPart(critical(0.2), critical(0.9)), PopoverPainter::haloOf(critical()));
 }

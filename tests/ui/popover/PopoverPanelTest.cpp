@@ -51,7 +51,7 @@ struct PopoverPanelTest : PolishFixture {
   PlainPanel panel{scheduler, [this] { return item; }, surroundings};
 };
 
-TEST_F(PopoverPanelTest, compositorThatLeavesGivesTheOpenPopoverANewWindowInItsPlace) {
+TEST_F(PopoverPanelTest, openPopoverGetsANewWindowInPlaceWhenTheCompositorEnds) {
   ASSERT_TRUE(panel.show());
   const auto* first = &panel.widget();
   const QPoint place = first->pos();
@@ -67,7 +67,7 @@ TEST_F(PopoverPanelTest, compositorThatLeavesGivesTheOpenPopoverANewWindowInItsP
   EXPECT_EQ(panel.equipped, 2);
 }
 
-TEST_F(PopoverPanelTest, compositorThatLeavesAShutPopoverCountsAtTheNextOpening) {
+TEST_F(PopoverPanelTest, endOfTheCompositorAffectsAClosedPopoverAtTheNextOpening) {
   ASSERT_TRUE(panel.show());
   panel.performClose();
   surroundings.composited = Compositing::absent;
@@ -107,7 +107,7 @@ TEST_F(PopoverPanelTest, sameSizeLeavesTheMovementThatIsUnderWay) {
   EXPECT_EQ(panel.contentSize(), (ports::PopoverSize{270.0, 304.0}));
 }
 
-TEST_F(PopoverPanelTest, shutPopoverTakesASizeAtOnce) {
+TEST_F(PopoverPanelTest, closedPopoverTakesASizeAtOnce) {
   ASSERT_TRUE(panel.show());
   panel.performClose();
   panel.animateContentSize({270.0, 240.0}, Animation::linear(0.4));

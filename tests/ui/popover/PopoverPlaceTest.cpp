@@ -28,12 +28,12 @@ TEST(PopoverPlace, screenThatIsTooNarrowShowsItsLeftSide) {
   EXPECT_EQ(popoverPlace(clickAt(320, 5), std::nullopt, {narrow})->left, 104);
 }
 
-TEST(PopoverPlace, standsOnALowerPanel) {
+TEST(PopoverPlace, isAboveALowerPanel) {
   const QRect panel{0, 1050, 1920, 30};
   EXPECT_EQ(popoverPlace(clickAt(1000, 1065), panel, {screen}), (PopoverPlace{Edge::bottom, 865, 1044}));
 }
 
-TEST(PopoverPlace, withoutAKnownPanelTheIconIsWhatItKeepsClearOf) {
+TEST(PopoverPlace, withoutAKnownPanelItKeepsClearOfTheIcon) {
   const ScreenPlace whole{{0, 0, 1920, 1080}, {0, 0, 1920, 1080}, 1.0};
   EXPECT_EQ(popoverPlace(clickAt(1000, 14), std::nullopt, {whole})->y, 28 + 6);
   EXPECT_EQ(popoverPlace(clickAt(1000, 1065), std::nullopt, {whole})->y, 1051 - 6);
@@ -48,7 +48,7 @@ TEST(PopoverPlace, panelOfTheSecondScreenCountsOnlyThere) {
   EXPECT_EQ(popoverPlace(clickAt(970, 14), panel, {left, right}), (PopoverPlace{Edge::top, 964, 34}));
 }
 
-TEST(PopoverPlace, standsBesideAnUprightPanel) {
+TEST(PopoverPlace, isBesideAVerticalPanel) {
   const QRect left{0, 0, 40, 1080}, right{1880, 0, 40, 1080};
   EXPECT_EQ(popoverPlace(clickAt(20, 200), left, {screen}), (PopoverPlace{Edge::top, 46, 186}));
   EXPECT_EQ(popoverPlace(clickAt(1900, 900), right, {screen}), (PopoverPlace{Edge::bottom, 1604, 914}));
@@ -59,7 +59,7 @@ TEST(PopoverPlace, withoutAClickItIsInTheUpperRight) {
   EXPECT_EQ(popoverPlace(clickAt(5000, 5), std::nullopt, {screen}), (PopoverPlace{Edge::top, 1646, 34}));
 }
 
-TEST(PopoverPlace, withoutAScreenThereIsNone) {
+TEST(PopoverPlace, withoutAScreenThereIsNoPlace) {
   EXPECT_EQ(popoverPlace(clickAt(5, 5), std::nullopt, {}), std::nullopt);
 }
 

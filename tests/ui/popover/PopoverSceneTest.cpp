@@ -70,7 +70,7 @@ TEST_F(PopoverSceneTest, withLessMovementAPressIsShownAtOnceAndNothingScales) {
   EXPECT_FALSE(after(0.0).ring.button.scales);
 }
 
-TEST_F(PopoverSceneTest, glassStandsOutByWhatAPressWouldDo) {
+TEST_F(PopoverSceneTest, glassFollowsTheEffectOfAPress) {
   EXPECT_EQ(after(0.0).ring.lens, 1.0);
   showRing(0.1);
   EXPECT_EQ(after(0.0).ring.lens, 0.45);
@@ -105,7 +105,7 @@ TEST_F(PopoverSceneTest, ringOverCulpritsLiesWhereTheirCardIsInBalance) {
   EXPECT_EQ(after(0.0).ringCentreY, 114.0);
 }
 
-TEST_F(PopoverSceneTest, wordOfTheButtonGoesAtThePressAndComesBackAtTheEnd) {
+TEST_F(PopoverSceneTest, wordOfTheButtonDisappearsAtThePressAndReturnsAtTheEnd) {
   fakes::publish(view->isReleasing, true);
   scheduler.runReady();
   EXPECT_EQ(after(0.0).ring.labelOpacity, 1.0);
@@ -119,7 +119,7 @@ TEST_F(PopoverSceneTest, wordOfTheButtonGoesAtThePressAndComesBackAtTheEnd) {
   EXPECT_EQ(after(0.6).ring.labelOpacity, 1.0);
 }
 
-TEST_F(PopoverSceneTest, wordKeepsItsHeavyFaceWhileItGoes) {
+TEST_F(PopoverSceneTest, wordKeepsItsHeavyFaceWhileItFades) {
   EXPECT_TRUE(after(0.0).ring.labelReady);
   press();
   scheduler.advance(5.0);
@@ -130,13 +130,13 @@ TEST_F(PopoverSceneTest, wordKeepsItsHeavyFaceWhileItGoes) {
   EXPECT_FALSE(after(0.0).ring.labelReady);  // the ring is calm now
 }
 
-TEST_F(PopoverSceneTest, calmIsHandedOn) {
+TEST_F(PopoverSceneTest, calmIsPassedOn) {
   EXPECT_EQ(after(0.0).calmIntensity, 0.0);
   fakes::publish(clearState.calmIntensity, 0.4);
   EXPECT_EQ(after(0.0).calmIntensity, 0.4);
 }
 
-TEST_F(PopoverSceneTest, whatNobodyCanSeeYetJumps) {
+TEST_F(PopoverSceneTest, changesBeforeTheFirstFrameJump) {
   notifications.post(VorliAnimateDismiss{});
   scheduler.advance(1.0);
   notifications.post(VorliAnimateAppear{});

@@ -80,7 +80,7 @@ TEST_F(PopoverWidgetTest, linkAndBannerAreSpokenInTheirOwnWords) {
                                 "approve Vorli's background helper. | "));
 }
 
-TEST_F(PopoverWidgetTest, valueOfTheButtonIsAlsoATextThatIsHandedOn) {
+TEST_F(PopoverWidgetTest, valueOfTheButtonIsAlsoReadableAsText) {
   open();
   const auto textOf = [this](Id id) {
     auto* text = QAccessible::queryAccessibleInterface(control(id))->textInterface();
@@ -92,7 +92,7 @@ TEST_F(PopoverWidgetTest, valueOfTheButtonIsAlsoATextThatIsHandedOn) {
   EXPECT_EQ(textOf(Id::polish), "Your Mac is starting to fill up.");
 }
 
-TEST_F(PopoverWidgetTest, windowIsADialogAndNoPieceOfOne) {
+TEST_F(PopoverWidgetTest, windowIsADialog) {
   EXPECT_EQ(QAccessible::queryAccessibleInterface(&*widget)->role(), QAccessible::Dialog);
 }
 
@@ -110,7 +110,7 @@ TEST_F(PopoverWidgetTest, controlsHaveToolTips) {
   EXPECT_EQ(control(Id::secondName)->toolTip(), "Click to quit Figma");
 }
 
-TEST_F(PopoverWidgetTest, nameThatLooksLikeMarkupIsToldAsItIs) {
+TEST_F(PopoverWidgetTest, nameThatLooksLikeMarkupIsNotInterpreted) {
   hogs[0].name = hogs[0].displayName = "Notes <b>beta";
   open();
   EXPECT_THAT(spoken(),
@@ -211,7 +211,7 @@ TEST_F(PopoverWidgetTest, escapeCancelsTheQuestionAndOnlyThenCloses) {
   EXPECT_EQ(escapes, 1);
 }
 
-TEST_F(PopoverWidgetTest, windowManagersWishToCloseRollsUpAndTheProgramsOwnIsNotRefused) {
+TEST_F(PopoverWidgetTest, closeByTheWindowManagerRollsUpAndTheProgramsOwnIsNotRefused) {
   open();
   QCloseEvent byTheUser;
   QSpontaneKeyEvent::setSpontaneous(&byTheUser);
@@ -232,7 +232,7 @@ TEST_F(PopoverWidgetTest, ringIsPressedOnItsDiscAlone) {
   EXPECT_NE(widget->childAt(ring->geometry().topLeft() + QPoint(4, 4)), ring);
 }
 
-TEST_F(PopoverWidgetTest, pointerOnTheRingIsToldToTheView) {
+TEST_F(PopoverWidgetTest, pointerOnTheRingIsReportedToTheView) {
   open();
   QEnterEvent enter({1, 1}, {1, 1}, {1, 1});
   QApplication::sendEvent(control(Id::polish), &enter);
@@ -242,7 +242,7 @@ TEST_F(PopoverWidgetTest, pointerOnTheRingIsToldToTheView) {
   EXPECT_FALSE(view->hovered);
 }
 
-TEST_F(PopoverWidgetTest, windowThatTakesThePlaceOfAnotherWaitsForThePointer) {
+TEST_F(PopoverWidgetTest, replacementWindowWaitsForThePointer) {
   open();
   QEnterEvent enter({1, 1}, {1, 1}, {1, 1});
   QApplication::sendEvent(control(Id::polish), &enter);
@@ -313,7 +313,7 @@ TEST_F(PopoverFramesTest, ringThatFollowsTheMonitorKeepsThePaceOfTheScreen) {
   EXPECT_NEAR(static_cast<double>(framesIn(0.6)), 9.0, 4.0);  // the end, then the breath
 }
 
-TEST_F(PopoverFramesTest, ringThatCreepsCostsNoMoreThanTheBreath) {
+TEST_F(PopoverFramesTest, slowlyMovingRingCostsNoMoreThanTheBreath) {
   open();
   scheduler.advance(5.0);
   publishRing(0.9);
@@ -349,7 +349,7 @@ TEST_F(PopoverFramesTest, dotsSpringAtThePaceOfTheScreen) {
   EXPECT_NEAR(static_cast<double>(framesIn(0.25)), 15.0, 3.0);
 }
 
-TEST_F(PopoverFramesTest, nothingIsPaintedWhileItIsShut) {
+TEST_F(PopoverFramesTest, nothingIsPaintedWhileClosed) {
   open();
   widget->hide();
   widget->end();
@@ -357,14 +357,14 @@ TEST_F(PopoverFramesTest, nothingIsPaintedWhileItIsShut) {
   EXPECT_EQ(scheduler.earliestDeadline() < scheduler.now() + 1.0 / 10.0, false);
 }
 
-TEST_F(PopoverFramesTest, nothingMovesAtRestForWhoAskedForLessMovement) {
+TEST_F(PopoverFramesTest, nothingMovesAtRestWithReducedMotion) {
   motion.setReduced(true);
   open();
   scheduler.advance(5.0);
   EXPECT_EQ(framesIn(3.0), 0U);
 }
 
-TEST_F(PopoverFramesTest, calmThatLeavesIsPaintedThoughNothingElseMoves) {
+TEST_F(PopoverFramesTest, fadingCalmIsPaintedThoughNothingElseMoves) {
   motion.setReduced(true);
   open();
   fakes::publish(clearState.calmIntensity, 0.9);
@@ -428,7 +428,7 @@ TEST_F(PopoverFramesTest, frameThatWasPaintedAheadIsThatOfItsTime) {
   EXPECT_EQ(ahead, inTime);
 }
 
-TEST_F(PopoverFramesTest, whatWasSeenAlreadyIsNotPaintedAhead) {
+TEST_F(PopoverFramesTest, onlyAnUnseenCardIsPaintedAhead) {
   widget->scene().setCardHeight(24.0);
   widget->begin();
   widget->show();
@@ -439,7 +439,7 @@ TEST_F(PopoverFramesTest, whatWasSeenAlreadyIsNotPaintedAhead) {
   EXPECT_GT(widget->card().height(), 100);
 }
 
-TEST_F(PopoverFramesTest, withLessMovementTheCardStandsAtOnce) {
+TEST_F(PopoverFramesTest, withLessMovementTheCardIsOpenAtOnce) {
   motion.setReduced(true);
   open();
   widget->scene().setCardHeight(24.0);

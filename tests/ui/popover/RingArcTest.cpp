@@ -31,7 +31,7 @@ TEST(RingArc, emptyRingShowsItsTrackAlone) {
   EXPECT_EQ(arcColourAt(image, 0.3, 58.0).alpha(), 0);
 }
 
-TEST(RingArc, nothingIsShownOfAProgressThatIsHardlyThere) {
+TEST(RingArc, tinyProgressIsNotDrawn) {
   EXPECT_EQ(ring(0.004), ring(0.0));
   EXPECT_NE(ring(0.005), ring(0.0));
 }
@@ -42,7 +42,7 @@ TEST(RingArc, arcRunsClockwiseFromTheTop) {
   EXPECT_EQ(arcColourAt(image, 0.75).alpha(), 128);
 }
 
-TEST(RingArc, palesFromItsHeadToItsTail) {
+TEST(RingArc, fadesFromItsHeadToItsTail) {
   const QImage image = ring(0.5);
   EXPECT_GT(arcColourAt(image, 0.02).blue(), 235);
   EXPECT_NEAR(arcColourAt(image, 0.25).red(), 128, 6);
@@ -58,7 +58,7 @@ TEST(RingArc, bothEndsAreRoundAndKeepTheirColour) {
   EXPECT_EQ(arcColourAt(image, 0.5 + 2.5 * past).alpha(), 128);
 }
 
-TEST(RingArc, colourChangesInTheMiddleOfWhatIsEmpty) {
+TEST(RingArc, colourChangesInTheMiddleOfTheEmptyPart) {
   // The arc fills the whole band if the gap is narrower than the two round ends; only the seam shows where.
   constexpr double progress = 0.985;
   const QImage image = ring(progress);

@@ -69,7 +69,7 @@ TEST(RingLight, haloGrowsWithTheRing) {
   expectShares(picture, 0.24 * 0.72, {{150, 0.080134}, {200, 0.621617}, {242, 0.931251}, {383, 0.04705}});
 }
 
-TEST(RingLight, calmAndFoldingHoldTheHaloDown) {
+TEST(RingLight, calmAndFoldingDimTheHalo) {
   auto picture = halo(Appearance::light);
   picture.calmIntensity = 1.0;
   expectShares(picture, 0.17 * 0.72 * 0.65, atTheBottomOfABreath);
@@ -103,7 +103,7 @@ TEST(RingLight, polishedRingRestsInItsOwnLight) {
 }
 
 // The bloom is too small to reach the halo, so the colour there is the halo's own.
-TEST(RingLight, warmLightTakesTheColourOfTheCoolOneThatComesUp) {
+TEST(RingLight, warmLightTakesTheColourOfTheRisingCoolOne) {
   for (const auto& [opacity, red] : {std::pair(0.0, 0.9), std::pair(0.5, 0.697), std::pair(1.0, 0.494)}) {
     auto picture = halo(Appearance::light);
     fakes::ManualScheduler clock;
@@ -151,7 +151,7 @@ TEST(RingLight, bloomIsHeldBackOnADarkCardAndTheLeakOnNone) {
   }
 }
 
-TEST(RingLight, layersLieOnEachOther) {
+TEST(RingLight, layersArePaintedOverEachOther) {
   auto picture = cloud(Appearance::light);
   picture.aurora.bloom.blur = 28.0;
   picture.aurora.bloom.scale = 1.0;

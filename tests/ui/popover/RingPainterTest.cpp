@@ -88,7 +88,7 @@ TEST(RingPainter, rimRunsFromWhiteToBrown) {
   EXPECT_EQ(alphaFromCentre(image, 0.0, 43.0), 0.0);
 }
 
-TEST(RingPainter, heldDownTheGlassShrinks) {
+TEST(RingPainter, glassShrinksWhileHeldDown) {
   auto ring = glass();
   EXPECT_GT(alphaFromCentre(drawn(ring), 41.5, 0.0), 0.3);
   ring.button.press = 1.0;
@@ -141,7 +141,7 @@ TEST(RingPainter, beadSitsOnTheEndOfTheArc) {
   EXPECT_GT(end(drawn(ring)), 200);
 }
 
-TEST(RingPainter, dotsStandOnTheirCircleInTheInkOfTheRing) {
+TEST(RingPainter, dotsAreOnTheirCircleInTheInkOfTheRing) {
   auto ring = glass(0.0);
   const fakes::ManualScheduler clock;
   DottedReassuranceRing model(clock);
@@ -186,7 +186,7 @@ TEST(RingPainter, allOfItGrowsInTheBounce) {
   EXPECT_GT(alphaFromCentre(image, 41.5 * 1.08, 0.0), 0.3);
 }
 
-TEST(RingPainter, wordIsThereAsFarAsItIsShown) {
+TEST(RingPainter, wordIsAsOpaqueAsItsLabel) {
   const auto inkOf = [](double opacity) {
     auto ring = glass(0.0);
     ring.labelOpacity = opacity;

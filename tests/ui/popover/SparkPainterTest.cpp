@@ -41,7 +41,7 @@ TEST(SparkPainter, whiteDiscShinesOnADarkGround) {
   EXPECT_EQ(redAt(image, 5.25), 0);
 }
 
-TEST(SparkPainter, onPaperACalmGlowLiesUnderIt) {
+TEST(SparkPainter, calmGlowIsUnderItOnPaper) {
   const QImage image = paintedSpark({.opacity = 1.0}, Appearance::light);
   EXPECT_EQ(redAt(image, 0.0), 255);
   // 0.3833 of the glow, and 0.187 of white over it.
@@ -50,7 +50,7 @@ TEST(SparkPainter, onPaperACalmGlowLiesUnderIt) {
   EXPECT_EQ(redAt(image, 12.05), 255);
 }
 
-TEST(SparkPainter, standsWhereItHasFlownTo) {
+TEST(SparkPainter, isDrawnWhereItHasFlownTo) {
   const QImage image = paintedSpark({.x = -12.0, .y = 9.0, .opacity = 1.0}, Appearance::dark);
   EXPECT_EQ(redAt(image, 0.0), 0);
   EXPECT_EQ(redAt(image, 0.0, -12.0, 9.0), 255);
@@ -64,7 +64,7 @@ TEST(SparkPainter, allOfItScales) {
   EXPECT_EQ(redAt(image, 2.65), 0);
 }
 
-TEST(SparkPainter, itsOpacityAndThatOfTheContentDimAllOfIt) {
+TEST(SparkPainter, opacitiesOfSparkAndContentAreMultiplied) {
   for (const QImage& image : {paintedSpark({.opacity = 0.5}, Appearance::dark),
                               paintedSpark({.opacity = 1.0}, Appearance::dark, 0.5)}) {
     // The disc over its shadow, both at half opacity.

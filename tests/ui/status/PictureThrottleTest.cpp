@@ -53,7 +53,7 @@ TEST_F(PictureThrottleTest, theSamePictureCostsNothing) {
   EXPECT_EQ(scheduler.pendingTimers(), 0u);
 }
 
-TEST_F(PictureThrottleTest, aDifferenceThatNoScreenShowsIsNone) {
+TEST_F(PictureThrottleTest, invisibleDifferencesAreIgnored) {
   throttle->offer(redPicture(0.2));
   scheduler.advance(1.0);
   throttle->offer(redPicture(0.2001));
@@ -62,7 +62,7 @@ TEST_F(PictureThrottleTest, aDifferenceThatNoScreenShowsIsNone) {
   EXPECT_EQ(sent.size(), 2u);
 }
 
-TEST_F(PictureThrottleTest, oneInAnIntervalAndTheNewestAtItsEnd) {
+TEST_F(PictureThrottleTest, sendsOnePictureInAnIntervalAndTheNewestAtItsEnd) {
   offerEmptyDial();
   throttle->offer(redPicture(0.2));
   throttle->offer(redPicture(0.4));
@@ -106,7 +106,7 @@ TEST_F(PictureThrottleTest, sixtyASecondBecomeFourASecondAndTheLastOneArrives) {
   EXPECT_NEAR(sent.back(), 599.0 / 1200.0, 0.5 / 255.0);
 }
 
-TEST_F(PictureThrottleTest, nothingIsSentOnceItIsGone) {
+TEST_F(PictureThrottleTest, nothingIsSentAfterItsDestruction) {
   offerEmptyDial();
   throttle->offer(redPicture(0.2));
   throttle->offer(redPicture(0.4));

@@ -116,7 +116,7 @@ TEST(StatusPicturePainterTest, keepsThePaddingInProportion) {
   EXPECT_GT(dialAlphaAt(image, 18, 2), 0);
 }
 
-TEST(StatusPicturePainterTest, anAreaThatIsNoSquareHoldsThePictureInItsMiddle) {
+TEST(StatusPicturePainterTest, thePictureIsCentredInAnAreaThatIsNotSquare) {
   QImage image(22, 26, QImage::Format_ARGB32_Premultiplied);
   image.fill(Qt::transparent);
   QPainter painter(&image);
@@ -133,7 +133,7 @@ TEST(StatusPicturePainterTest, roundedPicturesAreEqualWhenTheyLookTheSame) {
 }
 
 // VORLI_UPDATE_GOLDEN=1 writes the sheet again; look at it before you commit it.
-TEST(StatusPicturePainterTest, everyStateLooksAsItDidWhenItWasLookedAt) {
+TEST(StatusPicturePainterTest, everyStateMatchesItsReviewedPicture) {
   const QString golden = QStringLiteral(VORLI_GOLDEN_DIRECTORY "/dial.png");
   const QImage sheet = contactSheet();
   const bool update = std::getenv("VORLI_UPDATE_GOLDEN") != nullptr;

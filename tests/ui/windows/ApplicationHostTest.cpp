@@ -60,7 +60,7 @@ struct ApplicationHostTest : testing::Test {
   }
 };
 
-TEST_F(ApplicationHostTest, theAboutPanelTellsNameAndVersion) {
+TEST_F(ApplicationHostTest, theAboutPanelShowsNameAndVersion) {
   host.openAboutPanel();
   ASSERT_EQ(open<AboutPanel>().size(), 1);
   EXPECT_EQ(textsOf(open<AboutPanel>()[0]), (QStringList{"Vorli", "v1.2.3 (build 7)", "[Close]"}));
@@ -98,7 +98,7 @@ TEST_F(ApplicationHostTest, openWindowsTakeTheDesktopsColours) {
   EXPECT_EQ(panel()->grab().toImage(), lightPanel);
 }
 
-TEST_F(ApplicationHostTest, thereIsOneAboutPanelAndItGoesWhenItIsClosed) {
+TEST_F(ApplicationHostTest, thereIsOneAboutPanelAndItIsDestroyedWhenClosed) {
   host.openAboutPanel();
   host.openAboutPanel();
   ASSERT_EQ(open<AboutPanel>().size(), 1);
@@ -119,7 +119,7 @@ TEST_F(ApplicationHostTest, theAboutPanelClosesByItsButtonAndByTheUsualKey) {
   EXPECT_TRUE(open<AboutPanel>().isEmpty());
 }
 
-TEST_F(ApplicationHostTest, anAlertTellsItsTextsAndHasOneButton) {
+TEST_F(ApplicationHostTest, anAlertShowsItsTextsAndHasOneButton) {
   host.showInfoAlert("Vorli", "Helper not installed. Open Vorli to finish setup.");
   ASSERT_EQ(open<InfoAlert>().size(), 1);
   const auto* alert = open<InfoAlert>()[0];
@@ -276,7 +276,7 @@ TEST_F(ApplicationHostTest, aReplyThatComesBeforeTheAnswerCounts) {
   EXPECT_EQ(ends, 1);
 }
 
-TEST_F(ApplicationHostTest, whatQuitsTheProgramFromOutsideAsksToo) {
+TEST_F(ApplicationHostTest, quittingTheProgramFromOutsideAsksToo) {
   int asked = 0;
   host.setTerminationHandler([&asked] {
     ++asked;
@@ -315,7 +315,7 @@ TEST_F(ApplicationHostTest, anEndOfTheSessionThatNeedNotWaitEndsTheProgram) {
   EXPECT_EQ(ends, 1);
 }
 
-TEST_F(ApplicationHostTest, aReplyThatNobodyWaitsForEndsNothing) {
+TEST_F(ApplicationHostTest, anUnexpectedReplyEndsNothing) {
   bool wentOn = false;
   QMetaObject::invokeMethod(
       qApp, [this] { host.replyToTermination(); }, Qt::QueuedConnection);

@@ -28,7 +28,7 @@ struct ApplicationPicturesTest : testing::Test {
   Subscription changes;
 };
 
-TEST_F(ApplicationPicturesTest, aPictureIsDrawnBesideTheMainThreadAndOnlyOnce) {
+TEST_F(ApplicationPicturesTest, aPictureIsDrawnOffTheMainThreadAndOnlyOnce) {
   icons.images["/a"] = pngOf({64, 64}, Qt::red);
   EXPECT_EQ(pictures->of("/a", 40).state, PictureState::underWay);
   EXPECT_EQ(pictures->of("/a", 40).state, PictureState::underWay);
@@ -58,7 +58,7 @@ TEST_F(ApplicationPicturesTest, eachScreenHasItsOwnSize) {
   EXPECT_EQ(pictures->of("/a", 80).image.width(), 80);
 }
 
-TEST_F(ApplicationPicturesTest, whatWasAskedForLastIsDrawnFirst) {
+TEST_F(ApplicationPicturesTest, theLatestRequestIsDrawnFirst) {
   for (const char* path : {"/first", "/second", "/third"}) pictures->of(path, 40);
   pictures->of("/second", 40);
   scheduler.advance(1.0);
@@ -76,7 +76,7 @@ TEST_F(ApplicationPicturesTest, keepsAsManyPicturesAsAFewScreensShow) {
   EXPECT_EQ(pictures->of("/0", 40).state, PictureState::underWay);
 }
 
-TEST_F(ApplicationPicturesTest, endsWithWhatItsThreadIsDoing) {
+TEST_F(ApplicationPicturesTest, endsAfterTheCurrentWorkOfItsThread) {
   for (const char* path : {"/first", "/second"}) pictures->of(path, 40);
   pictures.reset();
   EXPECT_EQ(icons.asked.size(), 1u);
@@ -93,7 +93,7 @@ TEST(PictureOfIcon, keepsTheProportionsInTheMiddleOfASquare) {
   EXPECT_EQ(pictureOfIcon(pngOf({16, 16}, Qt::red), 40).pixelColor(20, 20), QColor(Qt::red));
 }
 
-TEST(PictureOfIcon, refusesWhatIsNoPictureOfAnIcon) {
+TEST(PictureOfIcon, refusesFilesThatAreNotIcons) {
   const std::string good = pngOf({40, 40}, Qt::red);
   EXPECT_TRUE(pictureOfIcon("", 40).isNull());
   EXPECT_TRUE(pictureOfIcon("<svg xmlns='http://www.w3.org/2000/svg'/>", 40).isNull());
@@ -103,7 +103,7 @@ TEST(PictureOfIcon, refusesWhatIsNoPictureOfAnIcon) {
 }
 
 // A header that promises a picture of many gigabytes must not make the program allocate it.
-TEST(PictureOfIcon, doesNotBelieveAHeadThatPromisesTooMuch) {
+TEST(PictureOfIcon, refusesAHeaderThatPromisesTooMuch) {
   std::string bytes = pngOf({40, 40}, Qt::red);
   bytes.replace(16, 8, std::string("\0\1\0\0\0\1\0\0", 8));
   EXPECT_TRUE(pictureOfIcon(bytes, 40).isNull());

@@ -124,7 +124,7 @@ TEST_F(CrashReportSheetTest, bothAnswersReachTheView) {
   EXPECT_EQ(dismissed, 1);
 }
 
-TEST_F(CrashReportSheetTest, checkBoxIsTheViews) {
+TEST_F(CrashReportSheetTest, checkBoxFollowsTheView) {
   open();
   button("Don't ask me about this kind of crash again")->click();
   EXPECT_TRUE(view->suppressFutureCrashes.get());
@@ -216,7 +216,7 @@ TEST_F(CrashReportSheetTest, aKeyThatMovesNothingLeavesTheReportWhereItWasScroll
   EXPECT_EQ(down.value(), down.maximum());
 }
 
-TEST_F(CrashReportSheetTest, theReportIsSetInFromItsCard) {
+TEST_F(CrashReportSheetTest, theReportIsInsetFromItsCard) {
   open();
   view->toggleFullReport();
   const auto* report = sheet()->findChild<QTextEdit*>();

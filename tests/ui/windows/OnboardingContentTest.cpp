@@ -128,7 +128,7 @@ TEST_F(OnboardingContentTest, theButtonsStandOnOneLineInEveryState) {
   EXPECT_EQ(placeOf(buttons(sheet)[1]), QRect(170, 524, 258, 44));
 }
 
-TEST_F(OnboardingContentTest, theWholeWayGoesByKeyboard) {
+TEST_F(OnboardingContentTest, everyStepCanBeTakenByKeyboard) {
   auto& sheet = open(0);
   service.statusAfterRegister = 1;
   press(*sheet.focusWidget(), Qt::Key_Return);
@@ -158,7 +158,7 @@ TEST_F(OnboardingContentTest, returnDoesNothingWhileTheButtonIsInactiveAndPresse
   EXPECT_EQ(sheet.focusWidget(), install);
 }
 
-TEST_F(OnboardingContentTest, aSecondButtonThatBecomesInactiveHandsTheFocusToTheFirst) {
+TEST_F(OnboardingContentTest, aSecondButtonThatBecomesInactivePassesTheFocusToTheFirst) {
   auto& sheet = open(3);
   buttons(sheet)[0]->setFocus(Qt::TabFocusReason);
   service.changeStatus(2);
@@ -194,7 +194,7 @@ TEST_F(OnboardingContentTest, escapeDoesNotEndTheFirstSteps) {
   EXPECT_TRUE(controller.isOpen());
 }
 
-TEST_F(OnboardingContentTest, aClosedWindowIsGoneAndOpensAgain) {
+TEST_F(OnboardingContentTest, aClosedWindowIsDestroyedAndOpensAgain) {
   open(0).close();
   settleWindows();
   EXPECT_EQ(sheet(), nullptr);
@@ -365,7 +365,7 @@ TEST(OnboardingPictureTest, wordsOfATranslationWrapAndTheirCardGrows) {
   EXPECT_EQ(OnboardingPicture(content).row(0).height(), high - 18.0);
 }
 
-TEST(OnboardingMoodTest, theWaitingDialWalksRound) {
+TEST(OnboardingMoodTest, theWaitingDialTurns) {
   const auto& palette = WindowPalette::of(Appearance::light);
   const auto at = [&](int position) { return moodTicks(OnboardingView::Mood::waiting, position, palette); };
   EXPECT_EQ(at(0)[2].opacity, 1.0);
@@ -375,7 +375,7 @@ TEST(OnboardingMoodTest, theWaitingDialWalksRound) {
   EXPECT_EQ(at(12)[2].opacity, 1.0);
 }
 
-TEST(OnboardingMoodTest, troubleIsFourTicksInAmber) {
+TEST(OnboardingMoodTest, troubleShowsFourTicksInAmber) {
   const auto& palette = WindowPalette::of(Appearance::dark);
   const auto ticks = moodTicks(OnboardingView::Mood::trouble, 5, palette);
   EXPECT_EQ(ticks[3].colour, palette.amber);

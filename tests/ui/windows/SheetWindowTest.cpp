@@ -41,7 +41,7 @@ TEST_F(SheetWindowTest, theSheetIsShownUnderTheGivenTitle) {
   EXPECT_EQ(surroundings.fronts, 1);
 }
 
-TEST_F(SheetWindowTest, aSheetThatTheUserClosesIsGone) {
+TEST_F(SheetWindowTest, aSheetClosedByTheUserIsDestroyed) {
   const auto sheet = give();
   window.open("Vorli");
   sheet->close();

@@ -19,7 +19,7 @@ TEST(StartupAppRowLayoutTest, aRowIsAsHighAsItsTextsNeed) {
   EXPECT_EQ(StartupAppRowLayout::of({36.0, 54.0, 20.0}, 120.0).height, 142.0);
 }
 
-TEST(StartupAppRowLayoutTest, theColumnsStandSideBySide) {
+TEST(StartupAppRowLayoutTest, theColumnsAreSideBySide) {
   const auto row = StartupAppRowLayout::of({18.0, 36.0, 16.0}, 130.0);
   EXPECT_EQ(row.icon, QRectF(16.0, 15.0, 40.0, 40.0));
   EXPECT_EQ(row.name, QRectF(70.0, 14.0, 370.0, 18.0));
@@ -73,7 +73,7 @@ TEST(StartupAppsLayoutTest, withoutSectionsTheFooterIsAtTheBottomOfTheWindow) {
   EXPECT_EQ(StartupAppsLayout(shape).footer().top(), 68.0);
 }
 
-TEST(StartupAppsLayoutTest, aRowThatGoesTakesItsPanelWithIt) {
+TEST(StartupAppsLayoutTest, removingARowRemovesItsPanel) {
   auto shape = twoSections();
   shape.sections[0].rows[0].shown = 0.5;
   const StartupAppsLayout half(shape);
@@ -83,7 +83,7 @@ TEST(StartupAppsLayoutTest, aRowThatGoesTakesItsPanelWithIt) {
   EXPECT_EQ(StartupAppsLayout(shape).row({0, 1}).top(), 236.0);
 }
 
-TEST(StartupAppsLayoutTest, aPanelThatGoesLeavesItsRow) {
+TEST(StartupAppsLayoutTest, removingAPanelKeepsItsRow) {
   auto shape = twoSections();
   shape.sections[0].rows[0].panelShown = 0.5;
   const StartupAppsLayout layout(shape);

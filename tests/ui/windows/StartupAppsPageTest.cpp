@@ -123,7 +123,7 @@ TEST_F(StartupAppsPageTest, theListIsAListWhoseItemsAreItsRows) {
   EXPECT_EQ(spoken->parent()->object(), &list());
 }
 
-TEST_F(StartupAppsPageTest, aHeavyRowCarriesItsAdviceUntilItIsTurnedDown) {
+TEST_F(StartupAppsPageTest, aHeavyRowShowsItsAdviceUntilItIsDismissed) {
   openPage({heavy("Hog"), row("Mouse")});
   const double below = list().layoutOfRows().heading(1).top();
   auto* keep = button(rowOf("Hog"), "Keep it on");
@@ -159,7 +159,7 @@ TEST_F(StartupAppsPageTest, aRemovedRowShrinksAwayAndOffersToUndo) {
   EXPECT_TRUE(toasts().isEmpty());
 }
 
-TEST_F(StartupAppsPageTest, theLastRowOfASectionTakesItsSectionAlong) {
+TEST_F(StartupAppsPageTest, removingTheLastRowOfASectionRemovesTheSection) {
   openPage({leftover("Old"), row("a")});
   button(rowOf("Old"), "Remove")->click();
   scheduler.runReady();
@@ -169,7 +169,7 @@ TEST_F(StartupAppsPageTest, theLastRowOfASectionTakesItsSectionAlong) {
   EXPECT_EQ(list().layoutOfRows().sectionCount(), 1u);
 }
 
-TEST_F(StartupAppsPageTest, bothToastsStandOneAboveTheOtherAndLeaveRoomForTheLastRow) {
+TEST_F(StartupAppsPageTest, bothToastsAreStackedAndLeaveRoomForTheLastRow) {
   openPage({row("a")});
   const double height = list().layoutOfRows().height();
   fakes::publish(startup->pendingUndo, UndoAction{UndoAction::Kind::paused, "a", "A", Date(), std::nullopt});
@@ -231,7 +231,7 @@ TEST_F(StartupAppsPageTest, anApplicationThatMustBeClosedByHandIsNamedInAToast) 
   EXPECT_TRUE(toasts().empty());
 }
 
-TEST_F(StartupAppsPageTest, aRemovedRowHandsTheFocusToUndoAndTheToastToTheSearchField) {
+TEST_F(StartupAppsPageTest, aRemovedRowPassesTheFocusToUndoAndTheToastToTheSearchField) {
   openPage({leftover("Old"), row("a")});
   auto* remove = button(rowOf("Old"), "Remove");
   remove->setFocus(Qt::TabFocusReason);
@@ -281,7 +281,7 @@ TEST_F(StartupAppsPageTest, theThumbIsSeenWhileScrollingAndScrollsTheList) {
   EXPECT_NE(list().rowWidget("com.acme.999"), nullptr);
 }
 
-TEST_F(StartupAppsPageTest, whatStandsInThePlaceOfTheListIsSpoken) {
+TEST_F(StartupAppsPageTest, theTextInPlaceOfTheListIsSpoken) {
   openPage({});
   EXPECT_TRUE(
       spokenTexts().contains("Nothing to tidy. Nothing unusual is running in the background. "
