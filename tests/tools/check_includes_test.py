@@ -207,7 +207,7 @@ class CheckIncludesTest(PlantedTree):
     def testPlainRecordNeedsNeither(self):
         self.accepted("src/ports/Row.h", "struct Row { int pid; };")
 
-    def testFakeBearsItsPortsName(self):
+    def testFakeHasItsPortsName(self):
         self.accepted("tests/fakes/ManualScheduler.h", '#include "base/Scheduler.h"\n')
         self.refused("tests/fakes/SteppedClock.h", '#include "ports/Clock.h"\n', "under another name")
 
