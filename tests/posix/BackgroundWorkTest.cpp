@@ -29,7 +29,7 @@ TEST_F(BackgroundWorkTest, worksOnAnotherThreadAndFinishesOnTheMainOne) {
   EXPECT_EQ(doneOn, here);
 }
 
-TEST_F(BackgroundWorkTest, neverFinishesOutsideOfTheMainLoop) {
+TEST_F(BackgroundWorkTest, isNeverDoneOutsideOfTheMainLoop) {
   std::atomic<bool> hasWorked = false;
   bool isDone = false;
   background->start([&] { hasWorked = true; }, [&] { isDone = true; });
