@@ -2,10 +2,12 @@
 """The part of `run` inside the namespaces."""
 
 import argparse
+import os
 import signal
 import sys
 
 sys.dont_write_bytecode = True
+sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../tools/session"))
 
 import promises  # noqa: E402, F401
 from harness import rung  # noqa: E402

@@ -71,7 +71,7 @@ class Installation:
         """Waits until the program runs; returns the process of ./run."""
         running = subprocess.Popen(self.script, env=self.environment, text=True, stdout=subprocess.PIPE,
                                    stderr=subprocess.STDOUT)
-        wait_for(lambda: is_up(self.program) or running.poll() is not None, 300, "the program", 0.05)
+        wait_for(lambda: is_up(self.program) or running.poll() is not None, "the program", 300)
         return running
 
     def end(self, running):
@@ -129,7 +129,7 @@ def check_prefix(check, ping, left, source, prefix):
         check("and ends it", running.wait(30) == 0 and not processes_of(installation.program))
         running.stdout.close()
         check("settings and logs stay, and nothing else", left() == OF_THE_USER, left())
-        check("the daemon leaves by itself", wait_for(lambda: not processes_of(f"{HELPER} (deleted)"), 30, "its end"))
+        check("the daemon leaves by itself", wait_for(lambda: not processes_of(f"{HELPER} (deleted)"), "its end", 30))
         check("a call fails with an error", ping()[0] == "error", ping())
 
         again = installation.remove()

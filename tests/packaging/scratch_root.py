@@ -54,7 +54,7 @@ def status():
 def comes(condition):
     """Whether the condition becomes true within thirty seconds."""
     try:
-        return bool(wait_for(condition, 30, "", 0.01))
+        return bool(wait_for(condition, "", 30))
     except AssertionError:
         return False
 

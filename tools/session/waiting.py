@@ -1,5 +1,6 @@
-"""Pauses for the scripts that drive the program: only here, between two checks of a condition, until a deadline."""
+"""Pauses for the scripts that drive a program: only here, between two checks of a condition, until a deadline."""
 
+import math
 import time
 
 
@@ -15,7 +16,7 @@ def wait_for(condition, what, seconds=20.0, pause=0.02):
         if value:
             return value
         if time.monotonic() > deadline:
-            raise Missing(f"{what} did not come within {seconds:g} s")
+            raise Missing(f"not within {seconds:g} s: {what}")
         time.sleep(pause)
 
 
@@ -33,8 +34,11 @@ def settled(look, what, seconds=20.0, pause=0.2):
 
 def holds(condition, what, seconds, pause=0.02):
     """Fails if a check of `condition` within that time finds it false."""
-    deadline = time.monotonic() + seconds
-    while time.monotonic() < deadline:
+    end = time.monotonic() + seconds
+
+    def lasted():
         if not condition():
             raise Missing(f"{what} did not last for {seconds:g} s")
-        time.sleep(pause)
+        return time.monotonic() >= end
+
+    wait_for(lasted, what, math.inf, pause)

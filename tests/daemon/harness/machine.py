@@ -4,8 +4,9 @@ import os
 import shutil
 import subprocess
 
+from waiting import wait_for
+
 from .sandbox import CGROUP, WORK, command, write
-from .waiting import wait_for
 
 # A control group for the machine alone: a group that has processes cannot give resources to groups below it.
 ENTER = """set -e
@@ -59,9 +60,9 @@ class Machine:
         self.outer = subprocess.Popen(
             ["/usr/bin/unshare", "--mount", "--pid", "--fork", "--kill-child", "--ipc", "--uts",
              "/bin/sh", f"{WORK}/enter.sh"], stdin=subprocess.DEVNULL, stdout=self.log, stderr=self.log)
-        self.first = wait_for(self._first, 30, "systemd is the first process", 0.05)
-        wait_for(lambda: self.run("systemctl", "is-active", "dbus.service", check=False).strip() == "active", 60,
-                 "the machine's bus is there", 0.1)
+        self.first = wait_for(self._first, "systemd is the first process", 30)
+        wait_for(lambda: self.run("systemctl", "is-active", "dbus.service", check=False).strip() == "active",
+                 "the machine's bus is there", 60)
 
     def _first(self):
         for child in open(f"/proc/{self.outer.pid}/task/{self.outer.pid}/children", encoding="utf-8").read().split():

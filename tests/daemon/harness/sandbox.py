@@ -10,7 +10,7 @@ import signal
 import socket
 import subprocess
 
-from .waiting import wait_for
+from waiting import wait_for
 
 NAME = "com.kv.vorli.helper"
 OBJECT = "/com/kv/vorli/helper"
@@ -186,7 +186,7 @@ class Sandbox:
         self.bus = subprocess.Popen(
             ["/usr/bin/dbus-daemon", f"--config-file={WORK}/bus.conf", "--nofork", "--nopidfile"],
             stdin=subprocess.DEVNULL, stdout=log, stderr=log)
-        wait_for(listens, 20, "the bus listens")
+        wait_for(listens, "the bus listens", pause=0.002)
 
     def stop_bus(self):
         if self.bus:
@@ -198,7 +198,7 @@ class Sandbox:
         assert self.polkitd is None
         self.polkitd = subprocess.Popen(["/usr/lib/polkit-1/polkitd", "--no-debug"], stdin=subprocess.DEVNULL,
                                         stdout=open(f"{WORK}/polkit.log", "ab"), stderr=subprocess.STDOUT)
-        wait_for(lambda: self.owner_of("org.freedesktop.PolicyKit1"), 10, "polkit owns its name", 0.01)
+        wait_for(lambda: self.owner_of("org.freedesktop.PolicyKit1"), "polkit owns its name")
 
     def stop_polkit(self):
         if self.polkitd:
@@ -234,15 +234,15 @@ class Sandbox:
         for pid in pids:
             send(pid, signal.SIGCONT)
             send(pid, signal.SIGKILL)
-        wait_for(lambda: not self.helper_pids(), 20, "the daemon has gone")
+        wait_for(lambda: not self.helper_pids(), "the daemon has gone", pause=0.002)
         if pids and owner:
-            wait_for(lambda: self.owner_of(NAME) != owner, 20, "the bus has noticed", 0.01)
+            wait_for(lambda: self.owner_of(NAME) != owner, "the bus has noticed")
 
     def terminate_helper(self):
         """Ends the daemon as a service manager would, so that its last lines are in the log."""
         for pid in self.helper_pids():
             send(pid, signal.SIGTERM)
-        wait_for(lambda: not self.helper_pids(), 30, "the daemon has left", 0.02)
+        wait_for(lambda: not self.helper_pids(), "the daemon has left", 30)
 
     def restart(self, arguments=(), environment=(), with_polkit=True, allow_everything=False, **bus_limits):
         self.stop()

@@ -12,9 +12,10 @@ from harness.machine import Machine
 from harness.memory import MemoryLimit
 from harness.rung import promise
 from harness.sandbox import NAME, OBJECT, TOOLS, WORK, write
-from harness.waiting import let_pass, wait_for
+from harness.waiting import let_pass
 from promises.authority import STANDINS
 from promises.load import status
+from waiting import wait_for
 
 ITEM = "/etc/systemd/user/item.service"
 AWAY = ITEM + ".vorli-disabled"
@@ -190,11 +191,11 @@ def more_than_the_bus_holds(rung):
     attacker = start_as(box, 4001, "flood", "unread")
     let_pass(4)  # a daemon waits five seconds for a bus that does not accept its messages
     rung.figure("resident, with the queued answers", status(pid, "VmRSS") / 1024, 8.0, " MiB")
-    wait_for(lambda: STUCK in box.log()[mark:], 60, "the daemon gives the bus up", 0.05)
-    wait_for(lambda: pid not in box.helper_pids(), 10, "it has left", 0.02)
+    wait_for(lambda: STUCK in box.log()[mark:], "the daemon gives the bus up", 60)
+    wait_for(lambda: pid not in box.helper_pids(), "it has left")
     rung.holds("it gives the bus up and leaves", True)
     end_all([attacker])
-    wait_for(lambda: call(box, "Ping").answered, 10, "the next call is answered", 0.1)
+    wait_for(lambda: call(box, "Ping").answered, "the next call is answered")
     rung.holds("the next call is answered", True)
 
 

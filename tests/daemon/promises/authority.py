@@ -8,8 +8,9 @@ import subprocess
 from harness.calls import call, finish_call, start_call, tool
 from harness.rung import promise
 from harness.sandbox import WORK, command, with_harmless_levers, write
-from harness.waiting import let_pass, wait_for
+from harness.waiting import let_pass
 from promises.rights import Sleeper
+from waiting import wait_for
 
 STANDINS = os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "standins")
 ITEM = "/etc/systemd/user/item.service"
@@ -25,7 +26,7 @@ class StandIn:
         if os.path.exists(QUESTIONS):
             os.unlink(QUESTIONS)
         self.process = subprocess.Popen(["/usr/bin/python3", f"{STANDINS}/polkit.py", QUESTIONS, mode])
-        wait_for(lambda: rung.sandbox.owner_of("org.freedesktop.PolicyKit1"), 10, "the stand-in owns polkit's name")
+        wait_for(lambda: rung.sandbox.owner_of("org.freedesktop.PolicyKit1"), "the stand-in owns polkit's name")
 
     def questions(self):
         with open(QUESTIONS, encoding="utf-8") as file:
@@ -106,7 +107,7 @@ def no_lent_rights(rung):
         lent += heir.call() == 0  # no process has this pid yet
         heir.give_number_on()
         bearer = subprocess.Popen([*box.as_user(4001, "s1"), "/bin/sleep", "1000"])
-        wait_for(lambda pid=bearer.pid: os.readlink(f"/proc/{pid}/exe").endswith("sleep"), 5, "it sleeps")
+        wait_for(lambda pid=bearer.pid: os.readlink(f"/proc/{pid}/exe").endswith("sleep"), "it sleeps")
         met += bearer.pid == heir.number
         lent += heir.call() == 0
         heir.end()

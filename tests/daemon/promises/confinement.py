@@ -11,9 +11,9 @@ from harness.calls import call
 from harness.machine import Machine
 from harness.rung import promise
 from harness.sandbox import FOLDERS, HELPER, WORK, command, write
-from harness.waiting import wait_for
 from promises.authority import STANDINS
 from promises.rights import Sleeper
+from waiting import wait_for
 
 CAP_KILL = "0000000000000020"
 NEEDED = ("write-drop_caches", "write-compact_memory", "move-in-/etc/xdg/autostart", "move-in-/etc/systemd/system",
@@ -77,7 +77,7 @@ def probe_the_unit(rung, machine):
     """The shipped unit with another program."""
     other = subprocess.Popen(machine.enter("/usr/bin/setpriv", "--reuid=4002", "--regid=4002", "--clear-groups",
                                            "/bin/sleep", "1000"))
-    inside = int(wait_for(lambda: machine.run("pgrep", "-u", "4002", "sleep", check=False).strip(), 20, "it sleeps"))
+    inside = int(wait_for(lambda: machine.run("pgrep", "-u", "4002", "sleep", check=False).strip(), "it sleeps"))
     unit = machine.run("cat", "/usr/local/lib/systemd/system/vorli-helper.service")
     unit = re.sub(r"(?m)^Type=dbus$", "Type=oneshot", unit)
     unit = re.sub(r"(?m)^(BusName|NotifyAccess)=.*\n", "", unit)

@@ -7,7 +7,8 @@ import signal
 from harness.calls import call, finish_call, finish_tool, start_call, start_tool, tool
 from harness.rung import promise
 from harness.sandbox import FOLDERS, HELPER, SYNC_BEGINS, send, stuck_sync, with_harmless_levers
-from harness.waiting import let_pass, wait_for
+from harness.waiting import let_pass
+from waiting import wait_for
 
 
 @promise("P1", "No accepted call is lost when the helper exits idle or is asked to stop")
@@ -86,7 +87,7 @@ def callers_get_a_word(rung):
     rung.holds("and answers when it goes on", finish_call(held).answered)
 
     os.unlink(HELPER)
-    wait_for(lambda: not box.helper_pids(), 5, "a helper whose program is removed leaves")
+    wait_for(lambda: not box.helper_pids(), "a helper whose program is removed leaves")
     rung.holds("a helper whose program is removed exits", True)
     reply = call(box, "Ping")
     rung.holds(f"a call then fails with an error ({reply.text})", not reply.answered)
@@ -98,10 +99,10 @@ def callers_get_a_word(rung):
     box.start_polkit()
     mark = len(box.log())
     held = start_call(box, "PurgeMemory")
-    wait_for(lambda: SYNC_BEGINS in box.log()[mark:], 10, "the purge has begun")
+    wait_for(lambda: SYNC_BEGINS in box.log()[mark:], "the purge has begun")
     box.stop_bus()
     rung.holds("a caller on a bus that ends gets an error", not finish_call(held).answered)
-    wait_for(lambda: not box.helper_pids(), 5, "the helper leaves with its bus")
+    wait_for(lambda: not box.helper_pids(), "the helper leaves with its bus")
     rung.holds("and the helper leaves with its bus", True)
 
 
@@ -132,7 +133,7 @@ def replaced_program(rung):
     rung.equal(f"lost of 3000 calls around {replaced} replacements", finish_tool(hammer)["lost"], 0)
     rung.figure("different daemons seen", len(pids), 3, at_least=True)
     # The program may have been replaced while the daemon started.
-    wait_for(lambda: all(program == HELPER for program in programs(box)), 5, "what was replaced has left")
+    wait_for(lambda: all(program == HELPER for program in programs(box)), "what was replaced has left")
     call(box, "Ping")
     rung.equal("the program that answers", programs(box), [HELPER])
     rung.holds("the startup folders are untouched", not any(os.listdir(folder) for folder in FOLDERS))

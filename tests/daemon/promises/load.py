@@ -7,7 +7,8 @@ import time
 from harness.calls import call, finish_call, start_call, tool
 from harness.rung import promise
 from harness.sandbox import NAME, SYNC_BEGINS, WORK, stuck_sync, with_harmless_levers, write
-from harness.waiting import let_pass, wait_for
+from harness.waiting import let_pass
+from waiting import wait_for
 
 MOST_OPEN_FILES = 12
 
@@ -32,7 +33,7 @@ def ping_never_waits(rung):
     write(item, "x")
     mark = len(box.log())
     purges = [start_call(box, "PurgeMemory")]
-    wait_for(lambda: SYNC_BEGINS in box.log()[mark:], 5, "it works")
+    wait_for(lambda: SYNC_BEGINS in box.log()[mark:], "it works")
     purges += [start_call(box, "PurgeMemory") for _ in range(3)]
     call(box, "FlushDNS")  # gives polkit time for the others; a late one would wait for the hung polkit
     box.polkitd.send_signal(19)  # SIGSTOP: its answers hang
@@ -84,14 +85,14 @@ def small_and_quiet(rung):
     rung.figure("resident", after / 1024, 8.0, " MiB")
     rung.figure("growth over 100000 calls", after - before, 256, " KiB")
     # The last requests may hold some for a moment.
-    wait_for(lambda: open_files(pid) <= MOST_OPEN_FILES, 5, "few open files")
+    wait_for(lambda: open_files(pid) <= MOST_OPEN_FILES, "few open files")
     rung.figure("open files besides the three standard ones", open_files(pid), MOST_OPEN_FILES)
     rung.figure("threads", status(pid, "Threads"), 8)
 
     trace = subprocess.Popen(["/usr/bin/strace", "-f", "-q", "-o", f"{WORK}/strace", "-p", str(pid)],
                              stderr=subprocess.DEVNULL)
-    wait_for(lambda: status(pid, "TracerPid"), 5, "it is traced")
-    wait_for(lambda: is_quiet(f"{WORK}/strace"), 15, "the end of what attaching interrupts")
+    wait_for(lambda: status(pid, "TracerPid"), "it is traced")
+    wait_for(lambda: is_quiet(f"{WORK}/strace"), "the end of what attaching interrupts")
     mark = os.path.getsize(f"{WORK}/strace")
     let_pass(10)
     with open(f"{WORK}/strace", encoding="utf-8") as file:
@@ -101,7 +102,7 @@ def small_and_quiet(rung):
     trace.wait()
     rung.equal("system calls in 10 idle seconds", len(calls), 0)
 
-    wait_for(lambda: not box.helper_pids(), 35, "it has left 35 s after the last call", 0.1)
+    wait_for(lambda: not box.helper_pids(), "it has left 35 s after the last call", 35, pause=0.1)
     rung.holds("it has left 35 s after the last call", True)
     rung.equal("and its name is free", box.owner_of(NAME), None)
 

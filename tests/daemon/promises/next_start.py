@@ -8,7 +8,8 @@ from contextlib import contextmanager
 from harness.machine import Machine
 from harness.rung import promise
 from harness.sandbox import FOLDERS, NAME, TOOLS, WORK, command, write
-from harness.waiting import let_pass, wait_for
+from harness.waiting import let_pass
+from waiting import wait_for
 
 _, SYSTEM_UNITS, USER_UNITS = FOLDERS
 PACKAGED, LOCAL = "/usr/lib/systemd/system", "/usr/local/lib/systemd/system"
@@ -111,7 +112,7 @@ def started(expected):
         knock()
         return expected <= set(os.listdir(STARTED))
 
-    wait_for(are_there, 30, f"started: {', '.join(sorted(expected))}", 0.1)
+    wait_for(are_there, f"started: {', '.join(sorted(expected))}", 60, pause=0.1)
     for _ in range(2):  # the others start with them, or when somebody knocks
         let_pass(0.7)
         knock()

@@ -9,9 +9,9 @@ from harness.calls import call
 from harness.machine import Machine
 from harness.rung import promise
 from harness.sandbox import FOLDERS, WORK, command, with_harmless_levers, write
-from harness.waiting import wait_for
 from promises.rights import Sleeper
 from promises.work import RESOLVED, Resolver, SocketServer
+from waiting import wait_for
 
 TRACE = f"{WORK}/profile-trace"
 AWAY = ".vorli-disabled"
@@ -184,7 +184,7 @@ def in_the_kernel(rung, path):
             subprocess.run(machine.enter(*words, "/usr/bin/busctl", "call", "org.freedesktop.systemd1", *SYSTEMD,
                                          "StartTransientUnit", "ssa(sv)a(sa(sv))", *unit), capture_output=True)
             if who == "outside":
-                wait_for(lambda file=started: os.path.exists(file), 10, "the transient unit runs", 0.05)
+                wait_for(lambda file=started: os.path.exists(file), "the transient unit runs")
         rung.holds("from inside, StartTransientUnit is refused", not os.path.exists(f"{WORK}/started-from-inside"))
     finally:
         machine.end()

@@ -9,8 +9,8 @@ from harness.calls import call
 from harness.machine import Machine
 from harness.rung import promise
 from harness.sandbox import FOLDERS, TOOLS, WORK, command, write
-from harness.waiting import wait_for
 from promises.load import status
+from waiting import wait_for
 
 AUTOSTART, SYSTEM_UNITS, USER_UNITS = FOLDERS
 AWAY = ".vorli-disabled"
@@ -179,7 +179,7 @@ def moved_without_disk(box, source, target, first):
     tracer = subprocess.Popen(["/usr/bin/strace", "-f", "-q", "-o", "/dev/null", "-e", "trace=fsync", "-e",
                                f"inject=fsync:error=EIO:when={first}+", "-p", str(pid)], stderr=subprocess.DEVNULL)
     tasks = f"/proc/{pid}/task"
-    wait_for(lambda: all(status(task, "TracerPid", tasks) for task in os.listdir(tasks)), 5, "all its threads are traced")
+    wait_for(lambda: all(status(task, "TracerPid", tasks) for task in os.listdir(tasks)), "all its threads are traced")
     reply = call(box, "MoveLaunchAgentPlist", source, target)
     tracer.terminate()
     tracer.wait()

@@ -10,9 +10,9 @@ from harness.calls import call, finish_tool, start_tool
 from harness.machine import Machine
 from harness.rung import promise
 from harness.sandbox import HELPER, NAME, SERVICE_FILE, TOOLS, WORK, command, write
-from harness.waiting import wait_for
 from promises.authority import STANDINS, vouch
 from promises.putting_away import access_list
+from waiting import wait_for
 
 FILES = (HELPER, SERVICE_FILE, f"/etc/dbus-1/system.d/{NAME}.conf", f"/usr/share/polkit-1/actions/{NAME}.policy",
          "/usr/local/lib/systemd/system/vorli-helper.service")
@@ -38,7 +38,7 @@ def through_pkexec(box, script, mode):
     # pkexec asks about its parent process, which must be in the session.
     done = subprocess.Popen([*user, "/bin/sh", "-c", '"$@"; exit $?', "sh", "/usr/bin/pkexec", script], **pipes)
     if mode == "grant":
-        wait_for(lambda: select.select([agent.stdout], [], [], 0)[0], 20, "the agent is asked", 0.01)
+        wait_for(lambda: select.select([agent.stdout], [], [], 0)[0], "the agent is asked")
         vouch(agent.stdout.readline().split()[1])
         print(file=agent.stdin, flush=True)
     done.communicate(timeout=20)
@@ -142,7 +142,7 @@ def newer_is_noticed(rung, script):
     with open(f"{os.path.dirname(script)}/vorli-helper.service", "a", encoding="utf-8") as file:
         file.write("# newer\n")
     rung.equal("only the unit is newer: what is installed is current: the exit", subprocess.run(user).returncode, 1)
-    wait_for(can_be_started, 5, "it can be started", 0.01)
+    wait_for(can_be_started, "it can be started")
     box.add_session(4001, "s1")
     ways = {"by sudo": lambda: run_as_root_for(script, 4001).returncode,
             "by the program, after a click and the password": lambda: through_pkexec(box, script, "grant")}
@@ -176,7 +176,7 @@ def newer_unit(rung):
             file.write("LimitNPROC=77\n")
         hammer = subprocess.Popen(machine.enter(load, "hammer", "1000000", "2000"), stdout=subprocess.PIPE,
                                   stderr=subprocess.PIPE, text=True)
-        wait_for(lambda: machine.run("pgrep", "-x", "vorli_helper_lo", check=False), 10, "somebody calls", 0.02)
+        wait_for(lambda: machine.run("pgrep", "-x", "vorli_helper_lo", check=False), "somebody calls")
         machine.run(script)
         machine.run(load, "call", "Ping")
         limits = machine.run("cat", f"/proc/{machine.helper_pid()}/limits")
@@ -196,7 +196,7 @@ def script_registers(rung):
     for path in FILES:
         os.unlink(path)
     script = unpack(rung)
-    wait_for(lambda: not can_be_started(), 5, "the bus has forgotten it", 0.01)
+    wait_for(lambda: not can_be_started(), "the bus has forgotten it")
 
     for uid in (4001, 65534):
         done = subprocess.run([*box.as_user(uid), script], capture_output=True, text=True)
@@ -208,10 +208,10 @@ def script_registers(rung):
     rung.equal("through pkexec, the password refused: its exit", through_pkexec(box, script, "cancel"), 126)
     rung.holds("nothing is registered", not any(map(os.path.exists, FILES)))
     rung.equal("through pkexec, with the password: its exit", through_pkexec(box, script, "grant"), 0)
-    rung.holds("registered: the bus can start it", wait_for(can_be_started, 5, "it can be started", 0.01))
+    rung.holds("registered: the bus can start it", wait_for(can_be_started, "it can be started"))
     rung.equal("and has not", box.helper_pids(), [])
-    rung.holds("polkit has its actions", wait_for(lambda: f"{NAME}.purge-memory" in command("/usr/bin/pkaction"), 5,
-                                                  "polkit has read them", 0.01))
+    rung.holds("polkit has its actions", wait_for(lambda: f"{NAME}.purge-memory" in command("/usr/bin/pkaction"),
+                                                  "polkit has read them"))
     loose = [path for path in FILES if (os.stat(path).st_uid, os.stat(path).st_mode & 0o7022) != (0, 0)]
     rung.equal("files that others than root could change", loose, [])
     rung.holds("any user's ping is answered", call(box, "Ping", uid=4001).answered)
@@ -224,13 +224,13 @@ def script_registers(rung):
     with open(f"{os.path.dirname(script)}/vorli-helper", "ab") as file:
         file.write(b"newer")
     rung.equal("its exit", run_as_root_for(script, 4001).returncode, 0)
-    wait_for(lambda: not box.helper_pids(), 5, "the older daemon leaves", 0.01)
+    wait_for(lambda: not box.helper_pids(), "the older daemon leaves")
     rung.holds("a newer program: the older daemon leaves, the next call has an answer", call(box, "Ping").answered)
 
     command(script, "--remove")
     rung.equal("removed: files left", [path for path in FILES if os.path.exists(path)], [])
-    wait_for(lambda: not box.helper_pids(), 5, "the daemon leaves", 0.01)
-    wait_for(lambda: not can_be_started(), 5, "the bus has forgotten it", 0.01)
+    wait_for(lambda: not box.helper_pids(), "the daemon leaves")
+    wait_for(lambda: not can_be_started(), "the bus has forgotten it")
     reply = call(box, "Ping")
     rung.holds(f"a call fails with an error ({reply.text})", not reply.answered)
     command(script, "--remove")

@@ -8,7 +8,7 @@ import subprocess
 from harness.calls import call
 from harness.rung import promise
 from harness.sandbox import WORK
-from harness.waiting import wait_for
+from waiting import wait_for
 
 
 def state_of(pid):
@@ -25,12 +25,12 @@ class Sleeper:
     def __init__(self, box, uid, program="/bin/sleep"):
         self.process = subprocess.Popen([*box.as_user(uid), program, "1000"])
         self.pid = self.process.pid
-        wait_for(lambda: os.readlink(f"/proc/{self.pid}/exe") in (program, os.path.realpath(program)), 5, "it sleeps")
+        wait_for(lambda: os.readlink(f"/proc/{self.pid}/exe") in (program, os.path.realpath(program)), "it sleeps")
         self.stop()
 
     def stop(self):
         os.kill(self.pid, signal.SIGSTOP)
-        wait_for(lambda: state_of(self.pid) == "T", 5, "it is stopped")
+        wait_for(lambda: state_of(self.pid) == "T", "it is stopped", pause=0.002)
 
     @property
     def is_stopped(self):
@@ -102,7 +102,7 @@ def passed_to_another(rung, box):
         os.kill(heir.pid, signal.SIGSTOP)
         if heir.pid == gone.pid:
             reused += 1
-            wait_for(lambda pid=heir.pid: state_of(pid) == "T", 5, "the heir is stopped")
+            wait_for(lambda pid=heir.pid: state_of(pid) == "T", "the heir is stopped", pause=0.002)
             call(box, "KillPID", heir.pid, 19, uid=4001)
             wrong += state_of(heir.pid) != "T"
         heir.kill()

@@ -12,9 +12,10 @@ import time
 from harness.calls import call, finish_call, start_call
 from harness.rung import promise
 from harness.sandbox import WORK, command, stuck_sync, write
-from harness.waiting import let_pass, wait_for
+from harness.waiting import let_pass
 from promises.authority import STANDINS
 from promises.rights import state_of
+from waiting import wait_for
 
 LEVER = "/proc/sys/vm/drop_caches"
 MEBIBYTE = 1 << 20
@@ -214,7 +215,7 @@ def by_pid_file(rung):
                                           ("another program", "/bin/sleep", 4001, 4001, False)):
         # The hang-up signal ends a sleep, which shows that the signal came.
         process = subprocess.Popen([*box.as_user(uid), name, "1000"])
-        wait_for(lambda pid=process.pid, name=name: os.readlink(f"/proc/{pid}/exe").endswith(os.path.basename(name)), 5,
+        wait_for(lambda pid=process.pid, name=name: os.readlink(f"/proc/{pid}/exe").endswith(os.path.basename(name)),
                  "it runs")
         write("/run/dnsmasq/dnsmasq.pid", f"{process.pid}\n")
         os.chown("/run/dnsmasq/dnsmasq.pid", owner, owner)
