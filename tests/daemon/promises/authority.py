@@ -2,13 +2,15 @@
 
 import json
 import os
+import re
 import shutil
+import signal
 import subprocess
 
 from harness.calls import call, finish_call, start_call, tool
+from harness.overheard import Overheard
 from harness.rung import promise
 from harness.sandbox import WORK, command, with_harmless_levers, write
-from harness.waiting import let_pass
 from promises.rights import Sleeper
 from waiting import wait_for
 
@@ -25,16 +27,22 @@ class StandIn:
         write(ITEM, "x")
         if os.path.exists(QUESTIONS):
             os.unlink(QUESTIONS)
-        self.process = subprocess.Popen(["/usr/bin/python3", f"{STANDINS}/polkit.py", QUESTIONS, mode])
+        self.process = subprocess.Popen(["/usr/bin/python3", f"{STANDINS}/polkit.py", QUESTIONS, mode],
+                                        stdin=subprocess.PIPE, text=True)
         wait_for(lambda: rung.sandbox.owner_of("org.freedesktop.PolicyKit1"), "the stand-in owns polkit's name")
 
     def questions(self):
         with open(QUESTIONS, encoding="utf-8") as file:
             return [json.loads(line) for line in file]
 
+    def consent(self):
+        print(file=self.process.stdin, flush=True)
+        wait_for(lambda: self.questions()[-1] == "consented", "the consent is on its way")
+
     def end(self):
         self.process.kill()
         self.process.wait()
+        self.process.stdin.close()
 
 
 @promise("P10", "The caller cannot be mistaken for another")
@@ -169,7 +177,10 @@ def doubt_is_refusal(rung):
         standin = StandIn(rung, mode)
         reply = call(box, "MoveLaunchAgentPlist", ITEM, AWAY)
         if mode == "late":
-            let_pass(0.6)  # its late consent arrives
+            standin.consent()
+            # The bus tells who makes this call on the connection that brought the consent before.
+            rung.equal("a call after the consent has come", call(box, "KillPID", 999999, 19).code, 3)
+            box.terminate_helper()  # it would end a move first
         kept = reply.code == code and os.path.exists(ITEM) and call(box, "Ping").answered
         rung.holds(f"polkit's answer is {mode}: refused with {reply.code}", kept)
         rung.figure("after", reply.seconds, seconds, " s", busy=CLIENTS_LIMIT)
@@ -182,24 +193,34 @@ def doubt_is_refusal(rung):
     rung.figure("after", reply.seconds, 0.5, " s", busy=CLIENTS_LIMIT)
 
     box.start_polkit()
-    box.polkitd.send_signal(19)
-    moving = start_call(box, "MoveLaunchAgentPlist", ITEM, AWAY)
-    let_pass(0.3)
+    moving, _ = move_at_a_stopped_polkit(box)
     box.stop_polkit()
     reply = finish_call(moving)
     rung.holds(f"polkit killed in the middle: refused with {reply.code}", reply.code == 200)
     rung.figure("after", reply.seconds, 1.0, " s", busy=CLIENTS_LIMIT)
 
     box.start_polkit()
-    box.polkitd.send_signal(19)
-    moving = start_call(box, "MoveLaunchAgentPlist", ITEM, AWAY)
-    let_pass(0.3)
+    mark = len(box.log())
+    moving, caller = move_at_a_stopped_polkit(box)
     moving.kill()
     moving.wait()
-    box.polkitd.send_signal(18)
-    let_pass(0.5)
-    rung.holds("the caller has ended in the middle: not done", os.path.exists(ITEM))
+    wait_for(lambda: not box.owner_of(caller), "the bus has noticed that the caller has ended")
+    box.polkitd.send_signal(signal.SIGCONT)
+    # The line of a request is written when everything is done for it.
+    line = wait_for(lambda: re.search(r"method=MoveLaunchAgentPlist .* verdict=(\w+) exit=(\d+)", box.log()[mark:]),
+                    "the daemon has decided")
+    rung.equal("the caller has ended in the middle: the answer that nobody gets", line[2], "200")
+    rung.holds(f"it is not done, the verdict is {line[1]}", line[1] != "granted" and os.path.exists(ITEM))
     rung.equal("and the next call is served", call(box, "MoveLaunchAgentPlist", ITEM, AWAY).code, 0)
+
+
+def move_at_a_stopped_polkit(box):
+    """Stops polkit, and starts a move; returns its process and its name on the bus when polkit has been asked."""
+    box.polkitd.send_signal(signal.SIGSTOP)
+    with Overheard("MoveLaunchAgentPlist", "CheckAuthorization") as calls:
+        moving = start_call(box, "MoveLaunchAgentPlist", ITEM, AWAY)
+        calls.sender("CheckAuthorization")
+        return moving, calls.sender("MoveLaunchAgentPlist")
 
 
 # Codes: 0 done, 200 refused, 201 a password is needed. Ping has no code.

@@ -1,8 +1,9 @@
 #!/usr/bin/python3
-"""Stands in for polkit: polkit.py LOG MODE. Logs each question and answers as the mode says.
+"""Stands in for polkit: polkit.py LOG MODE. Logs each question and each late consent, and answers as the mode says.
 
 root-only   grants what the bus says is root's, refuses the rest
-error, garbage, empty, silent, late, die
+late        grants a question when a line comes on standard input
+error, garbage, empty, silent, die
 """
 
 import json
@@ -20,19 +21,29 @@ def main():
     log, mode = sys.argv[1:]
     DBusGMainLoop(set_as_default=True)
     bus = dbus.SystemBus()
+    waiting = []
 
     def answer(message, granted):
         reply = dbus.lowlevel.MethodReturnMessage(message)
         reply.append(dbus.Struct((granted, False, dbus.Dictionary({}, signature="ss"))), signature="(bba{ss})")
         bus.send_message(reply)
 
+    def consent(*_):
+        sys.stdin.readline()
+        answer(waiting.pop(), True)
+        bus.name_has_owner(NAME)  # answered when the consent has been passed on
+        note("consented")
+        return True
+
+    def note(what):
+        with open(log, "a", encoding="utf-8") as file:
+            print(json.dumps(what), file=file)
+
     def asked(_, message):
         if not isinstance(message, dbus.lowlevel.MethodCallMessage) or message.get_member() != "CheckAuthorization":
             return dbus.lowlevel.HANDLER_RESULT_NOT_YET_HANDLED
         subject, action, details, flags, _ = message.get_args_list()
-        with open(log, "a", encoding="utf-8") as file:
-            print(json.dumps({"kind": subject[0], "subject": sorted(subject[1]), "action": action, "flags": flags,
-                              "details": dict(details)}), file=file)
+        note({"kind": subject[0], "subject": sorted(subject[1]), "action": action, "flags": flags, "details": dict(details)})
         if mode == "root-only":
             try:
                 granted = bus.get_unix_user(subject[1]["name"]) == 0
@@ -48,12 +59,13 @@ def main():
         elif mode == "empty":
             bus.send_message(dbus.lowlevel.MethodReturnMessage(message))
         elif mode == "late":
-            GLib.timeout_add(3300, lambda: answer(message, True))
+            waiting.append(message)
         elif mode == "die":
             sys.exit(0)
         return dbus.lowlevel.HANDLER_RESULT_HANDLED
 
     bus.add_message_filter(asked)
+    GLib.io_add_watch(sys.stdin, GLib.IO_IN, consent)
     bus.request_name(NAME)
     GLib.MainLoop().run()
 
