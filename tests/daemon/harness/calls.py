@@ -43,6 +43,15 @@ def finish_tool(process, seconds=300):
     return figures
 
 
+def ends_within(process, seconds):
+    """Waits for the end of a process for at most that long; returns whether it has ended."""
+    try:
+        process.wait(seconds)
+        return True
+    except subprocess.TimeoutExpired:
+        return False
+
+
 def tool(*arguments, seconds=300, name="vorli_helper_load"):
     return finish_tool(start_tool(*arguments, tool=name), seconds)
 

@@ -4,10 +4,11 @@ import os
 import random
 import signal
 
-from harness.calls import call, finish_call, finish_tool, start_call, start_tool, tool
+from harness.calls import call, ends_within, finish_call, finish_tool, start_call, start_tool, tool
+from harness.overheard import Overheard
 from harness.rung import promise
 from harness.sandbox import FOLDERS, HELPER, SYNC_BEGINS, send, stuck_sync, with_harmless_levers
-from harness.waiting import let_pass
+from promises.rights import state_of
 from waiting import wait_for
 
 
@@ -26,12 +27,12 @@ def no_call_is_lost(rung):
     stopped = made = lost = 0
     while stopped < 15 and made < 20 * calls:  # on a fast machine the calls end before that many
         hammer = start_tool("hammer", calls // 3, 1000)
-        while hammer.poll() is None:
+        # Random, so that the signal meets a daemon in every state between its start and its end.
+        while not ends_within(hammer, dice.uniform(0.0, 0.03)):
             for pid in rung.sandbox.helper_pids():
                 if listens(pid):
                     send(pid, signal.SIGTERM)
                     stopped += 1
-            let_pass(dice.uniform(0.0, 0.03))
         made += calls // 3
         lost += finish_tool(hammer)["lost"]
     rung.equal(f"lost of {made} calls around {stopped} SIGTERMs", lost, 0)
@@ -80,9 +81,11 @@ def callers_get_a_word(rung):
     call(box, "Ping")
     pid = box.helper_pids()[0]
     os.kill(pid, signal.SIGSTOP)
-    held = start_call(box, "Ping")
-    let_pass(0.2)
-    rung.holds("a stopped helper answers nothing", held.poll() is None)
+    wait_for(lambda: state_of(pid) == "T", "it is stopped")
+    with Overheard("Ping") as calls:
+        held = start_call(box, "Ping")
+        calls.sender("Ping")
+    rung.holds("a call that has reached a stopped helper has no answer", held.poll() is None)
     os.kill(pid, signal.SIGCONT)
     rung.holds("and answers when it goes on", finish_call(held).answered)
 
@@ -125,11 +128,11 @@ def replaced_program(rung):
     hammer = start_tool("hammer", 3000, 2000)
     replaced = 0
     pids = set()
-    while hammer.poll() is None:
+    # Long enough for a daemon to start and to answer a few calls.
+    while not ends_within(hammer, 0.05):
         box.use_daemon(f"{box.installed}{HELPER}")
         replaced += 1
         pids.update(box.helper_pids())
-        let_pass(0.05)
     rung.equal(f"lost of 3000 calls around {replaced} replacements", finish_tool(hammer)["lost"], 0)
     rung.figure("different daemons seen", len(pids), 3, at_least=True)
     # The program may have been replaced while the daemon started.

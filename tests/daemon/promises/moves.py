@@ -7,10 +7,9 @@ import signal
 import socket
 import threading
 
-from harness.calls import call, finish_tool, start_tool, tool
+from harness.calls import call, ends_within, finish_tool, start_tool, tool
 from harness.rung import promise
 from harness.sandbox import FOLDERS, WORK, send, write
-from harness.waiting import let_pass
 
 AUTOSTART, SYSTEM_UNITS, USER_UNITS = FOLDERS
 AWAY = (".vorli-disabled", ".vorli-removed")
@@ -55,8 +54,8 @@ def nothing_halfway(rung):
     while (moved < wanted or kills < 50) and rounds < wanted:
         rounds += 1
         load = start_tool("toggle", 40, 100, *items)
-        while load.poll() is None:
-            let_pass(dice.uniform(0.0, longest_life))
+        # Random, so that the signal meets a daemon in every state of its work.
+        while not ends_within(load, dice.uniform(0.0, longest_life)):
             for pid in box.helper_pids():
                 send(pid, signal.SIGKILL)
                 kills += 1
