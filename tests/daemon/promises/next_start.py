@@ -8,8 +8,7 @@ from contextlib import contextmanager
 from harness.machine import Machine
 from harness.rung import promise
 from harness.sandbox import FOLDERS, NAME, TOOLS, WORK, command, write
-from harness.waiting import let_pass
-from waiting import wait_for
+from waiting import settled, wait_for
 
 _, SYSTEM_UNITS, USER_UNITS = FOLDERS
 PACKAGED, LOCAL = "/usr/lib/systemd/system", "/usr/local/lib/systemd/system"
@@ -106,17 +105,28 @@ def knock():
             return
 
 
-def started(expected):
-    """Waits for the expected services; returns all that have been started."""
+def started(rung, machine, expected):
+    """Waits for the expected services, and until nothing more is being started; returns all that have been started."""
     def are_there():
         knock()
         return expected <= set(os.listdir(STARTED))
 
     wait_for(are_there, f"started: {', '.join(sorted(expected))}", 60, pause=0.1)
-    for _ in range(2):  # the others start with them, or when somebody knocks
-        let_pass(0.7)
+
+    def at_rest():
         knock()
-    return sorted(os.listdir(STARTED))
+        return None if jobs(rung, machine) else sorted(os.listdir(STARTED))
+
+    return settled(at_rest, "nothing more is being started", 60)
+
+
+def jobs(rung, machine):
+    """What the system's and the user's service manager still have to do for the examples."""
+    listed = ("list-jobs", "--no-legend", "example-*")
+    of_the_system = machine.run("/usr/bin/systemctl", *listed)
+    of_the_user = machine.run("/usr/bin/env", "-i", "XDG_RUNTIME_DIR=/run/vorli-user", *rung.sandbox.as_user(USER),
+                              "/usr/bin/systemctl", "--user", *listed)
+    return [line for line in (of_the_system + of_the_user).splitlines() if "example-" in line]
 
 
 def as_user(rung, machine, tool, *words):
@@ -149,20 +159,20 @@ def pause_and_resume(rung):
     everything = {*OWN, *PACKAGES, *NEVER_PAUSED}
     before = files()
     with booted(box) as machine:
-        rung.equal("at first, everything starts", started(everything), sorted(everything))
+        rung.equal("at first, everything starts", started(rung, machine, everything), sorted(everything))
         shown(rung, machine, "on")
         press(rung, machine, "pause")
         shown(rung, machine, "off")
     with booted(box) as machine:
-        rung.equal("paused, at the next start and login", started(set(NEVER_PAUSED)), sorted(NEVER_PAUSED))
+        rung.equal("paused, at the next start and login", started(rung, machine, set(NEVER_PAUSED)), sorted(NEVER_PAUSED))
         shown(rung, machine, "off")
         press(rung, machine, "resume")
         shown(rung, machine, "on")
     after = files()
     rung.equal("resumed: files and links that are not what they were",
                sorted(path for path in before.keys() | after.keys() if before.get(path) != after.get(path)), [])
-    with booted(box):
-        rung.equal("and at the start after that", started(everything), sorted(everything))
+    with booted(box) as machine:
+        rung.equal("and at the start after that", started(rung, machine, everything), sorted(everything))
 
 
 @promise("P35", "What is paused for everybody stays off at the next start and login, and is resumed as it was")
