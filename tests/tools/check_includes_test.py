@@ -286,14 +286,27 @@ class CheckIncludesTest(PlantedTree):
         self.refused("tests/app/LongTest.cpp", "\n" * 601, "601 lines", line=601)
 
     def testSleepInATestIsTold(self):
-        self.accepted("tests/desktop/waiting.py", "time.sleep(0.05)\n")
+        self.accepted("tests/desktop/good.py", 'wait_for(is_there, "it")\nPopen(["/bin/sleep", "1000"])  # time.sleep(1)\n')
+        self.accepted("tests/daemon/tools/Gaps.cpp", "::ppoll(nullptr, 0, &span, nullptr);\n")
         for path, text in (
             ("tests/app/BadTest.cpp", "std::this_thread::sleep_for(limit);"),
+            ("tests/app/BadTest.cpp", "::ppoll(nullptr, 0, &span, nullptr);"),
+            ("tests/app/BadTest.cpp", "::select(0, nullptr, nullptr, nullptr, &span);"),
             ("tests/ui/BadTest.cpp", "QTest::qWait(10);"),
+            ("tests/ui/Waiting.cpp", "QTest::qWait(10);"),
             ("tests/desktop/bad.py", "time.sleep(1)"),
+            ("tests/desktop/waiting.py", "time.sleep(1)"),
+            ("tests/desktop/bad.py", "pause = time.sleep"),
+            ("tests/desktop/bad.py", "from time import monotonic, sleep"),
+            ("tests/desktop/bad.py", "import time as clock"),
+            ("tests/desktop/bad.py", "asyncio.sleep(1)"),
+            ("tests/desktop/bad.py", "select.select([], [], [], 1)"),
+            ("tests/desktop/bad.py", "threading.Event().wait(1)"),
+            ("tests/desktop/bad.py", 'subprocess.run(["/bin/sleep", "1"])'),
             ("tests/desktop/bad.sh", "sleep 1"),
+            ("tests/desktop/bad.sh", "read -t 1 line"),
         ):
-            with self.subTest(path):
+            with self.subTest(path=path, text=text):
                 self.refused(path, text + "\n", "a sleep in a test")
                 os.remove(os.path.join(self.root, path))
 
