@@ -1,6 +1,7 @@
 """Calls of the daemon's methods, as any user and in any session, and the load tool's figures."""
 
 import subprocess
+import time
 from collections import namedtuple
 
 from .sandbox import NAME, OBJECT, TOOLS
@@ -54,6 +55,22 @@ def ends_within(process, seconds):
 
 def tool(*arguments, seconds=300, name="vorli_helper_load"):
     return finish_tool(start_tool(*arguments, tool=name), seconds)
+
+
+def bus_floor(calls=1000):
+    """Milliseconds of a call that the bus answers itself, as p50, p99 and max: no call is faster on this machine now."""
+    figures = tool("bus", calls)
+    return {name: figures[name] * 1000 for name in ("p50", "p99", "max")}
+
+
+def start_floor(box, starts=10):
+    """Milliseconds in which the daemon's program starts and ends without doing anything, at most: no cold start is faster."""
+    times = []
+    for _ in range(starts):
+        start = time.monotonic()
+        subprocess.run([*box.program_words(), "--version"], capture_output=True, check=True)
+        times.append(time.monotonic() - start)
+    return max(times) * 1000
 
 
 def introspection():

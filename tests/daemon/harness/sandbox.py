@@ -150,12 +150,15 @@ class Sandbox:
     def set_service(self, arguments=(), environment=()):
         """Sets the command that starts the daemon: the shipped one, with arguments after it and variables before it."""
         words = ["/usr/bin/env", *environment] if environment else []
-        if self.build == "tsan":  # a sanitizer needs its memory at fixed addresses
-            words += ["/usr/bin/setarch", "-R"]
         shipped = open(f"{self.installed}{SERVICE_FILE}", encoding="utf-8").read()
-        line = "Exec=" + " ".join([*words, HELPER, *arguments])
+        line = "Exec=" + " ".join([*words, *self.program_words(), *arguments])
         lines = [line if old.startswith("Exec=") else old for old in shipped.splitlines()]
         write(SERVICE_FILE, "\n".join(lines) + "\n")
+
+    def program_words(self):
+        """The words that start the daemon's program."""
+        # A sanitizer needs its memory at fixed addresses.
+        return ["/usr/bin/setarch", "-R", HELPER] if self.build == "tsan" else [HELPER]
 
     def use_daemon(self, program):
         """Replaces the daemon's program as a package manager does."""

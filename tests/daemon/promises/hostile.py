@@ -6,7 +6,7 @@ import re
 from harness.calls import call, finish_tool, start_tool, tool
 from harness.rung import promise
 from harness.sandbox import with_harmless_levers
-from promises.load import status
+from promises.load import RESIDENT, status
 from promises.moves import AWAY, make_items
 from waiting import wait_for
 
@@ -17,6 +17,7 @@ def fuzz(rung, messages, seed):
     figures = tool(messages, seed, *sizes, name="vorli_helper_fuzz", seconds=3600)
     rung.figure("messages sent", figures["sent"], 0.9 * messages, at_least=True)
     rung.equal("pings without an answer in between", figures["unanswered"], 0)
+    # The tool gives an answer up after thirty seconds. A message that stops the daemon would cost all of them.
     rung.figure("the slowest ping in between", figures["slowest_ping"], 2.0, " s", busy=20.0)
     for size in sizes or (1, 8, 31):
         rung.figure(f"a text of {size} MiB is answered ({figures[f'huge_{size}_code']:.0f}) after",
@@ -37,7 +38,7 @@ def malformed_messages(rung):
     rung.equal("the daemon is the same", box.helper_pids(), [pid])
     call(box, "Ping")
     if box.build == "shipped":
-        rung.figure("resident afterwards", status(pid, "VmRSS") / 1024, 8.0, " MiB")
+        rung.figure("resident afterwards", status(pid, "VmRSS") / 1024, RESIDENT, " MiB")
     box.terminate_helper()
 
 
@@ -98,4 +99,5 @@ def honest_log(rung):
     rung.equal("lines of another shape", [line for line in lines if not shape.fullmatch(line)], [])
     # A request of many kilobytes is logged without its sender, because it is not kept until the sender is known.
     rung.equal("lines that do not tell whose", len([line for line in lines if "uid=unknown" in line]), 2)
+    # Room for two arguments of 150 characters, an answer of 120 and what is around them.
     rung.figure("the longest, in bytes", max(len(line.split(": ", 1)[1]) for line in lines), 600)

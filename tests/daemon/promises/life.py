@@ -4,7 +4,7 @@ import os
 import random
 import signal
 
-from harness.calls import call, ends_within, finish_call, finish_tool, start_call, start_tool, tool
+from harness.calls import bus_floor, call, ends_within, finish_call, finish_tool, start_call, start_floor, start_tool, tool
 from harness.overheard import Overheard
 from harness.rung import promise
 from harness.sandbox import FOLDERS, HELPER, SYNC_BEGINS, send, stuck_sync, with_harmless_levers
@@ -53,8 +53,15 @@ def listens(pid):
 def starts_quickly(rung):
     rung.sandbox.restart(["--idle-milliseconds=1"], with_polkit=False)
     figures = tool("cold", 200)
-    rung.figure("cold start with its first ping, p50", figures["p50"] * 1000, 60, " ms", busy=600)
-    rung.figure("cold start with its first ping, p99", figures["p99"] * 1000, 60, " ms", busy=600)
+    slowest = most_for_a_start(rung.sandbox)
+    rung.figure("cold start with its first ping, p50", figures["p50"] * 1000, 60, " ms", busy=slowest)
+    rung.figure("cold start with its first ping, p99", figures["p99"] * 1000, 60, " ms", busy=slowest)
+
+
+def most_for_a_start(box):
+    """Milliseconds for a start by the bus with the first answer. Besides the program's own start, the daemon gives up
+    rights, connects twice and takes its name, and the other processes of a busy machine may run in between each time."""
+    return max(600, 20 * start_floor(box))
 
 
 @promise("P5", "A killed helper is noticed and started again")
@@ -63,13 +70,18 @@ def comes_back(rung):
     with_harmless_levers()
     rounds = 250
     cut_off = 0
+    # The kernel ends a process, the bus notices, and the caller reads: no work of the daemon's, but as many turns of a
+    # busy machine as some calls. A caller who waits for a limit of time instead would wait for 25 seconds.
+    floor = bus_floor()
+    told = max(200, 50 * floor["p99"]), max(1000, 50 * floor["max"])
+    slowest = most_for_a_start(rung.sandbox)
     # A fast machine has answered most calls before the later moments, and a slow one none before the earlier ones.
     for moment in (4000, 100):
         figures = tool("killed", rounds, moment)
         cut_off += figures["cut_off"]
-        rung.figure(f"killed within {moment} us: error after, p99", figures["told_p99"] * 1000, 20, " ms", busy=200)
-        rung.figure("error after, at most", figures["told_max"] * 1000, 250, " ms", busy=1000)
-        rung.figure("next call answered, p99", figures["back_p99"] * 1000, 60, " ms", busy=600)
+        rung.figure(f"killed within {moment} us: error after, p99", figures["told_p99"] * 1000, 20, " ms", busy=told[0])
+        rung.figure("error after, at most", figures["told_max"] * 1000, 250, " ms", busy=told[1])
+        rung.figure("next call answered, p99", figures["back_p99"] * 1000, 60, " ms", busy=slowest)
         rung.equal(f"unanswered of {rounds}", figures["unanswered"], 0)
     rung.figure("calls cut off by the kills", cut_off, 50, at_least=True)
 
@@ -94,6 +106,7 @@ def callers_get_a_word(rung):
     rung.holds("a helper whose program is removed exits", True)
     reply = call(box, "Ping")
     rung.holds(f"a call then fails with an error ({reply.text})", not reply.answered)
+    # The bus gives a start up after ten seconds; it need not wait for a program that is not there.
     rung.figure("after", reply.seconds, 2.0, " s", busy=10.0)
     box.install()
     rung.holds("and is answered again when the program is back", call(box, "Ping").answered)

@@ -9,7 +9,7 @@ from harness.rung import Rung, complaints
 from harness.sandbox import with_harmless_levers
 from promises.attacks import FLOODS, end_all, start_as
 from promises.authority import STANDINS
-from promises.load import status
+from promises.load import GROWTH, RESIDENT, status
 from promises.moves import make_items, snapshot, without_marks, read
 from waiting import wait_for
 
@@ -121,8 +121,8 @@ def one_daemon(rung, seconds):
                                             "moves cut_off", "purges other"))
     rung.equal("one daemon: calls lost", lost, 0)
     rung.equal("one daemon: hostile moves done", mixture.sum("pairs moved"), 0)
-    rung.figure("one daemon: resident", after / 1024, 8.0, " MiB")
-    rung.figure(f"one daemon: from {before} KiB it has grown by", after - before, 256, " KiB")
+    rung.figure("one daemon: resident", after / 1024, RESIDENT, " MiB")
+    rung.figure(f"one daemon: from {before} KiB it has grown by", after - before, GROWTH, " KiB")
     check_items(rung, items)
 
 

@@ -18,6 +18,7 @@ from waiting import wait_for
 
 LEVER = "/proc/sys/vm/drop_caches"
 MEBIBYTE = 1 << 20
+PURGE_LIMIT, FLUSH_LIMIT = 20.0, 5.0  # seconds that the application waits for their answers
 TOLD = re.compile(r"Freed (\d+) MiB \(page cache (\d+), slab \d+\), available [+-]\d+ MiB, [\d.]+ s")
 RESOLVED = ("org.freedesktop.resolve1", "FlushCaches")
 
@@ -89,7 +90,7 @@ def purge_tells_the_truth(rung):
     box.restart(environment=stuck_sync())
     reply = call(box, "PurgeMemory")
     rung.holds(f"a disk that never answers: {reply.text}", reply.code == 0 and reply.text.endswith("still runs"))
-    rung.figure("reported after", reply.seconds, 4.0, " s", busy=6.0)
+    rung.figure("reported after", reply.seconds, 4.0, " s", busy=PURGE_LIMIT)
     threads = thread_count(box)
 
     def purges_again():
@@ -98,7 +99,7 @@ def purge_tells_the_truth(rung):
 
     # For five seconds a caller is only told of the last purge. A user may make twenty requests in ten seconds.
     reply = wait_for(purges_again, "the next purge", 30, pause=0.6)
-    rung.figure("the next one", reply.seconds, 4.0, " s", busy=6.0)
+    rung.figure("the next one", reply.seconds, 4.0, " s", busy=PURGE_LIMIT)
     rung.equal("threads that hang more than before", thread_count(box) - threads, 0)
 
 
@@ -167,7 +168,7 @@ def dns_flush_copes(rung):
         reply = call(box, "FlushDNS")
         calls = resolver.calls()
         rung.holds(f"systemd-resolved is {mode}: {reply.code} {reply.text}", reply.code == code)
-        rung.figure("after", reply.seconds, seconds, " s", busy=5.0)
+        rung.figure("after", reply.seconds, seconds, " s", busy=FLUSH_LIMIT)
         rung.equal("called", calls, ["/org/freedesktop/resolve1 org.freedesktop.resolve1.Manager"])
     broken_but_activatable(rung)
     on_sockets(rung)
@@ -188,7 +189,7 @@ def broken_but_activatable(rung):
     rung.equal("a resolver that could be started: none runs", (reply.code, reply.text),
                (0, "No local DNS cache is running"))
     rung.holds("and it was not started", not os.path.exists(f"{WORK}/started"))
-    rung.figure("after", reply.seconds, 1.0, " s", busy=5.0)
+    rung.figure("after", reply.seconds, 1.0, " s", busy=FLUSH_LIMIT)
 
 
 def on_sockets(rung):
@@ -205,7 +206,7 @@ def on_sockets(rung):
         server.end()
         rung.holds(f"{name} answering {answer!r}: {reply.code} {reply.text}", reply.code == code and name in reply.text)
         rung.equal("was sent", server.received, [request])
-        rung.figure("after", reply.seconds, 2.0, " s", busy=5.0)
+        rung.figure("after", reply.seconds, 2.0, " s", busy=FLUSH_LIMIT)
 
 
 def by_pid_file(rung):
@@ -297,5 +298,5 @@ def everything_silent(rung):
     for server in servers:
         server.end()
     rung.equal("five silent caches", {reply.code for reply in replies}, {110})
-    rung.figure("two callers have their answer after", max(reply.seconds for reply in replies), 4.5, " s", busy=5.0)
+    rung.figure("two callers have their answer after", max(reply.seconds for reply in replies), 4.5, " s", busy=FLUSH_LIMIT)
     rung.figure("each was asked at most", max(asked), 1)
