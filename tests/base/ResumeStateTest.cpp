@@ -1,7 +1,8 @@
 #include "base/ResumeState.h"
 
-#include <atomic>
+#include <latch>
 #include <thread>
+#include <vector>
 
 namespace vorli {
 namespace {
@@ -14,21 +15,24 @@ TEST(ResumeStateTest, theFirstClaimWins) {
 }
 
 TEST(ResumeStateTest, ofTwoThreadsExactlyOneWins) {
-  for (int round = 0; round < 500; ++round) {
+  struct Round {
     ResumeState state;
-    std::atomic<bool> go = false;
-    int wins[2] = {0, 0};
-    const auto contend = [&](int& won) {
-      while (!go) std::this_thread::yield();
-      won = state.claim() ? 1 : 0;
-    };
-    std::thread first([&] { contend(wins[0]); });
-    std::thread second([&] { contend(wins[1]); });
-    go = true;
-    first.join();
-    second.join();
-    ASSERT_EQ(wins[0] + wins[1], 1);
-  }
+    std::latch bothAreThere{2};
+    bool hasFirstWon = false;
+    bool hasSecondWon = false;
+  };
+  std::vector<Round> rounds(500);
+  const auto contend = [&](bool Round::*hasWon) {
+    for (Round& round : rounds) {
+      round.bothAreThere.arrive_and_wait();
+      round.*hasWon = round.state.claim();
+    }
+  };
+  std::thread first(contend, &Round::hasFirstWon);
+  std::thread second(contend, &Round::hasSecondWon);
+  first.join();
+  second.join();
+  for (const Round& round : rounds) ASSERT_NE(round.hasFirstWon, round.hasSecondWon);
 }
 
 }  // namespace

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cmath>
+#include <condition_variable>
 #include <deque>
 #include <map>
 #include <mutex>
@@ -28,6 +30,7 @@ class ManualScheduler final : public Scheduler {
   void post(Work work) override {
     const std::lock_guard guard(lock_);
     posted_.push_back(std::move(work));
+    hasPosted_.notify_one();
   }
 
   TimerId after(double seconds, Work work, Precision = Precision::exact) override {
@@ -72,6 +75,12 @@ class ManualScheduler final : public Scheduler {
   /// Moves the clock without running anything, as when the main thread is blocked.
   void advanceClockOnly(double seconds) { now_ = now_ + seconds; }
 
+  /// Waits until another thread has queued work; returns false if there is none at the deadline.
+  bool waitForPost(std::chrono::steady_clock::time_point deadline) {
+    std::unique_lock guard(lock_);
+    return hasPosted_.wait_until(guard, deadline, [this] { return !posted_.empty(); });
+  }
+
   /// Number of queued pieces of work.
   std::size_t postedCount() {
     const std::lock_guard guard(lock_);
@@ -99,6 +108,7 @@ class ManualScheduler final : public Scheduler {
   TimerId lastId_ = 0;
   std::map<std::pair<double, TimerId>, Work> timers_;
   std::mutex lock_;
+  std::condition_variable hasPosted_;
   std::deque<Work> posted_;
 };
 

@@ -2,9 +2,9 @@
 #include "tests/fakes/ManualScheduler.h"
 #include "tests/posix/HoldsInTime.h"
 
-#include <atomic>
 #include <csignal>
 #include <gtest/gtest.h>
+#include <latch>
 #include <optional>
 #include <pthread.h>
 #include <thread>
@@ -30,10 +30,10 @@ TEST_F(BackgroundWorkTest, worksOnAnotherThreadAndFinishesOnTheMainOne) {
 }
 
 TEST_F(BackgroundWorkTest, isNeverDoneOutsideOfTheMainLoop) {
-  std::atomic<bool> hasWorked = false;
+  std::latch hasWorked(1);
   bool isDone = false;
-  background->start([&] { hasWorked = true; }, [&] { isDone = true; });
-  while (!hasWorked) std::this_thread::yield();
+  background->start([&] { hasWorked.count_down(); }, [&] { isDone = true; });
+  hasWorked.wait();
   EXPECT_FALSE(isDone);
   EXPECT_TRUE(background->isUnderWay());
   ASSERT_TRUE(holdsInTime(scheduler, [&] { return isDone; }));
