@@ -14,8 +14,8 @@ import time
 import dbus
 from common import ARGUMENTS, OUT, PREFIX, let_pass, started, write, x_server
 from measuring.process import Window, memory_mb
-from pointer import Pointer
 from vorli import TrayIcon, wait_for, windows_of
+from x11 import Pointer
 
 ITEM = "org.kde.StatusNotifierItem"
 FEW = 3

@@ -1,35 +1,17 @@
 #!/usr/bin/python3
 """hotkey.py PROGRAM: a real key from a real X server reaches the program, whatever has the focus."""
 
+import os
 import subprocess
 import sys
 import unittest
 
+import tray_parts
 from tray_parts import Process
 from waiting import holds, wait_for
 
 PROGRAM = sys.argv.pop(1)
 PLACE_OF_Z = 52
-
-# A program that grabs Alt and Shift with one physical key, whatever the layout's letter for it, until a line on its
-# input.
-HOLDER = f"""
-import ctypes, sys
-x11 = ctypes.CDLL("libX11.so.6")
-x11.XOpenDisplay.restype = ctypes.c_void_p
-x11.XDefaultRootWindow.restype = ctypes.c_ulong
-display = ctypes.c_void_p(x11.XOpenDisplay(None))
-shift_and_alt, asynchronous = 9, 1
-root = ctypes.c_ulong(x11.XDefaultRootWindow(display))
-x11.XGrabKey(display, {PLACE_OF_Z}, shift_and_alt, root, False, asynchronous, asynchronous)
-x11.XSync(display, False)
-print("held", flush=True)
-sys.stdin.readline()
-x11.XUngrabKey(display, {PLACE_OF_Z}, shift_and_alt, root)
-x11.XSync(display, False)
-print("free", flush=True)
-sys.stdin.read()
-"""
 
 
 def run(*command):
@@ -97,7 +79,8 @@ class HotkeyTest(unittest.TestCase):
         holds(lambda: program.count("press") == 1, "the old place means nothing", 0.3)
 
     def holder(self):
-        holder = Process("/usr/bin/python3", "-c", HOLDER)
+        # The same physical key, whatever the layout's letter for it.
+        holder = Process("/usr/bin/python3", os.path.join(tray_parts.HERE, "key_holder.py"), str(PLACE_OF_Z))
         self.addCleanup(holder.kill)
         holder.expect("held")
         return holder

@@ -1,7 +1,6 @@
 """Tools of the status item's tests: its process, the screen, the session's bus."""
 
 import contextlib
-import ctypes
 import os
 import re
 import signal
@@ -12,6 +11,7 @@ import dbus
 
 from vorli import found_windows
 from waiting import settled, wait_for
+from x11 import Display
 
 # Bytes that may remain for each sent picture. A picture that is kept has 1,900 or more; on a busy machine the allocator
 # of a program needs up to 50 for each of ten thousand.
@@ -165,29 +165,14 @@ def window_of(pid, width, height):
 
 def pixel_at(x, y):
     """The colour of one place of the screen, read within milliseconds."""
-    x11 = ctypes.CDLL("libX11.so.6")
-    for function in (x11.XOpenDisplay, x11.XDefaultRootWindow, x11.XGetImage):
-        function.restype = ctypes.c_void_p
-    x11.XGetPixel.restype = ctypes.c_ulong
-    every_plane, whole_pixels = ctypes.c_ulong(-1), 2
-    display = ctypes.c_void_p(x11.XOpenDisplay(None))
-    root = ctypes.c_void_p(x11.XDefaultRootWindow(display))
-    image = ctypes.c_void_p(x11.XGetImage(display, root, x, y, 1, 1, every_plane, whole_pixels))
-    value = x11.XGetPixel(image, 0, 0)
-    x11.XDestroyImage(image)
-    x11.XCloseDisplay(display)
-    return value >> 16 & 255, value >> 8 & 255, value & 255
+    with Display() as display:
+        return display.pixel(x, y)
 
 
 def selection_owner(name):
     """The X11 window that owns that selection, as a number for command lines, or None."""
-    x11 = ctypes.CDLL("libX11.so.6")
-    for function in (x11.XOpenDisplay, x11.XInternAtom, x11.XGetSelectionOwner):
-        function.restype = ctypes.c_void_p
-    display = ctypes.c_void_p(x11.XOpenDisplay(None))
-    atom = ctypes.c_ulong(x11.XInternAtom(display, name.encode(), 0))
-    owner = x11.XGetSelectionOwner(display, atom)
-    x11.XCloseDisplay(display)
+    with Display() as display:
+        owner = display.selection_owner(name)
     return str(owner) if owner else None
 
 
