@@ -6,7 +6,8 @@ import sys
 import unittest
 
 import tray_parts
-from tray_parts import Process, Screen, click, photograph, pointer
+from process import Process
+from tray_parts import Screen, click, photograph, pointer
 from waiting import wait_for
 
 PROGRAM = sys.argv.pop(1)

@@ -9,7 +9,8 @@ import unittest
 import glow_parts
 from glow_parts import (BETWEEN, DEEP_RED, HEIGHT, MIDDLE_OF_TOP, ORANGE, WIDTH, Desktop, lit, near, other_program,
                         photograph, until_pixel)
-from tray_parts import Process, Screen, click, pixel_at, pointer
+from process import Process
+from tray_parts import Screen, click, pixel_at, pointer
 from waiting import wait_for
 
 PROGRAM = sys.argv.pop(1)

@@ -7,7 +7,8 @@ import unittest
 
 import glow_parts
 from glow_parts import DEEP_RED, MIDDLE_OF_TOP, Desktop, lit, near, until_pixel
-from tray_parts import Process, Screen
+from process import Process
+from tray_parts import Screen
 from waiting import settled, wait_for
 
 PROGRAM = sys.argv.pop(1)

@@ -4,7 +4,8 @@ import os
 import re
 import subprocess
 
-from tray_parts import PICTURES, Process, Screen
+from process import Process
+from tray_parts import PICTURES, Screen
 from vorli import screens_windows
 from waiting import wait_for
 

@@ -7,7 +7,7 @@ import sys
 import unittest
 
 import tray_parts
-from tray_parts import Process
+from process import Process
 from waiting import holds, wait_for
 
 PROGRAM = sys.argv.pop(1)

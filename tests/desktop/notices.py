@@ -5,7 +5,7 @@ import subprocess
 import sys
 import unittest
 
-from tray_parts import Process
+from process import Process
 from waiting import holds, settled, wait_for
 
 SERVER = sys.argv.pop()

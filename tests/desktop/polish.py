@@ -3,11 +3,11 @@
 import os
 import subprocess
 import sys
-import threading
 import time
 import unittest
 
 from polish_probe import CALM_RISE, CLOCK_GRAIN, FULL, LATENESS, POLISHED, SPARED, PolishProbe
+from process import Process
 from sound_server import SINK, Sound, pactl, sink_state
 from waiting import wait_for
 
@@ -45,22 +45,13 @@ class NewIcons:
 
     def __init__(self):
         rule = "type='signal',interface='org.kde.StatusNotifierItem',member='NewIcon'"
-        self.monitor = subprocess.Popen(["dbus-monitor", "--session", "--profile", rule], stdout=subprocess.PIPE,
-                                        text=True)
-        self.times = []
-        self.reader = threading.Thread(target=self._read, daemon=True)
-        self.reader.start()
+        self.monitor = Process("dbus-monitor", "--session", "--profile", rule,
+                               parse=lambda line: (time.monotonic(), line))
+        self.close = self.monitor.terminate
 
-    def _read(self):
-        for line in self.monitor.stdout:
-            if "NewIcon" in line:
-                self.times.append(time.monotonic())
-
-    def close(self):
-        self.monitor.terminate()
-        self.monitor.wait()
-        self.reader.join(5)
-        self.monitor.stdout.close()
+    @property
+    def times(self):
+        return [at for at, line in self.monitor.lines if "NewIcon" in line]
 
 
 class PolishTest(unittest.TestCase):

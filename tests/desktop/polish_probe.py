@@ -1,12 +1,10 @@
 """One running program that polishes, and its output so far."""
 
 import os
-import signal
-import subprocess
-import threading
 import time
 
-from waiting import wait_for
+from process import Process
+from waiting import Missing, wait_for
 
 # The two timelines, in seconds from the start of the ring's drain.
 FULL = {"grow": 2.65, "shrink": 3.25, "close": 5.65, "rise": 10.65, "end": 15.05}
@@ -28,33 +26,23 @@ BUDGET_EXCEEDED = (
 )
 
 
+def event(line):
+    """Time, word and value of a printed line."""
+    at, word, value = line.split("\t")
+    return float(at), word, value
+
+
 class PolishProbe:
     def __init__(self, program, name, **environment):
-        self.name, self.events = name, []
-        self.process = subprocess.Popen([program], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True, bufsize=1,
-                                        env={**os.environ, **environment})
-        self.reader = threading.Thread(target=self._read, daemon=True)
-        self.reader.start()
-
-    def _read(self):
-        for line in self.process.stdout:
-            at, word, value = line.rstrip("\n").split("\t")
-            self.events.append((float(at), word, value))
+        self.name = name
+        self._process = Process(program, environment=environment, parse=event)
+        self.events, self.send = self._process.lines, self._process.tell
 
     def close(self):
-        if self.process.poll() is None:
-            self.process.send_signal(signal.SIGTERM)
         try:
-            self.process.wait(10)
-        except subprocess.TimeoutExpired:
-            self.process.kill()
-            self.process.wait()
-        self.reader.join(5)
-        self.process.stdin.close()
-        self.process.stdout.close()
-
-    def send(self, line):
-        self.process.stdin.write(line + "\n")
+            self._process.terminate(10)
+        except Missing as missing:
+            print(f"{self.name}: {missing}, and was killed", flush=True)
 
     def values(self, word, since=0.0):
         return [value for at, what, value in list(self.events) if what == word and at >= since]

@@ -26,7 +26,7 @@ class PopoverTest(unittest.TestCase):
 
     @classmethod
     def tearDownClass(cls):
-        cls.vorli.end()
+        cls.vorli.terminate()
 
     def setUp(self):
         self.assertIsNone(self.vorli.process.poll())

@@ -9,6 +9,7 @@ import time
 
 import dbus
 import tray_parts
+from process import Process
 from vorli import TrayIcon, give_keyboard
 from waiting import wait_for
 
@@ -44,22 +45,14 @@ def icon_place():
     return wait_for(lambda: tray_parts.Screen().place_of(tray_parts.is_red), "the dial in the panel", 15)
 
 
-class Popover(tray_parts.Process):
+class Popover(Process):
     """The program, and its popover's window as other programs see it."""
 
     def __init__(self, program, **environment):
         self.log = os.path.join(os.environ["HOME"], "vorli.log")
         self.started = time.monotonic()
-        super().__init__("/bin/sh", "-c", 'exec "$0" 2>"$1"', program, self.log,
-                         environment={**os.environ, **environment})
+        super().__init__("/bin/sh", "-c", 'exec "$0" 2>"$1"', program, self.log, environment=environment)
         self.expect("ring .*", seconds=20)
-
-    def end(self):
-        self.process.terminate()
-        self.process.wait(20)
-        self.process.stdin.close()
-        self.reader.join()
-        self.process.stdout.close()
 
     def age(self):
         """Seconds since the start of the program."""
@@ -206,7 +199,7 @@ Gtk.main()
 """
 
     def __init__(self):
-        self.program = tray_parts.Process("/usr/bin/python3", "-c", self.CODE)
+        self.program = Process("/usr/bin/python3", "-c", self.CODE)
         self.program.expect("ready", seconds=20)
         self.window = wait_for(lambda: output("xdotool", "search", "--onlyvisible", "--name", "neighbour").split(),
                             "the neighbour's window")[0]

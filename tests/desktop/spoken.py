@@ -55,7 +55,7 @@ class SpokenTest(unittest.TestCase):
         cls.bus = ScriptedBus(HELPER, AUTHORITY, cls.conduct, cls.verdicts)
         cls.addClassCleanup(cls.bus.close)
         cls.vorli = Popover(PROGRAM, DBUS_SYSTEM_BUS_ADDRESS=cls.bus.address)
-        cls.addClassCleanup(cls.vorli.end)
+        cls.addClassCleanup(cls.vorli.terminate)
         wait_for(lambda: cls.vorli.helper_status() == cls.helper, f"a helper that is {cls.helper}", 20)
         cls.spoken = Spoken(cls.vorli.pid)
 

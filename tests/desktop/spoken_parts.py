@@ -1,6 +1,6 @@
 """Listens to changes on the session's accessibility bus, as another program would."""
 
-import tray_parts
+from process import Process
 
 LISTENER = """
 import gi
@@ -28,7 +28,7 @@ class Listener:
     """Another program that listens: "KIND|ROLE|TEXT" for each event."""
 
     def __init__(self):
-        self.program = tray_parts.Process("/usr/bin/python3", "-c", LISTENER)
+        self.program = Process("/usr/bin/python3", "-c", LISTENER)
         self.program.expect("ready", seconds=20)
 
     def heard(self, kind, role, text):

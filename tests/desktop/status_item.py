@@ -4,15 +4,15 @@
 import os
 import subprocess
 import sys
-import threading
 import time
 import unittest
 
 import dbus
 
 import tray_parts
+from process import Process
 from tray_parts import (
-    ACTIONS, ITEM, MENU, MENU_PATH, PANEL_HEIGHT, ROWS, Item, OwnMenu, Process, Screen, click, held, icon_is_gone,
+    ACTIONS, ITEM, MENU, MENU_PATH, PANEL_HEIGHT, ROWS, Item, OwnMenu, Screen, click, held, icon_is_gone,
     icon_place, photograph, pointer,
 )
 from waiting import wait_for
@@ -28,23 +28,13 @@ class NewIcons:
 
     def __init__(self, item):
         rule = f"type='signal',interface='{ITEM}',member='NewIcon',sender='{item.bus.get_name_owner(item.name)}'"
-        self.count = 0
-        self.process = subprocess.Popen(
-            ["dbus-monitor", "--session", "--profile", rule], stdout=subprocess.PIPE, text=True, bufsize=1
-        )
-        self.ready = threading.Event()
-        threading.Thread(target=self._read, daemon=True).start()
-        self.ready.wait(10)
+        self.monitor = Process("dbus-monitor", "--session", "--profile", rule)
+        self.monitor.expect(".*\tNameLost")  # from now on it monitors
+        self.close = self.monitor.terminate
 
-    def _read(self):
-        for line in self.process.stdout:
-            self.ready.set()
-            self.count += "\tNewIcon" in line
-
-    def close(self):
-        self.process.terminate()
-        self.process.wait()
-        self.process.stdout.close()
+    @property
+    def count(self):
+        return sum("\tNewIcon" in line for line in self.monitor.lines)
 
 
 class StatusItemTest(unittest.TestCase):

@@ -6,11 +6,12 @@ import sys
 import unittest
 
 import tray_parts
-from tray_parts import ITEM, Item, Process
+from process import Process
+from tray_parts import ITEM, Item
 from waiting import wait_for
 
 PROGRAM = sys.argv.pop(1)
-NO_BUS = {**os.environ, "DBUS_SESSION_BUS_ADDRESS": "unix:path=/nonexistent"}
+NO_BUS = {"DBUS_SESSION_BUS_ADDRESS": "unix:path=/nonexistent"}
 
 
 class WithoutPanelTest(unittest.TestCase):

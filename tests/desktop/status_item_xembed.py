@@ -7,9 +7,8 @@ import sys
 import unittest
 
 import tray_parts
-from tray_parts import (
-    ITEM, PANEL_HEIGHT, OwnMenu, Process, click, held, icon_is_gone, icon_place, photograph, pointer,
-)
+from process import Process
+from tray_parts import ITEM, PANEL_HEIGHT, OwnMenu, click, held, icon_is_gone, icon_place, photograph, pointer
 from waiting import wait_for
 
 PROGRAM, PANEL = sys.argv.pop(1), sys.argv.pop(1)
@@ -123,7 +122,7 @@ class XEmbedTest(unittest.TestCase):
 
 class SurroundingsTest(unittest.TestCase):
     def test_without_a_session_bus_there_is_still_the_x11_tray(self):
-        program = Process(PROGRAM, environment={**os.environ, "DBUS_SESSION_BUS_ADDRESS": "unix:path=/nonexistent"})
+        program = Process(PROGRAM, environment={"DBUS_SESSION_BUS_ADDRESS": "unix:path=/nonexistent"})
         self.addCleanup(program.close)
         program.expect("tray xembed")
         program.tell("picture 0.6")
@@ -139,7 +138,7 @@ class SurroundingsTest(unittest.TestCase):
         self.addCleanup(bus.stdout.close)
         self.addCleanup(bus.wait)
         self.addCleanup(bus.kill)
-        environment = {**os.environ, "DBUS_SESSION_BUS_ADDRESS": bus.stdout.readline().strip()}
+        environment = {"DBUS_SESSION_BUS_ADDRESS": bus.stdout.readline().strip()}
         services = Process(os.path.join(tray_parts.HERE, "fake_tray_services.py"), environment=environment)
         for line in ("host on", "watcher on"):
             services.tell(line)
@@ -153,7 +152,7 @@ class SurroundingsTest(unittest.TestCase):
         icon_place()
 
     def test_a_desktop_whose_panels_are_always_dark_gets_the_bright_dial(self):
-        program = Process(PROGRAM, environment={**os.environ, "XDG_CURRENT_DESKTOP": "ubuntu:GNOME"})
+        program = Process(PROGRAM, environment={"XDG_CURRENT_DESKTOP": "ubuntu:GNOME"})
         self.addCleanup(program.close)
         self.assertEqual(program.expect("appearance .*"), "appearance dark")
 

@@ -5,9 +5,9 @@ import re
 import signal
 import subprocess
 import sys
-import threading
 import unittest
 
+from process import Process
 from vorli import stored
 from waiting import wait_for
 from workspace_probe import bring_to_front, window_of
@@ -25,24 +25,10 @@ class SessionManager:
     """A session manager that implements only the protocol; it ends with the test."""
 
     def __init__(self, test):
-        self.process = subprocess.Popen([sys.argv[2]], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
-        test.addCleanup(self.process.wait)
+        self.process = Process(sys.argv[2])
         test.addCleanup(self.process.kill)
-        self.address = self.process.stdout.readline().removeprefix("address ").strip()
-        self.lines = []
-        self.reader = threading.Thread(target=self._read, daemon=True)
-        self.reader.start()
-
-    def _read(self):
-        for line in self.process.stdout:
-            self.lines.append(line.strip())
-
-    def expect(self, line):
-        wait_for(lambda: line in self.lines, line)
-
-    def tell(self, line):
-        self.process.stdin.write(line + "\n")
-        self.process.stdin.flush()
+        self.lines, self.expect, self.tell = self.process.lines, self.process.expect, self.process.tell
+        self.address = self.expect("address .*").removeprefix("address ")
 
 
 class OtherDisplay:

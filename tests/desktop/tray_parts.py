@@ -5,7 +5,6 @@ import os
 import re
 import signal
 import subprocess
-import threading
 
 import dbus
 
@@ -21,68 +20,6 @@ MENU, MENU_PATH = "com.canonical.dbusmenu", "/Menu"
 HERE = os.path.dirname(os.path.realpath(__file__))
 PANEL_HEIGHT = 28
 PICTURES = os.environ["VORLI_PICTURES"]
-
-
-class Process:
-    """A program that reads lines and prints lines."""
-
-    def __init__(self, *command, environment=None):
-        self.lines = []
-        self.process = subprocess.Popen(
-            command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True, bufsize=1, env=environment
-        )
-        self.pid = self.process.pid
-        self.reader = threading.Thread(target=self._read, daemon=True)
-        self.reader.start()
-
-    def _read(self):
-        for line in self.process.stdout:
-            self.lines.append(line.rstrip("\n"))
-
-    def tell(self, line):
-        self.process.stdin.write(line + "\n")
-
-    def count(self, line):
-        return self.lines.count(line)
-
-    def mark(self):
-        return len(self.lines)
-
-    def expect(self, pattern, since=0, seconds=20.0):
-        """Waits for a matching line with the number `since` or later, and returns it."""
-
-        def found():
-            return next((line for line in self.lines[since:] if re.fullmatch(pattern, line)), None)
-
-        return wait_for(found, f"the line {pattern!r} after {self.lines[since:]}", seconds)
-
-    def close(self):
-        self.process.stdin.close()
-        try:
-            code = self.process.wait(20)
-        except subprocess.TimeoutExpired:
-            self.process.kill()
-            raise AssertionError("the program does not end") from None
-        self.reader.join()
-        self.process.stdout.close()
-        assert code == 0, f"the program ended with {code}"
-
-    def kill(self):
-        """Ends a program that does not end with its input."""
-        self.process.kill()
-        self.process.wait()
-        self.process.stdin.close()
-        self.reader.join()
-        self.process.stdout.close()
-
-    def resources(self):
-        """Private dirty memory in KiB, number of descriptors, and seconds of processor time so far."""
-        with open(f"/proc/{self.pid}/smaps_rollup", encoding="ascii") as file:
-            dirty = int(re.search(r"Private_Dirty:\s+(\d+)", file.read())[1])
-        with open(f"/proc/{self.pid}/stat", encoding="ascii") as file:
-            fields = file.read().rsplit(")", 1)[1].split()
-        ticks = os.sysconf("SC_CLK_TCK")
-        return dirty, len(os.listdir(f"/proc/{self.pid}/fd")), (int(fields[11]) + int(fields[12])) / ticks
 
 
 class Screen:

@@ -4,8 +4,8 @@ import json
 import os
 import re
 import subprocess
-import threading
 
+from process import Process
 from vorli import found_windows
 from waiting import wait_for
 
@@ -18,22 +18,12 @@ def write(path, text, mode=0o644):
 
 
 class Probe:
-    """The probe of the workspace; collects its lines on a thread of its own."""
+    """The probe of the workspace, and its lines so far."""
 
     def __init__(self, program, **environment):
-        self.process = subprocess.Popen([program], env={**os.environ, **environment}, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
-        self.lines = []
-        self.reader = threading.Thread(target=self.read, daemon=True)
-        self.reader.start()
+        self.process = Process(program, environment=environment, parse=json.loads)
+        self.lines, self.tell = self.process.lines, self.process.tell
         wait_for(lambda: any("ready" in line for line in self.lines), "the probe is ready")
-
-    def read(self):
-        for line in self.process.stdout:
-            self.lines.append(json.loads(line))
-
-    def tell(self, command):
-        self.process.stdin.write(command + "\n")
-        self.process.stdin.flush()
 
     def ask(self, command, key):
         seen = len(self.lines)
@@ -64,10 +54,7 @@ class Probe:
         return next(line for line in self.lines[seen:] if "look" in line)
 
     def close(self):
-        self.process.stdin.close()
-        self.process.wait(timeout=10)
-        self.reader.join(timeout=10)
-        self.process.stdout.close()
+        self.process.end_input()
 
 
 def is_placed_by_the_window_manager(window):
