@@ -12,7 +12,10 @@ import sys
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.realpath(__file__)), "session"))
 
-from vorli import PanelMenu, TrayIcon, Vorli, run, screen_width, wait_for, windows_of  # noqa: E402
+from process import run  # noqa: E402
+from screen import picture, screen_width, windows_of  # noqa: E402
+from vorli import PanelMenu, TrayIcon, Vorli  # noqa: E402
+from waiting import wait_for  # noqa: E402
 
 WIDTH, HEIGHT = 620, 580  # size of each half
 
@@ -32,16 +35,12 @@ Gtk.main()
 """
 
 
-def photograph(path, left):
-    run("import", "-window", "root", "-crop", f"{WIDTH}x{HEIGHT}+{left}+0", "+repage", path)
-
-
-def photograph_at_rest(path, left):
+def picture_at_rest(path, left):
     """Takes pictures until two in a row are equal, and returns the last one."""
     seen = []
 
     def still():
-        photograph(path, left)
+        picture(path, left, 0, WIDTH, HEIGHT)
         with open(path, "rb") as file:
             seen.append(file.read())
         return len(seen) > 2 and seen[-1] == seen[-2]
@@ -61,12 +60,12 @@ def main():
         wait_for(lambda: vorli.helper_status == "enabled", "the enabled helper", 20)
         left = screen_width() - WIDTH
         menu = PanelMenu(icon)
-        photograph_at_rest(first, left)
+        picture_at_rest(first, left)
         menu.dismiss()
         icon.click(1)
         wait_for(lambda: windows_of(vorli.process.pid), "the popover")
         wait_for(lambda: vorli.ticks >= 4, "a popover that has unfurled", 30)
-        photograph(second, left)
+        picture(second, left, 0, WIDTH, HEIGHT)
         run("convert", first, second, "+append", os.path.join(out, "desktop.png"))
     finally:
         vorli.end()

@@ -11,10 +11,11 @@ import sys
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.realpath(__file__)), "session"))
 
+from screen import is_painted, picture, screen_width, window_picture, windows_of  # noqa: E402
 from vorli import (  # noqa: E402
-    FirstSteps, Load, Missing, PanelMenu, TrayIcon, Vorli, become_new_user, free_memory_bytes, installed_at_home,
-    is_painted, is_stored, picture, screen_width, wait_for, window_picture, windows_of,
+    FirstSteps, Load, PanelMenu, TrayIcon, Vorli, become_new_user, free_memory_bytes, installed_at_home, is_stored,
 )
+from waiting import Missing, wait_for  # noqa: E402
 
 WARMING, RESTING = 0.55, 0.35
 

@@ -9,7 +9,8 @@ from contextlib import contextmanager
 
 from common import ARGUMENTS, PREFIX, let_pass, let_the_dial_rest, started, write
 from measuring.process import Window, memory_mb
-from vorli import stored, wait_for
+from vorli import stored
+from waiting import wait_for
 
 APPLICATIONS, WITH_WINDOW = 60, 40  # the others have an icon
 SETTLE = 20  # seconds
@@ -79,7 +80,7 @@ def main():
         result["with"] = at_rest(vorli, count, seconds)
         result["ticks"] = ticks(rounds)
         if vorli.end() != 0:
-            raise SystemExit("the program did not end well")
+            raise SystemExit("the program did not exit cleanly")
     write(result)
 
 

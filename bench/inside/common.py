@@ -6,7 +6,10 @@ import sys
 import time
 
 import dbus
-from vorli import Missing, TrayIcon, Vorli, choose_row, run, wait_for, windows_of
+from process import run
+from screen import windows_of
+from vorli import TrayIcon, Vorli, choose_row
+from waiting import Missing, wait_for
 
 PREFIX, OUT, *ARGUMENTS = sys.argv[1:]
 REST = 240  # seconds at most until the dial is at rest: it shows earlier load for minutes

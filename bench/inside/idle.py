@@ -5,7 +5,8 @@ import subprocess
 
 from common import ARGUMENTS, let_pass, let_the_dial_rest, open_and_shut_popover, started, write
 from measuring.process import Window, memory_mb
-from vorli import TrayIcon, wait_for
+from vorli import TrayIcon
+from waiting import wait_for
 
 SETTLE = 20  # seconds
 

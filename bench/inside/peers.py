@@ -7,22 +7,14 @@ import time
 
 from common import ARGUMENTS, PREFIX, let_pass, write
 from measuring.process import Window, cpu_ms, descendants, memory_mb
-from vorli import Missing, TrayIcon, wait_for
+from screen import found_windows, place_of
+from vorli import TrayIcon
+from waiting import Missing, wait_for
 
 SETTLE = 8  # seconds
 LONGEST = 20
 CONKY = "conky"  # its window names no process, and exists before it shows anything
 CONKY_EMPTY = 5  # height in pixels of the empty window
-
-
-def visible_windows(*conditions):
-    found = subprocess.run(["xdotool", "search", "--onlyvisible", *conditions], capture_output=True, text=True, check=False)
-    return found.stdout.split()
-
-
-def height_of(window):
-    found = subprocess.run(["xdotool", "getwindowgeometry", "--shell", window], capture_output=True, text=True, check=False)
-    return int(dict(line.split("=") for line in found.stdout.split()).get("HEIGHT", 0))
 
 
 def shown(name, process, is_in_tray):
@@ -31,8 +23,8 @@ def shown(name, process, is_in_tray):
     if is_in_tray:
         return bool(TrayIcon().items())
     if name == CONKY:
-        return any(height_of(window) > CONKY_EMPTY for window in visible_windows("--class", "^Conky$"))
-    return any(visible_windows("--pid", str(each)) for each in descendants(process.pid))
+        return any(place and place[3] > CONKY_EMPTY for place in map(place_of, found_windows("--class", "^Conky$")))
+    return any(found_windows("--pid", str(each)) for each in descendants(process.pid))
 
 
 def measured(name, command, is_in_tray, seconds):

@@ -6,7 +6,10 @@ polishes only when the ring is not calm, so the processors are kept busy before 
 
 from common import ARGUMENTS, choose, let_pass, started, write, x_server
 from measuring.process import Window
-from vorli import Load, TrayIcon, run, wait_for, windows_of
+from process import run
+from screen import placed_windows
+from vorli import Load, TrayIcon
+from waiting import wait_for
 
 CEREMONY = 15.0  # seconds: the longest polish with its flash
 BETWEEN = 6.0  # seconds: the daemon does not purge more often than every 5 s
@@ -20,11 +23,8 @@ RING_X, RING_Y = 24 + 135, 16 + 96  # in the popover's window below the icon, wh
 
 
 def popover_place(vorli):
-    for window in windows_of(vorli.process.pid):
-        place = dict(line.split("=") for line in run("xdotool", "getwindowgeometry", "--shell", window).split())
-        if int(place["WIDTH"]) == POPOVER_WIDTH:
-            return int(place["X"]), int(place["Y"])
-    return None
+    shown = placed_windows(vorli.process.pid)
+    return next(((x, y) for _, x, y, width, _ in shown if width == POPOVER_WIDTH), None)
 
 
 def press_the_ring(vorli):

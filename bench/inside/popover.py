@@ -14,7 +14,9 @@ import time
 import dbus
 from common import ARGUMENTS, OUT, PREFIX, let_pass, started, write, x_server
 from measuring.process import Window, memory_mb
-from vorli import TrayIcon, wait_for, windows_of
+from screen import windows_of
+from vorli import TrayIcon
+from waiting import wait_for
 from x11 import Pointer
 
 ITEM = "org.kde.StatusNotifierItem"

@@ -8,7 +8,7 @@ import time
 
 from common import ARGUMENTS, OUT, choose, let_pass, open_and_shut_popover, started, write
 from measuring.process import cpu_ms, descriptors, memory_mb
-from vorli import Missing
+from waiting import Missing
 
 SLICES = 10
 REST = 45  # seconds after which the last polish and its calls are over

@@ -12,7 +12,7 @@ from waiting import wait_for
 
 PROGRAM = sys.argv.pop(1)
 MARGINS = (40, 40, 28, 56)  # left, right, top, bottom of the shadow
-AROUND = "520x420+700+330"
+AROUND = (700, 330, 520, 420)
 
 
 def active_window():
@@ -43,7 +43,7 @@ class WindowsTest(unittest.TestCase):
             ["xprop", "-id", window, "-notype", "_GTK_FRAME_EXTENTS"], capture_output=True, text=True
         ).stdout
         self.assertEqual(told.strip(), "_GTK_FRAME_EXTENTS = " + ", ".join(map(str, MARGINS)))
-        x, y = tray_parts.window_of(self.program.pid, width=380, height=336)
+        x, y = tray_parts.corner_of(self.program.pid, width=380, height=336)
         self.assertAlmostEqual(x + MARGINS[0] + 150, 960, delta=2)
         self.assertAlmostEqual(y + MARGINS[2] + 126, 540, delta=2)
         wait_for(lambda: min(Screen().pixel(x + 60, y + 50)) > 230, "the sheet is drawn")
@@ -55,7 +55,7 @@ class WindowsTest(unittest.TestCase):
         window = self.open("about", "About Vorli")
 
         def place():
-            return tray_parts.window_of(self.program.pid, width=380, height=336)
+            return tray_parts.corner_of(self.program.pid, width=380, height=336)
 
         x, y = place()
         pointer("mousemove", x + 80, y + 60, "mousedown", 1)

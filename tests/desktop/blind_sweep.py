@@ -5,8 +5,9 @@ import subprocess
 import sys
 import unittest
 
+from screen import window_of
 from waiting import wait_for
-from workspace_probe import Probe, window_of, write
+from workspace_probe import Probe, write
 
 DATA = os.environ["XDG_DATA_HOME"]
 

@@ -2,7 +2,8 @@
 
 import os
 
-from vorli import run, settings_file
+from process import run
+from vorli import settings_file
 from workspace_probe import write
 
 HOME, CONFIG, DATA = (os.environ[name] for name in ("HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"))

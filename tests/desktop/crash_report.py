@@ -7,7 +7,8 @@ import unittest
 
 from accessible import Keyboard, Spoken
 from crash_parts import HOME, PENDING_REPORT, MailProgram, clipboard, reports, store
-from vorli import CrashReport, Vorli, settings_file, window_picture, windows_of
+from screen import window_picture, windows_of
+from vorli import CrashReport, Vorli, settings_file
 from waiting import holds, wait_for
 from workspace_probe import write
 

@@ -10,9 +10,11 @@ import unittest
 
 import dbus
 from crash_parts import PENDING_REPORT, MailProgram, clipboard, reports, store
-from vorli import BUS_NAME, CrashReport, Load, Vorli, run, window_picture, windows_of
+from process import run
+from screen import bring_to_front, found_windows, picture, place_of, window_picture, windows_of
+from vorli import BUS_NAME, CrashReport, Load, Vorli
 from waiting import settled, wait_for
-from workspace_probe import bring_to_front, write
+from workspace_probe import write
 
 PROGRAM = sys.argv.pop(1)
 HOME, CONFIG = os.environ["HOME"], os.environ["XDG_CONFIG_HOME"]
@@ -24,14 +26,8 @@ LONGEST_PURGE = 40  # behind a flush of five seconds, on a machine that is slow 
 
 def notice():
     """Place and size of the notice on the screen, or None."""
-    found = subprocess.run(["xdotool", "search", "--onlyvisible", "--class", "notifyd"], capture_output=True, text=True,
-                           check=False).stdout.split()
-    if not found:
-        return None
-    told = subprocess.run(["xdotool", "getwindowgeometry", "--shell", found[-1]], capture_output=True, text=True,
-                          check=False).stdout
-    values = dict(line.split("=") for line in told.splitlines() if "=" in line)
-    return tuple(int(values[name]) for name in ("X", "Y", "WIDTH", "HEIGHT")) if "WIDTH" in values else None
+    found = found_windows("--class", "notifyd")
+    return place_of(found[-1]) if found else None
 
 
 def login_commands():
@@ -86,8 +82,7 @@ class DailyLifeTest(unittest.TestCase):
         with Load():
             x, y, width, height = settled(notice, "the notice", 200)
             self.assertGreaterEqual(self.vorli.ring, FULL)
-        run("import", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "+repage",
-            os.path.join(os.environ["VORLI_PICTURES"], "notice.png"))
+        picture(os.path.join(os.environ["VORLI_PICTURES"], "notice.png"), x, y, width, height)
         self.polishes(lambda: run("xdotool", "mousemove", str(x + width - 58), str(y + height - 31), "sleep", "0.4",
                                   "click", "1"))
         wait_for(lambda: not notice(), "the end of the notice")

@@ -4,16 +4,14 @@
 # session: --system-bus PREFIX --a11y --notify none --audio none --dark --compositor xfwm4
 
 import os
-import re
 import subprocess
 import unittest
 
 import dbus
 from accessible import Keyboard, Spoken
-from vorli import (
-    FirstSteps, TrayIcon, Vorli, become_new_user, installed_at_home, is_stored, run, width_of, window_picture,
-    windows_of,
-)
+from process import run
+from screen import place_of, width_of, window_picture, windows_of
+from vorli import FirstSteps, TrayIcon, Vorli, become_new_user, installed_at_home, is_stored
 from waiting import wait_for
 
 PREFIX, PICTURES = os.environ["VORLI_PREFIX"], os.environ["VORLI_PICTURES"]
@@ -79,8 +77,7 @@ class FirstStepsTest(unittest.TestCase):
         return len(widths) == 1 and widths[0] >= FirstSteps.LEAST_WIDTH
 
     def left_edge(self):
-        told = run("xdotool", "getwindowgeometry", "--shell", self.steps.window)
-        return int(re.search(r"^X=(-?\d+)$", told, re.MULTILINE)[1])
+        return place_of(self.steps.window)[0]
 
     def test_the_way_to_the_end_goes_by_keyboard(self):
         self.start_installed()

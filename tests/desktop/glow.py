@@ -1,16 +1,19 @@
 #!/usr/bin/python3
 """glow.py PROGRAM: the edge glow and the celebration under a window manager with a compositor."""
 
+import os
 import subprocess
 import sys
 import time
 import unittest
 
 import glow_parts
-from glow_parts import (BETWEEN, DEEP_RED, HEIGHT, MIDDLE_OF_TOP, ORANGE, WIDTH, Desktop, lit, near, other_program,
-                        photograph, until_pixel)
+from glow_parts import (
+    BETWEEN, DEEP_RED, HEIGHT, MIDDLE_OF_TOP, ORANGE, WIDTH, Desktop, lit, near, other_program, until_pixel,
+)
 from process import Process
-from tray_parts import Screen, click, pixel_at, pointer
+from screen import screen_picture
+from tray_parts import PICTURES, Screen, click, pixel_at, pointer
 from waiting import wait_for
 
 PROGRAM = sys.argv.pop(1)
@@ -68,7 +71,7 @@ class GlowTest(unittest.TestCase):
                 self.assertTrue(near(screen.pixel(WIDTH // 2, 50), lit(ground, colour, opacity, 50)))
                 self.assertEqual(screen.pixel(WIDTH // 2, 101), (255 * ground,) * 3)
                 self.assertEqual(screen.pixel(WIDTH // 2, HEIGHT // 2), (255 * ground,) * 3)
-                photograph(f"{progress:.2f}-{name}")
+                screen_picture(os.path.join(PICTURES, f"glow-{progress:.2f}-{name}.png"))
 
     def test_below_the_edge_there_is_nothing_at_all(self):
         self.light(0.8999)
@@ -133,7 +136,7 @@ class GlowTest(unittest.TestCase):
             pixel_at(*MIDDLE_OF_TOP)), "the colour of the ring")
         self.assertGreater(reddest[0], reddest[2])
         wait_for(lambda: (lambda pixel: pixel[1] > pixel[0] + 20)(pixel_at(*MIDDLE_OF_TOP)), "the calm colour")
-        photograph("celebration")
+        screen_picture(os.path.join(PICTURES, "glow-celebration.png"))
         wait_for(lambda: not glow_parts.band_windows(), "the end of the flash")
         wait_for(lambda: Screen().pixel(*MIDDLE_OF_TOP) == (255, 255, 255), "the desktop as it was")
 

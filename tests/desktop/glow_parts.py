@@ -1,12 +1,10 @@
 """What the tests of the glow look at and work with."""
 
-import os
 import re
-import subprocess
 
 from process import Process
-from tray_parts import PICTURES, Screen
-from vorli import screens_windows
+from screen import screens_windows
+from tray_parts import Screen
 from waiting import wait_for
 
 ORANGE, BETWEEN, DEEP_RED = (0.945, 0.525, 0.125), (0.9092, 0.2835, 0.1517), (0.78, 0.247, 0.196)
@@ -103,8 +101,3 @@ def band_windows():
     places = re.findall(r"(\d+)x(\d+)\+-?\d+\+-?\d+\s+\+(-?\d+)\+(-?\d+)", screens_windows("-tree"))
     sizes = [tuple(map(int, place)) for place in places]
     return [place for place in sizes if 100 in place[:2] or 140 in place[:2]]
-
-
-def photograph(name):
-    os.makedirs(PICTURES, exist_ok=True)
-    subprocess.run(["import", "-window", "root", os.path.join(PICTURES, f"glow-{name}.png")], check=True)

@@ -7,9 +7,10 @@ import sys
 import time
 import unittest
 
+from screen import bring_to_front, window_of
 from vorli import Vorli
 from waiting import wait_for
-from workspace_probe import bring_to_front, window_of, write
+from workspace_probe import write
 
 HOME, DATA = os.environ["HOME"], os.environ["XDG_DATA_HOME"]
 SETTINGS = f"{os.environ['XDG_CONFIG_HOME']}/Vorli/Vorli.ini"

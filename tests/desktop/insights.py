@@ -9,8 +9,9 @@ import sys
 import time
 import unittest
 
+from screen import bring_to_front, window_of
 from waiting import wait_for
-from workspace_probe import Probe, bring_to_front, window_of, write
+from workspace_probe import Probe, write
 
 PROBE, FAT = sys.argv[1], sys.argv[2]
 HOME, DATA = os.environ["HOME"], os.environ["XDG_DATA_HOME"]

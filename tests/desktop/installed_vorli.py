@@ -9,10 +9,8 @@ import subprocess
 import unittest
 
 import dbus
-from vorli import (
-    BUS_NAME, OBJECT, PanelMenu, Settings, TrayIcon, Vorli, free_memory_bytes, give_keyboard, is_painted, picture,
-    screen_width, window_picture, windows_of,
-)
+from screen import give_keyboard, is_painted, picture, screen_width, window_picture, windows_of
+from vorli import BUS_NAME, OBJECT, PanelMenu, Settings, TrayIcon, Vorli, free_memory_bytes
 from waiting import holds, wait_for
 
 PREFIX, PICTURES = os.environ["VORLI_PREFIX"], os.environ["VORLI_PICTURES"]

@@ -7,8 +7,9 @@ import sys
 import unittest
 
 from sandbox import SandboxWithTray, sandboxed
+from screen import window_of
 from waiting import holds, wait_for
-from workspace_probe import Probe, window_of, write
+from workspace_probe import Probe, write
 
 PROBE, FAT = sys.argv[1], sys.argv[2]
 HOME, DATA = os.environ["HOME"], os.environ["XDG_DATA_HOME"]

@@ -8,10 +8,9 @@ import unittest
 
 import dbus
 from accessible import Keyboard, Spoken
+from screen import window_picture
 from spoken_parts import Listener
-from vorli import (
-    FirstSteps, PanelMenu, Settings, TrayIcon, Vorli, become_new_user, installed_at_home, is_stored, window_picture,
-)
+from vorli import FirstSteps, PanelMenu, Settings, TrayIcon, Vorli, become_new_user, installed_at_home, is_stored
 from waiting import holds, wait_for
 from workspace_probe import write
 

@@ -6,25 +6,18 @@ import sys
 import unittest
 
 from process import Process
+from screen import found_windows, place_of
 from waiting import holds, settled, wait_for
 
 SERVER = sys.argv.pop()
 PROGRAM = sys.argv.pop()
 
 
-def output(*command):
-    return subprocess.run(command, stdout=subprocess.PIPE, text=True, check=False).stdout
-
-
 def window():
     """Place and size of the notice's window, or None."""
     kind = {"xfce4": "notifyd", "dunst": "[Dd]unst"}[SERVER]
-    found = output("xdotool", "search", "--onlyvisible", "--class", kind).split()
-    if not found:
-        return None
-    lines = output("xdotool", "getwindowgeometry", "--shell", found[-1]).splitlines()
-    values = dict(line.split("=") for line in lines if "=" in line)
-    return tuple(int(values[name]) for name in ("X", "Y", "WIDTH", "HEIGHT")) if "WIDTH" in values else None
+    found = found_windows("--class", kind)
+    return place_of(found[-1]) if found else None
 
 
 class NoticeTest(unittest.TestCase):

@@ -10,7 +10,8 @@ import time
 import dbus
 import tray_parts
 from process import Process
-from vorli import TrayIcon, give_keyboard
+from screen import found_windows, give_keyboard, has_keyboard, picture, place_of, placed_windows
+from vorli import TrayIcon
 from waiting import wait_for
 
 NAME = os.environ.get("VORLI_SESSION_NAME", "session")
@@ -84,12 +85,7 @@ class Popover(Process):
 
     def window(self):
         """(id, x, y, width, height) of the shown popover, in native pixels, or None."""
-        for window in output("xdotool", "search", "--onlyvisible", "--pid", str(self.pid)).split():
-            shell = output("xdotool", "getwindowgeometry", "--shell", window)
-            place = dict(line.split("=") for line in shell.split() if "=" in line)
-            if place and int(place["WIDTH"]) == round(318 * RATIO):
-                return window, int(place["X"]), int(place["Y"]), int(place["WIDTH"]), int(place["HEIGHT"])
-        return None
+        return next((window for window in placed_windows(self.pid) if window[3] == round(318 * RATIO)), None)
 
     def shown(self):
         return wait_for(self.window, "the popover")
@@ -114,7 +110,7 @@ class Popover(Process):
 
     def has_keyboard(self):
         window = self.window()
-        return window and output("xdotool", "getactivewindow").strip() == window[0]
+        return window and has_keyboard(window[0])
 
     def picture(self, name):
         self._take(self.shown(), name)
@@ -126,11 +122,7 @@ class Popover(Process):
 
     @staticmethod
     def _take(window, name):
-        _, x, y, width, height = window
-        path = os.path.join(PICTURES, f"{NAME}-{name}.png")
-        subprocess.run(
-            ["import", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "+repage", path], check=True
-        )
+        picture(os.path.join(PICTURES, f"{NAME}-{name}.png"), *window[1:])
 
     def descriptors(self):
         """Number of open descriptors of each kind, without those of the machine's processes."""
@@ -201,13 +193,11 @@ Gtk.main()
     def __init__(self):
         self.program = Process("/usr/bin/python3", "-c", self.CODE)
         self.program.expect("ready", seconds=20)
-        self.window = wait_for(lambda: output("xdotool", "search", "--onlyvisible", "--name", "neighbour").split(),
-                            "the neighbour's window")[0]
+        self.window = wait_for(lambda: found_windows("--name", "neighbour"), "the neighbour's window")[0]
 
     def middle(self):
-        shell = output("xdotool", "getwindowgeometry", "--shell", self.window)
-        place = dict(line.split("=") for line in shell.split() if "=" in line)
-        return int(place["X"]) + 250, int(place["Y"]) + 200
+        x, y, *_ = place_of(self.window)
+        return x + 250, y + 200
 
     def activate(self):
         give_keyboard(self.window)

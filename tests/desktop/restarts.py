@@ -6,8 +6,9 @@ import subprocess
 import sys
 import unittest
 
+from screen import window_of
 from waiting import holds, wait_for
-from workspace_probe import Probe, window_of
+from workspace_probe import Probe
 
 ENDED = 0  # exit code of a file manager that was asked to end
 

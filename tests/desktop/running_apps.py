@@ -8,8 +8,9 @@ import subprocess
 import sys
 import unittest
 
+from screen import bring_to_front, window_of
 from waiting import wait_for
-from workspace_probe import Probe, bring_to_front, client_list, window_of, write
+from workspace_probe import Probe, client_list, write
 
 PROGRAM = sys.argv[1]
 DATA = os.environ["XDG_DATA_HOME"]

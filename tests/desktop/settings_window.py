@@ -5,13 +5,14 @@
 # session: --system-bus PREFIX --a11y --notify none --audio none
 
 import os
-import re
 import shutil
 import unittest
 
 from accessible import CONTROLS, Keyboard, Spoken
+from process import run
+from screen import place_of, window_picture
 from spoken_parts import Listener
-from vorli import Settings, TrayIcon, Vorli, is_stored, run, stored, window_picture
+from vorli import Settings, TrayIcon, Vorli, is_stored, stored
 from waiting import Missing, holds, settled, wait_for
 from workspace_probe import write
 
@@ -236,17 +237,15 @@ class SettingsWindowTest(unittest.TestCase):
         self.assertEqual(listener.heard_of("object:property-change:accessible-name", "list item"), [])
 
     def test_nothing_reaches_over_the_edge(self):
-        told = run("xdotool", "getwindowgeometry", "--shell", self.settings.window)
         scale = int(os.environ.get("QT_FONT_DPI", "96")) / 96  # the reported places leave it out
-        left, top, width, height = (int(re.search(rf"^{name}=(-?\d+)$", told, re.MULTILINE)[1])
-                                    for name in ("X", "Y", "WIDTH", "HEIGHT"))
+        left, top, width, height = window = place_of(self.settings.window)
         for tab, page in PAGES.items():
             self.spoken.press("page tab", tab)
             self.wait_for_page(tab, page)
             for name, *place in settled(lambda: self.spoken.places(*CONTROLS), "a page that has come to rest"):
                 x, y, wide, high = (round(number * scale) for number in place)
                 inside = left <= x and top <= y and x + wide <= left + width and y + high <= top + height
-                self.assertTrue(inside, f"{name} at {x}, {y}, {wide} x {high} in {told}")
+                self.assertTrue(inside, f"{name} at {x}, {y}, {wide} x {high} in {window}")
 
 
 if __name__ == "__main__":

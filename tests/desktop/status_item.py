@@ -209,7 +209,7 @@ class StatusItemTest(unittest.TestCase):
             return sum(screen.pixel(x, y) == WHITE for x, y in below) > 100
 
         wait_for(lambda: has_white_text(Screen()), "the tool tip is shown")
-        photograph("tool-tip", "480x120+1440+0")
+        photograph("tool-tip", (1440, 0, 480, 120))
 
     def test_a_panel_that_is_killed_and_starts_again_gets_the_item_back(self):
         since = self.program.mark()
@@ -275,7 +275,7 @@ class AppearanceTest(unittest.TestCase):
         self.program.expect("tray notifier")
         self.program.tell("picture 0.6")
         icon_place()
-        photograph("light-panel", "120x30+1800+0")
+        photograph("light-panel", (1800, 0, 120, 30))
         since = self.program.mark()
         publish_foreground(60000)
         self.program.expect("appearance dark", since)
@@ -302,7 +302,7 @@ class AppearanceTest(unittest.TestCase):
             return any(min(screen.pixel(*point)) > 170 for point in around)
 
         wait_for(lambda: has_bright_ticks(Screen()), "the empty ticks are bright")
-        photograph("dark-panel", "120x30+1800+0")
+        photograph("dark-panel", (1800, 0, 120, 30))
 
 
 def publish_foreground(level):

@@ -73,7 +73,7 @@ class WithoutPanelTest(unittest.TestCase):
             since = program.mark()
             item.call(tray_parts.ITEM_PATH, ITEM, method, "ii", 0, 0)  # as by the keyboard, without a place
             program.expect(expected, since)
-        x, y = wait_for(lambda: tray_parts.window_of(program.pid, width=224, height=224), "the menu is open")
+        x, y = wait_for(lambda: tray_parts.corner_of(program.pid, width=224, height=224), "the menu is open")
         self.assertGreater(x, 1600)
         self.assertLess(y, 10)
         tray_parts.pointer("key", "Escape")

@@ -65,7 +65,7 @@ class XEmbedTest(unittest.TestCase):
             menu.gone()
 
     def test_the_picture_follows(self):
-        photograph(f"tray-{PANEL}", "200x30+1720+0")
+        photograph(f"tray-{PANEL}", (1720, 0, 200, 30))
         self.program.tell("picture 0.95")
         icon_place(tray_parts.is_red)
 

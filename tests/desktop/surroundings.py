@@ -11,7 +11,7 @@ import sys
 import tempfile
 import unittest
 
-from vorli import found_windows
+from screen import found_windows
 from waiting import holds, wait_for
 
 PROGRAM = sys.argv[1]

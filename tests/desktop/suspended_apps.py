@@ -8,9 +8,9 @@ import sys
 import unittest
 
 from process import Process
+from screen import bring_to_front, window_of
 from vorli import stored
 from waiting import wait_for
-from workspace_probe import bring_to_front, window_of
 
 NEVER = 3  # the hint never to start a program at a later login
 FIRST_PROCESS = 1  # another user's process, which the daemon resumes for no caller

@@ -8,7 +8,7 @@ import subprocess
 
 import dbus
 
-from vorli import found_windows
+from screen import picture, placed_windows
 from waiting import settled, wait_for
 from x11 import Display
 
@@ -19,6 +19,7 @@ ITEM, ITEM_PATH = "org.kde.StatusNotifierItem", "/StatusNotifierItem"
 MENU, MENU_PATH = "com.canonical.dbusmenu", "/Menu"
 HERE = os.path.dirname(os.path.realpath(__file__))
 PANEL_HEIGHT = 28
+BELOW_THE_ICON = (1580, 0, 340, 330)  # left, top, width and height of what the icon's menus cover
 PICTURES = os.environ["VORLI_PICTURES"]
 
 
@@ -66,9 +67,8 @@ def icon_is_gone():
     return Screen().place_of(lambda *pixel: is_amber(*pixel) or is_red(*pixel), PANEL_HEIGHT) is None
 
 
-def photograph(name, geometry="340x330+1580+0"):
-    target = os.path.join(PICTURES, f"status-item-{name}.png")
-    subprocess.run(["import", "-window", "root", "-crop", geometry, "+repage", target], check=True)
+def photograph(name, area=BELOW_THE_ICON):
+    picture(os.path.join(PICTURES, f"status-item-{name}.png"), *area)
 
 
 def pointer(*arguments):
@@ -90,14 +90,9 @@ def held(key):
         pointer("keyup", key)
 
 
-def window_of(pid, width, height):
+def corner_of(pid, width, height):
     """The upper left corner of the process's visible window of that size, or None."""
-    for window in found_windows("--pid", str(pid)):
-        shell = subprocess.run(["xdotool", "getwindowgeometry", "--shell", window], capture_output=True, text=True)
-        place = dict(line.split("=") for line in shell.stdout.split())
-        if (place.get("WIDTH"), place.get("HEIGHT")) == (str(width), str(height)):
-            return int(place["X"]), int(place["Y"])
-    return None
+    return next(((x, y) for _, x, y, *size in placed_windows(pid) if size == [width, height]), None)
 
 
 def pixel_at(x, y):
@@ -160,7 +155,7 @@ class OwnMenu:
 
     def place(self):
         """The menu's upper left corner, or None."""
-        return window_of(self._program.pid, width=self.WIDTH, height=self._height)
+        return corner_of(self._program.pid, width=self.WIDTH, height=self._height)
 
     def opened(self):
         return wait_for(self.place, "the program's own menu")

@@ -9,9 +9,9 @@ import unittest
 
 from accessible import Spoken
 from crash_parts import CONFIG, DATA, HOME, PENDING_REPORT, store
-from vorli import (
-    CrashReport, FirstSteps, Settings, Sheet, TrayIcon, Vorli, choose_row, run, window_picture,
-)
+from process import run
+from screen import window_picture
+from vorli import CrashReport, FirstSteps, Settings, Sheet, TrayIcon, Vorli, choose_row
 from waiting import Missing, wait_for
 from workspace_probe import write
 

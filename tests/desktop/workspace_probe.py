@@ -1,4 +1,4 @@
-"""Tools of the workspace's tests: the probe, and the windows on the screen as other programs see them."""
+"""Tools of the workspace's tests: the probe, and the window manager's list."""
 
 import json
 import os
@@ -6,7 +6,6 @@ import re
 import subprocess
 
 from process import Process
-from vorli import found_windows
 from waiting import wait_for
 
 
@@ -57,29 +56,6 @@ class Probe:
         self.process.end_input()
 
 
-def is_placed_by_the_window_manager(window):
-    told = subprocess.run(["xwininfo", "-id", window], capture_output=True, text=True, check=False).stdout
-    return "Override Redirect State: no" in told
-
-
-def window_of(title):
-    """A shown window of that title. Tooltips are left out: GTK gives them the name of their program."""
-    return next(filter(is_placed_by_the_window_manager, found_windows("--name", title)), None)
-
-
 def client_list():
     told = subprocess.run(["xprop", "-root", "_NET_CLIENT_LIST"], capture_output=True, text=True, check=True).stdout
     return re.findall(r"0x[0-9a-f]+", told)
-
-
-def bring_to_front(title):
-    window = wait_for(lambda: window_of(title), f"a window {title}")
-
-    def is_in_front():
-        told = subprocess.run(["xdotool", "getactivewindow"], capture_output=True, text=True, check=False).stdout
-        if told.strip() == window:
-            return True
-        subprocess.run(["xdotool", "windowactivate", window], check=False)  # a busy window manager drops requests
-        return False
-
-    wait_for(is_in_front, f"{title} is in front", pause=0.1)

@@ -1,7 +1,7 @@
 """Finds the elements of a program on the session's accessibility bus, as assistive tools do, and moves its focus."""
 
 import gi
-from vorli import run
+from process import run
 from waiting import Missing, wait_for
 
 gi.require_version("Atspi", "2.0")

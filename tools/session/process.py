@@ -1,4 +1,4 @@
-"""A child process whose lines are read as they come: programs that tests drive, probes and monitors of a bus."""
+"""Child processes: commands, and programs whose lines are read as they come."""
 
 import os
 import re
@@ -6,6 +6,11 @@ import subprocess
 import threading
 
 from waiting import Missing, wait_for
+
+
+def run(*command):
+    """Runs the command, which must succeed; returns its output."""
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
 
 
 class Process:

@@ -7,35 +7,12 @@ import signal
 import subprocess
 
 import dbus
+from process import run
+from screen import colours_at, has_keyboard, is_painted, screens_windows, width_of, windows_of
 from waiting import Missing, wait_for
 
 BUS_NAME, OBJECT, STATUS = "com.kv.vorli", "/com/kv/vorli", "com.kv.vorli.Status"
 WATCHER = "org.kde.StatusNotifierWatcher"
-
-
-def run(*command):
-    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
-
-
-def screens_windows(depth):
-    """All windows of the screen, by xwininfo; `depth` is "-children" or "-tree"."""
-
-    def look():
-        told = subprocess.run(["xwininfo", "-root", depth], capture_output=True, text=True, check=False)
-        return None if told.returncode else told.stdout  # some window was destroyed in the meantime
-
-    return wait_for(look, "a look at all windows")
-
-
-def found_windows(*search):
-    """Ids of the shown windows that xdotool finds."""
-
-    def look():
-        command = ["xdotool", "search", "--onlyvisible", *search]
-        told = subprocess.run(command, capture_output=True, text=True, check=False)
-        return None if "X Error" in told.stderr else (told.stdout.split(),)  # some window was destroyed in the meantime
-
-    return wait_for(look, "a look at the shown windows")[0]
 
 
 class Vorli:
@@ -308,60 +285,6 @@ def _menus():
         if "Override Redirect State: yes" in about and "Map State: IsViewable" in about and not _is_tooltip(match[1]):
             found.append((match[1], int(match[4]), int(match[5]), int(match[2]), int(match[3])))
     return found
-
-
-def windows_of(process):
-    """Ids of the shown ordinary windows of a process."""
-    return found_windows("--all", "--pid", str(process), "--name", ".")
-
-
-def has_keyboard(window):
-    told = subprocess.run(["xdotool", "getactivewindow"], capture_output=True, text=True, check=False).stdout
-    return told.strip() == window
-
-
-def give_keyboard(window):
-    """Makes the window the active one. Asks again, because a busy window manager drops requests."""
-
-    def is_active():
-        if has_keyboard(window):
-            return True
-        subprocess.run(["xdotool", "windowactivate", window], capture_output=True, check=False)
-        return False
-
-    wait_for(is_active, "the keyboard in the window", pause=0.1)
-
-
-def width_of(window):
-    """Width of the window in pixels, or 0 if the window has closed in the meantime."""
-    command = ["xdotool", "getwindowgeometry", "--shell", window]
-    told = subprocess.run(command, capture_output=True, text=True, check=False).stdout
-    found = re.search(r"^WIDTH=(\d+)$", told, re.MULTILINE)
-    return int(found[1]) if found else 0
-
-
-def picture(path, x, y, width, height, zoom=1):
-    """Saves a part of the screen as a PNG."""
-    run("import", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "+repage", "-filter", "point",
-        "-resize", f"{zoom * 100}%", path)
-
-
-def window_picture(path, window):
-    run("import", "-window", window, path)
-
-
-def colours_at(x, y, width, height):
-    """Number of colours in a part of the screen."""
-    return int(run("import", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "-format", "%k", "info:-"))
-
-
-def is_painted(window):
-    """Whether the window shows more than one colour."""
-    return int(run("import", "-window", window, "-format", "%k", "info:-")) > 1
-
-
-def screen_width():
-    return int(run("xdotool", "getdisplaygeometry").split()[0])
 
 
 def free_memory_bytes():
