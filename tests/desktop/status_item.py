@@ -164,7 +164,8 @@ class StatusItemTest(unittest.TestCase):
         changed, unknown = self.item.call(MENU_PATH, MENU, "AboutToShowGroup", "ai", [0, 4711])
         self.assertEqual((changed, unknown), ([0], [4711]))
         self.assertEqual(self.times_asked_for_rows(), before + 2)
-        self.assertEqual(self.item.rows(), [*ROWS[:5], "Check for Updates…", *ROWS[5:]])
+        at = ROWS.index("Open Startup Applications")
+        self.assertEqual(self.item.rows(), [*ROWS[:at], "Check for Updates…", *ROWS[at:]])
         self.assertGreater(self.item.layout()[0], revision)
 
     def test_events_come_alone_and_in_groups(self):
