@@ -6,7 +6,7 @@ import sys
 import time
 
 import dbus
-from process import run
+from process import session_process
 from screen import windows_of
 from vorli import TrayIcon, Vorli, choose_row
 from waiting import Missing, wait_for
@@ -58,8 +58,7 @@ def open_and_shut_popover(vorli):
 
 def x_server():
     """The process that draws the session's screen."""
-    return int(run("sh", "-c", "for p in /proc/[0-9]*; do [ \"$(cat $p/comm)\" = Xvfb ] && grep -qz \"$VORLI_SESSION_MARK\" "
-                   "$p/environ 2>/dev/null && basename $p; done; true").split()[0])
+    return session_process("Xvfb")
 
 
 def choose(vorli, label):

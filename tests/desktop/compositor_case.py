@@ -8,6 +8,7 @@ import sys
 import unittest
 
 import dbus
+from process import Process
 from vorli import Vorli
 from waiting import settled, wait_for
 from workspace_probe import Probe, write
@@ -153,15 +154,13 @@ class CompositorCase(unittest.TestCase):
 
     def check_popover(self, program):
         """Checks that the popover opens below the pressed icon, and closes when a native window takes the focus."""
-        tray = subprocess.Popen(["/usr/bin/python3", FAKE_TRAY], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                text=True)
-        for cleanup in (tray.stdin.close, tray.stdout.close, tray.wait, tray.kill):
-            self.addCleanup(cleanup)
-        tray.stdin.write("watcher on\nhost on\n")
-        tray.stdin.flush()
+        tray = Process("/usr/bin/python3", FAKE_TRAY)
+        self.addCleanup(tray.kill)
+        tray.tell("watcher on")
+        tray.tell("host on")
         vorli = Vorli(program, f"{self.compositor.folder}/vorli.log", self.compositor.environment)
         self.addCleanup(vorli.end)
-        name = next(line.split()[1] for line in tray.stdout if line.startswith("registered"))
+        name = tray.expect("registered .*").split()[1]
         item = dbus.Interface(dbus.SessionBus().get_object(name, "/StatusNotifierItem", introspect=False),
                               "org.kde.StatusNotifierItem")
         self.assertEqual(self.windows_of_x11(), [])

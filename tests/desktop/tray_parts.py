@@ -8,6 +8,7 @@ import subprocess
 
 import dbus
 
+from process import session_process
 from screen import picture, placed_windows
 from waiting import settled, wait_for
 from x11 import Display
@@ -106,19 +107,6 @@ def selection_owner(name):
     with Display() as display:
         owner = display.selection_owner(name)
     return str(owner) if owner else None
-
-
-def session_process(name):
-    """Process id of the session's program of that name, or None."""
-    mark = f"VORLI_SESSION_MARK={os.environ['VORLI_SESSION_MARK']}".encode()
-    for pid in filter(str.isdigit, os.listdir("/proc")):
-        try:
-            with open(f"/proc/{pid}/comm", encoding="ascii") as comm, open(f"/proc/{pid}/environ", "rb") as environ:
-                if comm.read().strip() == name and mark in environ.read().split(b"\0"):
-                    return int(pid)
-        except OSError:
-            continue
-    return None
 
 
 def end_panel(name):

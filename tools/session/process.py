@@ -13,6 +13,19 @@ def run(*command):
     return subprocess.run(command, check=True, capture_output=True, text=True).stdout
 
 
+def session_process(name):
+    """Process id of the session's program of that name, or None."""
+    mark = f"VORLI_SESSION_MARK={os.environ['VORLI_SESSION_MARK']}".encode()
+    for pid in filter(str.isdigit, os.listdir("/proc")):
+        try:
+            with open(f"/proc/{pid}/comm", "rb") as comm, open(f"/proc/{pid}/environ", "rb") as environ:
+                if comm.read().strip() == name.encode() and mark in environ.read().split(b"\0"):
+                    return int(pid)
+        except OSError:
+            continue  # it has ended, or belongs to another user
+    return None
+
+
 class Process:
     """A program that reads lines and prints lines."""
 
