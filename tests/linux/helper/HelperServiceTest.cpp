@@ -86,12 +86,13 @@ TEST_F(HelperServiceTest, askingDoesNotBlockTheMainThread) {
     readStatus();
     times.push_back(client->scheduler.now() - begun);
   }
-  std::ranges::nth_element(costs, costs.begin() + 50);
-  std::ranges::nth_element(times, times.begin() + 50);
-  RecordProperty("median_cost_microseconds", std::to_string(costs[50] * 1e6));
-  RecordProperty("median_read_milliseconds", std::to_string(times[50] * 1e3));
+  // Others run beside this test, so most of both wait for a processor.
+  std::ranges::nth_element(costs, costs.begin() + 9);
+  std::ranges::nth_element(times, times.begin() + 9);
+  RecordProperty("tenth_best_cost_microseconds", std::to_string(costs[9] * 1e6));
+  RecordProperty("tenth_best_read_milliseconds", std::to_string(times[9] * 1e3));
   // A question that waited for its reading would take half of that time: another reading follows it.
-  EXPECT_LT(costs[50], times[50] / 4);
+  EXPECT_LT(costs[9], times[9] / 4);
 }
 
 TEST_F(HelperServiceTest, aStoppedBusLeavesTheLastKnownStatusAndAnswersLater) {
