@@ -26,9 +26,9 @@ class MemoryControl {
   /// Writes unsaved data to disk. False when that takes longer than `seconds`; it then continues in the
   /// background.
   virtual bool syncWithin(double seconds) = 0;
-  virtual std::expected<void, SystemError> dropPageCache() = 0;
-  virtual std::expected<void, SystemError> dropSlab() = 0;
-  virtual std::expected<void, SystemError> compact() = 0;
+  [[nodiscard]] virtual std::expected<void, SystemError> dropPageCache() = 0;
+  [[nodiscard]] virtual std::expected<void, SystemError> dropSlab() = 0;
+  [[nodiscard]] virtual std::expected<void, SystemError> compact() = 0;
 };
 
 }  // namespace vorli::daemon

@@ -25,7 +25,7 @@ struct MoveOrder {
 
 /// Checks the two paths by their text alone, without access to the disk. `system` decides which folders are
 /// allowed. Error: the answer for the caller.
-std::expected<MoveOrder, HelperReply> decodeMove(std::string_view from, std::string_view to,
-                                                 HostSystem system = hostSystem);
+[[nodiscard]] std::expected<MoveOrder, HelperReply> decodeMove(std::string_view from, std::string_view to,
+                                                               HostSystem system = hostSystem);
 
 }  // namespace vorli::daemon

@@ -20,6 +20,6 @@ struct DumpOrder {};
 using Order = std::variant<PurgeOrder, FlushOrder, ContinueOrder, DumpOrder, MoveOrder>;
 
 /// Checks a request's arguments. Error: the answer for the caller.
-std::expected<Order, HelperReply> decode(const Request& request);
+[[nodiscard]] std::expected<Order, HelperReply> decode(const Request& request);
 
 }  // namespace vorli::daemon

@@ -22,7 +22,7 @@ class PinnedProcess {
   /// False once the process has ended.
   virtual bool isThere() = 0;
   /// Resumes a stopped process; does nothing to a running one.
-  virtual std::expected<void, SystemError> resume() = 0;
+  [[nodiscard]] virtual std::expected<void, SystemError> resume() = 0;
 };
 
 /// Finds processes. Any thread; a call takes microseconds.
@@ -30,7 +30,7 @@ class ProcessControl {
  public:
   virtual ~ProcessControl() = default;
 
-  virtual std::expected<std::unique_ptr<PinnedProcess>, SystemError> pin(std::int32_t pid) = 0;
+  [[nodiscard]] virtual std::expected<std::unique_ptr<PinnedProcess>, SystemError> pin(std::int32_t pid) = 0;
 };
 
 }  // namespace vorli::daemon

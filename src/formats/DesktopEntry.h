@@ -40,8 +40,8 @@ std::vector<std::string> localeKeys(std::string_view locale);
 
 /// Parses an entry. Error: why the text is not an entry. `id` and `path` stay empty; so do all other fields
 /// of a hidden entry.
-std::expected<DesktopEntry, std::string> parseDesktopEntry(std::string_view text,
-                                                           const std::vector<std::string>& locales);
+[[nodiscard]] std::expected<DesktopEntry, std::string> parseDesktopEntry(
+    std::string_view text, const std::vector<std::string>& locales);
 
 /// Splits an Exec value into words by its quoting rules, with field codes such as %U taken out. Empty when a
 /// quote is left open.

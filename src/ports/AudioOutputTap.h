@@ -38,7 +38,8 @@ class AudioOutputTap {
   /// a thread of the sound system, and never after this call returns. Returns early, without calling it, when
   /// the system knows that nothing is playing. Everything set up is torn down before the return, also after a
   /// failure. Main thread; blocks for the window plus the set-up, which takes at most 0.35 s.
-  virtual std::expected<void, AudioTapFailure> listen(double windowSeconds, InputBlock input) = 0;
+  [[nodiscard]] virtual std::expected<void, AudioTapFailure> listen(double windowSeconds,
+                                                                    InputBlock input) = 0;
 
   /// Whether any program is using the default output device, even if it plays silence. Empty when there is no
   /// such device or it cannot be read. Main thread; blocks for at most 0.1 s.

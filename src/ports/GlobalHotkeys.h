@@ -29,9 +29,8 @@ class GlobalHotkeys {
   /// Registers the key with this code of the ANSI layout and the modifiers of the mask: 0x100 Command, 0x200
   /// Shift, 0x800 Option, 0x1000 Control. The registration ends with the token. Error: the system's error
   /// code, or one of those below.
-  virtual std::expected<Subscription, std::int32_t> registerEventHotKey(std::uint32_t keyCode,
-                                                                        std::uint32_t modifiers,
-                                                                        HotkeyIdentifier identifier) = 0;
+  [[nodiscard]] virtual std::expected<Subscription, std::int32_t> registerEventHotKey(
+      std::uint32_t keyCode, std::uint32_t modifiers, HotkeyIdentifier identifier) = 0;
 
   /// `changed` runs on the main thread, never inside a call of this port, when a registration that first
   /// succeeded stops working, because the user declined, the keyboard changed or the desktop's service ended,

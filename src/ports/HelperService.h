@@ -39,7 +39,7 @@ class HelperService {
 
   /// Registers the daemon. Error: the system's text. On success the user's approval may still be pending: see
   /// `status()`.
-  virtual std::expected<void, std::string> registerDaemon(AskedBy asker) = 0;
+  [[nodiscard]] virtual std::expected<void, std::string> registerDaemon(AskedBy asker) = 0;
   /// `handler` runs on the main thread, never inside a call of this port, with the system's text, when a
   /// registration fails after `registerDaemon` reported success, or when an approval that the user wants to
   /// give cannot be given.

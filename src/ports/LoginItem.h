@@ -16,8 +16,8 @@ class LoginItem {
 
   /// Error: the system's text. Registering an item twice succeeds, and so does unregistering one that is not
   /// registered.
-  virtual std::expected<void, std::string> registerItem() = 0;
-  virtual std::expected<void, std::string> unregisterItem() = 0;
+  [[nodiscard]] virtual std::expected<void, std::string> registerItem() = 0;
+  [[nodiscard]] virtual std::expected<void, std::string> unregisterItem() = 0;
 };
 
 }  // namespace vorli::ports

@@ -259,6 +259,15 @@ class CheckIncludesTest(PlantedTree):
         self.accepted("src/base/HostSystem.h", "#if defined(__APPLE__)\n#endif\n")
         self.refused("src/startup/Bad.cpp", "#if defined(__APPLE__)\n#endif\n", "condition on the platform")
 
+    def testAnErrorThatCanBeDroppedIsTold(self):
+        for text in ("std::expected<void, std::string> move();", "  virtual std::expected<int, int> read() = 0;",
+                     "  static Attempt<Folder> open(const std::string& path);"):
+            with self.subTest(text):
+                self.refused("src/base/Bad.h", text + "\n", "without [[nodiscard]]")
+        os.unlink(os.path.join(self.root, "src/base/Bad.h"))
+        self.accepted("src/base/Good.h", "[[nodiscard]] std::expected<void, int> move();\n"
+                      "using Result = std::expected<void, int>;\nstd::expected<void, int> last;\n")
+
     def testJudgingACallerByPidIsTold(self):
         for text in ("message.getCredsUid();", 'subject("unix-process");', "message.getCredsPid();"):
             with self.subTest(text):
@@ -271,8 +280,10 @@ class CheckIncludesTest(PlantedTree):
                 self.refused("src/linux/daemon/Planted.cpp", text + "\n")
         os.unlink(os.path.join(self.root, "src/linux/daemon/Planted.cpp"))
         self.refused("src/posix/daemon/Planted.cpp", "::fork();\n", "starts a program as root")
-        self.refused("src/macos/daemon/Planted.cpp", "::fork();\n", "starts a program as root")
         os.unlink(os.path.join(self.root, "src/posix/daemon/Planted.cpp"))
+        self.plant("src/macos/Clock.h", '#include "ports/Clock.h"\n')
+        self.refused("src/macos/daemon/Planted.cpp", "::fork();\n", "starts a program as root")
+        os.unlink(os.path.join(self.root, "src/macos/daemon/Planted.cpp"))
         self.refused("src/daemon/Planted.cpp", '::popen("x", "r");\n', "as root")
         os.unlink(os.path.join(self.root, "src/daemon/Planted.cpp"))
         self.accepted("src/linux/Planted.cpp", '::fork();\nstd::getenv("HOME");\n')

@@ -46,6 +46,8 @@ _NOT_AS_ROOT = (
 )
 # One place clears the environment; another holds on to a caller's process, which can only reduce its rights.
 _EXCEPT = (("StartContext", "environment"), ("BusCallers", "process"))
+# A function that returns an error which its caller can drop without a word.
+_DROPPABLE = re.compile(r"^[ \t]*(?:(?:static|virtual|inline|constexpr) )*(?:std::expected<|Attempt<)[^;{()]*\(", re.MULTILINE)
 _CO_AWAIT = re.compile(r"\bco_await\b[^;]*")
 _TASK_LAMBDA = re.compile(r"\]\s*\([^()]*\)\s*(?:mutable\s*)?->\s*(?:\w+::)*Task<")
 
@@ -81,6 +83,8 @@ def check_source_lines(sources):
         if folder not in MAY_INCLUDE_OS and inside != "base/HostSystem.h":
             yield from _hits(source, _PLATFORM_IF, "a condition on the platform outside the platform folders")
         yield from _hits(source, _BY_PID, "judges a caller by its pid", source.text)
+        if source.path.endswith(".h"):
+            yield from _hits(source, _DROPPABLE, "returns an error without [[nodiscard]]")
         if inside.startswith(_ROOT_DAEMON):
             yield from _check_root_daemon(source)
 

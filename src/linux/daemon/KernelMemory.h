@@ -13,7 +13,7 @@ class MemoryLever {
  public:
   explicit MemoryLever(const char* path);
 
-  std::expected<void, daemon::SystemError> pull(std::string_view value) const;
+  [[nodiscard]] std::expected<void, daemon::SystemError> pull(std::string_view value) const;
 
  private:
   posix::FileDescriptor file_;
@@ -34,9 +34,9 @@ class KernelMemory final : public daemon::MemoryControl {
 
   std::optional<daemon::MemoryReading> read() override;
   bool syncWithin(double seconds) override;
-  std::expected<void, daemon::SystemError> dropPageCache() override;
-  std::expected<void, daemon::SystemError> dropSlab() override;
-  std::expected<void, daemon::SystemError> compact() override;
+  [[nodiscard]] std::expected<void, daemon::SystemError> dropPageCache() override;
+  [[nodiscard]] std::expected<void, daemon::SystemError> dropSlab() override;
+  [[nodiscard]] std::expected<void, daemon::SystemError> compact() override;
 
  private:
   struct Sync;

@@ -10,6 +10,6 @@ namespace vorli::linuxhost {
 /// signal other users' processes, new privileges through executed files, core dumps, more than 128 open files
 /// and, where the kernel supports it, writing anywhere but in the startup folders. Open files stay usable.
 /// Call it before the first thread starts. Error: a step that every kernel supports failed.
-std::expected<void, daemon::SystemError> narrowProcess();
+[[nodiscard]] std::expected<void, daemon::SystemError> narrowProcess();
 
 }  // namespace vorli::linuxhost

@@ -16,9 +16,9 @@ class SystemFolders final : public daemon::StartupFolders {
   HelperReply move(const daemon::MoveOrder& order) override;
 
  private:
-  Attempt<void> putAway(const PinnedFolder& folder, const daemon::MoveOrder& order) const;
-  Attempt<void> bringBack(const PinnedFolder& folder, const daemon::MoveOrder& order) const;
-  Attempt<void> finishBringingBack(const PinnedFolder& folder, const std::string& name) const;
+  [[nodiscard]] Attempt<void> putAway(const PinnedFolder& folder, const daemon::MoveOrder& order) const;
+  [[nodiscard]] Attempt<void> bringBack(const PinnedFolder& folder, const daemon::MoveOrder& order) const;
+  [[nodiscard]] Attempt<void> finishBringingBack(const PinnedFolder& folder, const std::string& name) const;
 
   /// Allows one move at a time: two moves of the same item would share its temporary file.
   std::mutex lock_;

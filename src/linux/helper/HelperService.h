@@ -37,7 +37,7 @@ class HelperService final : public ports::HelperService {
   /// Does nothing for a packaged daemon, which is registered already. Otherwise, when the user asks, starts
   /// the install script, for which polkit asks for a password. Until the script ends, the status says that
   /// approval is required.
-  std::expected<void, std::string> registerDaemon(ports::AskedBy asker) override;
+  [[nodiscard]] std::expected<void, std::string> registerDaemon(ports::AskedBy asker) override;
   void setFailureHandler(std::function<void(std::string)> handler) override;
   void setNoPromptHandler(std::function<void()> handler) override;
   /// Always succeeds and does nothing: only the package manager removes a package.

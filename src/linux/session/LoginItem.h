@@ -28,17 +28,17 @@ class LoginItem final : public ports::LoginItem {
 
   /// Also returns "not registered" after the user hid or masked the entry, and after the program was moved.
   int status() override;
-  std::expected<void, std::string> registerItem() override;
+  [[nodiscard]] std::expected<void, std::string> registerItem() override;
   /// Switches off every entry that starts the program: its own entry is removed, other entries of the user
   /// are hidden, and entries of the system are hidden for this user.
-  std::expected<void, std::string> unregisterItem() override;
+  [[nodiscard]] std::expected<void, std::string> unregisterItem() override;
 
  private:
   std::vector<std::string> activeEntries() const;
   std::filesystem::path effectiveFile(const std::string& name) const;
   bool isInSystem(const std::string& name) const;
   bool startsThisProgram(const std::filesystem::path& file) const;
-  std::expected<void, std::string> switchOff(const std::string& name) const;
+  [[nodiscard]] std::expected<void, std::string> switchOff(const std::string& name) const;
 
   const AutostartPlaces places_;
   const std::filesystem::path program_;

@@ -13,7 +13,8 @@ class AudioOutputTap final : public ports::AudioOutputTap {
   explicit AudioOutputTap(const Scheduler& clock) : clock_(clock) {}
 
   bool canListen() override;
-  std::expected<void, ports::AudioTapFailure> listen(double windowSeconds, InputBlock input) override;
+  [[nodiscard]] std::expected<void, ports::AudioTapFailure> listen(double windowSeconds,
+                                                                   InputBlock input) override;
   std::optional<bool> isOutputRunning() override;
 
  private:

@@ -27,8 +27,8 @@ class PulseConnection {
   PulseConnection(const PulseConnection&) = delete;
   PulseConnection& operator=(const PulseConnection&) = delete;
 
-  std::expected<void, int> open(double deadline);
-  std::expected<PulseSink, int> defaultSink(double deadline);
+  [[nodiscard]] std::expected<void, int> open(double deadline);
+  [[nodiscard]] std::expected<PulseSink, int> defaultSink(double deadline);
 
   /// Serves the connection until `done` returns true. False when the deadline passes or the connection breaks
   /// first.

@@ -21,7 +21,7 @@ class PulseRecording {
   PulseRecording& operator=(const PulseRecording&) = delete;
 
   /// Waits for the first sound data and returns the time at which it arrived.
-  std::expected<double, ports::AudioTapFailure> start(const PulseSink& sink, double deadline);
+  [[nodiscard]] std::expected<double, ports::AudioTapFailure> start(const PulseSink& sink, double deadline);
 
   /// True once no more sound can come: the output was removed, or the server ended.
   bool isBroken() const;

@@ -18,11 +18,11 @@ class KernelMemory final : public daemon::MemoryControl {
   std::optional<daemon::MemoryReading> read() override;
   bool syncWithin(double seconds) override;
   /// Error: the tool's exit status and text.
-  std::expected<void, daemon::SystemError> dropPageCache() override;
+  [[nodiscard]] std::expected<void, daemon::SystemError> dropPageCache() override;
   /// Does nothing: this kernel has no such cache to drop, and `read` reports its size as 0.
-  std::expected<void, daemon::SystemError> dropSlab() override { return {}; }
+  [[nodiscard]] std::expected<void, daemon::SystemError> dropSlab() override { return {}; }
   /// Does nothing: this kernel compacts by itself.
-  std::expected<void, daemon::SystemError> compact() override { return {}; }
+  [[nodiscard]] std::expected<void, daemon::SystemError> compact() override { return {}; }
 
  private:
   const mach_port_t host_;

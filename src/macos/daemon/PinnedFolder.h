@@ -15,16 +15,17 @@ using posix::PinnedItem;
 class PinnedFolder {
  public:
   /// Error 1: somebody other than root can change the folder.
-  static Attempt<PinnedFolder> open(const std::string& path);
+  [[nodiscard]] static Attempt<PinnedFolder> open(const std::string& path);
 
   /// Error 1: not a plain file that is owned by root and has a single name.
-  Attempt<PinnedItem> pin(const std::string& name) const;
+  [[nodiscard]] Attempt<PinnedItem> pin(const std::string& name) const;
 
   /// Renames `item` to a name that is not in use. If another file has taken its place in the meantime, that
   /// file gets its name back. Error 1: another file had taken its place.
-  Attempt<void> rename(const std::string& from, const std::string& to, const PinnedItem& item) const;
+  [[nodiscard]] Attempt<void> rename(const std::string& from, const std::string& to,
+                                     const PinnedItem& item) const;
   /// Waits until the names are on disk.
-  Attempt<void> flush() const { return folder_.flush(); }
+  [[nodiscard]] Attempt<void> flush() const { return folder_.flush(); }
 
  private:
   explicit PinnedFolder(posix::RootFolder folder) : folder_(std::move(folder)) {}

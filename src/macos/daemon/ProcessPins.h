@@ -8,7 +8,8 @@ namespace vorli::machost {
 /// handle of a process to send a signal through, so the moment is read again right before the signal.
 class ProcessPins final : public daemon::ProcessControl {
  public:
-  std::expected<std::unique_ptr<daemon::PinnedProcess>, daemon::SystemError> pin(std::int32_t pid) override;
+  [[nodiscard]] std::expected<std::unique_ptr<daemon::PinnedProcess>, daemon::SystemError> pin(
+      std::int32_t pid) override;
 };
 
 }  // namespace vorli::machost

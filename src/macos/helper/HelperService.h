@@ -19,7 +19,7 @@ class HelperService final : public ports::HelperService {
   /// False: the system starts the daemon from within the program's own bundle.
   bool isOtherBuildRegistered() override { return false; }
   void setChangeHandler(std::function<void()> handler) override;
-  std::expected<void, std::string> registerDaemon(ports::AskedBy asker) override;
+  [[nodiscard]] std::expected<void, std::string> registerDaemon(ports::AskedBy asker) override;
   void setFailureHandler(std::function<void(std::string)> handler) override;
   void setNoPromptHandler(std::function<void()> handler) override;
   void unregisterDaemon(OnceReply<std::expected<void, std::string>> reply) override;

@@ -11,9 +11,8 @@ class GlobalHotkeys final : public ports::GlobalHotkeys {
   explicit GlobalHotkeys(Scheduler& scheduler) : scheduler_(scheduler) {}
 
   Subscription installEventHandler(std::function<void()> pressed) override;
-  std::expected<Subscription, std::int32_t> registerEventHotKey(std::uint32_t keyCode,
-                                                                std::uint32_t modifiers,
-                                                                ports::HotkeyIdentifier identifier) override;
+  [[nodiscard]] std::expected<Subscription, std::int32_t> registerEventHotKey(
+      std::uint32_t keyCode, std::uint32_t modifiers, ports::HotkeyIdentifier identifier) override;
   /// Does nothing: the system reports no changes.
   void setStatusHandler(std::function<void(std::int32_t)> changed) override;
 

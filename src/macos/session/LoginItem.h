@@ -8,8 +8,8 @@ namespace vorli::machost {
 class LoginItem final : public ports::LoginItem {
  public:
   int status() override;
-  std::expected<void, std::string> registerItem() override;
-  std::expected<void, std::string> unregisterItem() override;
+  [[nodiscard]] std::expected<void, std::string> registerItem() override;
+  [[nodiscard]] std::expected<void, std::string> unregisterItem() override;
 };
 
 }  // namespace vorli::machost

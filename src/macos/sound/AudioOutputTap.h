@@ -10,7 +10,8 @@ class AudioOutputTap final : public ports::AudioOutputTap {
  public:
   /// True on macOS 14.2 and later.
   bool canListen() override;
-  std::expected<void, ports::AudioTapFailure> listen(double windowSeconds, InputBlock input) override;
+  [[nodiscard]] std::expected<void, ports::AudioTapFailure> listen(double windowSeconds,
+                                                                   InputBlock input) override;
   std::optional<bool> isOutputRunning() override;
 };
 

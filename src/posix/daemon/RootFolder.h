@@ -29,7 +29,7 @@ class RootFolder {
   using Rename = int (*)(int folder, const char* from, const char* to);
 
   /// Error 1: somebody other than root can change the folder or one above it.
-  static Attempt<RootFolder> open(const std::string& path, HasGrants hasGrants);
+  [[nodiscard]] static Attempt<RootFolder> open(const std::string& path, HasGrants hasGrants);
 
   int descriptor() const { return folder_.get(); }
 
@@ -39,10 +39,10 @@ class RootFolder {
   bool bears(const std::string& name, const PinnedItem& item) const;
   /// Gives `item` the name `to` by `call`. If another file has taken its place in the meantime, that file
   /// gets its name back. Error 1: another file had taken its place.
-  Attempt<void> rename(const std::string& from, const std::string& to, const PinnedItem& item,
-                       Rename call) const;
+  [[nodiscard]] Attempt<void> rename(const std::string& from, const std::string& to, const PinnedItem& item,
+                                     Rename call) const;
   /// Waits until the names are on disk.
-  Attempt<void> flush() const;
+  [[nodiscard]] Attempt<void> flush() const;
 
  private:
   explicit RootFolder(FileDescriptor folder) : folder_(std::move(folder)) {}

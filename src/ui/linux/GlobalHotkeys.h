@@ -22,9 +22,8 @@ class GlobalHotkeys final : public ports::GlobalHotkeys {
   GlobalHotkeys(Scheduler& scheduler, QDBusConnection sessionBus, Session session);
 
   Subscription installEventHandler(std::function<void()> pressed) override;
-  std::expected<Subscription, std::int32_t> registerEventHotKey(std::uint32_t keyCode,
-                                                                std::uint32_t modifiers,
-                                                                ports::HotkeyIdentifier identifier) override;
+  [[nodiscard]] std::expected<Subscription, std::int32_t> registerEventHotKey(
+      std::uint32_t keyCode, std::uint32_t modifiers, ports::HotkeyIdentifier identifier) override;
   void setStatusHandler(std::function<void(std::int32_t)> changed) override;
 
  private:
