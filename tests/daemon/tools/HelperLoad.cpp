@@ -77,7 +77,7 @@ void many(const Arguments& arguments) {
       std::vector<double> times;
       for (int i = 0; i < calls; ++i) {
         const auto sent = Clock::now();
-        if (!bus || !call(bus, "Ping").isAnswer) ++errors;
+        if (!bus || !call(bus, "Ping", patienceInACrowd).isAnswer) ++errors;
         times.push_back(secondsSince(sent));
       }
       worst[static_cast<std::size_t>(client)] = quantile(times, 0.99);
@@ -223,7 +223,7 @@ void victim(const Arguments& arguments) {
     const bool flushes = i % 6 == 0;
     const auto message = request(bus, flushes ? "FlushDNS" : "KillPID");
     if (!flushes) sd_bus_message_append(message.get(), "ii", ::getpid(), 19);
-    const auto reply = send(bus, message);
+    const auto reply = send(bus, message, patienceInACrowd);
     times.push_back(secondsSince(start));
     if (reply.isAnswer && reply.exitCode == 0)
       ++done;
@@ -402,7 +402,8 @@ void toggle(const Arguments& arguments) {
       const auto& plain = files[random() % files.size()];
       const auto away = plain + (random() % 2 ? ".vorli-disabled" : ".vorli-removed");
       const bool goes = random() % 2;
-      const auto reply = send(bus, goes ? moveRequest(bus, plain, away) : moveRequest(bus, away, plain));
+      const auto message = goes ? moveRequest(bus, plain, away) : moveRequest(bus, away, plain);
+      const auto reply = send(bus, message, patienceInACrowd);
       ++(!reply.isAnswer ? counts->cutOff : reply.exitCode == 0 ? counts->moved : counts->refused);
     }
   });
