@@ -84,8 +84,8 @@ struct PopoverWidgetFixture : PolishFixture {
   }
 
   PopoverControl* control(PopoverControlId id) const {
-    for (auto* found : widget->findChildren<PopoverControl*>()) {
-      if (found->id() == id) return found;
+    for (auto* child : widget->findChildren<QWidget*>()) {
+      if (auto* found = dynamic_cast<PopoverControl*>(child); found && found->id() == id) return found;
     }
     return nullptr;
   }

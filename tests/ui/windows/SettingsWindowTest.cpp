@@ -440,7 +440,9 @@ TEST_F(SettingsWindowTest, eachTabStaysInsideItsWindowAndIsItself) {
       EXPECT_FALSE(pictures.contains(picture)) << name.toStdString();
       pictures.push_back(picture);
       if (!folder.isEmpty()) picture.save(QDir(folder).filePath(name + ".png"));
-      for (const auto* control : window.findChildren<Control*>()) {
+      for (const auto* child : window.findChildren<QWidget*>()) {
+        const auto* control = dynamic_cast<const Control*>(child);
+        if (!control) continue;
         const QRect place(control->mapTo(&window, QPoint()), control->size());
         EXPECT_TRUE(window.rect().contains(place)) << control->accessibleName().toStdString();
       }
