@@ -101,7 +101,7 @@ TEST_F(ProcessTableLiveTest, theRowOfThisProcessIsRight) {
   ASSERT_TRUE(table.readBSDInfo(own, identity));
   EXPECT_EQ(identity.parentPID, getppid());
   EXPECT_EQ(identity.name, textOf("/proc/self/comm"));
-  EXPECT_EQ(table.executablePath(own), std::filesystem::read_symlink("/proc/self/exe").string());
+  EXPECT_EQ(table.executablePath(own), SharedText(std::filesystem::read_symlink("/proc/self/exe").string()));
   EXPECT_GT(usage.residentBytes, 1024U * 1024);
   EXPECT_GT(table.exactResidentBytes(own).value_or(usage.residentBytes), 1024U * 1024);
 }

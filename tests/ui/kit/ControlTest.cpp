@@ -1,3 +1,4 @@
+#include "tests/ui/ActiveWindow.h"
 #include "tests/ui/windows/DrawnTexts.h"
 #include "ui/kit/BulkBanner.h"
 #include "ui/kit/CalloutPanel.h"
@@ -104,7 +105,7 @@ TEST(Control, ringShowsOnlyWhereTheKeyboardWent) {
   GlassPillButton button(QStringLiteral("Undo"), GlassPillButton::Role::plain, lightLook, &window);
   button.resize(button.sizeHint());
   window.show();
-  QApplication::setActiveWindow(&window);
+  makeActive(window);
   const QImage rest = grabbed(button);
   button.setFocus(Qt::MouseFocusReason);
   EXPECT_EQ(grabbed(button), rest);
@@ -260,7 +261,7 @@ TEST(CalloutPanel, confirmationFocusesItsHarmlessAnswerAndEscapeGivesIt) {
       [&] { ++refused; });
   panel.resize(500, panel.heightForWidth(500));
   window.show();
-  QApplication::setActiveWindow(&window);
+  makeActive(window);
   EXPECT_TRUE(panel.refuseButton().hasFocus());
   pressAndRelease(panel.refuseButton(), Qt::Key_Escape);
   EXPECT_EQ(refused, 1);

@@ -1,3 +1,4 @@
+#include "tests/ui/ActiveWindow.h"
 #include "ui/kit/WindowButton.h"
 
 #include <QApplication>
@@ -12,7 +13,7 @@ TEST(WindowButton, showsTheWholeWidthOfItsFocusRing) {
   QWidget window;
   WindowButton close(WindowButton::Kind::close, Appearance::light, &window);
   window.show();
-  QApplication::setActiveWindow(&window);
+  makeActive(window);
   close.clearFocus();  // the focus came with the window's activation
   close.setFocus(Qt::TabFocusReason);
   QImage image(close.size(), QImage::Format_ARGB32_Premultiplied);

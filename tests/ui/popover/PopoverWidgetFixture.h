@@ -4,6 +4,7 @@
 // The fixture is written for a program that has both precompiled.
 #include "tests/fakes/Publish.h"
 #include "tests/polish/PolishFixture.h"
+#include "tests/ui/ActiveWindow.h"
 #include "ui/popover/PopoverWidget.h"
 
 #include <QAccessible>
@@ -46,7 +47,7 @@ struct PopoverWidgetFixture : PolishFixture {
     fakes::publish(monitor.topMemoryHogs, hogs);
     widget->scene().setCardHeight(view->desiredSize().height);
     scheduler.advance(1.0);
-    QApplication::setActiveWindow(&*widget);
+    makeActive(*widget);
     QApplication::processEvents();
   }
 
