@@ -89,24 +89,37 @@ void UserNotificationCenter::add(ports::NotificationRequest request,
   // Queried for each notice: another server may have taken over since the last one.
   callAsync(bus_, notificationsCall("GetCapabilities"), &context_,
             [this, request = std::move(request), shared](const QDBusMessage& answer) {
-              if (isReply(answer)) return post(request, answer.arguments().value(0).toStringList(), shared);
-              posted(answer, request.categoryIdentifier, shared);
+              if (!isReply(answer)) return posted(answer, {}, request.categoryIdentifier, shared);
+              askForServer(request, answer.arguments().value(0).toStringList(), shared);
             });
 }
 
+// A signal names the address of its sender, but Qt does not tell which address a reply came from.
+void UserNotificationCenter::askForServer(const ports::NotificationRequest& request,
+                                          const QStringList& capabilities, const PostReply& reply) {
+  auto question = QDBusMessage::createMethodCall(
+      QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+      QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"));
+  question << service;
+  callAsync(bus_, question, &context_, [this, request, capabilities, reply](const QDBusMessage& answer) {
+    if (!isReply(answer)) return posted(answer, {}, request.categoryIdentifier, reply);
+    post(request, capabilities, answer.arguments().value(0).toString(), reply);
+  });
+}
+
 void UserNotificationCenter::post(const ports::NotificationRequest& request, const QStringList& capabilities,
-                                  const PostReply& reply) {
+                                  const QString& server, const PostReply& reply) {
   QString body = QString::fromStdString(request.body);
   if (capabilities.contains(QLatin1String("body-markup"))) body = body.toHtmlEscaped();
   constexpr unsigned asANewOne = 0;
   constexpr int asLongAsTheServerLikes = -1;
-  auto notify = notificationsCall("Notify");
+  auto notify = QDBusMessage::createMethodCall(server, path, service, QStringLiteral("Notify"));
   notify << QStringLiteral("Vorli") << asANewOne << programIdentifier << QString::fromStdString(request.title)
          << body << actionsOf(request.categoryIdentifier, capabilities) << hintsOf(request)
          << asLongAsTheServerLikes;
   callAsync(bus_, notify, &context_,
-            [this, category = request.categoryIdentifier, reply](const QDBusMessage& answer) {
-              posted(answer, category, reply);
+            [this, server, category = request.categoryIdentifier, reply](const QDBusMessage& answer) {
+              posted(answer, server, category, reply);
             });
 }
 
@@ -123,12 +136,12 @@ QStringList UserNotificationCenter::actionsOf(const std::string& category,
   return actions << plainClick << QString();
 }
 
-void UserNotificationCenter::posted(const QDBusMessage& answer, const std::string& category,
-                                    const PostReply& reply) {
+void UserNotificationCenter::posted(const QDBusMessage& answer, const QString& server,
+                                    const std::string& category, const PostReply& reply) {
   --posting_;
   if (isReply(answer)) {
     if (shown_.size() == mostShown) shown_.pop_front();
-    shown_.push_back({answer.service(), answer.arguments().value(0).toUInt(), category});
+    shown_.push_back({server, answer.arguments().value(0).toUInt(), category});
     std::move (*reply)({});
   } else {
     std::move (*reply)(std::unexpected(answer.errorMessage().toStdString()));

@@ -43,7 +43,7 @@ class UserNotificationCenter final : public ports::UserNotificationCenter {
 
   /// A notice that may still be answered. Ids are unique only within one server.
   struct Shown {
-    QString server;
+    QString server;  // its own address on the bus
     std::uint32_t id;
     std::string categoryIdentifier;
   };
@@ -53,10 +53,14 @@ class UserNotificationCenter final : public ports::UserNotificationCenter {
     QDBusServiceWatcher owners;
   };
 
-  void post(const ports::NotificationRequest& request, const QStringList& capabilities,
+  /// Finds out the server's own address, so that only its answers count.
+  void askForServer(const ports::NotificationRequest& request, const QStringList& capabilities,
+                    const PostReply& reply);
+  void post(const ports::NotificationRequest& request, const QStringList& capabilities, const QString& server,
             const PostReply& reply);
   QStringList actionsOf(const std::string& category, const QStringList& capabilities) const;
-  void posted(const QDBusMessage& answer, const std::string& category, const PostReply& reply);
+  void posted(const QDBusMessage& answer, const QString& server, const std::string& category,
+              const PostReply& reply);
   /// Grants when the server answers; `failed` gets the error otherwise.
   void askServer(const AuthorizationReply& reply, std::function<void(const QString&)> failed);
   void awaitServer(const AuthorizationReply& reply);
