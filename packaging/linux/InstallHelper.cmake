@@ -21,7 +21,8 @@ if(CMAKE_INSTALL_PREFIX MATCHES "^/usr(/local)?/?$")
   endif()
 else()
   file(INSTALL ${VORLI_INSTALL_WORK_DIR}/vorli-helper-install
-    DESTINATION ${CMAKE_INSTALL_PREFIX}/libexec/vorli USE_SOURCE_PERMISSIONS)
+    DESTINATION ${CMAKE_INSTALL_PREFIX}/libexec/vorli
+    PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 endif()
 file(INSTALL ${bus_policy} DESTINATION ${bus_policy_folder})
 file(INSTALL ${bus_service} DESTINATION ${CMAKE_INSTALL_PREFIX}/share/dbus-1/system-services)
