@@ -21,6 +21,7 @@ FOLDERS = ("/etc/xdg/autostart", "/etc/systemd/system", "/etc/systemd/user")
 LEVERS = ("/proc/sys/vm/drop_caches", "/proc/sys/vm/compact_memory")
 WORK = "/run/vorli-test"
 TOOLS = f"{WORK}/tools"
+STANDINS = f"{WORK}/standins"  # copies: not every user may be allowed to read this folder
 SYNC_BEGINS = "sync begins\n"
 USERS = (*range(4001, 4021), *range(5001, 5301), 4000000000)
 CGROUP = "/sys/fs/cgroup"
@@ -132,6 +133,8 @@ class Sandbox:
         os.makedirs(TOOLS)
         for tool in self.tools:
             shutil.copy(tool, TOOLS)
+        shutil.copytree(f"{os.path.dirname(os.path.dirname(os.path.abspath(__file__)))}/standins", STANDINS)
+        command("chmod", "-R", "a+rX", STANDINS)
         self._add_users()
         self.install()
 

@@ -11,8 +11,7 @@ from harness.calls import bus_floor, call, finish_tool
 from harness.machine import Machine
 from harness.memory import MemoryLimit
 from harness.rung import promise
-from harness.sandbox import NAME, OBJECT, TOOLS, WORK, write
-from promises.authority import STANDINS
+from harness.sandbox import NAME, OBJECT, STANDINS, TOOLS, WORK, write
 from promises.load import RESIDENT
 from waiting import holds, wait_for
 

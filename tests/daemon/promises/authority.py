@@ -10,11 +10,10 @@ import subprocess
 from harness.calls import call, finish_call, start_call, tool
 from harness.overheard import Overheard
 from harness.rung import promise
-from harness.sandbox import WORK, command, with_harmless_levers, write
+from harness.sandbox import STANDINS, WORK, command, with_harmless_levers, write
 from promises.rights import Sleeper
 from waiting import wait_for
 
-STANDINS = os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "standins")
 ITEM = "/etc/systemd/user/item.service"
 AWAY = ITEM + ".vorli-disabled"
 QUESTIONS = f"{WORK}/polkit-questions"

@@ -10,8 +10,7 @@ import subprocess
 from harness.calls import call, start_floor
 from harness.machine import Machine
 from harness.rung import promise
-from harness.sandbox import FOLDERS, HELPER, WORK, command, write
-from promises.authority import STANDINS
+from harness.sandbox import FOLDERS, HELPER, STANDINS, WORK, command, write
 from promises.rights import Sleeper
 from waiting import wait_for
 

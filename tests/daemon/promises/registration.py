@@ -9,8 +9,8 @@ from harness.builds import build_of, make_newer
 from harness.calls import call, finish_tool, start_tool
 from harness.machine import Machine
 from harness.rung import promise
-from harness.sandbox import HELPER, NAME, SERVICE_FILE, TOOLS, WORK, command, write
-from promises.authority import STANDINS, vouch
+from harness.sandbox import HELPER, NAME, SERVICE_FILE, STANDINS, TOOLS, WORK, command, write
+from promises.authority import vouch
 from promises.putting_away import access_list
 from waiting import wait_for
 

@@ -6,9 +6,8 @@ import time
 
 from harness.calls import call, finish_tool, start_tool
 from harness.rung import Rung, complaints
-from harness.sandbox import with_harmless_levers
+from harness.sandbox import STANDINS, with_harmless_levers
 from promises.attacks import FLOODS, end_all, start_as
-from promises.authority import STANDINS
 from promises.load import GROWTH, RESIDENT, status
 from promises.moves import make_items, snapshot, without_marks, read
 from waiting import wait_for

@@ -11,8 +11,7 @@ import time
 
 from harness.calls import call, finish_call, start_call
 from harness.rung import promise
-from harness.sandbox import WORK, command, stuck_sync, write
-from promises.authority import STANDINS
+from harness.sandbox import STANDINS, WORK, command, stuck_sync, write
 from promises.rights import state_of
 from waiting import wait_for
 

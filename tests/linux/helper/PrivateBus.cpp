@@ -146,7 +146,7 @@ const ChildProcess& PrivateBus::authority(const std::string& which) const {
 
 std::optional<pid_t> PrivateBus::ownerProcess(const std::string& name) const {
   const auto answer = folder_ / "owner";
-  run("dbus-send --system --print-reply=literal --dest=org.freedesktop.DBus / "
+  run("dbus-send --system --print-reply=literal --dest=org.freedesktop.DBus /org/freedesktop/DBus "
       "org.freedesktop.DBus.GetConnectionUnixProcessID string:" +
       name + " >" + answer.string() + " 2>/dev/null");
   std::ifstream file(answer);

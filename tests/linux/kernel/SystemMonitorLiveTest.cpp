@@ -13,7 +13,9 @@
 #include "tests/linux/kernel/ChangedProcessTable.h"
 #include "tests/posix/HoldsInTime.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <thread>
 
 namespace vorli {
@@ -57,10 +59,12 @@ struct SystemMonitorLiveTest : testing::Test {
 
 TEST_F(SystemMonitorLiveTest, realProcessesAreReadInTheBackgroundAndPublishedOnTheMainThread) {
   const auto here = std::this_thread::get_id();
+  // A container may have fewer processes than the list has places.
+  const int hogs = std::min(realProcesses.listAllPIDs({}), 5);
   int ticks = 0;
   const auto seen = monitor.lastUpdate.subscribeToChanges([&](Date) {
     EXPECT_EQ(std::this_thread::get_id(), here);
-    EXPECT_EQ(monitor.topMemoryHogs->size(), 5u);
+    EXPECT_EQ(std::ssize(*monitor.topMemoryHogs), hogs);
     ++ticks;
   });
   monitor.refresh();

@@ -113,8 +113,10 @@ struct StartupOnDiskFixture : HelperFixture {
   std::set<std::string> startedByManager(UnitManager manager) const {
     const bool isUsers = manager == UnitManager::user;
     const auto& folders = isUsers ? places.userUnits : places.systemUnits;
-    tree.write(std::string("usr/lib/systemd/") + (isUsers ? "user" : "system") + "/default.target",
-               "[Unit]\n");
+    // The others are what every service needs.
+    for (const char* target : {"default", "basic", "sysinit"})
+      tree.write(std::string("usr/lib/systemd/") + (isUsers ? "user/" : "system/") + target + ".target",
+                 "[Unit]\n");
     std::string search;
     for (const auto& folder : folders) search += (search.empty() ? "" : ":") + folder.path;
     std::filesystem::create_directories(tree.path("run"));
