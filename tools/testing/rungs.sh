@@ -1,7 +1,8 @@
 # shellcheck shell=bash
 # shellcheck disable=SC2154  # stage and pictures come from installed.sh
 # shellcheck disable=SC2034  # needed_by_... are read by ./test
-# Defines each rung of the test command, and the groups of tools/packages that it needs. Sourced by ./test.
+# Defines each rung of the test command, and the groups of tools/packages that it needs. What prepare_RUNG makes may be
+# made ahead, beside the tests of an earlier rung. Sourced by ./test and tools/testing/ahead.
 
 needed_by_static=(build unit desktop static macos)
 rung_static() {
@@ -30,11 +31,13 @@ rung_unit() {
 needed_by_helper=(build run unit helper)
 rung_helper() {
   build dev vorli_plain_programs && build package || return
+  # This test lays a file system over this folder, in which nothing may change meanwhile.
+  step "Debian package" tests/packaging/run --no-build
+  ahead
   step "promises of the root daemon" tests/daemon/run --no-build
   step "all of them at once, under attack" tests/daemon/run --no-build --soak 45
   step "its client" tests/daemon/run_client
   step "logins of a user's service manager" tests/desktop/unit_logins.py build/dev/tests/vorli_startup_probe
-  step "Debian package" tests/packaging/run --no-build
 }
 
 needed_by_desktop=(build run unit desktop test fonts)
@@ -42,8 +45,10 @@ needed_by_desktop=(build run unit desktop test fonts)
 rung_desktop() {
   local name file options
   rm -rf "$pictures" && mkdir -p "$pictures"
-  build dev vorli_plain_programs && ctest_step "parts in a desktop" dev --label-regex desktop --parallel 1
-  build package && must "install for the tests" prepare_installed package || return
+  build dev vorli_plain_programs && build package || return
+  ahead
+  ctest_step "parts in a desktop" dev --label-regex desktop --parallel 1
+  must "install for the tests" prepare_installed package || return
   step "packaging" tools/testing/check_packaging.sh "$stage/prefix"
   while IFS=$'\t' read -r name file options; do
     step "$name" run_installed "$name" "$file" "$options"
@@ -52,20 +57,22 @@ rung_desktop() {
 }
 
 needed_by_asan=(build run unit helper fonts)
+prepare_asan() { build asan; }
 # Sanitizers would catch the crashes that the tests of crashes cause.
 rung_asan() {
   build dev vorli_plain_programs && ctest_step "tests of crashes" dev --label-regex '^crash$'
-  build asan && ctest_step "unit tests under AddressSanitizer" asan --label-exclude desktop
+  ctest_step "unit tests under AddressSanitizer" asan --label-exclude desktop
   step "root daemon under AddressSanitizer" tests/daemon/run --build asan
 }
 
 needed_by_tsan=(build run unit helper fonts)
+# Leaves out the drawing code, a quarter of the build, as it has only one thread. tests/CMakeLists.txt leaves out the
+# tests of the core that start no other.
+prepare_tsan() {
+  build tsan vorli_unit_tests vorli_linux_tests vorli_linux_daemon_tests vorli_helper_client_tests vorli-helper
+}
 rung_tsan() {
-  # Leaves out the drawing code, a quarter of the build, as it has only one thread. tests/CMakeLists.txt leaves out the
-  # tests of the core that start no other.
-  build tsan vorli_unit_tests vorli_linux_tests vorli_linux_daemon_tests vorli_helper_client_tests \
-    vorli-helper &&
-    ctest_step "unit tests under ThreadSanitizer" tsan --label-exclude "desktop|ui"
+  ctest_step "unit tests under ThreadSanitizer" tsan --label-exclude "desktop|ui"
   step "root daemon under ThreadSanitizer" tests/daemon/run --build tsan
 }
 
@@ -75,12 +82,15 @@ rung_fuzz() {
 }
 
 needed_by_elsewhere=(fonts elsewhere)
+prepare_elsewhere() {
+  must "another release of Debian" tools/testing/elsewhere make && must "build there" tools/testing/elsewhere build
+}
 rung_elsewhere() {
-  must "another release of Debian" tools/testing/elsewhere make && must "build there" tools/testing/elsewhere build ||
-    return
+  step "core on fakes there" tools/testing/elsewhere core
   step "unit tests there" tools/testing/elsewhere unit
   step "daemon's client there" tools/testing/elsewhere client
   step "promises of the root daemon there" tools/testing/elsewhere promises
+  step "first minutes there" tools/testing/elsewhere minutes
   step "visit there" tools/testing/elsewhere visit
   step "installation and removal there" tools/testing/elsewhere removal
 }

@@ -1,4 +1,5 @@
 # shellcheck shell=bash
+# shellcheck disable=SC2154  # later comes from ./test
 # The steps of the test command: each runs something with its output in a log, prints its result in one line, and
 # adds to the counts. Sourced by ./test.
 
@@ -116,6 +117,24 @@ ctest_step() {
   set -- $counts
   tell "$name" "$1" "$2" $((SECONDS - start)) "$log"
   [ "$2" = 0 ]
+}
+
+# ahead: begins with what the later rungs need, beside the next steps.
+ahead() {
+  [ ${#later[@]} -gt 0 ] || return 0
+  end_ahead
+  # It ends also if this shell is killed.
+  setsid setpriv --pdeathsig TERM tools/testing/ahead "${later[@]}" >"$(log_of ahead)" 2>&1 </dev/null &
+  ahead=$!
+}
+
+end_ahead() {
+  [ -n "${ahead-}" ] || return 0
+  # A compiler that is told to end removes the file that it has begun.
+  pkill --session "$ahead"
+  timeout 30 pidwait --session "$ahead" || pkill -KILL --session "$ahead"
+  wait "$ahead" 2>/dev/null
+  ahead=
 }
 
 close() {
