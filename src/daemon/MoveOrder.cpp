@@ -49,7 +49,7 @@ std::unexpected<HelperReply> malformed(std::string_view text) {
   return std::unexpected(HelperReply{EINVAL, std::string(text)});
 }
 
-std::unexpected<HelperReply> refused(std::string_view text) {
+std::unexpected<HelperReply> refusal(std::string_view text) {
   return std::unexpected(HelperReply{helper::exit_code::refused, std::string(text)});
 }
 
@@ -60,11 +60,11 @@ std::expected<MoveOrder, HelperReply> decodeMove(std::string_view from, std::str
   const auto source = split(from);
   const auto target = split(to);
   if (!source || !target) return malformed("Not a path of a startup item");
-  if (source->folder != target->folder) return refused("The two paths are not in the same folder");
+  if (source->folder != target->folder) return refusal("The two paths are not in the same folder");
 
   const auto folders = helper::systemFoldersOf(system);
   const auto folder = std::ranges::find(folders, source->folder, &helper::SystemStartupFolder::path);
-  if (folder == folders.end()) return refused("The folder is not one that the helper changes");
+  if (folder == folders.end()) return refusal("The folder is not one that the helper changes");
 
   MoveOrder order{&*folder, std::string(source->name), std::string(target->name),
                   MoveOrder::Direction::putAway};
@@ -72,7 +72,7 @@ std::expected<MoveOrder, HelperReply> decodeMove(std::string_view from, std::str
 
   order.direction = MoveOrder::Direction::bringBack;
   if (isItemOf(*folder, target->name) && isPutAwayNameOf(source->name, target->name)) return order;
-  return refused("Only Vorli's own extensions may be added or taken off");
+  return refusal("Only Vorli's own extensions may be added or taken off");
 }
 
 }  // namespace vorli::daemon
