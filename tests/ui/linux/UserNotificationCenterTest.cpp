@@ -34,6 +34,7 @@ class ScriptedServer final : public QDBusVirtualObject {
 
   QStringList capabilities{"actions", "body", "body-markup"};
   bool refuses = false;
+  bool leavesEarly = false;  // after the first answer
   bool isReady = true;
   std::vector<QVariantList> notices;  // the arguments of each Notify
 
@@ -46,6 +47,7 @@ class ScriptedServer final : public QDBusVirtualObject {
     const auto answer = [&](const QVariantList& values) { bus.send(message.createReply(values)); };
     if (message.member() == "GetCapabilities") {
       answer({capabilities});
+      if (leavesEarly) bus_.interface()->unregisterService(serverName);
     } else if (message.member() == "GetServerInformation" && !isReady) {
       bus.send(message.createErrorReply("org.example.NotReady", "still starting"));
     } else if (message.member() == "GetServerInformation") {
@@ -141,6 +143,12 @@ TEST_F(UserNotificationCenterTest, showsAPassiveNoticeWithItsButtonsAndIcon) {
   EXPECT_EQ(hints["desktop-entry"].toString(), "com.kv.vorli");
   EXPECT_TRUE(hints["suppress-sound"].toBool());
   EXPECT_EQ(sent[7].toInt(), -1);
+}
+
+TEST_F(UserNotificationCenterTest, aServerThatLeavesBeforeTheNoticeIsAnError) {
+  server->leavesEarly = true;
+  EXPECT_FALSE(post().has_value());
+  EXPECT_TRUE(stopsListening());
 }
 
 TEST_F(UserNotificationCenterTest, eachCategoryHasItsOwnButtons) {
