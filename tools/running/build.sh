@@ -22,9 +22,16 @@ attempt() {
   mkdir -p "$logs" && env LC_ALL=C.UTF-8 "$@" >"$log" 2>&1 </dev/null
 }
 
+disk_is_full() {
+  [ "$(df --output=avail -BM build | tail -n 1 | tr -dc 0-9)" -lt 1 ]
+}
+
 # give_up LOG WHAT
 give_up() {
-  ! grep -q 'No space left on device' "$logs/$1" || stop "$2 failed: the disk is full; log in $logs/$1"
+  # A full disk may have no room for the message either.
+  if grep -qs 'No space left on device' "$logs/$1" || disk_is_full; then
+    stop "$2 failed: the disk is full; log in $logs/$1"
+  fi
   tail -n 30 "$logs/$1" >&2
   stop "$2 failed, log in $logs/$1"
 }
