@@ -51,12 +51,12 @@ class CulpritFormatter {
   using Naming = std::expected<std::string, std::string_view>;
 
   std::vector<std::string> rankedNames(const std::vector<ProcessSnapshot>& processes) const;
-  Naming resolve(const ProcessSnapshot& process) const;
-  Naming nameOfBundle(const ProcessSnapshot& process) const;
-  Naming nameByRecords(const ProcessSnapshot& process) const;
-  Naming nameByPath(std::string_view executablePath) const;
-  Naming runningName(std::string_view bundleIdentifier) const;
-  Naming shownName(const ports::RunningApplication* application) const;
+  [[nodiscard]] Naming resolve(const ProcessSnapshot& process) const;
+  [[nodiscard]] Naming nameOfBundle(const ProcessSnapshot& process) const;
+  [[nodiscard]] Naming nameByRecords(const ProcessSnapshot& process) const;
+  [[nodiscard]] Naming nameByPath(std::string_view executablePath) const;
+  [[nodiscard]] Naming runningName(std::string_view bundleIdentifier) const;
+  [[nodiscard]] Naming shownName(const ports::RunningApplication* application) const;
 
   ports::Workspace& workspace_;
   const ApplicationPaths paths_;

@@ -261,7 +261,8 @@ class CheckIncludesTest(PlantedTree):
 
     def testAnErrorThatCanBeDroppedIsTold(self):
         for text in ("std::expected<void, std::string> move();", "  virtual std::expected<int, int> read() = 0;",
-                     "  static Attempt<Folder> open(const std::string& path);"):
+                     "  static posix::Attempt<Folder> open(const std::string& path);",
+                     "template <typename T> std::expected<T, int> read();"):
             with self.subTest(text):
                 self.refused("src/base/Bad.h", text + "\n", "without [[nodiscard]]")
         os.unlink(os.path.join(self.root, "src/base/Bad.h"))

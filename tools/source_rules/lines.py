@@ -13,11 +13,11 @@ _CLOCK = re.compile(
     r"|_clock::now\b|\bstd::time\(|(?<![\w:.>])(?:time|sleep|alarm)\((?:nullptr|NULL|0|\d+)\)"
     r"|\bQ(?:Date|Time|DateTime)::current"
 )
-# In every spelling, so that no wrapper of it is possible either. Scripts wait with tools/session/waiting.py, which pauses
+# In its usual spellings. Scripts wait with tools/session/waiting.py, which pauses
 # between two checks of a condition.
 _SLEEP_IN_TEST = {
     (".h", ".cpp", ".mm"): re.compile(
-        r"\b(?:sleep_for|sleep_until|usleep|nanosleep|msleep|qWait|qSleep)\b|(?<![\w:.>])sleep\("
+        r"\b(?:sleep_for|sleep_until|usleep|nanosleep|msleep|qWait|qSleep)\b|(?<![\w.>])sleep\("
         r"|\bp?poll\(nullptr\b|\bp?select\(0,"
     ),
     (".py",): re.compile(
@@ -46,8 +46,6 @@ _NOT_AS_ROOT = (
 )
 # One place clears the environment; another holds on to a caller's process, which can only reduce its rights.
 _EXCEPT = (("StartContext", "environment"), ("BusCallers", "process"))
-# A function that returns an error which its caller can drop without a word.
-_DROPPABLE = re.compile(r"^[ \t]*(?:(?:static|virtual|inline|constexpr) )*(?:std::expected<|Attempt<)[^;{()]*\(", re.MULTILINE)
 _CO_AWAIT = re.compile(r"\bco_await\b[^;]*")
 _TASK_LAMBDA = re.compile(r"\]\s*\([^()]*\)\s*(?:mutable\s*)?->\s*(?:\w+::)*Task<")
 
@@ -84,9 +82,17 @@ def check_source_lines(sources):
             yield from _hits(source, _PLATFORM_IF, "a condition on the platform outside the platform folders")
         yield from _hits(source, _BY_PID, "judges a caller by its pid", source.text)
         if source.path.endswith(".h"):
-            yield from _hits(source, _DROPPABLE, "returns an error without [[nodiscard]]")
+            yield from _hits(source, _droppable(source), "returns an error without [[nodiscard]]")
         if inside.startswith(_ROOT_DAEMON):
             yield from _check_root_daemon(source)
+
+
+def _droppable(source):
+    """Matches a function that returns an error which its caller can drop without a word."""
+    names = ["std::expected<", r"(?:\w+::)*Attempt<",
+             *(rf"{alias}\b" for alias in re.findall(r"\busing (\w+) = std::expected<", source.code))]
+    return re.compile(r"^[ \t]*(?:template <[^<>]*> )?(?:(?:static|virtual|inline|constexpr|friend) )*"
+                      rf"(?:{'|'.join(names)})[^;{{()=]*\(", re.MULTILINE)
 
 
 def _check_root_daemon(source):
