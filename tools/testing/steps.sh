@@ -130,11 +130,17 @@ ahead() {
 
 end_ahead() {
   [ -n "${ahead-}" ] || return 0
+  # Its number may belong to somebody else's session when it has ended by itself.
+  jobs -rp | grep -qx "$ahead" || { ahead='' && return; }
   # A compiler that is told to end removes the file that it has begun.
   pkill --session "$ahead"
-  timeout 30 pidwait --session "$ahead" || pkill -KILL --session "$ahead"
+  local deadline=$((SECONDS + 30))
+  while pgrep --session "$ahead" --runstates D,R,S,T >/dev/null; do
+    [ $SECONDS -lt $deadline ] || pkill -KILL --session "$ahead"
+    timeout 1 pidwait --session "$ahead" >/dev/null
+  done
   wait "$ahead" 2>/dev/null
-  ahead=
+  ahead=''
 }
 
 close() {
