@@ -2,8 +2,8 @@
 
 #include "base/Colour.h"
 
-/// The colours that have more than one purpose; each part of the program names them by purpose. A colour with
-/// a single purpose is defined where it has that name.
+/// The colours that are used in several places; each part of the program names them by purpose. A colour of
+/// one place is defined there.
 namespace vorli::palette {
 
 inline constexpr Colour white{1.0, 1.0, 1.0, 1.0};
