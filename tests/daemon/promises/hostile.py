@@ -71,7 +71,8 @@ def moves_after_the_crowd(box, done, items):
     def are_enough():
         nonlocal more
         if done + more < 5:
-            source = next(path for path in (item, *(item + ending for ending in AWAY)) if os.path.exists(path))
+            # A late move of the crowd may rename it in between.
+            source = next(filter(os.path.exists, (item, *(item + ending for ending in AWAY))), item)
             more += call(box, "MoveLaunchAgentPlist", source, item + AWAY[0] if source == item else item).code == 0
         return done + more >= 5
 

@@ -136,8 +136,8 @@ def under_attack(rung, seconds, items):
     mark = len(box.log())
     for what, start in attacks.items():
         attack = start()
-        mixture = Mixture({"kept": functools.partial(start_as, box, 4010, "victim", 100, 110, "kept"),
-                           "new": functools.partial(start_as, box, 4011, "victim", 100, 110, "new"),
+        mixture = Mixture({"kept": functools.partial(start_as, box, 4010, "victim", 25, 110, "kept"),
+                           "new": functools.partial(start_as, box, 4011, "victim", 25, 110, "new"),
                            "ping": load("many", 5, 200), "moves": load("toggle", 2, 4, *items)})
         mixture.run(seconds / len(attacks), attack)
         sent = attack.end()
