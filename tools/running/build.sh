@@ -22,8 +22,9 @@ attempt() {
   mkdir -p "$logs" && env LC_ALL=C.UTF-8 "$@" >"$log" 2>&1 </dev/null
 }
 
+# Less than any compiler's output needs.
 disk_is_full() {
-  [ "$(df --output=avail -BM build | tail -n 1 | tr -dc 0-9)" -lt 1 ]
+  [ "$(df --output=avail -BK build | tail -n 1 | tr -dc 0-9)" -lt 4096 ]
 }
 
 # give_up LOG WHAT
