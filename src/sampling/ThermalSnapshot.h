@@ -28,7 +28,8 @@ struct ThermalSnapshot {
 /// serious at its hot one, fair at its passive one. Nominal without sensors.
 ThermalState thermalState(const ports::ThermalReading& reading);
 
-/// What powers the machine. Unknown for an uninterruptible supply that does, and without information.
+/// Returns the source that powers the machine: unknown if it is an uninterruptible supply, or if there is no
+/// information.
 PowerSource powerSource(std::span<const ports::PowerSupply> supplies);
 
 }  // namespace vorli

@@ -94,7 +94,7 @@ void UserNotificationCenter::add(ports::NotificationRequest request,
             });
 }
 
-// A signal names the address of its sender, but Qt does not tell which address a reply came from.
+// Asks the bus, because Qt does not say which address a reply came from. A signal names its sender's.
 void UserNotificationCenter::askForServer(const ports::NotificationRequest& request,
                                           const QStringList& capabilities, const PostReply& reply) {
   auto question = QDBusMessage::createMethodCall(
