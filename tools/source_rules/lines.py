@@ -13,7 +13,7 @@ _CLOCK = re.compile(
     r"|_clock::now\b|\bstd::time\(|(?<![\w:.>])(?:time|sleep|alarm)\((?:nullptr|NULL|0|\d+)\)"
     r"|\bQ(?:Date|Time|DateTime)::current"
 )
-# In its usual spellings. Scripts wait with tools/session/waiting.py, which pauses
+# Matches the usual spellings of a sleep. Scripts wait with tools/session/waiting.py, which pauses
 # between two checks of a condition.
 _SLEEP_IN_TEST = {
     (".h", ".cpp", ".mm"): re.compile(

@@ -10,14 +10,14 @@ from harness.rung import promise
 from harness.sandbox import NAME, SYNC_BEGINS, WORK, stuck_sync, with_harmless_levers, write
 from waiting import wait_for
 
-# Of the daemon's own, and for each of its two connections a socket and what the bus library adds: the newer one a handle
-# of the other process and two events.
+# The daemon opens six files. Each of its two connections adds a socket, and with the newer bus library a handle of a
+# process and two events.
 MOST_OPEN_FILES = 14
 IDLE = 30  # seconds until it leaves
-# MiB. The daemon's budget, which holds on every machine: it starts with less than five, most of it libraries, and every
+# The daemon's budget in MiB, which holds on every machine: it starts with less than five, most of it libraries, and every
 # page that a large message took must have gone back to the system.
 RESIDENT = 8.0
-# KiB, over a hundred thousand calls or more. The smallest block of memory has 32 bytes, so one that is kept of every call
+# Growth in KiB over a hundred thousand calls or more. The smallest block of memory has 32 bytes, so one that is kept of every call
 # would be 3,000; the rest is for the allocator, whose heap settles late.
 GROWTH = 256
 
