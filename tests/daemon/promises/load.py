@@ -14,11 +14,11 @@ from waiting import wait_for
 # process and two events.
 MOST_OPEN_FILES = 14
 IDLE = 30  # seconds until it leaves
-# The daemon's budget in MiB, which holds on every machine: it starts with less than five, most of it libraries, and every
-# page that a large message took must have gone back to the system.
+# The daemon's budget in MiB, which holds on every machine: it starts with less than five, most of it libraries, and
+# every page that a large message took must have gone back to the system.
 RESIDENT = 8.0
-# Growth in KiB over a hundred thousand calls or more. The smallest block of memory has 32 bytes, so one that is kept of every call
-# would be 3,000; the rest is for the allocator, whose heap settles late.
+# Growth in KiB over a hundred thousand calls or more. The smallest block of memory has 32 bytes, so one that is kept of
+# every call would be 3,000; the rest is for the allocator, whose heap settles late.
 GROWTH = 256
 
 
