@@ -12,7 +12,7 @@ pictures=$PWD/build/pictures
 
 # prepare_installed PRESET: installs that build and the tests where any user can read them.
 prepare_installed() {
-  stage=$(mktemp -d /tmp/vorli-test.XXXXXX) && trap 'rm -rf "$stage"' EXIT || return
+  stage=$(mktemp -d /tmp/vorli-test.XXXXXX) || return
   mkdir "$stage"/{prefix,tools,tests,pictures} || return
   cp -r tools/session tools/*.py "$stage/tools/" && cp -r tests/desktop "$stage/tests/" || return
   chmod -R a+rX "$stage" && chmod 1777 "$stage/pictures" && cmake --install "build/$1" --strip --prefix "$stage/prefix"

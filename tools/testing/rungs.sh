@@ -1,8 +1,9 @@
 # shellcheck shell=bash
 # shellcheck disable=SC2154  # stage and pictures come from installed.sh
-# shellcheck disable=SC2034  # needed_by_... are read by ./test
+# shellcheck disable=SC2034  # needed_by_... and beside_... are read by ./test
 # Defines each rung of the test command, and the groups of tools/packages that it needs. What prepare_RUNG makes may be
-# made ahead, beside the tests of an earlier rung. Sourced by ./test and tools/testing/ahead.
+# made ahead, beside the tests of an earlier rung. A rung with beside_RUNG runs beside those after it. Sourced by ./test
+# and tools/testing/ahead.
 
 needed_by_static=(build unit desktop static macos)
 rung_static() {
@@ -59,6 +60,24 @@ rung_desktop() {
   must "contact sheet of the pictures" contact_sheet
 }
 
+needed_by_elsewhere=(fonts elsewhere)
+# Its tests mostly wait.
+beside_elsewhere=yes
+prepare_elsewhere() {
+  # Three builds, which a slow machine needs half an hour for.
+  must "another release of Debian" tools/testing/elsewhere make &&
+    VORLI_STEP_SECONDS=${VORLI_STEP_SECONDS:-3600} must "build there" tools/testing/elsewhere build
+}
+rung_elsewhere() {
+  step "core on fakes there" tools/testing/elsewhere core
+  step "unit tests there" tools/testing/elsewhere unit
+  step "daemon's client there" tools/testing/elsewhere client
+  step "promises of the root daemon there" tools/testing/elsewhere promises
+  VORLI_STEP_SECONDS=3600 step "first minutes there" tools/testing/elsewhere minutes
+  step "visit there" tools/testing/elsewhere visit
+  step "installation and removal there" tools/testing/elsewhere removal
+}
+
 needed_by_asan=(build run unit helper fonts)
 prepare_asan() { build asan; }
 # Sanitizers would catch the crashes that the tests of crashes cause.
@@ -82,20 +101,4 @@ rung_tsan() {
 needed_by_fuzz=(build unit static)
 rung_fuzz() {
   step "fuzzers" tests/fuzz/run
-}
-
-needed_by_elsewhere=(fonts elsewhere)
-prepare_elsewhere() {
-  # Three builds, which a slow machine needs half an hour for.
-  must "another release of Debian" tools/testing/elsewhere make &&
-    VORLI_STEP_SECONDS=${VORLI_STEP_SECONDS:-3600} must "build there" tools/testing/elsewhere build
-}
-rung_elsewhere() {
-  step "core on fakes there" tools/testing/elsewhere core
-  step "unit tests there" tools/testing/elsewhere unit
-  step "daemon's client there" tools/testing/elsewhere client
-  step "promises of the root daemon there" tools/testing/elsewhere promises
-  VORLI_STEP_SECONDS=3600 step "first minutes there" tools/testing/elsewhere minutes
-  step "visit there" tools/testing/elsewhere visit
-  step "installation and removal there" tools/testing/elsewhere removal
 }

@@ -119,28 +119,75 @@ ctest_step() {
   [ "$2" = 0 ]
 }
 
+# apart LOG COMMAND...: begins a command in a session of its own, whose number is $! then. All of it ends also if this
+# shell is killed.
+apart() {
+  local log=$1
+  shift
+  # A trap runs at once only while the shell waits for a job.
+  # shellcheck disable=SC2016
+  setsid setpriv --pdeathsig TERM bash -c 'trap "trap - TERM && pkill --session $$" TERM; "$@" & wait $!' apart "$@" \
+    >"$log" 2>&1 </dev/null &
+}
+
+# end_apart SESSION: ends it, if it has not ended by itself. Its number may belong to somebody else then.
+end_apart() {
+  jobs -rp | grep -qx "$1" || return 0
+  # A compiler that is told to end removes the file that it has begun.
+  pkill --session "$1"
+  local deadline=$((SECONDS + 30))
+  while pgrep --session "$1" --runstates D,R,S,T >/dev/null; do
+    [ $SECONDS -lt $deadline ] || pkill -KILL --session "$1"
+    timeout 1 pidwait --session "$1" >/dev/null
+  done
+  wait "$1" 2>/dev/null
+}
+
 # ahead: begins with what the later rungs need, beside the next steps.
 ahead() {
   [ ${#later[@]} -gt 0 ] || return 0
   end_ahead
-  # It ends also if this shell is killed.
-  setsid setpriv --pdeathsig TERM tools/testing/ahead "${later[@]}" >"$(log_of ahead)" 2>&1 </dev/null &
+  apart "$(log_of ahead)" tools/testing/ahead "${later[@]}"
   ahead=$!
 }
 
 end_ahead() {
-  [ -n "${ahead-}" ] || return 0
-  # Its number may belong to somebody else's session when it has ended by itself.
-  jobs -rp | grep -qx "$ahead" || { ahead='' && return; }
-  # A compiler that is told to end removes the file that it has begun.
-  pkill --session "$ahead"
-  local deadline=$((SECONDS + 30))
-  while pgrep --session "$ahead" --runstates D,R,S,T >/dev/null; do
-    [ $SECONDS -lt $deadline ] || pkill -KILL --session "$ahead"
-    timeout 1 pidwait --session "$ahead" >/dev/null
-  done
-  wait "$ahead" 2>/dev/null
+  [ -z "${ahead-}" ] || end_apart "$ahead"
   ahead=''
+}
+
+# beside RUNG: begins a rung beside the next ones, as a test command of its own.
+beside() {
+  printf '  runs beside the next ones\n'
+  apart "$(log_of "$1")" ./test "$1"
+  beside=$1 beside_session=$!
+}
+
+# join: waits for the rung that runs beside the others, shows its lines and adds its counts.
+join() {
+  local log good bad failure
+  [ -n "${beside-}" ] || return 0
+  log=$(log_of "$beside")
+  wait "$beside_session"
+  echo "== $beside, until $((SECONDS / 60)) min"
+  # A command that was ended has said neither its counts nor what failed.
+  read -r good bad < <(counts_of "$log" | grep . || echo "0 1")
+  if grep -q '^== ' "$log"; then
+    sed '0,/^== /d; /^$/,$d' "$log"
+  else
+    cat "$log"
+  fi
+  while IFS= read -r failure; do failures+=("$failure"); done < <(sed -n 's/^failed: //p' "$log")
+  [ "$bad" = 0 ] || [ ${#failures[@]} -gt 0 ] || failures=("$beside")
+  passed=$((passed + good)) failed=$((failed + bad))
+  beside=''
+}
+
+# Ends what still runs beside this shell.
+leave() {
+  end_ahead
+  [ -z "${beside-}" ] || end_apart "$beside_session"
+  [ -z "${stage-}" ] || rm -rf "$stage"
 }
 
 close() {
