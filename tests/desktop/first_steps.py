@@ -1,10 +1,8 @@
-"""The first steps of a new user, by keyboard alone and as assistive tools find them."""
-
-# session: --system-bus PREFIX --a11y --notify none --audio none
-# session: --system-bus PREFIX --a11y --notify none --audio none --dark --compositor xfwm4
+"""first_steps.py PREFIX: the first steps of a new user, by keyboard alone and as assistive tools find them."""
 
 import os
 import subprocess
+import sys
 import unittest
 
 import dbus
@@ -14,7 +12,7 @@ from screen import place_of, width_of, window_picture, windows_of
 from vorli import FirstSteps, TrayIcon, Vorli, become_new_user, installed_at_home, is_stored
 from waiting import wait_for
 
-PREFIX, PICTURES = os.environ["VORLI_PREFIX"], os.environ["VORLI_PICTURES"]
+PREFIX, PICTURES = sys.argv.pop(1), os.environ["VORLI_PICTURES"]
 UNFINISHED = "Setup not finished. Tap to return to onboarding."
 ITEM = "org.kde.StatusNotifierItem"
 

@@ -1,11 +1,8 @@
-"""The installed program in a whole desktop, with its real daemon, as a user sees it from start to end."""
-
-# session: --system-bus PREFIX
-# session: --system-bus PREFIX --dark --panel-pos bottom
-# session: --system-bus PREFIX --dpi 192 --size 2560x1440
+"""installed_vorli.py PREFIX: the installed program in a whole desktop, with its real daemon, as a user sees it from start to end."""
 
 import os
 import subprocess
+import sys
 import unittest
 
 import dbus
@@ -13,7 +10,7 @@ from screen import give_keyboard, is_painted, picture, screen_width, window_pict
 from vorli import BUS_NAME, OBJECT, PanelMenu, Settings, TrayIcon, Vorli, free_memory_bytes
 from waiting import holds, wait_for
 
-PREFIX, PICTURES = os.environ["VORLI_PREFIX"], os.environ["VORLI_PICTURES"]
+PREFIX, PICTURES = sys.argv.pop(1), os.environ["VORLI_PICTURES"]
 PROGRAM = os.path.join(PREFIX, "bin", "vorli")
 USED_ROWS = {"Polish Now", "About Vorli", "Quit Vorli"}
 LONGER_THAN_A_WINDOW_NEEDS, LONGER_THAN_A_START = 2.0, 5.0

@@ -1,9 +1,8 @@
-"""A new user's way from the first start, with a daemon that is not registered yet and an administrator to ask."""
-
-# session: --system-bus PREFIX --unregistered --a11y --notify none --audio none
+"""new_user.py PREFIX: a new user's way from the first start, with a daemon that is not registered yet and an administrator to ask."""
 
 import os
 import shutil
+import sys
 import unittest
 
 import dbus
@@ -14,7 +13,7 @@ from vorli import FirstSteps, PanelMenu, Settings, TrayIcon, Vorli, become_new_u
 from waiting import holds, wait_for
 from workspace_probe import write
 
-PREFIX, PICTURES = os.environ["VORLI_PREFIX"], os.environ["VORLI_PICTURES"]
+PREFIX, PICTURES = sys.argv.pop(1), os.environ["VORLI_PICTURES"]
 AUTOSTART = os.path.join(os.environ["XDG_CONFIG_HOME"], "autostart", "org.example.walker.desktop")
 
 WELCOME = ("label", "Welcome to Vorli. Vorli polishes your computer when things slow down, frees memory and flushes "

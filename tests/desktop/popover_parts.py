@@ -122,7 +122,7 @@ class Popover(Process):
 
     @staticmethod
     def _take(window, name):
-        picture(os.path.join(PICTURES, f"{NAME}-{name}.png"), *window[1:])
+        picture(os.path.join(PICTURES, f"{name}.png"), *window[1:])
 
     def descriptors(self):
         """Number of open descriptors of each kind, without those of the machine's processes."""

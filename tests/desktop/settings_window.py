@@ -1,11 +1,8 @@
-"""The settings, by keyboard alone and as assistive tools find them; the last session has larger letters."""
-
-# session: --system-bus PREFIX --a11y --notify none --audio none
-# session: --system-bus PREFIX --a11y --notify none --audio none --dark --compositor xfwm4
-# session: --system-bus PREFIX --a11y --notify none --audio none
+"""settings_window.py PREFIX: the settings, by keyboard alone and as assistive tools find them."""
 
 import os
 import shutil
+import sys
 import unittest
 
 from accessible import CONTROLS, Keyboard, Spoken
@@ -16,8 +13,7 @@ from vorli import Settings, TrayIcon, Vorli, is_stored, stored
 from waiting import Missing, holds, settled, wait_for
 from workspace_probe import write
 
-PREFIX, PICTURES = os.environ["VORLI_PREFIX"], os.environ["VORLI_PICTURES"]
-LARGER_LETTERS = os.environ["VORLI_VARIANT"] == "3"
+PREFIX, PICTURES = sys.argv.pop(1), os.environ["VORLI_PICTURES"]
 BUILD_DEPENDENT = {"Community tab", "Check for updates", "Made by Kelvaran"}
 TABS = ["General tab", "Sneaky Apps tab", "Notifications tab", "Screen tab", "About tab"]
 BUTTONS = ["Minimise", "Close"]
@@ -48,8 +44,6 @@ def starts_at_login(identifier, name):
 
 class SettingsWindowTest(unittest.TestCase):
     def setUp(self):
-        if LARGER_LETTERS:
-            os.environ["QT_FONT_DPI"] = "120"
         self.vorli = Vorli(os.path.join(PREFIX, "bin", "vorli"), os.path.join(os.environ["HOME"], "vorli.log"))
         self.addCleanup(self.end)
         self.icon = TrayIcon()

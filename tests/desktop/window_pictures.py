@@ -81,7 +81,7 @@ class WindowPictures(unittest.TestCase):
         wait_for(lambda: not TrayIcon().items(), "a panel without the icon")
 
     def picture(self, sheet, state):
-        path = os.path.join(PICTURES, f"{state}-{NAME}.png")
+        path = os.path.join(PICTURES, f"{state}.png")
         middle = ("-gravity", "center", "-crop", "50%x50%+0+0", "+repage")  # beside it are shadow and desktop
 
         def has_its_lightness():

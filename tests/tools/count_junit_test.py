@@ -37,6 +37,15 @@ class CountJunit(unittest.TestCase):
     def test_a_skipped_test_has_failed(self):
         self.assertEqual(counted(case("run", "[  PASSED  ] 3 tests.\n[  SKIPPED ] 1 test, listed below:\n")), "3 1")
 
+    def test_a_suite_of_python_counts_the_tests_of_all_its_sessions(self):
+        self.assertEqual(counted(case("run", "Ran 5 tests in 2.1s\n\nOK\nRan 1 test in 0.1s\n\nOK\n")), "6 0")
+        self.assertEqual(counted(case("fail", "Ran 5 tests in 2.1s\n\nFAILED (failures=1, errors=2)\n"
+                                              "Ran 4 tests in 1.0s\n\nOK\n")), "6 3")
+        self.assertEqual(counted(case("run", "Ran 5 tests in 2.1s\n\nOK (skipped=1)\n")), "4 1")
+
+    def test_a_session_that_does_not_start_has_failed(self):
+        self.assertEqual(counted(case("fail", "Ran 5 tests in 2.1s\n\nOK\nno session\n")), "5 1")
+
     def test_a_program_that_dies_after_its_tests_has_failed(self):
         self.assertEqual(counted(case("fail", "[  PASSED  ] 10 tests.\nleaked\n")), "10 1")
         self.assertEqual(counted(case("fail", "[ RUN      ] A.b\n")), "0 1")

@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
-# check_packaging.sh PREFIX: checks that the installation there is complete and well-formed.
+# check_packaging.sh BUILD: checks that what this build tree installs is complete and well-formed.
 set -u
-prefix=$1 passed=0 failed=0
+prefix=$(mktemp -d) passed=0 failed=0
+trap 'rm -rf "$prefix"' EXIT
+cmake --install "$1" --strip --prefix "$prefix" >"$prefix/log" || { cat "$prefix/log" && exit 1; }
 
 check() { # check WHAT COMMAND...
   local what=$1

@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 """count_junit.py REPORT: prints "PASSED FAILED" for a report of ctest. A test that was not run counts as failed.
 
-A program of GoogleTest counts as many tests as its summary says, which it prints last. A skipped test in it counts as
-failed.
+A program of GoogleTest, or of Python's unittest, counts as many tests as its summaries say, which it prints last. A
+skipped test in it counts as failed.
 """
 
 import re
@@ -11,13 +11,23 @@ import xml.etree.ElementTree as ElementTree
 
 
 def summed(output, word):
-    """The number of tests in the lines `[  WORD  ] N tests`."""
+    """The number of tests in GoogleTest's lines `[  WORD  ] N tests`."""
     return sum(map(int, re.findall(rf"^\[  {word} +\] (\d+) tests?\b", output, re.MULTILINE)))
+
+
+def counts_of_python(output):
+    """PASSED and FAILED by Python's lines `Ran N tests in ...` and `FAILED (failures=1)` or `OK (skipped=1)`."""
+    ran = sum(map(int, re.findall(r"^Ran (\d+) tests? in ", output, re.MULTILINE)))
+    endings = "".join(re.findall(r"^(?:FAILED|OK) \(.*\)$", output, re.MULTILINE))
+    failed = sum(map(int, re.findall(r"\b(?:failures|errors|skipped|unexpected successes)=(\d+)", endings)))
+    return ran - failed, failed
 
 
 def counts_of(case):
     output = case.findtext("system-out") or ""
-    passed, failed = summed(output, "PASSED"), summed(output, "FAILED") + summed(output, "SKIPPED")
+    passed, failed = counts_of_python(output)
+    passed += summed(output, "PASSED")
+    failed += summed(output, "FAILED") + summed(output, "SKIPPED")
     if case.get("status") != "run":
         return passed, failed or 1  # it crashed, took too long or was not run
     if "[  PASSED  ] 0 tests." in output:

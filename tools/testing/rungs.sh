@@ -1,5 +1,4 @@
 # shellcheck shell=bash
-# shellcheck disable=SC2154  # stage and pictures come from installed.sh
 # shellcheck disable=SC2034  # needed_by_... and beside_... are read by ./test
 # Defines each rung of the test command, and the groups of tools/packages that it needs. What prepare_RUNG makes may be
 # made ahead, beside the tests of an earlier rung. A rung with beside_RUNG runs beside those after it. Sourced by ./test
@@ -45,19 +44,14 @@ rung_helper() {
 }
 
 needed_by_desktop=(build run unit desktop test fonts)
-# ctest runs the tests with their own programs and sessions; the other tests use the installed program.
 rung_desktop() {
-  local name file options
+  local pictures=build/pictures
   rm -rf "$pictures" && mkdir -p "$pictures"
   build dev vorli_plain_programs && build package || return
+  step "packaging" tools/testing/check_packaging.sh build/package
   ahead
-  ctest_step "parts in a desktop" dev --label-regex desktop --parallel 1
-  must "install for the tests" prepare_installed package || return
-  step "packaging" tools/testing/check_packaging.sh "$stage/prefix"
-  while IFS=$'\t' read -r name file options; do
-    step "$name" run_installed "$name" "$file" "$options"
-  done < <(installed_tests)
-  must "contact sheet of the pictures" contact_sheet
+  ctest_step "desktop sessions" dev --label-regex desktop --parallel 1
+  must "contact sheet of the pictures" tools/testing/make_contact_sheet "$pictures"
 }
 
 needed_by_elsewhere=(fonts elsewhere)

@@ -110,7 +110,7 @@ ctest_step() {
   report=${log%.log}.xml
   rm -f "$report"
   begin "$name"
-  ctest --preset "$preset" --parallel "$(nproc)" --timeout 120 --output-junit "$report" --test-output-size-passed 4096 \
+  ctest --preset "$preset" --parallel "$(nproc)" --timeout 120 --output-junit "$report" --test-output-size-passed 65536 \
     --test-output-truncation head "$@" >"$log" 2>&1 </dev/null
   counts=$(/usr/bin/python3 tools/testing/count_junit.py "$report") || counts="0 1"
   # shellcheck disable=SC2086
@@ -187,7 +187,6 @@ join() {
 leave() {
   end_ahead
   [ -z "${beside-}" ] || end_apart "$beside_session"
-  [ -z "${stage-}" ] || rm -rf "$stage"
 }
 
 close() {
