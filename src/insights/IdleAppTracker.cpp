@@ -20,7 +20,7 @@ constexpr std::size_t maxEntries = 200;
 constexpr double saveDelay = 30.0;
 
 // Reads a stored date; a number counts as seconds since 1970.
-std::optional<Date> dateFrom(const ports::StoredEntry& entry) {
+std::optional<Date> dateFrom(const StoredEntry& entry) {
   if (const auto* date = std::get_if<Date>(&entry)) return *date;
   if (const auto* number = std::get_if<std::int64_t>(&entry)) return Date{static_cast<double>(*number)};
   const auto* number = std::get_if<double>(&entry);
@@ -56,7 +56,7 @@ IdleAppTracker::IdleAppTracker(Scheduler& scheduler, const ports::CalendarClock&
 
 void IdleAppTracker::load() {
   const auto stored = defaults_.object(defaultsKey);
-  const auto* dictionary = stored ? std::get_if<ports::StoredDictionary>(&*stored) : nullptr;
+  const auto* dictionary = stored ? std::get_if<StoredDictionary>(&*stored) : nullptr;
   ActivationMap map;
   if (dictionary) {
     for (const auto& [identifier, entry] : *dictionary) {
@@ -98,7 +98,7 @@ void IdleAppTracker::scheduleSave() {
 Task<> IdleAppTracker::saveLater() {
   const auto slept = co_await sleepFor(scheduler_, saveDelay);
   if (slept == SleepResult::cancelled) co_return;
-  ports::StoredDictionary dictionary;
+  StoredDictionary dictionary;
   for (const auto& [identifier, date] : activationMap.get()) dictionary.emplace(identifier, date);
   defaults_.setObject(defaultsKey, std::move(dictionary));
 }

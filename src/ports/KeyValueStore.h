@@ -1,23 +1,11 @@
 #pragma once
 
-#include "base/Date.h"
+#include "base/StoredValue.h"
 
-#include <cstdint>
-#include <map>
 #include <optional>
 #include <string>
-#include <variant>
-#include <vector>
 
 namespace vorli::ports {
-
-/// Value of an entry in a stored dictionary.
-using StoredEntry = std::variant<bool, std::int64_t, double, std::string, Date>;
-using StoredDictionary = std::map<std::string, StoredEntry>;
-
-/// Value of a key.
-using StoredValue =
-    std::variant<bool, std::int64_t, double, std::string, Date, std::vector<std::string>, StoredDictionary>;
 
 /// The user's preferences, one value per key. An absent key differs from a stored false. A change can be read
 /// back at once and is written to disk soon after, atomically; the store logs a failed write and keeps the

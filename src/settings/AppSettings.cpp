@@ -14,7 +14,7 @@ std::optional<Date> AppSettings::lastAutoRefresh() const {
 }
 
 void AppSettings::setLastAutoRefresh(std::optional<Date> value) {
-  std::optional<ports::StoredValue> stored;
+  std::optional<StoredValue> stored;
   if (value) stored = *value;
   defaults_.setObject(lastAutoRefreshKey, std::move(stored));
 }

@@ -113,7 +113,7 @@ TEST_F(AppDelegateTest, aFirstLaunchIsNoBuildChange) {
   launch();
   scheduler.advance(10.0);
   EXPECT_EQ(log.count("Forced helper reinstall requested"), 0);
-  EXPECT_TRUE(defaults.values["vorli.lastLaunchedBuild"] == ports::StoredValue(std::string("7")));
+  EXPECT_TRUE(defaults.values["vorli.lastLaunchedBuild"] == StoredValue(std::string("7")));
 }
 
 TEST_F(AppDelegateTest, anotherBuildRenewsTheHelper) {

@@ -43,7 +43,7 @@ struct ProgramRun : fakes::FakeHost {
                  "Summary\n-------\nFatal signal SIGSEGV (11)\n\nStack trace\n-----------\nvorli 0x1\n");
   }
   bool isStored(const std::string& key) const {
-    return defaults.object(key) == std::optional(ports::StoredValue(true));
+    return defaults.object(key) == std::optional(StoredValue(true));
   }
 
   Services services{ports()};

@@ -93,7 +93,7 @@ TEST_F(CrashReportWindowTest, checkBoxSilencesTheKindAndTheReportIsStillFiled) {
   view->setSuppressFutureCrashes(true);
   view->dismiss();
   EXPECT_EQ(defaults.values["vorli.crash.suppressedSignatures"],
-            ports::StoredValue(std::vector<std::string>{signature}));
+            StoredValue(std::vector<std::string>{signature}));
   EXPECT_TRUE(files.contents.contains("/data/dismissed/2026-03-01T09-30-05.123Z.txt"));
 }
 

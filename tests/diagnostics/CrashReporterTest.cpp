@@ -112,7 +112,7 @@ TEST_F(CrashReporterTest, suppressedSignaturesAreASet) {
   reporter.suppress("c");
   reporter.suppress("a");
   EXPECT_EQ(defaults.values["vorli.crash.suppressedSignatures"],
-            ports::StoredValue(std::vector<std::string>{"a", "b", "c"}));
+            StoredValue(std::vector<std::string>{"a", "b", "c"}));
   EXPECT_THAT(
       log.lines(),
       ElementsAre(

@@ -9,13 +9,13 @@ namespace vorli::fakes {
 /// Preferences in memory.
 class KeyValueStore final : public ports::KeyValueStore {
  public:
-  std::optional<ports::StoredValue> object(const std::string& key) const override {
+  std::optional<StoredValue> object(const std::string& key) const override {
     const auto found = values.find(key);
     if (found == values.end()) return std::nullopt;
     return found->second;
   }
 
-  void setObject(const std::string& key, std::optional<ports::StoredValue> value) override {
+  void setObject(const std::string& key, std::optional<StoredValue> value) override {
     writes.push_back(key);
     if (value) {
       values.insert_or_assign(key, std::move(*value));
@@ -26,7 +26,7 @@ class KeyValueStore final : public ports::KeyValueStore {
 
   void synchronize() override { ++synchronizations; }
 
-  std::map<std::string, ports::StoredValue> values;
+  std::map<std::string, StoredValue> values;
   std::vector<std::string> writes;  // the keys, in order, removals included
   int synchronizations = 0;
 };

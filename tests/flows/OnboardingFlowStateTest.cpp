@@ -59,18 +59,18 @@ TEST_F(OnboardingFlowStateTest, theStepIsAssignedOnlyWhenItChanges) {
 TEST_F(OnboardingFlowStateTest, eachStepIsStoredWhenItIsPassed) {
   flow.begin(Preview::off);
   flow.completeHelperStep();
-  EXPECT_EQ(defaults.values.at("hasCompletedOnboarding"), ports::StoredValue(true));
+  EXPECT_EQ(defaults.values.at("hasCompletedOnboarding"), StoredValue(true));
   EXPECT_FALSE(defaults.values.contains("hasSeenDoneScreen"));
   flow.completeDoneStep();
-  EXPECT_EQ(defaults.values.at("hasSeenDoneScreen"), ports::StoredValue(true));
+  EXPECT_EQ(defaults.values.at("hasSeenDoneScreen"), StoredValue(true));
 }
 
 TEST_F(OnboardingFlowStateTest, aUserOfABuildWithoutFirstStepsSkipsThem) {
   defaults.values["vorli.lastLaunchedBuild"] = std::string("6");
   flow.begin(Preview::off);
   EXPECT_TRUE(flow.isSetupComplete());
-  EXPECT_EQ(defaults.values.at("hasCompletedOnboarding"), ports::StoredValue(true));
-  EXPECT_EQ(defaults.values.at("hasSeenDoneScreen"), ports::StoredValue(true));
+  EXPECT_EQ(defaults.values.at("hasCompletedOnboarding"), StoredValue(true));
+  EXPECT_EQ(defaults.values.at("hasSeenDoneScreen"), StoredValue(true));
 }
 
 TEST_F(OnboardingFlowStateTest, anUnfinishedFirstLaunchIsNotTakenForEarlierUse) {

@@ -1,24 +1,32 @@
-#include "linux/session/StoredValueText.h"
+#include "formats/StoredValueText.h"
 #include "tests/fuzz/Fuzz.h"
 
-using namespace vorli::linuxhost;
+using namespace vorli;
+using namespace vorli::formats;
 
 namespace {
 
 // A parsed value is written and parsed again as the same value.
-void check(const QVariant& stored) {
-  const auto value = fromIni(stored);
+void check(const std::vector<std::string>& texts) {
+  const auto value = parseStoredTexts(texts);
   if (!value) return;
-  const auto settled = fromIni(toIni(*value));  // a date keeps its microseconds and no more
+  const auto settled = parseStoredTexts(storedTexts(*value));  // a date keeps its microseconds and no more
   FUZZ_CHECK(settled && settled->index() == value->index());
-  FUZZ_CHECK(fromIni(toIni(*settled)) == settled);
+  FUZZ_CHECK(parseStoredTexts(storedTexts(*settled)) == settled);
 }
 
 }  // namespace
 
 /// Reads the bytes once as a text, and once as a list of texts, one on each line.
 void fuzz(std::string_view bytes) {
-  const auto text = QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
-  check(text);
-  check(text.split(QLatin1Char('\n')));
+  check({std::string(bytes)});
+  std::vector<std::string> lines{""};
+  for (const char c : bytes) {
+    if (c == '\n') {
+      lines.emplace_back();
+    } else {
+      lines.back() += c;
+    }
+  }
+  check(lines);
 }

@@ -11,14 +11,14 @@ struct BuildChangeTest : testing::Test {
   fakes::ApplicationBundle bundle;
   fakes::KeyValueStore defaults;
 
-  bool check(std::optional<std::string> current, std::optional<ports::StoredValue> stored) {
+  bool check(std::optional<std::string> current, std::optional<StoredValue> stored) {
     bundle.info.clear();
     if (current) bundle.info["CFBundleVersion"] = *current;
     defaults.setObject("vorli.lastLaunchedBuild", std::move(stored));
     defaults.writes.clear();
     const bool changed = buildChanged(bundle, defaults);
     EXPECT_EQ(defaults.writes, Calls{"vorli.lastLaunchedBuild"});
-    EXPECT_EQ(defaults.values.at("vorli.lastLaunchedBuild"), ports::StoredValue(current.value_or("")));
+    EXPECT_EQ(defaults.values.at("vorli.lastLaunchedBuild"), StoredValue(current.value_or("")));
     return changed;
   }
 };
@@ -37,7 +37,7 @@ TEST_F(BuildChangeTest, aMissingBuildIsStoredAsTheEmptyTextAndIsNoChangeNextTime
 }
 
 TEST_F(BuildChangeTest, aStoredValueThatIsNoTextCountsAsAbsent) {
-  EXPECT_FALSE(check("100", ports::StoredValue(std::int64_t{99})));
+  EXPECT_FALSE(check("100", StoredValue(std::int64_t{99})));
 }
 
 struct HelperLaunchTaskTest : HelperFixture {

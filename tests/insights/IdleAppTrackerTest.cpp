@@ -13,7 +13,6 @@ namespace {
 
 using ports::ActivationPolicy;
 using ports::ApplicationEvent;
-using ports::StoredDictionary;
 
 constexpr const char* key = "bundleLastActivation";
 constexpr double minute = 60.0;
@@ -86,8 +85,8 @@ TEST_F(IdleAppTrackerTest, aNumberIsStoredAsADateByTheNextSave) {
 }
 
 TEST_F(IdleAppTrackerTest, aValueThatIsNoDictionaryLoadsAsNothing) {
-  for (const ports::StoredValue& value : {ports::StoredValue(std::int64_t{5}), ports::StoredValue(start),
-                                          ports::StoredValue(std::string("com.example"))}) {
+  for (const StoredValue& value :
+       {StoredValue(std::int64_t{5}), StoredValue(start), StoredValue(std::string("com.example"))}) {
     defaults.values[key] = value;
     EXPECT_TRUE(startTracker().activationMap->empty());
   }

@@ -43,7 +43,7 @@ TEST_F(HotkeyRowTest, recordsTheModifiersInTheirFixedOrder) {
   EXPECT_EQ(combo(), "ctrl+opt+shift+cmd+K");
   EXPECT_FALSE(row.isRecording);
   EXPECT_EQ(keys.monitors, 0);
-  EXPECT_EQ(store.values.at("globalHotkeyCombo"), ports::StoredValue(std::string("ctrl+opt+shift+cmd+K")));
+  EXPECT_EQ(store.values.at("globalHotkeyCombo"), StoredValue(std::string("ctrl+opt+shift+cmd+K")));
 }
 
 TEST_F(HotkeyRowTest, aLetterWithoutAModifierIsTakenAndKeepsRecording) {

@@ -178,7 +178,7 @@ TEST_F(NudgeNotifierTest, aBrokenHelperIsReported) {
   EXPECT_TRUE(notice.identifier.starts_with("vorli.helperBroken."));
   EXPECT_EQ(notice.identifier.size(), 19u + 36u);
   EXPECT_TRUE(said(LogLevel::standard, "posted helper-broken notification with Open Settings action"));
-  EXPECT_EQ(store.values.at("vorli.helperBroken.lastNotifiedAt"), ports::StoredValue(calendar.now()));
+  EXPECT_EQ(store.values.at("vorli.helperBroken.lastNotifiedAt"), StoredValue(calendar.now()));
 }
 
 TEST_F(NudgeNotifierTest, aBrokenHelperIsNotReportedDuringSetup) {

@@ -103,7 +103,7 @@ TEST_F(PopoverPresentationTest, theFirstOpeningOfAnInstallationFillsTheRing) {
   store.values.erase("hasShownLaunchCeremony");
   fakes::publish(monitor.ringProgress, 0.6);
   appear();
-  EXPECT_EQ(store.values["hasShownLaunchCeremony"], ports::StoredValue(true));
+  EXPECT_EQ(store.values["hasShownLaunchCeremony"], StoredValue(true));
   const double start = now();
   EXPECT_EQ(view->animatedState.get(), RingState::warming);
   EXPECT_EQ(view->ringProgress(start), 0.0);

@@ -68,7 +68,7 @@ TEST_F(AppSettingsTest, aThresholdUnderOneLoadsAsSixtyAndStaysStored) {
     store.values["idleThresholdMinutes"] = stored;
     const AppSettings settings(store);
     EXPECT_EQ(settings.idleThresholdMinutes().get(), 60);
-    EXPECT_EQ(store.values.at("idleThresholdMinutes"), ports::StoredValue(stored));
+    EXPECT_EQ(store.values.at("idleThresholdMinutes"), StoredValue(stored));
   }
   store.values["idleThresholdMinutes"] = std::int64_t{1};
   EXPECT_EQ(AppSettings(store).idleThresholdMinutes().get(), 1);
@@ -78,7 +78,7 @@ TEST_F(AppSettingsTest, theThresholdsSetterStoresWhatItIsGiven) {
   AppSettings settings(store);
   settings.idleThresholdMinutes.set(-5);
   EXPECT_EQ(settings.idleThresholdMinutes().get(), -5);
-  EXPECT_EQ(store.values.at("idleThresholdMinutes"), ports::StoredValue(std::int64_t{-5}));
+  EXPECT_EQ(store.values.at("idleThresholdMinutes"), StoredValue(std::int64_t{-5}));
 }
 
 TEST_F(AppSettingsTest, valuesOfAnotherTypeLoadAsTheTypedReadGivesThem) {
@@ -114,18 +114,18 @@ TEST_F(AppSettingsTest, eachSetterWritesItsOwnKey) {
   settings.quitHiddenAppsOnClear.set(true);
   settings.dialPanel.set("light");
   settings.setLastAutoRefresh(Date{9.0});
-  const std::map<std::string, ports::StoredValue> expected{{"autoClear", true},
-                                                           {"gentleNudges", true},
-                                                           {"quietDuringFocus", false},
-                                                           {"hapticFeedback", false},
-                                                           {"edgeGlow", true},
-                                                           {"autoRefreshOnPressure", true},
-                                                           {"idleThresholdMinutes", std::int64_t{30}},
-                                                           {"globalHotkeyCombo", std::string("ctrl+P")},
-                                                           {"launchAtLogin", true},
-                                                           {"quitHiddenAppsOnClear", true},
-                                                           {"dialPanel", std::string("light")},
-                                                           {"lastAutoRefresh", Date{9.0}}};
+  const std::map<std::string, StoredValue> expected{{"autoClear", true},
+                                                    {"gentleNudges", true},
+                                                    {"quietDuringFocus", false},
+                                                    {"hapticFeedback", false},
+                                                    {"edgeGlow", true},
+                                                    {"autoRefreshOnPressure", true},
+                                                    {"idleThresholdMinutes", std::int64_t{30}},
+                                                    {"globalHotkeyCombo", std::string("ctrl+P")},
+                                                    {"launchAtLogin", true},
+                                                    {"quitHiddenAppsOnClear", true},
+                                                    {"dialPanel", std::string("light")},
+                                                    {"lastAutoRefresh", Date{9.0}}};
   EXPECT_EQ(store.values, expected);
   EXPECT_EQ(store.writes.size(), 12u);
 }
@@ -141,7 +141,7 @@ TEST_F(AppSettingsTest, observersHearOfAChangeBeforeItIsWritten) {
   settings.edgeGlow.set(true);
   EXPECT_EQ(heard, (std::vector<bool>{false, true}));
   EXPECT_FALSE(writtenWhenHeard);
-  EXPECT_EQ(store.values.at("edgeGlow"), ports::StoredValue(true));
+  EXPECT_EQ(store.values.at("edgeGlow"), StoredValue(true));
 }
 
 TEST_F(AppSettingsTest, aValueReplacedByAnObserverIsTheOneWritten) {
@@ -151,7 +151,7 @@ TEST_F(AppSettingsTest, aValueReplacedByAnObserverIsTheOneWritten) {
   });
   settings.launchAtLogin.set(true);
   EXPECT_FALSE(settings.launchAtLogin().get());
-  EXPECT_EQ(store.values.at("launchAtLogin"), ports::StoredValue(false));
+  EXPECT_EQ(store.values.at("launchAtLogin"), StoredValue(false));
 }
 
 TEST_F(AppSettingsTest, lastAutoRefreshLivesInTheStoreAlone) {

@@ -11,11 +11,11 @@ constexpr std::int64_t smallest = std::numeric_limits<std::int64_t>::min();
 constexpr std::int64_t largestInteger = std::numeric_limits<std::int64_t>::max();
 
 struct UserDefaultsTest : testing::Test {
-  bool boolOf(ports::StoredValue value) {
+  bool boolOf(StoredValue value) {
     store.values["key"] = std::move(value);
     return boolForKey(store, "key");
   }
-  std::int64_t integerOf(ports::StoredValue value) {
+  std::int64_t integerOf(StoredValue value) {
     store.values["key"] = std::move(value);
     return integerForKey(store, "key");
   }
@@ -65,9 +65,8 @@ TEST_F(UserDefaultsTest, aRealNumberLosesItsFractionAndIsHeldInRange) {
 }
 
 TEST_F(UserDefaultsTest, otherTypesReadAsFalseAndZero) {
-  for (const ports::StoredValue& value :
-       {ports::StoredValue(Date{1.0}), ports::StoredValue(std::vector<std::string>{"1"}),
-        ports::StoredValue(ports::StoredDictionary{{"a", Date{1.0}}})}) {
+  for (const StoredValue& value : {StoredValue(Date{1.0}), StoredValue(std::vector<std::string>{"1"}),
+                                   StoredValue(StoredDictionary{{"a", Date{1.0}}})}) {
     EXPECT_FALSE(boolOf(value));
     EXPECT_EQ(integerOf(value), 0);
   }

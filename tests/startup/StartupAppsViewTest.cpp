@@ -25,7 +25,7 @@ TEST_F(StartupAppsViewTest, everyVisitScansAndEndsWithItsDate) {
   settle();
   EXPECT_FALSE(defaults.object("vorli.startup.lastSneakyVisitAt"));
   view.disappear();
-  EXPECT_EQ(defaults.object("vorli.startup.lastSneakyVisitAt"), ports::StoredValue(calendar.now()));
+  EXPECT_EQ(defaults.object("vorli.startup.lastSneakyVisitAt"), StoredValue(calendar.now()));
 }
 
 TEST_F(StartupAppsViewTest, rowsStayNewDuringOneVisit) {

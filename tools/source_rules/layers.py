@@ -53,7 +53,7 @@ MAY_INCLUDE = {
     "ui/glow": ("base", "ports", "ui/glow"),
     "ui/light": ("base", "ambient", "ui/light"),
     "ui/popover": ("base", "ports", "ambient", "popover", "ui/kit", "ui/status", "ui/light", "ui/popover"),
-    "ui/linux": (*BELOW_THE_CORE, *CORE, "ui", "linux/X11Reply.h"),
+    "ui/linux": (*BELOW_THE_CORE, *CORE, "ui", "linux/BusDriverCall.h", "linux/X11Reply.h"),
     "ui/macos": (*BELOW_THE_CORE, *CORE, "ui", "macos/Observation.h", "macos/Text.h"),
     "main": ("",),
 }

@@ -1,21 +1,13 @@
 #include "linux/applications/BusNames.h"
 
+#include "linux/BusDriverCall.h"
+
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <algorithm>
 
 namespace vorli::linuxhost {
-namespace {
-
-const QString busName = QStringLiteral("org.freedesktop.DBus");
-const QString busPath = QStringLiteral("/org/freedesktop/DBus");
-
-QDBusMessage busCall(const char* method) {
-  return QDBusMessage::createMethodCall(busName, busPath, busName, QLatin1String(method));
-}
-
-}  // namespace
 
 std::string BusNames::applicationIDOf(std::string_view name) {
   const auto dash = name.rfind('-');
@@ -34,7 +26,8 @@ std::string BusNames::objectPathOf(std::string_view name) {
 
 BusNames::BusNames(Handlers handlers) : bus_(QDBusConnection::sessionBus()), handlers_(std::move(handlers)) {
   if (!bus_.isConnected()) return;
-  bus_.connect(busName, busPath, busName, QStringLiteral("NameOwnerChanged"), this,
+  bus_.connect(QLatin1String(bus::driver::service), QLatin1String(bus::driver::path),
+               QLatin1String(bus::driver::interface), QStringLiteral("NameOwnerChanged"), this,
                SLOT(ownerChanged(QString, QString, QString)));
   askForNames();
 }
@@ -44,7 +37,7 @@ void BusNames::ownerChanged(const QString& name, const QString&, const QString& 
 }
 
 void BusNames::askForNames() {
-  auto* answer = new QDBusPendingCallWatcher(bus_.asyncCall(busCall("ListNames")), this);
+  auto* answer = new QDBusPendingCallWatcher(bus_.asyncCall(busDriverCall("ListNames")), this);
   connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
     answer->deleteLater();
     const QDBusPendingReply<QStringList> names = *answer;
@@ -57,7 +50,7 @@ void BusNames::askForOwner(const QString& name) {
   if (name.startsWith(QLatin1Char(':'))) return;
   const auto applicationID = applicationIDOf(name.toStdString());
   if (!handlers_.isApplication(applicationID)) return;
-  auto ask = busCall("GetConnectionUnixProcessID");
+  auto ask = busDriverCall("GetConnectionUnixProcessID");
   ask << name;
   auto* answer = new QDBusPendingCallWatcher(bus_.asyncCall(ask), this);
   connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer, name, applicationID] {

@@ -1,5 +1,7 @@
 #include "linux/applications/TrayIconOwners.h"
 
+#include "linux/BusDriverCall.h"
+
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
@@ -51,9 +53,7 @@ void TrayIconOwners::askForItems() {
 
 void TrayIconOwners::askForOwner(const QString& busName) {
   if (busName.isEmpty()) return;
-  auto ask = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/"),
-                                            QStringLiteral("org.freedesktop.DBus"),
-                                            QStringLiteral("GetConnectionUnixProcessID"));
+  auto ask = busDriverCall("GetConnectionUnixProcessID");
   ask << busName;
   auto* answer = new QDBusPendingCallWatcher(bus_.asyncCall(ask), this);
   connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {

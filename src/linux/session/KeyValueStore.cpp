@@ -1,7 +1,7 @@
 #include "linux/session/KeyValueStore.h"
 
 #include "base/Logger.h"
-#include "linux/session/StoredValueText.h"
+#include "formats/StoredValueText.h"
 
 #include <QDir>
 #include <QFile>
@@ -9,6 +9,7 @@
 #include <QSettings>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QVariant>
 #include <cstdio>
 #include <string_view>
 
@@ -44,6 +45,20 @@ bool isWhole(const QString& path, const QStringList& keys) {
   if (!file.open(QIODevice::ReadOnly)) return false;
   const bool endsInLine = file.size() == 0 || (file.seek(file.size() - 1) && file.peek(1) == "\n");
   return endsInLine && QSettings(path, QSettings::IniFormat).allKeys() == keys;
+}
+
+QVariant toIni(const StoredValue& value) {
+  QStringList texts;
+  for (const auto& text : formats::storedTexts(value)) texts << QString::fromStdString(text);
+  return texts.size() == 1 ? QVariant(texts.first()) : QVariant(texts);
+}
+
+// QSettings reads a list of one text as that text.
+std::optional<StoredValue> fromIni(const QVariant& stored) {
+  std::vector<std::string> texts;
+  for (const auto& text : stored.toStringList()) texts.push_back(text.toStdString());
+  if (texts.empty()) texts.push_back(stored.toString().toStdString());
+  return formats::parseStoredTexts(texts);
 }
 
 bool moveOver(const QString& from, const QString& to) {
@@ -104,13 +119,13 @@ void KeyValueStore::load() {
   for (const auto& key : settings.allKeys()) values_.insert(key, settings.value(key));
 }
 
-std::optional<ports::StoredValue> KeyValueStore::object(const std::string& key) const {
+std::optional<StoredValue> KeyValueStore::object(const std::string& key) const {
   const auto stored = values_.value(QString::fromStdString(key));
   if (!stored.isValid()) return std::nullopt;
-  return fromIni(stored).value_or(ports::StoredDictionary());
+  return fromIni(stored).value_or(StoredDictionary());
 }
 
-void KeyValueStore::setObject(const std::string& key, std::optional<ports::StoredValue> value) {
+void KeyValueStore::setObject(const std::string& key, std::optional<StoredValue> value) {
   const auto name = QString::fromStdString(key);
   const auto stored = value ? toIni(*value) : QVariant();
   if (stored == values_.value(name) && !unwritten_.contains(name)) return;  // a write waits for the disk

@@ -26,8 +26,8 @@ class KeyValueStore final : public ports::KeyValueStore {
   /// `Vorli/Vorli.ini` in the user's configuration folder.
   static std::string defaultFile();
 
-  std::optional<ports::StoredValue> object(const std::string& key) const override;
-  void setObject(const std::string& key, std::optional<ports::StoredValue> value) override;
+  std::optional<StoredValue> object(const std::string& key) const override;
+  void setObject(const std::string& key, std::optional<StoredValue> value) override;
   void synchronize() override;
 
  private:

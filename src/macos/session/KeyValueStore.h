@@ -7,8 +7,8 @@ namespace vorli::machost {
 /// The user's defaults, which the system keeps in the program's own domain and writes to disk.
 class KeyValueStore final : public ports::KeyValueStore {
  public:
-  std::optional<ports::StoredValue> object(const std::string& key) const override;
-  void setObject(const std::string& key, std::optional<ports::StoredValue> value) override;
+  std::optional<StoredValue> object(const std::string& key) const override;
+  void setObject(const std::string& key, std::optional<StoredValue> value) override;
   void synchronize() override;
 };
 

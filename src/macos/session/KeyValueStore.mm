@@ -5,13 +5,13 @@
 
 namespace vorli::machost {
 
-std::optional<ports::StoredValue> KeyValueStore::object(const std::string& key) const {
+std::optional<StoredValue> KeyValueStore::object(const std::string& key) const {
   const id object = [NSUserDefaults.standardUserDefaults objectForKey:stringOf(key)];
   if (!object) return std::nullopt;
-  return storedValue(object).value_or(ports::StoredDictionary());
+  return storedValue(object).value_or(StoredDictionary());
 }
 
-void KeyValueStore::setObject(const std::string& key, std::optional<ports::StoredValue> value) {
+void KeyValueStore::setObject(const std::string& key, std::optional<StoredValue> value) {
   NSUserDefaults* const defaults = NSUserDefaults.standardUserDefaults;
   if (value) {
     [defaults setObject:objectOf(*value) forKey:stringOf(key)];

@@ -12,35 +12,34 @@ namespace vorli::machost {
 
 namespace {
 
-std::optional<ports::StoredEntry> storedNumber(NSNumber* number) {
+std::optional<StoredEntry> storedNumber(NSNumber* number) {
   // Booleans are numbers as well: only the type of the underlying object distinguishes them.
   const auto raw = (__bridge CFTypeRef)number;
-  if (CFGetTypeID(raw) == CFBooleanGetTypeID())
-    return ports::StoredEntry(static_cast<bool>(number.boolValue));
-  if (CFNumberIsFloatType((__bridge CFNumberRef)number)) return ports::StoredEntry(number.doubleValue);
-  return ports::StoredEntry(std::int64_t{number.longLongValue});
+  if (CFGetTypeID(raw) == CFBooleanGetTypeID()) return StoredEntry(static_cast<bool>(number.boolValue));
+  if (CFNumberIsFloatType((__bridge CFNumberRef)number)) return StoredEntry(number.doubleValue);
+  return StoredEntry(std::int64_t{number.longLongValue});
 }
 
-std::optional<ports::StoredEntry> storedEntry(id object) {
+std::optional<StoredEntry> storedEntry(id object) {
   if ([object isKindOfClass:NSNumber.class]) return storedNumber(static_cast<NSNumber*>(object));
   if ([object isKindOfClass:NSDate.class])
-    return ports::StoredEntry(Date{static_cast<NSDate*>(object).timeIntervalSince1970});
-  if (auto text = textIn(object)) return ports::StoredEntry(*std::move(text));
+    return StoredEntry(Date{static_cast<NSDate*>(object).timeIntervalSince1970});
+  if (auto text = textIn(object)) return StoredEntry(*std::move(text));
   return std::nullopt;
 }
 
-std::optional<ports::StoredValue> storedTexts(NSArray* array) {
+std::optional<StoredValue> storedTexts(NSArray* array) {
   std::vector<std::string> texts;
   for (id object in array) {
     auto text = textIn(object);
     if (!text) return std::nullopt;
     texts.push_back(*std::move(text));
   }
-  return ports::StoredValue(std::move(texts));
+  return StoredValue(std::move(texts));
 }
 
-ports::StoredDictionary storedDictionary(NSDictionary* dictionary) {
-  ports::StoredDictionary entries;
+StoredDictionary storedDictionary(NSDictionary* dictionary) {
+  StoredDictionary entries;
   for (id key in dictionary) {
     const auto name = textIn(key);
     auto entry = storedEntry(dictionary[key]);
@@ -75,7 +74,7 @@ id objectFor(const std::vector<std::string>& texts) {
   return array;
 }
 
-id objectFor(const ports::StoredDictionary& entries) {
+id objectFor(const StoredDictionary& entries) {
   NSMutableDictionary* const dictionary = [[NSMutableDictionary alloc] init];
   for (const auto& [key, entry] : entries)
     dictionary[stringOf(key)] = std::visit([](const auto& value) { return objectFor(value); }, entry);
@@ -84,15 +83,15 @@ id objectFor(const ports::StoredDictionary& entries) {
 
 }  // namespace
 
-std::optional<ports::StoredValue> storedValue(id object) {
+std::optional<StoredValue> storedValue(id object) {
   if ([object isKindOfClass:NSArray.class]) return storedTexts(static_cast<NSArray*>(object));
   if ([object isKindOfClass:NSDictionary.class]) return storedDictionary(static_cast<NSDictionary*>(object));
   const auto entry = storedEntry(object);
   if (!entry) return std::nullopt;
-  return std::visit([](const auto& value) { return ports::StoredValue(value); }, *entry);
+  return std::visit([](const auto& value) { return StoredValue(value); }, *entry);
 }
 
-id objectOf(const ports::StoredValue& value) {
+id objectOf(const StoredValue& value) {
   return std::visit([](const auto& held) { return objectFor(held); }, value);
 }
 

@@ -1,5 +1,6 @@
 #include "ui/linux/StatusNotifierItem.h"
 
+#include "linux/BusDriverCall.h"
 #include "ui/linux/DBusMenu.h"
 #include "ui/linux/DBusPropertyCalls.h"
 
@@ -55,9 +56,7 @@ StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, GestureHandler handl
   bus_.registerVirtualObject(QLatin1String(path), this, QDBusConnection::SingleNode);
   // Does not use registerService(), which waits for the bus. The bus handles this request before any later
   // one.
-  auto request = QDBusMessage::createMethodCall(
-      QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-      QStringLiteral("org.freedesktop.DBus"), QStringLiteral("RequestName"));
+  auto request = linuxhost::busDriverCall("RequestName");
   constexpr uint doNotQueue = 4;
   request << serviceName() << doNotQueue;
   bus_.send(request);

@@ -1,6 +1,7 @@
 #include "ui/linux/StatusNotifierWatcher.h"
 
 #include "base/Logger.h"
+#include "linux/BusDriverCall.h"
 #include "ui/linux/DBusCalls.h"
 
 #include <QDBusVariant>
@@ -33,9 +34,7 @@ StatusNotifierWatcher::StatusNotifierWatcher(QDBusConnection bus, std::function<
   }
   QObject::connect(&names_, &QDBusServiceWatcher::serviceOwnerChanged, &names_,
                    [this](const QString&, const QString&, const QString& owner) { ownerIs(owner); });
-  auto ask = QDBusMessage::createMethodCall(
-      QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-      QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"));
+  auto ask = linuxhost::busDriverCall("GetNameOwner");
   ask << watcherName;
   callAsync(bus_, ask, &names_, [this](const QDBusMessage& reply) {
     if (presence_ != Presence::unknown || !owner_.isEmpty()) return;  // a change of owner came first

@@ -1,5 +1,6 @@
 #include "ui/linux/UserNotificationCenter.h"
 
+#include "linux/BusDriverCall.h"
 #include "ui/linux/DBusCalls.h"
 
 #include <QMetaObject>
@@ -97,9 +98,7 @@ void UserNotificationCenter::add(ports::NotificationRequest request,
 // Asks the bus, because Qt does not say which address a reply came from. A signal names its sender's.
 void UserNotificationCenter::askForServer(const ports::NotificationRequest& request,
                                           const QStringList& capabilities, const PostReply& reply) {
-  auto question = QDBusMessage::createMethodCall(
-      QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-      QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"));
+  auto question = linuxhost::busDriverCall("GetNameOwner");
   question << service;
   callAsync(bus_, question, &context_, [this, request, capabilities, reply](const QDBusMessage& answer) {
     if (!isReply(answer)) return posted(answer, {}, request.categoryIdentifier, reply);

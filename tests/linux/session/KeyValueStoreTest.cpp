@@ -17,8 +17,6 @@ namespace vorli {
 namespace {
 
 using linuxhost::KeyValueStore;
-using ports::StoredDictionary;
-using ports::StoredValue;
 
 struct KeyValueStoreTest : testing::Test {
   void SetUp() override {

@@ -10,8 +10,6 @@ namespace vorli::machost {
 namespace {
 
 using macfake::machine;
-using ports::StoredDictionary;
-using ports::StoredValue;
 
 TEST(KeyValueStoreTest, everyKindOfValueIsReadBackAsItself) {
   const std::pair<const char*, StoredValue> values[] = {
