@@ -105,7 +105,7 @@ StoredDictionary parseDictionary(const std::vector<std::string>& texts) {
   return dictionary;
 }
 
-std::string joined(const std::vector<std::string>& texts) {
+std::string withCommas(const std::vector<std::string>& texts) {
   std::string all = texts.front();
   for (std::size_t i = 1; i < texts.size(); ++i) all += ", " + texts[i];
   return all;
@@ -124,7 +124,7 @@ std::optional<StoredValue> parseStoredTexts(const std::vector<std::string>& text
   if (first == dictionaryMark) return parseDictionary(texts);
   if (texts.size() > 1) {
     if (first.starts_with('@')) return std::nullopt;
-    return joined(texts);
+    return withCommas(texts);
   }
   const auto entry = parseEntry(first);
   if (!entry) return std::nullopt;
