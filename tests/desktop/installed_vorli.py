@@ -1,4 +1,7 @@
-"""installed_vorli.py PREFIX: the installed program in a whole desktop, with its real daemon, as a user sees it from start to end."""
+"""installed_vorli.py PREFIX: the installed program in a whole desktop, with its real daemon.
+
+What a user sees of it from start to end.
+"""
 
 import os
 import subprocess

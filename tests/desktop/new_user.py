@@ -1,4 +1,7 @@
-"""new_user.py PREFIX: a new user's way from the first start, with a daemon that is not registered yet and an administrator to ask."""
+"""new_user.py PREFIX: a new user's way from the first start.
+
+The daemon is not registered yet, and there is an administrator to ask.
+"""
 
 import os
 import shutil

@@ -43,6 +43,15 @@ class CountJunit(unittest.TestCase):
                                               "Ran 4 tests in 1.0s\n\nOK\n")), "6 3")
         self.assertEqual(counted(case("run", "Ran 5 tests in 2.1s\n\nOK (skipped=1)\n")), "4 1")
 
+    def test_a_test_that_fails_twice_takes_none_from_the_others(self):
+        self.assertEqual(counted(case("fail", "Ran 1 test in 2.1s\n\nFAILED (failures=1, errors=1)\n"
+                                              "Ran 4 tests in 1.0s\n\nOK\n")), "4 2")
+        self.assertEqual(counted(case("fail", "Ran 0 tests in 2.1s\n\nFAILED (errors=1)\n")), "0 1")
+
+    def test_a_session_without_a_test_has_failed(self):
+        self.assertEqual(counted(case("run", "Ran 0 tests in 0.0s\n\nOK\n")), "0 1")
+        self.assertEqual(counted(case("run", "Ran 0 tests in 0.0s\n\nOK\nRan 4 tests in 1.0s\n\nOK\n")), "4 1")
+
     def test_a_session_that_does_not_start_has_failed(self):
         self.assertEqual(counted(case("fail", "Ran 5 tests in 2.1s\n\nOK\nno session\n")), "5 1")
 

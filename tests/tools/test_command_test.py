@@ -3,6 +3,7 @@
 
 import os
 import pathlib
+import pty
 import shutil
 import signal
 import subprocess
@@ -24,6 +25,8 @@ STEPS = {"first": "true", "prepared": "true", "elsewhere": 'step "there" true', 
 
 class TestCommand(unittest.TestCase):
     def setUp(self):
+        signal.alarm(100)  # ends this process
+        self.addCleanup(signal.alarm, 0)
         self.tree = pathlib.Path(tempfile.mkdtemp())
         self.addCleanup(shutil.rmtree, self.tree)
         shutil.copytree(ROOT / "tools/testing", self.tree / "tools/testing")
@@ -35,8 +38,11 @@ class TestCommand(unittest.TestCase):
         path.write_text(text)
         return path
 
-    def start(self, *rungs, **steps):
+    def write_rungs(self, **steps):
         self.write("tools/testing/rungs.sh", RUNGS % (STEPS | steps))
+
+    def start(self, *rungs, **steps):
+        self.write_rungs(**steps)
         return subprocess.Popen(["./test", *rungs], cwd=self.tree, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                                 text=True)
 
@@ -82,6 +88,24 @@ class TestCommand(unittest.TestCase):
         status, said = self.run_rungs("elsewhere", "asan", elsewhere='step "there" true; kill -KILL $$')
         self.assertEqual((status, said.splitlines()[-2:]), (1, ["failed: elsewhere", "1 passed, 1 failed"]))
 
+    def test_failures_on_both_sides_are_named(self):
+        status, said = self.run_rungs("elsewhere", "asan", elsewhere='step "there" true; kill -KILL $$', second="false")
+        self.assertEqual((status, said.splitlines()[-3:]),
+                         (1, ["failed: second", "failed: elsewhere", "0 passed, 2 failed"]))
+
+    def test_a_rung_that_fails_after_good_counts_has_failed(self):
+        status, said = self.run_rungs("elsewhere", "asan", elsewhere='step "there" true; trap "exit 1" EXIT')
+        self.assertEqual((status, said.splitlines()[-2:]), (1, ["failed: elsewhere", "2 passed, 1 failed"]))
+
+    def test_each_named_rung_runs_once_and_in_the_one_order(self):
+        status, said = self.run_rungs("asan", "elsewhere", "static", "asan")
+        self.assertEqual((status, [line.split(",")[0] for line in said.splitlines() if line.startswith("== ")]),
+                         (0, ["== static", "== elsewhere", "== asan", "== elsewhere"]))
+
+    def test_a_suite_of_python_that_fails_before_its_first_test_has_failed(self):
+        status, said = self.run_rungs("asan", second='sh -c "echo Ran 0 tests in 0s; echo; echo FAILED \\(errors=1\\)"')
+        self.assertEqual((status, said.splitlines()[-1]), (1, "0 passed, 1 failed"))
+
     def test_a_preparation_that_fails_leaves_its_rung_out(self):
         status, said = self.run_rungs("elsewhere", elsewhere='step "there" true', prepared="false")
         self.assertEqual((status, said.splitlines()[-2:]), (1, ["failed: prepared there", "0 passed, 1 failed"]))
@@ -93,22 +117,39 @@ class TestCommand(unittest.TestCase):
 
     def test_later_rungs_are_prepared_ahead(self):
         os.mkfifo(self.tree / "pipe")
-        # The first step waits for what comes before its end only if it is done ahead.
+        # The first step ends only once the later rung has been prepared.
         status, said = self.run_rungs("static", "elsewhere", first="cat pipe",
                                       prepared='sh -c "test -e made || { touch made; echo >pipe; }"')
         self.assertEqual((status, said.splitlines()[-1]), (0, "2 passed, 0 failed"), said)
 
     def test_everything_ends_with_the_command(self):
+        for end in (signal.SIGTERM, signal.SIGKILL):
+            running, other = self.tree / f"running-{end}", self.tree / f"other-{end}"
+            os.mkfifo(running)
+            os.mkfifo(other)
+            command = self.start("elsewhere", "asan",
+                                 elsewhere=f'step "there" sh -c "exec >{running}; sleep 1000"',
+                                 second=f'sh -c "exec >{other}; sleep 1000"')
+            with open(running, encoding="utf-8") as pipe, open(other, encoding="utf-8") as other_pipe:
+                command.send_signal(end)
+                command.wait(timeout=60)
+                # A pipe ends with the last process that has it open.
+                self.assertEqual((pipe.read(), other_pipe.read()), ("", ""))
+            command.stdout.close()
+
+    def test_the_keys_of_a_terminal_end_everything(self):
         running = self.tree / "running"
         os.mkfifo(running)
-        command = self.start("elsewhere", "asan", elsewhere='step "there" sh -c "exec >running; sleep 1000"',
-                             second="sleep 1000")
+        self.write_rungs(second=f'sh -c "exec >{running}; sleep 1000"')
+        child, terminal = pty.fork()
+        if child == 0:
+            os.chdir(self.tree)
+            os.execv("./test", ["./test", "asan"])
         with open(running, encoding="utf-8") as pipe:
-            command.send_signal(signal.SIGTERM)
-            command.wait(timeout=60)
-            # The pipe ends with the last process that has it open.
+            os.write(terminal, b"\x03")
             self.assertEqual(pipe.read(), "")
-        command.stdout.close()
+        os.waitpid(child, 0)
+        os.close(terminal)
 
 
 if __name__ == "__main__":

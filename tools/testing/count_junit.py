@@ -16,11 +16,14 @@ def summed(output, word):
 
 
 def counts_of_python(output):
-    """PASSED and FAILED by Python's lines `Ran N tests in ...` and `FAILED (failures=1)` or `OK (skipped=1)`."""
-    ran = sum(map(int, re.findall(r"^Ran (\d+) tests? in ", output, re.MULTILINE)))
-    endings = "".join(re.findall(r"^(?:FAILED|OK) \(.*\)$", output, re.MULTILINE))
-    failed = sum(map(int, re.findall(r"\b(?:failures|errors|skipped|unexpected successes)=(\d+)", endings)))
-    return ran - failed, failed
+    """PASSED and FAILED by the endings of Python's suites: `Ran N tests in ...`, then `FAILED (failures=1)` or `OK`."""
+    passed = failed = 0
+    for count, rest in re.findall(r"^Ran (\d+) tests? in (.*?)(?=^Ran \d|\Z)", output, re.MULTILINE | re.DOTALL):
+        ending = "".join(re.findall(r"^(?:FAILED|OK) \(.*\)$", rest, re.MULTILINE))
+        bad = sum(map(int, re.findall(r"\b(?:failures|errors|skipped|unexpected successes)=(\d+)", ending)))
+        passed += max(int(count) - bad, 0)  # a test may fail and then its cleaning up, too
+        failed += bad or int(count == "0")
+    return passed, failed
 
 
 def counts_of(case):

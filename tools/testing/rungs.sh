@@ -55,19 +55,17 @@ rung_desktop() {
 }
 
 needed_by_elsewhere=(fonts elsewhere)
-# Its tests mostly wait.
+# Tests there mostly wait.
 beside_elsewhere=yes
 prepare_elsewhere() {
-  # Three builds, which a slow machine needs half an hour for.
-  must "another release of Debian" tools/testing/elsewhere make &&
-    VORLI_STEP_SECONDS=${VORLI_STEP_SECONDS:-3600} must "build there" tools/testing/elsewhere build
+  must "another release of Debian" tools/testing/elsewhere make && must "build there" tools/testing/elsewhere build
 }
 rung_elsewhere() {
   step "core on fakes there" tools/testing/elsewhere core
   step "unit tests there" tools/testing/elsewhere unit
   step "daemon's client there" tools/testing/elsewhere client
   step "promises of the root daemon there" tools/testing/elsewhere promises
-  VORLI_STEP_SECONDS=3600 step "first minutes there" tools/testing/elsewhere minutes
+  step "first minutes there" tools/testing/elsewhere minutes
   step "visit there" tools/testing/elsewhere visit
   step "installation and removal there" tools/testing/elsewhere removal
 }

@@ -6,6 +6,10 @@
 logs=$PWD/build/logs
 passed=0 failed=0
 failures=()
+ahead='' beside=''
+# The keys of a terminal interrupt only what is in its foreground.
+foreground=()
+[ ! -t 2 ] || foreground=(--foreground)
 mkdir -p "$logs"
 
 # begin NAME: prints the name of the running step on a terminal.
@@ -42,19 +46,16 @@ counts_of() {
     /^[0-9]+ passed, [0-9]+ failed$/ { print $1, $3 + 0 }
     /^Ran [0-9]+ tests? in / { ran = $2 }
     /^OK/ && ran { print ran, 0 }
-    /^FAILED \(/ && ran { gsub(/[^0-9]+/, " "); bad = $1 + $2; print ran - bad, bad }'
+    /^FAILED \(/ { gsub(/[^0-9]+/, " "); bad = $1 + $2; print (ran > bad ? ran - bad : 0), bad }'
 }
 
-# bounded COMMAND...: ends the command after a time limit. Shell functions have their own limits.
+# bounded COMMAND...: ends the command after a time limit, which only a hanging one reaches, and with this shell.
 bounded() {
-  if [ "$(type -t "$1")" = function ]; then
-    "$@"
-  else
-    timeout --kill-after=10 "${VORLI_STEP_SECONDS:-1200}" "$@"
-    local status=$?
-    [ $status != 124 ] && [ $status != 137 ] || echo "This took too long and was ended."
-    return $status
-  fi
+  local status
+  setpriv --pdeathsig TERM timeout "${foreground[@]}" --kill-after=10 "${VORLI_STEP_SECONDS:-2400}" "$@"
+  status=$?
+  [ $status != 124 ] && [ $status != 137 ] || echo "This took too long and was ended."
+  return $status
 }
 
 # step NAME COMMAND...: runs one test, or as many as its log counts.
@@ -110,7 +111,7 @@ ctest_step() {
   report=${log%.log}.xml
   rm -f "$report"
   begin "$name"
-  ctest --preset "$preset" --parallel "$(nproc)" --timeout 120 --output-junit "$report" --test-output-size-passed 65536 \
+  setpriv --pdeathsig TERM ctest --preset "$preset" --parallel "$(nproc)" --timeout 120 --output-junit "$report" --test-output-size-passed 65536 \
     --test-output-truncation head "$@" >"$log" 2>&1 </dev/null
   counts=$(/usr/bin/python3 tools/testing/count_junit.py "$report") || counts="0 1"
   # shellcheck disable=SC2086
@@ -130,7 +131,7 @@ apart() {
     >"$log" 2>&1 </dev/null &
 }
 
-# end_apart SESSION: ends it, if it has not ended by itself. Its number may belong to somebody else then.
+# end_apart SESSION: ends it. Once it has ended by itself, its number may belong to somebody else.
 end_apart() {
   jobs -rp | grep -qx "$1" || return 0
   # A compiler that is told to end removes the file that it has begun.
@@ -152,33 +153,34 @@ ahead() {
 }
 
 end_ahead() {
-  [ -z "${ahead-}" ] || end_apart "$ahead"
+  [ -z "$ahead" ] || end_apart "$ahead"
   ahead=''
 }
 
 # beside RUNG: begins a rung beside the next ones, as a test command of its own.
 beside() {
   printf '  runs beside the next ones\n'
-  apart "$(log_of "$1")" ./test "$1"
+  apart "$(log_of "$1")" env VORLI_SET_UP=done ./test "$1"
   beside=$1 beside_session=$!
 }
 
 # join: waits for the rung that runs beside the others, shows its lines and adds its counts.
 join() {
-  local log good bad failure
-  [ -n "${beside-}" ] || return 0
+  local log good bad failure status=0 known=${#failures[@]}
+  [ -n "$beside" ] || return 0
   log=$(log_of "$beside")
-  wait "$beside_session"
+  wait "$beside_session" || status=1
   echo "== $beside, until $((SECONDS / 60)) min"
   # A command that was ended has said neither its counts nor what failed.
   read -r good bad < <(counts_of "$log" | grep . || echo "0 1")
+  [ "$bad" != 0 ] || bad=$status
   if grep -q '^== ' "$log"; then
     sed '0,/^== /d; /^$/,$d' "$log"
   else
     cat "$log"
   fi
   while IFS= read -r failure; do failures+=("$failure"); done < <(sed -n 's/^failed: //p' "$log")
-  [ "$bad" = 0 ] || [ ${#failures[@]} -gt 0 ] || failures=("$beside")
+  [ "$bad" = 0 ] || [ ${#failures[@]} -gt "$known" ] || failures+=("$beside")
   passed=$((passed + good)) failed=$((failed + bad))
   beside=''
 }
@@ -186,7 +188,7 @@ join() {
 # Ends what still runs beside this shell.
 leave() {
   end_ahead
-  [ -z "${beside-}" ] || end_apart "$beside_session"
+  [ -z "$beside" ] || end_apart "$beside_session"
 }
 
 close() {

@@ -212,12 +212,19 @@ class Sandbox:
             self.polkitd.wait()
             self.polkitd = None
 
-    def owner_of(self, name):
+    @staticmethod
+    def _ask_bus(method, name):
         done = subprocess.run(
             ["/usr/bin/dbus-send", f"--bus=unix:path={SOCKET}", "--print-reply=literal", "--reply-timeout=2000",
-             "--dest=org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus.GetNameOwner",
+             "--dest=org.freedesktop.DBus", "/org/freedesktop/DBus", f"org.freedesktop.DBus.{method}",
              f"string:{name}"], capture_output=True, text=True)
-        return done.stdout.strip() if done.returncode == 0 else None
+        return done.stdout.split()[-1] if done.returncode == 0 else None
+
+    def owner_of(self, name):
+        return self._ask_bus("GetNameOwner", name)
+
+    def pid_of(self, name):
+        return int(self._ask_bus("GetConnectionUnixProcessID", name))
 
     def helper_pids(self):
         """Processes that run the daemon's program, replaced or not."""

@@ -153,7 +153,9 @@ def newer_is_noticed(rung, script):
         rung.equal(f"installed {way}: its exit", install(), 0)
         rung.equal("the build that is installed", build_of(HELPER), new)
         call(box, "Ping")
-        rung.equal("the build that answers", [build_of(f"/proc/{pid}/exe") for pid in box.helper_pids()], [new])
+        answering = box.pid_of(NAME)
+        rung.equal("the build that answers", build_of(f"/proc/{answering}/exe"), new)
+        wait_for(lambda: box.helper_pids() == [answering], "what was replaced has left")
         calls.terminate()  # prints how many were lost, and ends
         figures = finish_tool(calls)
         rung.equal(f"of {figures['count']:.0f} calls meanwhile, lost", figures["lost"], 0)
