@@ -72,7 +72,7 @@ class DailyLifeTest(unittest.TestCase):
         act()
         wait_for(lambda: self.answers("purgeMemory"), "the answer to purgeMemory", LONGEST_PURGE)
         self.assertEqual((self.answers("flushDNS"), self.answers("purgeMemory")), (1, 1))
-        self.assertEqual(self.vorli.reply("flushDNS")["exitCode"], 0)
+        self.assertEqual(self.vorli.reply("flushDNS")["exitCode"], 0, self.vorli.reply("flushDNS"))
         # A machine that writes files back slowly also purges its memory slowly.
         self.assertIn(self.vorli.reply("purgeMemory")["exitCode"], (0, 110))
 

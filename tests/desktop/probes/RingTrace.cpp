@@ -5,6 +5,8 @@
 #include "main/LinuxProgram.h"
 #include "sampling/SystemMonitor.h"
 
+#include <algorithm>
+#include <array>
 #include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
@@ -54,16 +56,24 @@ struct TappedMemory final : ports::MemoryCounters {
   std::unique_ptr<ports::MemoryCounters> real;
 };
 
+/// Leaves out the load that is there at the start beyond what the processors can do: at twice that load the
+/// ring is full, and shows no change.
 struct TappedCPU final : ports::CPUCounters {
-  explicit TappedCPU(std::unique_ptr<ports::CPUCounters> real) : real(std::move(real)) {}
+  explicit TappedCPU(std::unique_ptr<ports::CPUCounters> counters) : real(std::move(counters)) {
+    std::array<double, 3> averages{};
+    real->readLoadAverages(averages);
+    leftOut = std::max(averages[0] - real->activeProcessorCount(), 0.0);
+  }
   std::optional<ports::CPUTicks> readTicks() override { return tick.cpu = real->readTicks(); }
   void readLoadAverages(std::span<double, 3> averages) override {
     real->readLoadAverages(averages);
+    for (double& average : averages) average = std::max(average - leftOut, 0.0);
     std::copy(averages.begin(), averages.end(), tick.load.begin());
   }
   int activeProcessorCount() override { return tick.cores = real->activeProcessorCount(); }
   int processorCount() override { return real->processorCount(); }
   std::unique_ptr<ports::CPUCounters> real;
+  double leftOut = 0.0;
 };
 
 struct TappedThermal final : ports::ThermalSensors {
