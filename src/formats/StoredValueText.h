@@ -14,11 +14,11 @@ namespace vorli::formats {
 //   true  60  0.5  opt+shift+C  "@String 60"  "@Date 1700000000.25"  "@Strings, a, b"
 //   "@Dictionary, key, @Date 1700000000.25, other key, 60"
 
-/// Never empty; a single text unless the value is a list or a dictionary with something in it. A number that
-/// is not finite becomes a text.
+/// Returns the texts for a value: never empty, and a single one unless the value is a list or a dictionary
+/// with something in it. A number that is not finite becomes a text.
 std::vector<std::string> storedTexts(const StoredValue& value);
 
-/// Parses a stored text, which may be an empty one, or list. Empty for a malformed value with a mark; a
+/// Parses a stored text, which may be "", or a stored list. Empty for a malformed value with a mark; a
 /// dictionary loses only its malformed entries. A list without a mark is one text with commas.
 std::optional<StoredValue> parseStoredTexts(const std::vector<std::string>& texts);
 

@@ -24,7 +24,7 @@ _SLEEP_IN_TEST = {
         r"\bsleep\(|\btime\.sleep\b|^\s*from time import .*\bsleep\b|\bimport time as\b|\bselect\(\[\], \[\], \[\]"
         r"|\bEvent\(\)\.wait\(|\bsigtimedwait\(|\b(?:run|call|check_call|command|system)\(\[?\"[/a-z]*sleep\b", re.MULTILINE
     ),
-    (".sh",): re.compile(r"(?:^|[\s;&|(])sleep\s+[\d$]|\bread\s+-t\b", re.MULTILINE),
+    (".sh",): re.compile(r"(?:^|[\s;&|(])sleep\s+[\d$]|\bread\s+-\w*t\b", re.MULTILINE),
 }
 # These make gaps between calls, and slow work, for the daemon; no test waits in them.
 _MAKES_GAPS = "tests/daemon/tools/"

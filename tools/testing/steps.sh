@@ -120,7 +120,7 @@ ctest_step() {
   [ "$2" = 0 ]
 }
 
-# apart LOG COMMAND...: begins a command in a session of its own, whose number is $! then. All of it ends also if this
+# apart LOG COMMAND...: begins a command in a session of its own. $! is the session's id. The whole session ends if this
 # shell is killed.
 apart() {
   local log=$1
@@ -171,7 +171,7 @@ join() {
   log=$(log_of "$beside")
   wait "$beside_session" || status=1
   echo "== $beside, until $((SECONDS / 60)) min"
-  # A command that was ended has said neither its counts nor what failed.
+  # A command that was killed has printed neither its counts nor its failures.
   read -r good bad < <(counts_of "$log" | grep . || echo "0 1")
   [ "$bad" != 0 ] || bad=$status
   if grep -q '^== ' "$log"; then
