@@ -8,15 +8,15 @@ import re
 CORE_FOLDERS = {
     "settings": (),
     "helper": ("settings",),
-    "insights": ("settings", "helper"),
+    "insights": ("helper",),
     "sampling": ("settings", "insights"),
     "diagnostics": ("settings",),
-    "startup": ("settings", "helper", "insights", "sampling"),
-    "ambient": ("sampling", "insights"),
+    "startup": ("settings", "helper", "insights"),
+    "ambient": ("sampling",),
     "polish": ("settings", "helper", "insights", "sampling", "ambient"),
-    "nudges": ("settings", "helper", "insights", "sampling", "polish"),
+    "nudges": ("settings", "helper", "polish"),
     "popover": ("settings", "helper", "insights", "sampling", "ambient", "polish"),
-    "flows": ("settings", "helper", "insights", "sampling", "diagnostics", "startup", "ambient", "polish", "nudges"),
+    "flows": ("settings", "helper", "diagnostics", "nudges"),
 }
 CORE = (*CORE_FOLDERS, "app")
 # Single headers that cross the order, each with its reason.
