@@ -151,7 +151,6 @@ class PolishTest(unittest.TestCase):
         self.assertGreaterEqual(len(sent), 2)
         self.assertLessEqual(len(sent), most)
 
-    @unittest.skipUnless(SERVER == "pulse", "the probe's own test asks both servers")
     def test_of_muted_music_nothing_is_heard(self):
         with Sound(-6):
             pactl("set-sink-mute", SINK, "1")
@@ -161,7 +160,6 @@ class PolishTest(unittest.TestCase):
                 pactl("set-sink-mute", SINK, "0")
         self.assert_polished_unheard()
 
-    @unittest.skipUnless(SERVER == "pulse", "the probe's own test asks both servers")
     def test_suspended_output_is_not_woken(self):
         wait_for(lambda: sink_state(SINK) != "RUNNING", "the output rests")
         pactl("suspend-sink", SINK, "1")
@@ -184,4 +182,4 @@ class PolishTest(unittest.TestCase):
 
 if __name__ == "__main__":
     os.chdir(os.environ["HOME"])
-    unittest.main(argv=sys.argv[:1], verbosity=2)
+    unittest.main(argv=[sys.argv[0], *sys.argv[3:]], verbosity=2)
