@@ -91,7 +91,7 @@ class PolishDaemonsTest(unittest.TestCase):
         self.assertTrue(probe.logged("helper-client: flushDNS reply: exit=0"))
         self.assertFalse(probe.logged("purgeMemory reply"))
 
-    def test_a_daemon_that_stands_still_counts_as_a_success(self):
+    def test_a_daemon_that_is_stopped_counts_as_a_success(self):
         probe = self.probes["stopped"]
         self.assert_optimistic(probe)
         self.assertEqual(self.buses["stopped"].requests().count("purge"), 0)

@@ -97,7 +97,7 @@ class Surroundings(unittest.TestCase):
         self.assertIn("vorli: already running, but it does not answer\n", second.stderr)
         self.end(process)
 
-    def test_without_a_session_bus_it_lives_and_ends_when_told(self):
+    def test_without_a_session_bus_it_runs_until_it_is_asked_to_end(self):
         process = self.start(DBUS_SESSION_BUS_ADDRESS="unix:path=/nonexistent")
         wait_for(lambda: handles(process.pid, signal.SIGTERM), "it is put together")
         self.end(process)

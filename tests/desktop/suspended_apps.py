@@ -86,7 +86,7 @@ class SuspendedApps(unittest.TestCase):
         program.send_signal(signal.SIGTERM)
         return program.wait(timeout=20)
 
-    def test_the_user_turns_to_a_stopped_application_and_it_goes_on(self):
+    def test_the_user_turns_to_a_stopped_application_and_it_continues(self):
         program = self.start_program()
         bring_to_front("Mousepad")
         self.stop(program, self.calculator)

@@ -55,7 +55,7 @@ TEST_F(PopoverWidgetTest, questionWhetherToQuitIsSpokenWithItsAnswers) {
                                             "button | Quit |  | ", settingsButton));
 }
 
-TEST_F(PopoverWidgetTest, sentenceWithoutNamesIsSpokenWhereItStands) {
+TEST_F(PopoverWidgetTest, sentenceWithoutNamesIsSpokenWhereItIsShown) {
   open();
   const QRect status = spokenPlace("Your Mac is full. Time to polish it.");
   workspace.add(1000, SharedText("Chrome"), SharedText("org.chrome"));
