@@ -125,7 +125,7 @@ class PolishDaemonsTest(unittest.TestCase):
         self.assertEqual(probe.sentence(), APPROVE)
         self.assertIsNone(probe.figure())
         spoken = probe.time_of("sentence", APPROVE, probe.pressed)
-        self.assertLessEqual(spoken, probe.started, "its words stand before the ring drains")
+        self.assertLessEqual(spoken, probe.started, "its words are there before the ring drains")
         self.assertFalse(probe.logged("purgeMemory requested") or probe.logged("flushDNS requested"))
         self.assert_times(probe, GENTLE)
 

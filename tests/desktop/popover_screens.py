@@ -81,7 +81,7 @@ class MonitorsTest(PopoverTest):
         gap = y - free_top if edge == "top" else free_bottom - (y + height)
         self.assertAlmostEqual(gap, FROM_THE_PANEL * RATIO, delta=2 * RATIO)
         middle = Screen().pixel(x + width // 2, y + round(215 * RATIO))
-        self.assertGreater(min(middle), 220, "paper where the card is told to be")
+        self.assertGreater(min(middle), 220, "paper where the card is said to be")
 
     def hang_at(self, edge):
         self.open_at_new_icon()
