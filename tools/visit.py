@@ -24,7 +24,7 @@ def tell(text):
     print(f"visit: {text}", flush=True)
 
 
-def idle_share_seconds():
+def idle_seconds():
     """The time that an average processor has been idle since the start of the machine."""
     with open("/proc/uptime", encoding="ascii") as file:
         return float(file.read().split()[1]) / os.cpu_count()
@@ -81,12 +81,12 @@ class Visit:
             return
         tell(f"ring {self.vorli.ring:.3f}: letting the machine rest, three minutes at most")
         for _ in range(9):
-            before = idle_share_seconds()
+            before = idle_seconds()
             try:
                 wait_for(lambda: self.vorli.ring < RESTING, "the cool dial", 20, pause=0.5)
                 return
             except Missing:
-                if idle_share_seconds() - before < 5:
+                if idle_seconds() - before < 5:
                     break
         tell("something else keeps the processors busy")
 

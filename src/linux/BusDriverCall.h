@@ -6,7 +6,7 @@
 
 namespace vorli::linuxhost {
 
-/// A call of the bus itself.
+/// Makes a call to the bus itself.
 inline QDBusMessage busDriverCall(const char* method) {
   return QDBusMessage::createMethodCall(QLatin1String(bus::driver::service), QLatin1String(bus::driver::path),
                                         QLatin1String(bus::driver::interface), QLatin1String(method));

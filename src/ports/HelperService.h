@@ -60,7 +60,8 @@ class HelperService {
   virtual void startupItemConsent(OnceReply<Consent> reply) = 0;
   /// Asks the user, who wants to change a startup item, for the consent that is missing. Replies on the main
   /// thread, never inside the call, when the user has answered either way. Error: the system's text, when
-  /// nobody could be asked or the consent cannot be given. No reply while the user is being asked already.
+  /// nobody could be asked or the consent cannot be given. There is no reply while the user is being asked
+  /// already.
   virtual void askForStartupItemConsent(OnceReply<std::expected<void, std::string>> reply) = 0;
 };
 

@@ -28,8 +28,8 @@ class StartupFiles {
   /// True when the path exists; follows links, so a dangling link does not exist.
   virtual bool exists(const std::string& path) = 0;
 
-  /// True when nothing is at the path; follows links. False when something is there, and when the user may
-  /// not look.
+  /// True when nothing is at the path; follows links. False when something exists there, and when the user
+  /// may not look.
   virtual bool isMissing(const std::string& path) = 0;
 
   /// The file's creation time; never another of its times. Empty when it does not exist or its file system

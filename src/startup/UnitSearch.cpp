@@ -30,8 +30,8 @@ bool isConfigured(const UnitFolder& folder) {
   return folder.owner == UnitFolder::Owner::user || folder.owner == UnitFolder::Owner::administrator;
 }
 
-// The unit for which a link with the name of a unit stands. Empty for a link that only leads to the unit's
-// own file elsewhere.
+// The unit to which a link with the name of another unit leads. Empty for a link that only leads to the
+// unit's own file elsewhere.
 std::optional<std::string> alias(const std::optional<std::string>& target, const std::string& name) {
   if (!target) return std::nullopt;
   std::string other(lastPathComponent(*target));

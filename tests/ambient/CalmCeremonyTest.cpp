@@ -80,7 +80,7 @@ TEST(CalmCeremonyTest, partOfAStepDoesNotCount) {
   EXPECT_EQ(afterSteps(ceremony, 2.0), 1.0);
 }
 
-TEST(CalmCeremonyTest, aRiseFromHalfGoesFromHalfToOne) {
+TEST(CalmCeremonyTest, aRiseFromHalfEndsAtOne) {
   const auto ceremony = polish(0.5);
   EXPECT_EQ(ceremony.valueAt(begin), 0.5);
   EXPECT_EQ(afterSteps(ceremony, 27), 0.75);

@@ -19,7 +19,7 @@ TEST(LogFormatTest, aTextMayHoldPercentSigns) {
   EXPECT_EQ(formatLogMessage("%{public}s|%{public}s", {"100% %s", "x"}), "100% %s|x");
 }
 
-TEST(LogFormatTest, numbersArePublicUnlessToldOtherwise) {
+TEST(LogFormatTest, numbersArePublicUnlessTheyAreMarkedPrivate) {
   EXPECT_EQ(formatLogMessage("%d", {-7}), "-7");
   EXPECT_EQ(formatLogMessage("%{public}d", {-7}), "-7");
   EXPECT_EQ(formatLogMessage("%{private}d", {-7}), "<private>");

@@ -206,7 +206,7 @@ TEST_F(TaskTest, cancelAtTheMomentASleepEndsWakesOnce) {
   EXPECT_EQ(trace, (Trace{"1 cancelled", "2 cancelled", "3 cancelled"}));
 }
 
-TEST_F(TaskTest, aFlowIsToldWhetherItWasCancelled) {
+TEST_F(TaskTest, aFlowCanReadWhetherItWasCancelled) {
   TaskScope scope(scheduler);
   const auto handle = scope.spawn(tellsWhetherCancelled());
   scheduler.runReady();

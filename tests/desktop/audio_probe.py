@@ -33,7 +33,7 @@ def probe(**environment):
 
 
 def has_fallback(answer):
-    """Whether the server told its state in time; on a busy machine it may not, and the cards are asked instead."""
+    """Whether the server reported its state in time; on a busy machine it may not, and the cards are asked instead."""
     return answer["fallbackSeconds"] < STATE_LIMIT
 
 

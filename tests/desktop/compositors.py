@@ -34,7 +34,7 @@ class Compositor:
         self.log = open(f"{self.folder}/log", "wb")  # pylint: disable=consider-using-with
         self.process = subprocess.Popen(self.command(), env=own, stdout=self.log, stderr=self.log)
         try:
-            wait_for(self.is_ready, "the compositor runs what it was told to", seconds=60)
+            wait_for(self.is_ready, "the compositor runs the program that it was given", seconds=60)
         except AssertionError as error:
             text = self.log_text()
             self.close()

@@ -98,7 +98,7 @@ class DailyLifeTest(unittest.TestCase):
         bring_to_front("^other$")
         self.polishes(lambda: run("xdotool", "key", "alt+shift+c"))
 
-    def test_a_crash_is_offered_at_the_next_start_and_goes_to_the_mail_program(self):
+    def test_a_crash_is_offered_at_the_next_start_and_is_passed_to_the_mail_program(self):
         store()
         mail = MailProgram(self)
         self.start()

@@ -77,7 +77,7 @@ class FirstStepsTest(unittest.TestCase):
     def left_edge(self):
         return place_of(self.steps.window)[0]
 
-    def test_the_way_to_the_end_goes_by_keyboard(self):
+    def test_the_way_to_the_end_works_by_keyboard(self):
         self.start_installed()
         self.spoken.find(("label", "All set up. Helper is approved."),
                          ("label", "Background helper installed. Vorli can now free memory and flush caches when you "

@@ -1,4 +1,4 @@
-"""What the tests of the glow look at and work with."""
+"""Programs and parts of the screen that the tests of the glow use."""
 
 import re
 
@@ -11,7 +11,7 @@ ORANGE, BETWEEN, DEEP_RED = (0.945, 0.525, 0.125), (0.9092, 0.2835, 0.1517), (0.
 WIDTH, HEIGHT = 1920, 1080
 MIDDLE_OF_TOP = (WIDTH // 2, 1)
 
-# A window of another program, given where it lies and its colour. Tells each press, and takes other colours.
+# A window of another program, given where it lies and its colour. Reports each press, and takes other colours.
 OTHER = """
 import sys, gi
 gi.require_version("Gdk", "3.0")

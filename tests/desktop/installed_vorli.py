@@ -1,6 +1,6 @@
 """installed_vorli.py PREFIX: the installed program in a whole desktop, with its real daemon.
 
-What a user sees of it from start to end.
+Shows what a user sees of it, from start to end.
 """
 
 import os

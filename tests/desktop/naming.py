@@ -84,7 +84,7 @@ class Naming(unittest.TestCase):
     def quits(self, name):
         return self.probe.ask(f"quit-name {name}", "asked")
 
-    def test_two_web_applications_over_one_browser_are_told_apart(self):
+    def test_two_web_applications_over_one_browser_are_distinguished(self):
         browser = self.program(f"{OPT}/browser/browser")
         entry("browser", "Browser", browser)
         entry("webapp-mail", "Mail Webapp", f"{browser} --app=mail")

@@ -91,7 +91,7 @@ class PolishDaemonsTest(unittest.TestCase):
         self.assertTrue(probe.logged("helper-client: flushDNS reply: exit=0"))
         self.assertFalse(probe.logged("purgeMemory reply"))
 
-    def test_a_daemon_that_stands_still_counts_as_a_success(self):
+    def test_a_daemon_that_is_stopped_counts_as_a_success(self):
         probe = self.probes["stopped"]
         self.assert_optimistic(probe)
         self.assertEqual(self.buses["stopped"].requests().count("purge"), 0)
@@ -125,7 +125,7 @@ class PolishDaemonsTest(unittest.TestCase):
         self.assertEqual(probe.sentence(), APPROVE)
         self.assertIsNone(probe.figure())
         spoken = probe.time_of("sentence", APPROVE, probe.pressed)
-        self.assertLessEqual(spoken, probe.started, "its words stand before the ring drains")
+        self.assertLessEqual(spoken, probe.started, "its words are there before the ring drains")
         self.assertFalse(probe.logged("purgeMemory requested") or probe.logged("flushDNS requested"))
         self.assert_times(probe, GENTLE)
 

@@ -52,7 +52,7 @@ class ClicksTest(PopoverTest):
         neighbour.program.expect("pressed 1", since)
         self.vorli.gone()
 
-    def test_a_drag_that_starts_outside_closes_and_goes_on(self):
+    def test_a_drag_that_starts_outside_closes_and_continues(self):
         neighbour = Neighbour()
         self.addCleanup(neighbour.close)
         self.open()

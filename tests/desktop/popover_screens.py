@@ -81,7 +81,7 @@ class MonitorsTest(PopoverTest):
         gap = y - free_top if edge == "top" else free_bottom - (y + height)
         self.assertAlmostEqual(gap, FROM_THE_PANEL * RATIO, delta=2 * RATIO)
         middle = Screen().pixel(x + width // 2, y + round(215 * RATIO))
-        self.assertGreater(min(middle), 220, "paper where the card is told to be")
+        self.assertGreater(min(middle), 220, "paper where the card is said to be")
 
     def hang_at(self, edge):
         self.open_at_new_icon()
@@ -171,7 +171,7 @@ class AppearanceTest(PaperTest):
         self.until_paper("light")
         self.photograph("light")
 
-    def test_a_preference_goes_before_a_theme(self):
+    def test_a_preference_overrides_a_theme(self):
         with Settings("Adwaita-dark"):
             self.until_paper("dark")
             self.prefer("prefer-light")
@@ -192,7 +192,7 @@ class OwnFileTest(PaperTest):
         cls.addClassCleanup(os.remove, file)
         super().setUpClass()
 
-    def test_the_users_own_file_makes_it_dark_and_a_preference_goes_before(self):
+    def test_the_users_own_file_makes_it_dark_and_a_preference_overrides_it(self):
         self.prefer("default")
         self.open_calm()
         self.until_paper("dark")

@@ -123,14 +123,14 @@ class RunningApplications(unittest.TestCase):
             self.assertEqual(application["name"], name)
             self.assertEqual(application["policy"], "regular")
             self.assertGreater(application["launched"], 1.6e9)
-            wait_for(lambda i=identifier: i in self.probe.events("launched"), f"{identifier} was told")
+            wait_for(lambda i=identifier: i in self.probe.events("launched"), f"{identifier} was reported")
         self.assertEqual(set(self.probe.running()), set(expected), "the desktop's own furniture is no application")
 
         for title, identifier in (("Script", "org.example.Script"), ("galculator", "galculator"),
                                   ("Activated", "org.example.Activated")):
             bring_to_front(title)
             wait_for(lambda i=identifier: self.probe.front() == i, f"{identifier} is frontmost")
-            wait_for(lambda i=identifier: i in self.probe.events("activated"), f"{identifier} was told")
+            wait_for(lambda i=identifier: i in self.probe.events("activated"), f"{identifier} was reported")
         owners = {application["pid"] for application in self.probe.running().values()}
         wait_for(lambda: owners <= set(self.probe.ask("windows", "windows")), "a window of each on the screen")
 
@@ -206,7 +206,7 @@ class RunningApplications(unittest.TestCase):
         self.assertEqual(late.appears("galculator")["name"], "Galculator")
         wait_for(lambda: late.front() == "galculator", "what is frontmost already")
         self.start("/usr/bin/python3", f"{DATA}/tools/window.py", "Script")
-        wait_for(lambda: "org.example.Script" in late.events("activated"), "the script was told")
+        wait_for(lambda: "org.example.Script" in late.events("activated"), "the script was reported")
         self.assertEqual(late.events("launched"), ["org.example.Script"])
         self.assertEqual(late.events("activated"), ["org.example.Script"])
 
@@ -222,7 +222,7 @@ class RunningApplications(unittest.TestCase):
         program = self.start("/usr/bin/python3", f"{DATA}/tools/icon.py")
         running = self.probe.appears("org.example.Icon")
         self.assertEqual((running["pid"], running["name"], running["policy"]), (program.pid, "Lone Icon", "accessory"))
-        wait_for(lambda: "org.example.Icon" in self.probe.events("launched"), "its launch was told")
+        wait_for(lambda: "org.example.Icon" in self.probe.events("launched"), "its launch was reported")
         late = Probe(PROGRAM)
         self.addCleanup(late.close)
         self.assertEqual(late.appears("org.example.Icon")["pid"], program.pid)
@@ -281,7 +281,7 @@ class RunningApplications(unittest.TestCase):
         def go_to(space):
             before = spaces()
             subprocess.run(["wmctrl", "-s", space], check=True)
-            wait_for(lambda: spaces() > before, f"the change to space {space} was told")
+            wait_for(lambda: spaces() > before, f"the change to space {space} was reported")
 
         go_to("1")
         wait_for(lambda: not owns(), "its window stayed behind")

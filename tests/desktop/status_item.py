@@ -67,7 +67,7 @@ class StatusItemTest(unittest.TestCase):
         self.program.expect("flooded", since)
         return self.program.count("asked for rows")
 
-    def test_the_bus_tells_what_the_item_is_and_says(self):
+    def test_the_bus_shows_what_the_item_is_and_says(self):
         properties = self.item.properties()
         told = {name: properties[name] for name in ("Category", "Id", "Title", "Status", "ItemIsMenu", "Menu")}
         self.assertEqual(
@@ -102,7 +102,7 @@ class StatusItemTest(unittest.TestCase):
         self.assertEqual(left[1:], (0, 0, 0))
         self.assertEqual(middle[0], 0)
 
-    def test_left_middle_right_and_control_clicks_are_told_apart(self):
+    def test_left_middle_right_and_control_clicks_are_distinguished(self):
         since = self.program.mark()
         click(self.place)
         line = self.program.expect("click .*", since)

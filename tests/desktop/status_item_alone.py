@@ -35,7 +35,7 @@ class WithoutPanelTest(unittest.TestCase):
         program.tell("flood 100")
         program.expect("flooded", since)
 
-    def test_no_tray_is_told_and_harms_nothing(self):
+    def test_no_tray_is_reported_and_harms_nothing(self):
         program = self.start()
         program.expect("tray none")
         self.assert_lives_on(program)

@@ -34,7 +34,7 @@ class XEmbedTest(unittest.TestCase):
         self.assertTrue(x <= self.place[0] < x + width and y <= self.place[1] < y + height, line)
         self.assertLessEqual(height, PANEL_HEIGHT)
 
-    def test_clicks_are_told_apart_when_the_button_is_released(self):
+    def test_clicks_are_distinguished_when_the_button_is_released(self):
         since = self.program.mark()
         pointer("mousemove", *self.place, "mousedown", 1)
         pointer("mousemove", 600, 600, "mouseup", 1)  # dragged off: no click

@@ -97,7 +97,7 @@ class Surroundings(unittest.TestCase):
         self.assertIn("vorli: already running, but it does not answer\n", second.stderr)
         self.end(process)
 
-    def test_without_a_session_bus_it_lives_and_ends_when_told(self):
+    def test_without_a_session_bus_it_runs_until_it_is_asked_to_end(self):
         process = self.start(DBUS_SESSION_BUS_ADDRESS="unix:path=/nonexistent")
         wait_for(lambda: handles(process.pid, signal.SIGTERM), "it is put together")
         self.end(process)
@@ -122,7 +122,7 @@ class Surroundings(unittest.TestCase):
 
     def test_without_a_system_bus_the_helper_is_unknown_and_the_ring_lives(self):
         process = self.lives(self.start(DBUS_SYSTEM_BUS_ADDRESS="unix:path=/nonexistent"))
-        wait_for(lambda: status("HelperStatus") == "unknown", "the helper is told as unknown")
+        wait_for(lambda: status("HelperStatus") == "unknown", "the helper is reported as unknown")
         self.assertGreaterEqual(float(status("RingProgress")), 0.05)
         self.end(process)
 
@@ -145,7 +145,7 @@ class Surroundings(unittest.TestCase):
 
     def test_nobody_reads_its_standard_error(self):
         with open(f"{self.home}/Vorli/Vorli.ini", "w", encoding="utf-8") as file:
-            file.write("damaged, so that there is something to tell at once")
+            file.write("damaged, so that there is something to report at once")
         process = subprocess.Popen([PROGRAM], env=self.environment, stderr=subprocess.PIPE)
         process.stderr.close()
         self.running.append(process)
@@ -169,7 +169,7 @@ class Surroundings(unittest.TestCase):
 
     def test_a_session_bus_that_hangs_is_given_up(self):
         process = self.start(DBUS_SESSION_BUS_ADDRESS=self.hanging_bus("session"))
-        wait_for(lambda: handles(process.pid, signal.SIGTERM), "it goes on without the bus", 30.0)
+        wait_for(lambda: handles(process.pid, signal.SIGTERM), "it runs on without the bus", 30.0)
         self.end(process)
         self.assertIn("the session bus does not answer; going on without it", process.stderr.read())
 

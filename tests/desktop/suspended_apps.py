@@ -75,7 +75,7 @@ class SuspendedApps(unittest.TestCase):
     def stop(self, program, *applications, also=()):
         for application in applications:
             application.send_signal(signal.SIGSTOP)
-            wait_for(lambda a=application: state(a) == "T", "it stands still")
+            wait_for(lambda a=application: state(a) == "T", "it is stopped")
         wanted = {application.pid for application in applications} | set(also)
         for pid in wanted:
             program.stdin.write(f"record {pid}\n".encode())
@@ -86,12 +86,12 @@ class SuspendedApps(unittest.TestCase):
         program.send_signal(signal.SIGTERM)
         return program.wait(timeout=20)
 
-    def test_the_user_turns_to_a_stopped_application_and_it_goes_on(self):
+    def test_the_user_turns_to_a_stopped_application_and_it_continues(self):
         program = self.start_program()
         bring_to_front("Mousepad")
         self.stop(program, self.calculator)
         bring_to_front("galculator")
-        wait_for(lambda: state(self.calculator) != "T", "it goes on")
+        wait_for(lambda: state(self.calculator) != "T", "it continues")
         wait_for(lambda: self.recorded() == set(), "it is on record no longer")
         self.assertEqual(self.end(program), 0)
 
@@ -125,7 +125,7 @@ class SuspendedApps(unittest.TestCase):
         self.assertEqual(self.recorded(), {self.calculator.pid})
         os.symlink(os.environ["DBUS_SYSTEM_BUS_ADDRESS"].removeprefix("unix:path="), bus)
         self.addCleanup(os.remove, bus)
-        wait_for(turn_to_it, "a later activation reaches the daemon, and it goes on")
+        wait_for(turn_to_it, "a later activation reaches the daemon, and it continues")
         wait_for(lambda: self.recorded() == set(), "it is on record no longer")
         self.assertEqual(self.end(program), 0)
 

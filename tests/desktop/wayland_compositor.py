@@ -48,7 +48,7 @@ class WaylandCompositor(CompositorCase):
         for identifier, process in names:
             self.compositor.focus(process.pid)
             wait_for(lambda wanted=identifier: probe.front() == wanted, f"{identifier} is in front")
-            wait_for(lambda wanted=identifier: probe.events("activated")[-1:] == [wanted], "it was told")
+            wait_for(lambda wanted=identifier: probe.events("activated")[-1:] == [wanted], "it was reported")
 
     def test_the_program_remembers_when_native_windows_had_the_focus(self):
         editors = {name: self.start_editor(name, 10) for name in ("small-editor", "fat-editor")}

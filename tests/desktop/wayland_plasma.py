@@ -53,7 +53,7 @@ class PlasmaCompositor(CompositorCase):
         for identifier, process in started.items():
             self.compositor.focus(process.pid)
             wait_for(lambda wanted=identifier: probe.front() == wanted, f"{identifier} is in front")
-            wait_for(lambda wanted=identifier: probe.events("activated")[-1:] == [wanted], "it was told")
+            wait_for(lambda wanted=identifier: probe.events("activated")[-1:] == [wanted], "it was reported")
         self.assertEqual(probe.look()["idle"], [], "all have just been used")
 
     def test_unsaved_work_asks_whether_native_or_not_and_nothing_is_lost(self):

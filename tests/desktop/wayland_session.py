@@ -60,7 +60,7 @@ class WaylandSession(unittest.TestCase):
         self.assertEqual((known["pid"], known["name"], known["policy"]), (early.pid, "Asking Editor", "regular"))
         late = self.start("org.example.Plain")
         self.assertEqual(probe.appears("org.example.Plain")["pid"], late.pid)
-        wait_for(lambda: "org.example.Plain" in probe.events("launched"), "its launch was told")
+        wait_for(lambda: "org.example.Plain" in probe.events("launched"), "its launch was reported")
 
         wait_for(lambda: probe.ask("quit-name Asking Editor", "asked"), "its own action is known")
         self.assertEqual(early.wait(timeout=20), 0)

@@ -126,7 +126,7 @@ TEST_F(CrashReporterTest, signatureListOfAnotherTypeCountsAsEmpty) {
   EXPECT_EQ(names().size(), 1u);
 }
 
-TEST_F(CrashReporterTest, reportThatFitsGoesIntoTheMail) {
+TEST_F(CrashReporterTest, reportThatFitsIsPutIntoTheMail) {
   addReport("a.txt", "Line one\n50% \xC3\xA9");
   EXPECT_TRUE(reporter.send(reporter.pendingReports().front()));
   EXPECT_THAT(links.opened,

@@ -45,7 +45,7 @@ class PropertyListsTest(unittest.TestCase):
         self.assertEqual(info["CFBundleShortVersionString"], "@PROJECT_VERSION@")
         self.assertEqual(info["CFBundleVersion"], "@VORLI_BUILD_NUMBER@")
 
-    def testUserIsToldWhyVorliListens(self):
+    def testUserCanReadWhyVorliListens(self):
         self.assertIn("sound", property_list("Info.plist.in")["NSAudioCaptureUsageDescription"])
 
     def testUpdatesAreOffUntilABuildHasAKeyOfItsOwn(self):

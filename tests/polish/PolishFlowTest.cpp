@@ -344,7 +344,7 @@ TEST_F(PolishFlowTest, theFlowContinuesAfterThePopoverHasClosed) {
 }
 
 TEST_F(PolishFlowTest, aCancelledFlowHurriesThroughAllItsSteps) {
-  // In each sleep of the flow, including its first and last moment.
+  // Cancels in each sleep of the flow, including its first and last moment.
   for (const double cancelledAt :
        {0.0, 1.0, 2.64, 2.65, 3.0, 3.25, 5.0, 5.65, 9.0, 10.65, 12.0, 13.55, 15.0}) {
     log.clear();

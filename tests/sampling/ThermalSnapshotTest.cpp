@@ -96,7 +96,7 @@ TEST_F(PowerSourceTest, withADeadLineTheBatteryCarriesTheMachineWhateverItsContr
   }
 }
 
-TEST_F(PowerSourceTest, withoutAReportedLineTheBatteryTells) {
+TEST_F(PowerSourceTest, withoutAReportedLineTheBatteryDecides) {
   EXPECT_EQ(sourceOf({{Kind::battery, State::supplying}}), PowerSource::battery);
   EXPECT_EQ(sourceOf({{Kind::battery, State::charging}}), PowerSource::ac);
   EXPECT_EQ(sourceOf({{Kind::battery, State::idle}}), PowerSource::ac);

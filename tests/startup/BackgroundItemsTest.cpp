@@ -37,7 +37,7 @@ TEST_F(BackgroundItemsTest, anApplicationGivesItsIdentifierAndName) {
                                      .source = StartupItem::Source::autoInstalled}));
 }
 
-TEST_F(BackgroundItemsTest, aHelperInsideOfAnApplicationStandsForIt) {
+TEST_F(BackgroundItemsTest, aHelperInsideOfAnApplicationIsListedAsTheApplication) {
   applications.install("/Applications/Acme.app", "com.acme", "Acme");
   const auto candidate = items.candidateFromBundleURL("/Applications/Acme.app/Contents/MacOS/helper", true);
   EXPECT_EQ(candidate->identifier, "com.acme");

@@ -17,7 +17,7 @@ struct CatalogRow {
   const char* description;
 };
 
-// In table order; a star marks the ones that ask first.
+// Keys in table order; a star marks the ones that ask first.
 constexpr std::array<std::string_view, 64> keys{"com.spotify.client",
                                                 "com.apple.Music",
                                                 "com.microsoft.OneDrive*",

@@ -91,7 +91,7 @@ TEST_F(ItemActionsTest, aMoveNeverReplaces) {
   EXPECT_EQ(at(mine), "fresh");
   EXPECT_EQ(at(paused(mine)), "old");
   EXPECT_TRUE(launchControl.calls.empty());
-  EXPECT_FALSE(agent().isEnabled);  // both are there: one row, disabled
+  EXPECT_FALSE(agent().isEnabled);  // both files exist: one row, disabled
 
   startup->setEnabled(Enablement::paused, agent(), CreateUndo::no);
   settle();

@@ -27,7 +27,7 @@ TEST_F(StartupAppRowTest, aPausedRowIsFaint) {
   EXPECT_EQ(row().opacity(), 0.62);
 }
 
-TEST_F(StartupAppRowTest, badgesTellWhatIsSpecial) {
+TEST_F(StartupAppRowTest, badgesShowWhatIsSpecial) {
   using enum RowBadge;
   EXPECT_TRUE(row().badges().empty());
   item.isNewSinceLastVisit = true;

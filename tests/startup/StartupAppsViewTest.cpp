@@ -194,7 +194,7 @@ TEST_F(StartupAppsViewTest, theFooterCountsTheHiddenItems) {
       "Vorli hides 312 apps that your system runs for itself. They're safe and you shouldn't turn them off.");
 }
 
-TEST_F(StartupAppsViewTest, tellsOfAChangeOnceATurn) {
+TEST_F(StartupAppsViewTest, reportsAChangeOnceATurn) {
   int changes = 0;
   const auto subscription = view.subscribeToContent([&](const auto&) { ++changes; });
   view.appear();

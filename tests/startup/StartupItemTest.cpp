@@ -58,7 +58,7 @@ TEST(StartupItemTest, theUsersOwnItemNamesNoInstaller) {
   EXPECT_EQ(originLine(item, today), "You installed this, 2 days old, by You");
 }
 
-TEST(StartupItemTest, statusWordTellsTheCost) {
+TEST(StartupItemTest, statusWordDescribesTheCost) {
   using enum StartupItem::Footprint;
   StartupItem item;
   EXPECT_EQ(statusWord(item), "Idle");

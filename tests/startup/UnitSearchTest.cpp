@@ -167,7 +167,7 @@ TEST_F(UnitSearchTest, aPausedUnitCountsWhereNothingElseIsLoaded) {
   EXPECT_FALSE(find("a.service").isEnabled);
 }
 
-TEST_F(UnitSearchTest, anAliasStandsForItsUnit) {
+TEST_F(UnitSearchTest, anAliasIsResolvedToItsUnit) {
   add(usr, "a.service", "usr");
   link(etc, "dbus-a.service", "/usr/units/a.service");
   EXPECT_EQ(find("dbus-a.service").name, "a.service");

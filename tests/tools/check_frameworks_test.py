@@ -171,7 +171,7 @@ class CheckFrameworksTest(unittest.TestCase):
         self.assertRegex(output, r"arm64: class \d+, constant \d+, extern \d+, function \d+, macro \d+, method \d+")
         self.assertRegex(output.splitlines()[-1], r"^[1-9]\d* passed, 0 failed$")
 
-    def testEachPlantedFaultIsToldForBothProcessors(self):
+    def testEachPlantedFaultIsReportedForBothProcessors(self):
         for path, text, replacement, _ in FAULTS.values():
             self.plant(path, text, replacement)
         status, output, failed = self.check()

@@ -140,7 +140,7 @@ class CheckIncludesTest(PlantedTree):
         self.accepted("src/linux/Good.cpp", '#include "helper_contract/HelperProxy.h"\n')
         self.refused("src/helper/Bad.cpp", '#include "helper_contract/HelperProxy.h"\n', "generated contract")
 
-    def testUnknownFolderAndUnknownFileAreTold(self):
+    def testUnknownFolderAndUnknownFileAreReported(self):
         self.refused("src/misc/Bad.cpp", "", "does not know")
         shutil.rmtree(os.path.join(self.root, "src/misc"))
         self.refused("src/app/Bad.cpp", '\n#include "Neighbour.h"\n', "not in src", line=2)
@@ -148,7 +148,7 @@ class CheckIncludesTest(PlantedTree):
     def testIncludeInACommentIsNone(self):
         self.accepted("src/base/Good.h", '// #include "ports/Clock.h"\n/*\n#include <unistd.h>\n*/\n')
 
-    def testCycleIsToldOnce(self):
+    def testCycleIsReportedOnce(self):
         self.plant("src/app/One.h", '#include "app/Two.h"\n')
         self.plant("src/app/Two.h", '#include "app/Three.h"\n')
         self.plant("src/app/Three.h", '#include "app/One.h"\n')
@@ -160,11 +160,11 @@ class CheckIncludesTest(PlantedTree):
 
     # --- ports
 
-    def testPortWithoutFakeIsTold(self):
+    def testPortWithoutFakeIsReported(self):
         self.plant("src/posix/Disk.h", "")
         self.refused("src/ports/Disk.h", "struct Disk { virtual int free() = 0; };", "has no fake")
 
-    def testPortWithoutBackEndIsTold(self):
+    def testPortWithoutBackEndIsReported(self):
         self.plant("tests/fakes/Disk.h", '#include "ports/Disk.h"\n')
         self.refused("src/ports/Disk.h", "struct Disk { virtual int free() = 0; };", "has no back end for linux")
 
@@ -213,7 +213,7 @@ class CheckIncludesTest(PlantedTree):
 
     # --- fuzzers
 
-    def testReaderWithoutFuzzerIsTold(self):
+    def testReaderWithoutFuzzerIsReported(self):
         self.refused("src/formats/Table.h", "int rows(Texts texts);\n", "has no fuzzer", "tests/fuzz/TableFuzzer.cpp")
         self.accepted("tests/fuzz/TableFuzzer.cpp", '#include "formats/Table.h"\n')
 
@@ -226,15 +226,15 @@ class CheckIncludesTest(PlantedTree):
 
     # --- lines
 
-    def testBracketInACoAwaitExpressionIsTold(self):
+    def testBracketInACoAwaitExpressionIsReported(self):
         self.accepted("src/app/Good.cpp", 'co_await sleep("[");  // [\nint a[2];\n')
         self.refused("src/app/Bad.cpp", "co_await run([x] { return x; });\n", "co_await")
         self.refused("src/app/Bad.cpp", "co_await run(\n    [x] { return x; });\n", "co_await")
 
-    def testCoroutineLambdaIsTold(self):
+    def testCoroutineLambdaIsReported(self):
         self.refused("tests/app/Bad.cpp", "auto f = [x]() -> Task<int> { co_return x; };\n", "lambda")
 
-    def testClockSleepAndTimerAreTold(self):
+    def testClockSleepAndTimerAreReported(self):
         for text in (
             "auto t = std::chrono::steady_clock::now();",
             "std::this_thread::sleep_for(limit);",
@@ -253,12 +253,12 @@ class CheckIncludesTest(PlantedTree):
         self.accepted("src/ui/linux/WakeTimer.cpp", "int fd = timerfd_create(CLOCK_MONOTONIC, 0);\n")
         self.accepted("src/posix/CalendarClock.cpp", "auto t = std::chrono::system_clock::now();\n")
 
-    def testPlatformConditionIsTold(self):
+    def testPlatformConditionIsReported(self):
         self.accepted("src/linux/Good.cpp", "#ifdef __GLIBC__\n#endif\n")
         self.accepted("src/base/HostSystem.h", "#if defined(__APPLE__)\n#endif\n")
         self.refused("src/startup/Bad.cpp", "#if defined(__APPLE__)\n#endif\n", "condition on the platform")
 
-    def testAnErrorThatCanBeDroppedIsTold(self):
+    def testAnErrorThatCanBeDroppedIsReported(self):
         for text in ("std::expected<void, std::string> move();", "  virtual std::expected<int, int> read() = 0;",
                      "  static posix::Attempt<Folder> open(const std::string& path);",
                      "template <typename T> std::expected<T, int> read();"):
@@ -268,12 +268,12 @@ class CheckIncludesTest(PlantedTree):
         self.accepted("src/base/Good.h", "[[nodiscard]] std::expected<void, int> move();\n"
                       "using Result = std::expected<void, int>;\nstd::expected<void, int> last;\n")
 
-    def testJudgingACallerByPidIsTold(self):
+    def testJudgingACallerByPidIsReported(self):
         for text in ("message.getCredsUid();", 'subject("unix-process");', "message.getCredsPid();"):
             with self.subTest(text):
                 self.refused("src/linux/daemon/Bad.cpp", text + "\n", "by its pid")
 
-    def testWhatTheRootDaemonMustNotDoIsTold(self):
+    def testWhatTheRootDaemonMustNotDoIsReported(self):
         for text in ('callMethod("GetConnectionUnixProcessID");', "getsockopt(file, SOL_SOCKET, SO_PEERCRED);", "::fork();",
                      '::system("x");', "::execve(path, list, none);", "::setresuid(1, 1, 1);", 'std::getenv("VORLI_X");'):
             with self.subTest(text=text):
@@ -289,14 +289,14 @@ class CheckIncludesTest(PlantedTree):
         self.accepted("src/linux/Planted.cpp", '::fork();\nstd::getenv("HOME");\n')
         self.accepted("src/linux/daemon/StartContext.cpp", '::secure_getenv("JOURNAL_STREAM");\n')
 
-    def testLongFilesAreTold(self):
+    def testLongFilesAreReported(self):
         self.accepted("src/app/Long.cpp", "\n" * 400)
         self.refused("src/app/Long.cpp", "\n" * 401, "401 lines", line=401)
         os.remove(os.path.join(self.root, "src/app/Long.cpp"))
         self.accepted("tests/app/LongTest.cpp", "\n" * 600)
         self.refused("tests/app/LongTest.cpp", "\n" * 601, "601 lines", line=601)
 
-    def testSleepInATestIsTold(self):
+    def testSleepInATestIsReported(self):
         self.accepted("tests/desktop/good.py", 'wait_for(is_there, "it")\nPopen(["/bin/sleep", "1000"])  # time.sleep(1)\n')
         self.accepted("tests/daemon/tools/Gaps.cpp", "::ppoll(nullptr, 0, &span, nullptr);\n")
         for path, text in (
@@ -321,10 +321,10 @@ class CheckIncludesTest(PlantedTree):
                 self.refused(path, text + "\n", "a sleep in a test")
                 os.remove(os.path.join(self.root, path))
 
-    def testContractWithABlockingMethodIsTold(self):
+    def testContractWithABlockingMethodIsReported(self):
         self.refused(CONTRACT, self.contract.replace('value="clientserver"', 'value="client-server"', 1), "PurgeMemory", "Async")
 
-    def testMissingContractIsTold(self):
+    def testMissingContractIsReported(self):
         os.remove(os.path.join(self.root, CONTRACT))
         self.assertEqual(self.check(), [f"{CONTRACT}:1: is missing"])
 

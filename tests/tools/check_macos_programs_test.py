@@ -96,14 +96,14 @@ class CheckMacosProgramsTest(unittest.TestCase):
         self.refused(source.replace("  return", "  AudioHardwareDestroyProcessTap(0);\n  return"),
                      "'AudioHardwareDestroyProcessTap' is only available on macOS 14.2 or newer")
 
-    def testOwnershipThatTheCompilerMustBeToldIsNotCompiled(self):
+    def testMissingBridgeCastIsNotCompiled(self):
         self.refused(CLEAN.replace("  return", "  CFStringRef name = [NSBundle mainBundle].bundlePath;\n  return"),
                      "cannot initialize a variable of type 'CFStringRef'")
 
     def testWarningIsAnError(self):
         self.refused(CLEAN.replace("  return", "  int half = 0.5 * text.size();\n  return half +"), "-Wfloat-conversion")
 
-    def testFunctionThatNothingIsKnownOfIsNotLinked(self):
+    def testUnknownFunctionIsNotLinked(self):
         source = CLEAN.replace("int main", 'extern "C" int SecCodeForget(SecCodeRef);\nint main')
         said = self.link(source.replace("CFRelease(code)", "SecCodeForget(code)"))
         self.assertIn("undefined symbol: SecCodeForget", said)
@@ -117,18 +117,18 @@ class CheckMacosProgramsTest(unittest.TestCase):
         source = CLEAN.replace("int main", 'extern "C" int getpidfd();\nint main')
         self.assertIn("undefined symbol: getpidfd", self.link(source.replace("  return", "  getpidfd();\n  return")))
 
-    def testAnotherLibraryIsTold(self):
+    def testAnotherLibraryIsReported(self):
         program = self.linked(CLEAN, *LIBRARIES_OF_CLEAN, "-framework", "AppKit")
         name = "/System/Library/Frameworks/AppKit.framework/Versions/C/AppKit"
         self.assertEqual(self.wrong(program), [f"loads {name}"])
 
-    def testMissingLibraryIsTold(self):
+    def testMissingLibraryIsReported(self):
         source = "\n".join(line for line in CLEAN.splitlines() if "Sec" not in line and "CFRelease" not in line)
         program = self.linked(source, "-framework", "CoreFoundation", "-framework", "Foundation")
         name = "/System/Library/Frameworks/Security.framework/Versions/A/Security"
         self.assertEqual(self.wrong(program), [f"does not load {name}"])
 
-    def testOptionalLibraryIsTold(self):
+    def testOptionalLibraryIsReported(self):
         program = self.linked(CLEAN, "-framework", "CoreFoundation", "-framework", "Foundation", "-weak_framework", "Security")
         name = "/System/Library/Frameworks/Security.framework/Versions/A/Security"
         self.assertIn(f"starts without {name}", self.wrong(program))
@@ -152,13 +152,13 @@ class CheckMacosProgramsTest(unittest.TestCase):
                                             "__attribute__((weak_import));\nint main"))
         self.assertIn("starts without _SecCodeCopySelf, which every supported system has", self.wrong(program))
 
-    def testSymbolOfNoLibraryIsTold(self):
+    def testSymbolOfNoLibraryIsReported(self):
         source = CLEAN.replace("int main", 'extern "C" int somewhere();\nint main')
         program = self.linked(source.replace("  return", "  somewhere();\n  return"), *LIBRARIES_OF_CLEAN,
                               "-Wl,-U,_somewhere")
         self.assertEqual(self.wrong(program), ["imports _somewhere from no library"])
 
-    def testSelectorThatNothingIsKnownOfIsTold(self):
+    def testUnknownSelectorIsReported(self):
         source = CLEAN.replace("int main", "@interface NSProcessInfo (More)\n- (void)becomeRoot:(int)n;\n@end\nint main")
         program = self.linked(source.replace("  return", "  [[NSProcessInfo processInfo] becomeRoot:1];\n  return"))
         self.assertEqual(self.wrong(program), ["sends becomeRoot:, which nothing is known of"])
@@ -170,7 +170,7 @@ class CheckMacosProgramsTest(unittest.TestCase):
         self.assertEqual(self.wrong(program), [])
         self.assertLessEqual({"one", "two"}, program.own_selectors)
 
-    def testAnotherWidthOnTheConnectionIsTold(self):
+    def testAnotherWidthOnTheConnectionIsReported(self):
         text = CONTRACT.read_text(encoding="utf-8")
         self.assertIn("(int)signal", text)
         changed = self.folder / "HelperContract.h"
@@ -183,7 +183,7 @@ class CheckMacosProgramsTest(unittest.TestCase):
                     'should be v32@0:8i16i20@?<v@?i@"NSString">24'
                 ])
 
-    def testMethodsInAnotherOrderAreTold(self):
+    def testMethodsInAnotherOrderAreReported(self):
         lines = CONTRACT.read_text(encoding="utf-8").splitlines(True)
         first = next(number for number, line in enumerate(lines) if line.startswith("- "))
         lines[first : first + 2] = reversed(lines[first : first + 2])
@@ -193,11 +193,11 @@ class CheckMacosProgramsTest(unittest.TestCase):
         self.assertEqual(len(wrong), 1)
         self.assertIn("HelperProtocol has ['versionWithReply:', 'pingWithReply:'", wrong[0])
 
-    def testProgramWithoutTheContractIsTold(self):
+    def testProgramWithoutTheContractIsReported(self):
         program = self.linked(CLEAN.replace("@protocol(HelperProtocol) && ", ""))
         self.assertEqual(self.wrong(program), ["has no HelperProtocol"])
 
-    def testAnotherProcessorIsTold(self):
+    def testAnotherProcessorIsReported(self):
         self.assertEqual(self.wrong(self.linked(CLEAN, processor="x86_64")), ["is a program for x86_64"])
 
     def testCallThatNeedsConsentNeedsItsTextAndItsEntitlement(self):
@@ -212,7 +212,7 @@ class CheckMacosProgramsTest(unittest.TestCase):
         ])
         self.assertEqual(list(rules.permissions(program, {key: "why"}, {name: True})), [])
 
-    def testEntitlementWithoutNeedIsTold(self):
+    def testEntitlementWithoutNeedIsReported(self):
         name = "com.apple.security.cs.disable-library-validation"
         self.assertEqual(self.wrong(self.linked(CLEAN), entitlements={name: True}),
                          [f"has the entitlement {name}, which no call of it needs"])
@@ -254,12 +254,12 @@ class CompilationTest(unittest.TestCase):
         self.plant("src/main/vorli_linux.cpp")
         self.assertEqual(self.wrong(), [])
 
-    def testSourceThatTheBuildLeavesOutIsTold(self):
+    def testSourceThatTheBuildLeavesOutIsReported(self):
         self.plant("src/macos/session/A.mm")
         self.plant("src/main/vorli_macos.mm")
         self.assertEqual(self.wrong(), ["src/macos/session/A.mm is not compiled", "src/main/vorli_macos.mm is not compiled"])
 
-    def testMissingWarningIsTold(self):
+    def testMissingWarningIsReported(self):
         self.compiled(self.plant("src/macos/A.mm"), "-Wunguarded-availability", "-fobjc-arc")
         self.compiled(self.plant("src/base/B.cpp"), "-Werror", "-fobjc-arc")
         self.assertEqual(self.wrong(), [
@@ -291,21 +291,21 @@ class BundleTest(unittest.TestCase):
     def testCompleteBundleIsRight(self):
         self.assertEqual(self.wrong(), [])
 
-    def testMissingAndSuperfluousKeysAreTold(self):
+    def testMissingAndSuperfluousKeysAreReported(self):
         del self.info["LSUIElement"]
         self.info["LSBackgroundOnly"] = True
         self.assertEqual(self.wrong(), ["Info.plist has the key LSBackgroundOnly", "Info.plist has no key LSUIElement"])
 
-    def testValueThatTheBuildDidNotFillInIsTold(self):
+    def testValueThatTheBuildDidNotFillInIsReported(self):
         self.info["CFBundleVersion"] = "@VORLI_BUILD_NUMBER@"
         self.info["CFBundleName"] = ""
         self.assertEqual(self.wrong(), ["Info.plist: CFBundleName is ''", "Info.plist: CFBundleVersion is '@VORLI_BUILD_NUMBER@'"])
 
-    def testAnotherOldestSystemIsTold(self):
+    def testAnotherOldestSystemIsReported(self):
         self.info["LSMinimumSystemVersion"] = "13.0"
         self.assertEqual(self.wrong(), [f"Info.plist is for macOS 13.0 and newer, the program for {SYSTEM}"])
 
-    def testMissingFilesAreTold(self):
+    def testMissingFilesAreReported(self):
         for name in ("Vorli", "vorli-helper"):
             (self.contents / "MacOS" / name).unlink()
         self.assertEqual(self.wrong(), ["Contents/MacOS/Vorli is missing", "Contents/MacOS/vorli-helper is missing"])

@@ -39,10 +39,10 @@ class CheckMacOSTest(PlantedTree):
         self.assertIn("core for arm64: 2 checked, 0 failed", output)
         self.assertTrue(output.endswith("\n2 passed, 0 failed\n"), output)
 
-    def testTypeErrorInANewFolderIsTold(self):
+    def testTypeErrorInANewFolderIsReported(self):
         self.refused("src/newcomer/Bad.cpp", 'int number() { return "text"; }\n', "cannot initialize return object")
 
-    def testErrorInATemplateThatNoSourceUsesIsTold(self):
+    def testErrorInATemplateThatNoSourceUsesIsReported(self):
         self.plant("src/base/Bad.h", "template <typename T> struct Bad { Missing member; };\n")
         output, failed = self.check()
         self.assertEqual(failed, ["FAILED 2 headers of core for arm64"], output)
@@ -51,23 +51,23 @@ class CheckMacOSTest(PlantedTree):
     def testWarningIsAnError(self):
         self.refused("src/base/Bad.cpp", "int half(double d) { return d / 2; }\n", "-Wfloat-conversion")
 
-    def testWhatTheLibraryLacksIsTold(self):
+    def testWhatTheLibraryLacksIsReported(self):
         self.refused("src/base/Bad.cpp", "#include <thread>\nusing Thread = std::jthread;\n", "jthread")
         text = "#include <charconv>\nvoid f(double& d, const char* c) { std::from_chars(c, c, d); }\n"
         self.refused("src/base/Bad.cpp", text, "from_chars")
 
-    def testAnotherWidthOfATypeIsTold(self):
+    def testAnotherWidthOfATypeIsReported(self):
         text = "#include <algorithm>\n#include <cstdint>\nauto larger(std::int64_t a) { return std::max(a, 1L); }\n"
         self.refused("src/base/Bad.cpp", text, "no matching function")
 
-    def testIncludeThatOnlyAnotherLibraryBringsAlongIsTold(self):
+    def testIncludeThatOnlyAnotherLibraryBringsAlongIsReported(self):
         self.plant("src/base/Good.cpp", "#include <algorithm>\nint one(int a) { return std::min(a, 1); }\n")
         text = "#include <string>\nstd::map<std::string, int> names;\n"
         self.refused("src/base/Bad.cpp", text, "no template named 'map'")
         text = "#include <vector>\nvoid f(std::vector<int>& v) { std::ranges::sort(v); }\n"
         self.refused("src/base/Bad.cpp", text, "sort")
 
-    def testLinuxHeaderInPosixIsTold(self):
+    def testLinuxHeaderInPosixIsReported(self):
         self.plant("src/posix/Good.cpp", "#include <csignal>\n#include <unistd.h>\nint own() { return ::getpid(); }\n")
         self.refused("src/posix/Bad.cpp", "#include <sys/epoll.h>\n", "'sys/epoll.h' file not found")
 
@@ -90,10 +90,10 @@ class CheckMacOSTest(PlantedTree):
         self.assertEqual(failed, ["FAILED 2 headers of macos for arm64"], output)
         self.assertIn("'timeIntervalSince1971' not found", output)
 
-    def testFrameworkInPosixIsTold(self):
+    def testFrameworkInPosixIsReported(self):
         self.refused("src/posix/Bad.cpp", "#import <Foundation/Foundation.h>\n", "'Foundation/Foundation.h' file not found")
 
-    def testLeakOnOnePathIsTold(self):
+    def testLeakOnOnePathIsReported(self):
         text = ("#import <Foundation/Foundation.h>\n#include <IOKit/ps/IOPowerSources.h>\n"
                 "bool hasPower() {{ CFTypeRef all = IOPSCopyPowerSourcesInfo();\n"
                 "if (!all) return false;\n{} return true; }}\n")

@@ -135,7 +135,7 @@ class SystemBusTest(unittest.TestCase):
             script = f"mount -t cgroup2 none {mount} && test ! -e {mount}{group}"
             self.assertEqual(subprocess.call(["unshare", "--mount", "sh", "-c", script]), 0)
 
-    def testPrefixWithoutTheDaemonIsToldPlainly(self):
+    def testPrefixWithoutTheDaemonIsNamed(self):
         run = session(*BARE, "--system-bus", "/nonexistent", "--", "true")
         self.assertEqual(run.returncode, 70)
         self.assertIn("no helper is installed under /nonexistent", run.stderr)

@@ -22,7 +22,7 @@ attempt() {
   mkdir -p "$logs" && env LC_ALL=C.UTF-8 "$@" >"$log" 2>&1 </dev/null
 }
 
-# Says yes while a few kilobytes are left, because no compiler's output fits into them.
+# True also when a few kilobytes are left: no compiler's output fits into them.
 disk_is_full() {
   [ "$(df --output=avail -BK build | tail -n 1 | tr -dc 0-9)" -lt 4096 ]
 }

@@ -136,7 +136,7 @@ void HelperService::read(const std::function<void()>& whenTaken) {
 }
 
 // A request reads the status itself, later than the last reading; the handlers of its answer need it. It is
-// told even if it is the same, because an error from before may be over.
+// reported even if it is the same, because an error from before may be over.
 void HelperService::takenFromRequest(int status) {
   lastKnown_.status = status;
   tell(effectiveReading());

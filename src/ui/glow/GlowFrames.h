@@ -26,7 +26,7 @@ class GlowFrames {
   /// See `ports::GlowOverlay::animate`.
   void start(Frames frames, double restsAt);
   void stop();
-  /// Shows the picture of now once more, if there is one, and goes on from there.
+  /// Shows the picture of now once more, if there is one, and continues from there.
   void showAgain();
 
   /// Number of frames requested so far; constant while the picture is at rest.

@@ -87,7 +87,7 @@ void draw(const ports::Stroke& stroke) {
   [path stroke];
 }
 
-// Drawn for each scale that a screen has. Not a template, so it keeps its colours.
+// Drawn for each scale that a screen has. It is not a template, so it keeps its colours.
 NSImage* imageOf(const ports::StatusPicture& picture) {
   const auto shared = std::make_shared<const ports::StatusPicture>(picture);
   return [NSImage imageWithSize:NSSize{picture.sidePoints, picture.sidePoints}

@@ -299,7 +299,7 @@ bool OnboardingSheet::event(QEvent* event) {
   return handled;
 }
 
-// Qt tells its window that it can be seen, and not the widget, which is shown before that.
+// Qt reports to the window, not to the widget, that it can be seen. The widget is shown before that.
 bool OnboardingSheet::eventFilter(QObject* watched, QEvent* event) {
   if (watched == windowHandle() && event->type() == QEvent::Expose) startFrames();
   return PaperWindow::eventFilter(watched, event);

@@ -62,7 +62,7 @@ struct StartupAppsShape {
   struct Row {
     double height = 0.0;       // without the panel
     double panelHeight = 0.0;  // 0: none
-    // Shares of the full height while the row or its panel comes or goes.
+    // Shares of the full height while the row or its panel appears or disappears.
     double shown = 1.0;
     double panelShown = 1.0;
   };
@@ -97,7 +97,7 @@ class StartupAppsLayout {
   QRectF banner(std::size_t index) const { return banners_.at(index); }
   QRectF heading(std::size_t section) const { return sections_.at(section).heading; }
   QRectF card(std::size_t section) const { return sections_.at(section).card; }
-  /// The row without its panel, cut while it comes or goes.
+  /// The row without its panel, cut while it appears or disappears.
   QRectF row(RowPlace place) const;
   /// Empty when the row has none.
   QRectF panel(RowPlace place) const;

@@ -224,7 +224,9 @@ class Sandbox:
         return self._ask_bus("GetNameOwner", name)
 
     def pid_of(self, name):
-        return int(self._ask_bus("GetConnectionUnixProcessID", name))
+        pid = self._ask_bus("GetConnectionUnixProcessID", name)
+        assert pid is not None, f"{name} has no owner on the bus"
+        return int(pid)
 
     def helper_pids(self):
         """Processes that run the daemon's program, replaced or not."""

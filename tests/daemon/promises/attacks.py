@@ -51,15 +51,15 @@ def in_a_file(rung, windows):
     floods = [start_as(box, uid, "flood", kind) for uid, kind in FLOODS]
     # At the end of each window, a line says how many of a user's are missing.
     wait_for(lambda: all(box.log()[mark:].count(f" more of user {uid}\n") >= windows for uid in users),
-             "the lines that tell what is left out", 20 + windows * 2 * WINDOW, pause=0.1)
+             "the lines that say what is left out", 20 + windows * 2 * WINDOW, pause=0.1)
     sent = sum(figures["sent"] for figures in end_all(floods))
     box.stop_bus()  # ended first, because its waiting messages would start the daemon again
     seconds = time.monotonic() - start
     # The bus writes to the same log.
     lines = [line for line in box.log()[mark:].splitlines(keepends=True) if not line.startswith("dbus-daemon[")]
     rung.figure(f"requests of two users without rights in {seconds:.0f} s", sent, 10000, at_least=True)
-    # Each user may have one window more than fit into the time, with the line that tells what is left out; callers whom
-    # the bus does not tell in time share one more such budget.
+    # Each user may have one window more than fit into the time, with the line that says what is left out; callers whom
+    # the bus does not name in time share one more such budget.
     most = (len(users) + 1) * (LINES + 1) * (1 + int(seconds / WINDOW))
     rung.figure("lines in the log", len(lines), most)
     rung.figure("bytes in the log, with lines as long as they may be", len("".join(lines)), most * LONGEST_LINE)

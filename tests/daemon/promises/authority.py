@@ -177,7 +177,7 @@ def doubt_is_refusal(rung):
         reply = call(box, "MoveLaunchAgentPlist", ITEM, AWAY)
         if mode == "late":
             standin.consent()
-            # The bus tells who makes this call on the connection that brought the consent before.
+            # The bus names this call's maker on the connection that brought the consent before.
             rung.equal("a call after the consent has come", call(box, "KillPID", 999999, 19).code, 3)
             box.terminate_helper()  # it would end a move first
         kept = reply.code == code and os.path.exists(ITEM) and call(box, "Ping").answered

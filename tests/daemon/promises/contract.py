@@ -42,7 +42,7 @@ def one_contract(rung):
     box.restart()
     rung.equal("the contract's file", methods_of(shipped(rung, CONTRACT)), (METHODS, [], []))
     live, signals, properties = methods_of(introspection())
-    rung.equal("what the running daemon tells of itself", (sorted(live), signals, properties), (sorted(METHODS), [], []))
+    rung.equal("what the running daemon reports of itself", (sorted(live), signals, properties), (sorted(METHODS), [], []))
     rung.equal("its version", call(box, "Version").text, "1.2.3")
     allowed = re.findall(rf'send_interface="{NAME}" send_member="(\w+)"', shipped(rung, f"packaging/linux/{NAME}.conf"))
     rung.equal("what the bus lets through", allowed, [name for name, _, _ in METHODS])

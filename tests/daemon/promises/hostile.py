@@ -99,6 +99,6 @@ def honest_log(rung):
                        r'args=\([ -~]*\) verdict=none exit=\d+ ms=\d+ text="[ -~]*"')
     rung.equal("lines of another shape", [line for line in lines if not shape.fullmatch(line)], [])
     # A request of many kilobytes is logged without its sender, because it is not kept until the sender is known.
-    rung.equal("lines that do not tell whose", len([line for line in lines if "uid=unknown" in line]), 2)
+    rung.equal("lines without a known user", len([line for line in lines if "uid=unknown" in line]), 2)
     # Room for two arguments of 150 characters, an answer of 120 and what is around them.
     rung.figure("the longest, in bytes", max(len(line.split(": ", 1)[1]) for line in lines), 600)

@@ -36,7 +36,7 @@ def no_call_is_lost(rung):
         made += calls // 3
         lost += finish_tool(hammer)["lost"]
     rung.equal(f"lost of {made} calls around {stopped} SIGTERMs", lost, 0)
-    rung.figure("daemons told to stop", stopped, 15, at_least=True)
+    rung.figure("daemons asked to stop", stopped, 15, at_least=True)
 
 
 def listens(pid):
@@ -71,7 +71,7 @@ def comes_back(rung):
     rounds = 250
     cut_off = 0
     # The kernel ends a process, the bus notices, and the caller reads: no work of the daemon's, but as many turns of a
-    # busy machine as some calls. A caller who is not told waits for the limit of its call, thirty seconds.
+    # busy machine as some calls. A caller who gets no error waits for the limit of its call, thirty seconds.
     floor = bus_floor()
     told = max(200, 50 * floor["p99"]), max(1000, 50 * floor["max"])
     slowest = most_for_a_start(rung.sandbox)

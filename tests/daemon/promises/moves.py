@@ -73,7 +73,7 @@ def nothing_halfway(rung):
             changed += without_marks(content) != text or os.stat(place).st_mode & 0o7777 != mode
             wrongly_awake += place != path and path.endswith(".desktop") and "X-Vorli-Paused=true" not in content
     rung.equal("items lost", lost, 0)
-    rung.equal("items that are there twice", double, 0)
+    rung.equal("items that exist twice", double, 0)
     rung.equal("contents or modes changed", changed, 0)
     rung.equal("put away, and yet a session would start them", wrongly_awake, 0)
 

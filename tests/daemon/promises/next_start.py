@@ -1,4 +1,4 @@
-"""What is paused for everybody waits until it is resumed: a real service manager starts and logs in again."""
+"""A real service manager starts and logs in again: what is paused for everybody waits until it is resumed."""
 
 import os
 import shutil

@@ -149,7 +149,7 @@ def keeps_what_it_has(rung):
 
 
 @promise("P33", "A refusal by the disk is reported as it is, and nothing is left half done")
-def told_as_it_is(rung):
+def reported_as_it_is(rung):
     box = rung.sandbox
     box.restart()
     unit, entry = f"{USER_UNITS}/unit.service", f"{AUTOSTART}/entry.desktop"

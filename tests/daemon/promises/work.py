@@ -73,8 +73,8 @@ def truth_of_figures(rung):
     rung.figure("page cache gone, of the 400 MiB put there", cache, 380, " MiB", at_least=True)
 
 
-@promise("P17", "The purge tells the truth")
-def purge_tells_the_truth(rung):
+@promise("P17", "The purge reports what it did")
+def purge_reports_what_it_did(rung):
     box = rung.sandbox
     truth_of_figures(rung)
     box.restart()
@@ -96,7 +96,7 @@ def purge_tells_the_truth(rung):
         again = call(box, "PurgeMemory")
         return again if not again.text.startswith("Purged ") else None
 
-    # For five seconds a caller is only told of the last purge. A user may make twenty requests in ten seconds.
+    # For five seconds a caller only gets the last purge's report. A user may make twenty requests in ten seconds.
     reply = wait_for(purges_again, "the next purge", 30, pause=0.6)
     rung.figure("the next one", reply.seconds, 4.0, " s", busy=PURGE_LIMIT)
     rung.equal("threads that hang more than before", thread_count(box) - threads, 0)

@@ -15,8 +15,8 @@ namespace vorli::helpertest {
 constexpr char service[] = "com.kv.vorli.helper";
 constexpr char object[] = "/com/kv/vorli/helper";
 constexpr std::uint64_t patience = 30'000'000;  // microseconds
-/// For callers who are served among attackers. What the bus may keep for the daemon takes a busy machine most
-/// of a minute to work through.
+/// Limit for callers who are served among attackers. A busy machine takes most of a minute to work through
+/// what the bus may keep for the daemon.
 constexpr std::uint64_t patienceInACrowd = 120'000'000;
 
 using Clock = std::chrono::steady_clock;

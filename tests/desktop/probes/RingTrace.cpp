@@ -56,8 +56,8 @@ struct TappedMemory final : ports::MemoryCounters {
   std::unique_ptr<ports::MemoryCounters> real;
 };
 
-/// Leaves out the load that is there at the start beyond what the processors can do: at twice that load the
-/// ring is full, and shows no change.
+/// Subtracts the part of the initial load that exceeds the number of processors; otherwise a busy machine's
+/// ring would be full and never change.
 struct TappedCPU final : ports::CPUCounters {
   explicit TappedCPU(std::unique_ptr<ports::CPUCounters> counters) : real(std::move(counters)) {
     std::array<double, 3> averages{};

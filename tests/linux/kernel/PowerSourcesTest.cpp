@@ -73,7 +73,7 @@ TEST_F(PowerSourcesTest, aLineIsOnlineOrIdleOrUnknown) {
   }
 }
 
-TEST_F(PowerSourcesTest, aBatteryTellsItsStateAfterADeadLine) {
+TEST_F(PowerSourcesTest, withADeadLineTheBatterysStateIsRead) {
   line("0");
   for (const auto& [status, state] : {std::pair("Discharging", State::supplying),
                                       {"Charging", State::charging},
@@ -125,7 +125,7 @@ TEST_F(PowerSourcesTest, aSupplyThatFallsSilentIsUnknown) {
   EXPECT_EQ(readFrom(sources), (Supplies{{Kind::line, State::unknown}}));
 }
 
-TEST_F(PowerSourcesTest, unreadableFilesTellNothing) {
+TEST_F(PowerSourcesTest, unreadableFilesLeaveTheStateUnknown) {
   tree.write(supplies + "BAT0", "a file");
   line("1");
   tree.replaceByFIFO(supplies + "AC/online");
@@ -134,7 +134,7 @@ TEST_F(PowerSourcesTest, unreadableFilesTellNothing) {
   EXPECT_EQ(read(), (Supplies{{Kind::line, State::unknown}}));
 }
 
-TEST(PowerSourcesHostileTest, nonsenseTellsNothing) {
+TEST(PowerSourcesHostileTest, nonsenseLeavesTheStateUnknown) {
   const RecordedTree tree("hostile");
   EXPECT_EQ(readFrom(tree), (Supplies{{Kind::battery, State::unknown}}));
 }

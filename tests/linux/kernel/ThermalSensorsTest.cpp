@@ -14,7 +14,7 @@ TEST(ThermalSensorsTest, readsTheZonesOfALaptopWithTheirTripPoints) {
   const RecordedTree tree("laptop");
   const auto reading = ThermalSensors(tree.root()).readThermal();
   EXPECT_FALSE(reading.systemState);
-  // In the order of their names; the zone of the radio that is off is left out.
+  // Zones are in the order of their names; the zone of the radio that is off is left out.
   EXPECT_EQ(reading.zones,
             (Zones{{47000, 95000, 99000, 105000}, {52000, 86000, none, none}, {-5000, none, none, 115000}}));
 }

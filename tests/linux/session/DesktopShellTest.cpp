@@ -3,10 +3,8 @@
 #include "posix/FileDescriptor.h"
 #include "tests/fakes/CapturedLog.h"
 #include "tests/fakes/ManualScheduler.h"
+#include "tests/linux/helper/Waiting.h"
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
-#include <QEventLoop>
 #include <algorithm>
 #include <csignal>
 #include <cstdint>
@@ -77,17 +75,12 @@ struct DesktopShellTest : testing::Test {
     return std::ranges::any_of(running(), [pid](const auto& process) { return process.pid == pid; });
   }
 
-  /// Lets descriptors, threads and processes continue, while the clock stands still.
+  /// Lets descriptors, threads and processes continue, while the virtual clock is stopped.
   void until(const std::function<bool()>& condition) {
-    const QDeadlineTimer deadline(20'000);
-    while (!condition()) {
-      if (deadline.hasExpired()) {
-        ADD_FAILURE() << "it did not come to that";
-        return;
-      }
-      QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    waitUntil([&] {
       scheduler.runReady();
-    }
+      return condition();
+    });
   }
   void untilEnded(pid_t pid) {
     until([pid] { return waitpid(pid, nullptr, WNOHANG) == pid; });

@@ -1,7 +1,7 @@
 #include "linux/session/TerminationSignals.h"
+#include "tests/linux/helper/Waiting.h"
 
 #include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <csignal>
 #include <gtest/gtest.h>
 #include <optional>
@@ -19,10 +19,7 @@ struct TerminationSignalsTest : testing::Test {
     handled.emplace([this] { ++wishes; });
   }
   void waitForWishes(int count) {
-    const QDeadlineTimer deadline(30'000);
-    while (wishes < count && !deadline.hasExpired()) {
-      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
-    }
+    waitUntil([this, count] { return wishes >= count; });
   }
   static auto actionOf(int number) {
     struct sigaction action {};

@@ -19,7 +19,7 @@ std::optional<Kind> kindInUse() {
   return supplies.front().kind;
 }
 
-TEST(PowerSourcesTest, theNameTellsTheKindOfTheSupplyInUse) {
+TEST(PowerSourcesTest, theKindOfTheSupplyInUseIsReadFromItsName) {
   macfake::machine().powerSource = macfake::string("Battery Power");
   EXPECT_EQ(kindInUse(), Kind::battery);
   macfake::machine().powerSource = @"AC Power";

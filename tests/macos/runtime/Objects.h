@@ -25,7 +25,7 @@ void keepForEver(id object);
 /// Number of references to an object.
 long referencesTo(id object);
 
-/// For blocks, which have no class of their own.
+/// Count blocks, which have no class of their own.
 void noteBirth(const char* type);
 void noteDeath(const char* type);
 

@@ -31,7 +31,7 @@ struct KeyMonitorTest : testing::Test {
   std::optional<Subscription> token;
 };
 
-TEST_F(KeyMonitorTest, aKeyGoesToTheMonitorAndToNobodyElse) {
+TEST_F(KeyMonitorTest, aKeyReachesTheMonitorAndNobodyElse) {
   listen();
   ASSERT_EQ(windows().localMonitors.size(), 1U);
   EXPECT_EQ(windows().localMonitors[0].mask, 1024U);

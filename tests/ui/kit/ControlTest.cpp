@@ -240,7 +240,7 @@ TEST(SettingsCard, stacksItsRowsAndLeavesOutHiddenOnes) {
   EXPECT_EQ(second->y(), 28);
 }
 
-TEST(PillChoice, tellsOnlyTheUsersChoice) {
+TEST(PillChoice, reportsOnlyTheUsersChoice) {
   PillChoice choice({"Auto", "Light", "Dark"}, QStringLiteral("Dial"), lightLook, nullptr);
   int told = -1;
   choice.setHandler([&told](int index) { told = index; });
@@ -310,7 +310,7 @@ TEST(Toast, shortToastHasItsMinimumHeight) {
   EXPECT_EQ(toast.sizeHint().shrunkBy(Toast::shadowMargins).height(), 48);
 }
 
-TEST(Sidebar, tellsThePressedTabAndSaysEachAsATab) {
+TEST(Sidebar, reportsThePressedTabAndExposesEachAsATab) {
   int chosen = -1;
   Sidebar sidebar({{"gearshape", "General", "General tab", "Switches to the General settings"},
                    {"bell", "Notifications", "Notifications tab", "hint"}},

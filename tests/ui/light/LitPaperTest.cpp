@@ -27,7 +27,7 @@ double meanRed(const QImage& image, const QRect& area) {
   return sum / (area.width() * area.height());
 }
 
-TEST(LitPaper, goesFromTheUpperToTheLowerColourOverItsHeight) {
+TEST(LitPaper, fadesFromTheUpperToTheLowerColourOverItsHeight) {
   const QImage image = paper({8, 304}, {});
   EXPECT_NEAR(meanRed(image, {0, 0, 8, 8}), 255.0 * (0.161 - (0.161 - 0.114) * 4.0 / 304.0), 0.15);
   EXPECT_NEAR(meanRed(image, {0, 296, 8, 8}), 255.0 * (0.114 + (0.161 - 0.114) * 4.0 / 304.0), 0.15);

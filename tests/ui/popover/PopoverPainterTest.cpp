@@ -181,7 +181,7 @@ TEST(PopoverPainter, foldedContentLeavesPaperAndAurora) {
   EXPECT_EQ(paintedPopover(other, 1.0), image);
 }
 
-TEST(PopoverPainter, paperGoesFromTheUpperToTheLowerColourOverTheTallestCard) {
+TEST(PopoverPainter, paperFadesFromTheUpperToTheLowerColourOverTheTallestCard) {
   auto bare = critical();
   bare.cardHeight = PopoverMetrics::tallest;
   bare.contentOpacity = bare.aurora.warmCloud.opacity = 0.0;

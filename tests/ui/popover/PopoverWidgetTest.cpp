@@ -55,7 +55,7 @@ TEST_F(PopoverWidgetTest, questionWhetherToQuitIsSpokenWithItsAnswers) {
                                             "button | Quit |  | ", settingsButton));
 }
 
-TEST_F(PopoverWidgetTest, sentenceWithoutNamesIsSpokenWhereItStands) {
+TEST_F(PopoverWidgetTest, sentenceWithoutNamesIsSpokenWhereItIsShown) {
   open();
   const QRect status = spokenPlace("Your Mac is full. Time to polish it.");
   workspace.add(1000, SharedText("Chrome"), SharedText("org.chrome"));
@@ -298,7 +298,7 @@ TEST_F(PopoverFramesTest, ringAndSparksOfAPolishKeepThePaceOfTheScreen) {
   EXPECT_NEAR(static_cast<double>(framesIn(1.0)), 60.0, 5.0);
   framesIn(1.9);  // to 3.5, where the sparks are out and the ring still bounces
   EXPECT_NEAR(static_cast<double>(framesIn(0.5)), 30.0, 3.0);
-  // At rest except for the breath; the sparks are out, and are removed later.
+  // All is at rest except for the breath; the sparks are out, and are removed later.
   framesIn(0.1);
   EXPECT_NEAR(static_cast<double>(framesIn(0.5)), 5.0, 2.0);
 }

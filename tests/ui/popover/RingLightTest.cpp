@@ -9,7 +9,7 @@ namespace {
 
 constexpr Colour haloAmber{0.9, 0.6, 0.1};
 
-// Only the halo, at the bottom of its breath.
+// Shows only the halo, at the bottom of its breath.
 PopoverPicture halo(Appearance appearance) {
   PopoverPicture picture;
   picture.appearance = appearance;
@@ -18,7 +18,7 @@ PopoverPicture halo(Appearance appearance) {
   return picture;
 }
 
-// Only the cloud of a resting aurora.
+// Shows only the cloud of a resting aurora.
 PopoverPicture cloud(Appearance appearance) {
   fakes::ManualScheduler clock;
   PopoverPicture picture;

@@ -24,7 +24,7 @@ QImage drawn(const RingPicture& ring, Appearance appearance = Appearance::light)
   return RingPainter().draw(ring, appearance, ringRatio);
 }
 
-// In points from the ring's centre.
+// Colour at a place that is given in points from the ring's centre.
 QColor colourFromCentre(const QImage& image, double x, double y) {
   const double middle = image.width() / 2.0;
   return image.pixelColor(static_cast<int>(std::floor(middle + x * ringRatio)),

@@ -114,7 +114,7 @@ TEST_F(OnboardingContentTest, eachStateHasItsButtonsAndWords) {
   for (const auto& text : spoken(sheet)) EXPECT_FALSE(text.startsWith("Status")) << text.toStdString();
 }
 
-TEST_F(OnboardingContentTest, theButtonsStandOnOneLineInEveryState) {
+TEST_F(OnboardingContentTest, theButtonsAreOnOneLineInEveryState) {
   auto& sheet = open(0);
   const auto placeOf = [&sheet](const GlassPillButton* button) {
     const int ring = GlassPillButton::ringMargin;

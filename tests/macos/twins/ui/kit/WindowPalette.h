@@ -1,6 +1,6 @@
 #pragma once
 
-// Without the colours, which need Qt's painting.
+// Leaves out the colours, because they need Qt's painting.
 
 namespace vorli::ui {
 
