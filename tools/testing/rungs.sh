@@ -7,8 +7,7 @@
 needed_by_static=(build unit desktop static macos)
 rung_static() {
   step "rules of the tree" tools/check_includes
-  local script
-  for script in tests/tools/*_test.py; do step "$(basename "$script")" /usr/bin/python3 "$script"; done
+  step "tests of the tools" tests/tools/run
   step "format" tools/check_format
   step "shell scripts" tools/check_shell
   build dev vorli_helper_contract_headers && step "clang-tidy" tools/check_tidy build/dev
@@ -74,6 +73,7 @@ needed_by_asan=(build run unit helper fonts)
 prepare_asan() { build asan; }
 # Sanitizers would catch the crashes that the tests of crashes cause.
 rung_asan() {
+  ahead
   build dev vorli_plain_programs && ctest_step "tests of crashes" dev --label-regex '^crash$'
   ctest_step "unit tests under AddressSanitizer" asan --label-exclude desktop
   step "root daemon under AddressSanitizer" tests/daemon/run --build asan
