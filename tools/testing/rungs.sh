@@ -86,11 +86,13 @@ prepare_tsan() {
   build tsan vorli_unit_tests vorli_linux_tests vorli_linux_daemon_tests vorli_helper_client_tests vorli-helper
 }
 rung_tsan() {
+  ahead
   ctest_step "unit tests under ThreadSanitizer" tsan --label-exclude "desktop|ui"
   step "root daemon under ThreadSanitizer" tests/daemon/run --build tsan
 }
 
 needed_by_fuzz=(build unit static)
+prepare_fuzz() { must "build fuzzers" tests/fuzz/run --build; }
 rung_fuzz() {
   step "fuzzers" tests/fuzz/run
 }
