@@ -1,6 +1,7 @@
 #include "linux/session/LinkHandlers.h"
 
 #include "formats/DesktopEntry.h"
+#include "formats/DesktopGroup.h"
 #include "formats/DesktopLine.h"
 #include "linux/kernel/SmallFile.h"
 #include "posix/Environment.h"
@@ -33,12 +34,6 @@ std::string orElse(const std::string& value, const std::string& standard) {
   return value.empty() ? standard : value;
 }
 
-std::string_view withoutBlanks(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t\r");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
-}
-
 // Files that an identifier can stand for: each of its dashes, from the left, may separate a folder.
 std::vector<std::string> filesOf(std::string desktopID) {
   std::vector<std::string> files{desktopID};
@@ -56,21 +51,6 @@ std::optional<std::string> readEntryIn(const std::string& folder, const std::str
 }
 
 }  // namespace
-
-std::optional<std::string_view> iniValue(std::string_view text, std::string_view group,
-                                         std::string_view key) {
-  bool isInGroup = false;
-  while (!text.empty()) {
-    const auto whole = text.substr(0, text.find('\n'));
-    text.remove_prefix(std::min(whole.size() + 1, text.size()));
-    const auto line = withoutBlanks(whole);
-    if (line.starts_with('[')) isInGroup = line == "[" + std::string(group) + "]";
-    const auto equals = line.find('=');
-    if (!isInGroup || equals == std::string_view::npos) continue;
-    if (withoutBlanks(line.substr(0, equals)) == key) return withoutBlanks(line.substr(equals + 1));
-  }
-  return std::nullopt;
-}
 
 LinkHandlers::Places LinkHandlers::Places::ofThisUser(const std::string& homeDirectory) {
   const auto absolute = [](const std::string& value) { return value.starts_with('/') ? value : ""; };
@@ -94,26 +74,26 @@ std::vector<std::string> LinkHandlers::candidates(std::string_view type) const {
   std::vector<std::string> chosen, able, removed;
   auto lists = places_.configFolders;
   for (const auto& folder : places_.dataFolders) lists.push_back(folder + "/applications");
-  const auto read = [type](const std::string& file, std::string_view group, std::vector<std::string>& ids) {
+  const auto read = [type](const std::string& file, std::string_view header, std::vector<std::string>& ids) {
     const auto text = readSmallFile(file, largestList);
-    const auto value = text ? iniValue(*text, group, type) : std::nullopt;
-    for (auto& id : posix::splitList(value.value_or(""), ';')) ids.push_back(std::move(id));
+    const auto value = text ? formats::valueInGroup(*text, header, type) : std::nullopt;
+    for (auto& id : formats::desktopList(value.value_or(""))) ids.push_back(std::move(id));
   };
-  const auto readAble = [&](const std::string& file, std::string_view group) {
+  const auto readAble = [&](const std::string& file, std::string_view header) {
     std::vector<std::string> ids;
-    read(file, group, ids);
+    read(file, header, ids);
     std::ranges::copy_if(ids, std::back_inserter(able), [&removed](const std::string& id) {
       return std::ranges::find(removed, id) == removed.end();
     });
   };
   for (const auto& folder : lists) {
     for (const auto& desktop : places_.desktops) {
-      read(folder + "/" + desktop + "-mimeapps.list", "Default Applications", chosen);
+      read(folder + "/" + desktop + "-mimeapps.list", "[Default Applications]", chosen);
     }
-    read(folder + "/mimeapps.list", "Default Applications", chosen);
-    readAble(folder + "/mimeapps.list", "Added Associations");
-    read(folder + "/mimeapps.list", "Removed Associations", removed);
-    readAble(folder + "/mimeinfo.cache", "MIME Cache");
+    read(folder + "/mimeapps.list", "[Default Applications]", chosen);
+    readAble(folder + "/mimeapps.list", "[Added Associations]");
+    read(folder + "/mimeapps.list", "[Removed Associations]", removed);
+    readAble(folder + "/mimeinfo.cache", "[MIME Cache]");
   }
   chosen.insert(chosen.end(), able.begin(), able.end());
   return chosen;
@@ -126,7 +106,7 @@ std::optional<std::vector<std::string>> LinkHandlers::commandOf(const std::strin
     const auto text = readEntryIn(folder, desktopID);
     if (!text) continue;
     const auto value = [&text](std::string_view key) {
-      return formats::desktopText(iniValue(*text, "Desktop Entry", key).value_or(""));
+      return formats::desktopText(formats::valueInGroup(*text, formats::desktopEntryGroup, key).value_or(""));
     };
     bool hasTarget = false;
     auto words = formats::splitExec(value("Exec"), [&](char code, std::vector<std::string>& added) {

@@ -36,7 +36,4 @@ class LinkHandlers {
   const Places places_;
 };
 
-/// Value of a key in a group of an ini file, which is the format of these lists. Empty when it is missing.
-std::optional<std::string_view> iniValue(std::string_view text, std::string_view group, std::string_view key);
-
 }  // namespace vorli::linuxhost

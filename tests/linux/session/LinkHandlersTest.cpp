@@ -144,14 +144,10 @@ TEST_F(LinkHandlersTest, wordsOfTheCommandKeepTheirPlaces) {
   EXPECT_THAT(wholeCommand(), Optional(ElementsAre("sh", "--compose", "mailto:a")));
 }
 
-TEST(LinkHandlersListTest, valueIsReadFromItsGroupOnly) {
-  constexpr auto text =
-      "key=none\n[Other]\nkey=other\n[Group]\r\n# key=comment\nkey2=x\n key =\tvalue \r\nkey=second";
-  EXPECT_EQ(iniValue(text, "Group", "key"), "value");
-  EXPECT_EQ(iniValue(text, "Other", "key"), "other");
-  EXPECT_EQ(iniValue(text, "Group", "missing"), std::nullopt);
-  EXPECT_EQ(iniValue(text, "Missing", "key"), std::nullopt);
-  EXPECT_EQ(iniValue("", "Group", "key"), std::nullopt);
+TEST_F(LinkHandlersTest, anEscapedSemicolonDoesNotEndAnIdentifier) {
+  install("a;b.desktop", "a");
+  write("config/mimeapps.list", "[Default Applications]\nx-scheme-handler/mailto=b.desktop;a\\;b.desktop;\n");
+  EXPECT_THAT(command(), Optional(ElementsAre("sh", "a")));
 }
 
 TEST_F(LinkHandlersTest, aDashMaySeparateAFolder) {
