@@ -1,9 +1,9 @@
 #include "linux/applications/ApplicationMatcher.h"
 
+#include "formats/ProcStat.h"
 #include "formats/ProcessEvidence.h"
 #include "linux/applications/ControlGroup.h"
 #include "linux/applications/Interpreter.h"
-#include "linux/kernel/ProcessStart.h"
 #include "linux/kernel/SmallFile.h"
 
 #include <algorithm>
@@ -160,7 +160,7 @@ std::string ApplicationMatcher::startedProgramOf(std::int32_t pid) const {
 // The entry's script may wait for the program that it has started.
 const formats::DesktopEntry* ApplicationMatcher::byParentScript(std::int32_t pid) const {
   const auto stat = readSmallFile(root_ + "/proc/" + std::to_string(pid) + "/stat");
-  const auto parent = stat ? parseProcessStart(*stat).value_or(ProcessStart{}).parentPID : 0;
+  const auto parent = stat ? formats::parseProcStat(*stat).value_or(formats::ProcStat{}).parentPID : 0;
   if (parent <= 1 || !isShell(programFileOf(parent, root_))) return nullptr;
   return entries_.byProgram(scriptOf(parent, root_));
 }

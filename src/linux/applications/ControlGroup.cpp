@@ -1,6 +1,6 @@
 #include "linux/applications/ControlGroup.h"
 
-#include "linux/kernel/ProcessStart.h"
+#include "formats/ProcStat.h"
 #include "linux/kernel/SmallFile.h"
 
 #include <algorithm>
@@ -19,7 +19,7 @@ std::int32_t oldestMember(const std::string& folder, const std::string& root) {
     std::int32_t member = 0;
     std::from_chars(rest.data(), rest.data() + rest.size(), member);
     const auto stat = readSmallFile(root + "/proc/" + std::to_string(member) + "/stat");
-    const auto start = stat ? parseProcessStart(*stat).value_or(ProcessStart{}).ticks : 0;
+    const auto start = stat ? formats::parseProcStat(*stat).value_or(formats::ProcStat{}).startTicks : 0;
     if (start != 0 && start < oldestStart) {
       oldest = member;
       oldestStart = start;

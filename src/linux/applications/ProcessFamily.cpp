@@ -1,7 +1,7 @@
 #include "linux/applications/ProcessFamily.h"
 
+#include "formats/ProcStat.h"
 #include "linux/applications/Interpreter.h"
-#include "linux/kernel/ProcessStart.h"
 #include "linux/kernel/SmallFile.h"
 
 #include <algorithm>
@@ -45,7 +45,7 @@ std::int32_t ProcessFamily::nearestApplication(std::int32_t pid, Kinship kinship
 
 std::int32_t ProcessFamily::parentOf(std::int32_t pid) const {
   const auto stat = readSmallFile(root_ + "/proc/" + std::to_string(pid) + "/stat");
-  return stat ? parseProcessStart(*stat).value_or(ProcessStart{}).parentPID : 0;
+  return stat ? formats::parseProcStat(*stat).value_or(formats::ProcStat{}).parentPID : 0;
 }
 
 bool ProcessFamily::areRelatives(std::int32_t child, std::int32_t parent, Kinship kinship) const {

@@ -1,7 +1,7 @@
 #include "linux/session/ShellProcess.h"
 
+#include "formats/ProcStat.h"
 #include "formats/ProcessEvidence.h"
-#include "linux/kernel/ProcessStart.h"
 #include "linux/kernel/SmallFile.h"
 #include "posix/Environment.h"
 
@@ -91,9 +91,10 @@ std::optional<ShellProcess> shellProcess(std::int32_t pid, std::span<const Shell
                        .folder = readLink(folder + "/cwd"),
                        .environment = environmentOf(folder),
                        .unit = unitOf(folder)};
-  const auto start = parseProcessStart(readSmallFile(folder + "/stat").value_or(""));
-  if (!start || process.command.empty() || !belongsTo(session, process.environment)) return std::nullopt;
-  process.startTicks = start->ticks;
+  const auto text = readSmallFile(folder + "/stat").value_or("");
+  const auto stat = formats::parseProcStat(text);
+  if (!stat || process.command.empty() || !belongsTo(session, process.environment)) return std::nullopt;
+  process.startTicks = stat->startTicks;
   return process;
 }
 

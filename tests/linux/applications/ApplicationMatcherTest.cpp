@@ -1,5 +1,6 @@
 #include "linux/applications/ApplicationMatcher.h"
 #include "tests/fakes/ManualScheduler.h"
+#include "tests/linux/RecordedTree.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -34,10 +35,9 @@ struct ApplicationMatcherTest : testing::Test {
     write("entries/" + id + ".desktop",
           "[Desktop Entry]\nType=Application\nName=" + id + "\nExec=" + exec + "\n" + more);
   }
-  void process(int pid, const std::string& executable, unsigned long start = 1000) {
+  void process(int pid, const std::string& executable, std::uint64_t start = 1000) {
     const std::string folder = "proc/" + std::to_string(pid);
-    write(folder + "/stat", std::to_string(pid) + " (x) S 1 1 1 0 -1 0 0 0 0 0 0 0 0 0 20 0 1 0 " +
-                                std::to_string(start) + " 0 0\n");
+    write(folder + "/stat", RecordedTree::statLine(pid, "x", {.startTicks = start}));
     fs::create_symlink(root / executable, root / folder / "exe");
   }
   std::string match(int pid, const std::vector<DesktopWindow>& windows = {}) {
@@ -216,7 +216,7 @@ TEST_F(ApplicationMatcherTest, aWrapperScriptLeadsFromItsProgramToItsEntry) {
   write("proc/20/cmdline", std::string("sh\0", 3) + (root / "opt/wrapped/run.sh").string() + '\0');
   process(21, "lib/real");
   EXPECT_EQ(match(21), "none");
-  write("proc/21/stat", "21 (x) S 20 1 1 0 -1 0 0 0 0 0 0 0 0 0 20 0 1 0 1000 0 0\n");
+  write("proc/21/stat", RecordedTree::statLine(21, "x", {.parent = 20}));
   EXPECT_EQ(match(21), "wrapped");
   fs::remove(root / "proc/20/exe");
   fs::create_symlink(root / "bin/python3", root / "proc/20/exe");
