@@ -1,5 +1,7 @@
 #include "formats/AutostartEntry.h"
 
+#include "base/Blanks.h"
+#include "base/ShellWord.h"
 #include "base/UTF8.h"
 #include "formats/DesktopEntry.h"
 #include "formats/DesktopLine.h"
@@ -59,7 +61,7 @@ bool announcesScript(std::string_view word) {
 // "sleep 5 && tea -q &". Empty for any other script.
 std::vector<std::string> startedByScript(std::string_view script) {
   constexpr std::string_view special = "'\"\\`$|<>(){}*?[]~#!\n";
-  script = trimmed(script);
+  script = withoutBlanks(script, shellBlanks);
   if (script.find_first_of(special) != script.npos) return {};
   if (script.ends_with('&')) script.remove_suffix(1);
   std::string separated;

@@ -1,5 +1,6 @@
 #include "formats/Crontab.h"
 
+#include "base/Blanks.h"
 #include "base/ShellWord.h"
 #include "base/UTF8.h"
 #include "formats/KernelText.h"
@@ -21,7 +22,7 @@ std::string_view withoutInput(std::string_view command) {
 
 std::string takeShellWord(std::string_view& rest) {
   constexpr std::string_view ends = " \t;&|()<>";
-  rest = trimmed(rest);
+  rest = withoutBlanks(rest, shellBlanks);
   std::string word;
   char quote = 0;
   std::size_t i = 0;
@@ -53,9 +54,9 @@ std::vector<std::string> parseRebootCommands(std::string_view crontab) {
   constexpr std::string_view keyword = "@reboot";
   std::vector<std::string> commands;
   while (!crontab.empty()) {
-    auto line = trimmed(takeLine(crontab));
+    auto line = withoutBlanks(takeLine(crontab), shellBlanks);
     if (takeWord(line) != keyword) continue;
-    const auto command = trimmed(withoutInput(line));
+    const auto command = withoutBlanks(withoutInput(line), shellBlanks);
     if (!command.empty()) commands.push_back(repairedUTF8(command));
   }
   return commands;

@@ -1,23 +1,12 @@
 #include "formats/DesktopLine.h"
 
-#include <algorithm>
-#include <utility>
+#include "base/Blanks.h"
 
 namespace vorli::formats {
 
 namespace {
 
 constexpr std::string_view escapeLetters = "sntr\\", escapedCharacters = " \n\t\r\\";
-
-bool isBlankInLine(char c) {
-  return c == ' ' || c == '\t' || c == '\r';
-}
-
-std::string_view withoutBlanks(std::string_view text) {
-  while (!text.empty() && isBlankInLine(text.front())) text.remove_prefix(1);
-  while (!text.empty() && isBlankInLine(text.back())) text.remove_suffix(1);
-  return text;
-}
 
 }  // namespace
 

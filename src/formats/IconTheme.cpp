@@ -1,5 +1,6 @@
 #include "formats/IconTheme.h"
 
+#include "base/Blanks.h"
 #include "formats/KernelText.h"
 
 #include <algorithm>
@@ -18,16 +19,11 @@ constexpr int defaultThreshold = 2;
 
 using ThemeKeys = std::map<std::string_view, std::string_view>;
 
-std::string_view withoutReturn(std::string_view text) {
-  while (!text.empty() && text.back() == '\r') text.remove_suffix(1);
-  return trimmed(text);
-}
-
 std::map<std::string_view, ThemeKeys> readGroups(std::string_view text) {
   std::map<std::string_view, ThemeKeys> groups;
   ThemeKeys* group = nullptr;
   while (!text.empty()) {
-    const auto line = withoutReturn(takeLine(text));
+    const auto line = withoutBlanks(takeLine(text));
     if (line.starts_with('[') && line.ends_with(']')) {
       if (groups.size() > mostFolders) break;
       group = &groups[line.substr(1, line.size() - 2)];
@@ -35,7 +31,7 @@ std::map<std::string_view, ThemeKeys> readGroups(std::string_view text) {
     }
     const auto equals = line.find('=');
     if (!group || line.starts_with('#') || equals == line.npos) continue;
-    group->emplace(trimmed(line.substr(0, equals)), trimmed(line.substr(equals + 1)));
+    group->emplace(withoutBlanks(line.substr(0, equals)), withoutBlanks(line.substr(equals + 1)));
   }
   return groups;
 }
@@ -70,7 +66,7 @@ std::vector<std::string_view> splitNames(std::string_view list) {
   std::vector<std::string_view> names;
   while (!list.empty()) {
     const auto comma = std::min(list.find(','), list.size());
-    if (const auto name = trimmed(list.substr(0, comma)); !name.empty()) names.push_back(name);
+    if (const auto name = withoutBlanks(list.substr(0, comma)); !name.empty()) names.push_back(name);
     list.remove_prefix(std::min(comma + 1, list.size()));
   }
   return names;

@@ -41,12 +41,6 @@ std::string_view takeWord(std::string_view& text) {
   return {first, last};
 }
 
-std::string_view trimmed(std::string_view text) {
-  while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
-  while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
-  return text;
-}
-
 std::optional<std::uint64_t> parseWhole(std::string_view digits) {
   return parseNumber<std::uint64_t>(digits);
 }

@@ -15,9 +15,6 @@ std::string_view takeLine(std::string_view& text);
 /// newline. Empty at the end.
 std::string_view takeWord(std::string_view& text);
 
-/// Removes blanks and newlines from both ends.
-std::string_view trimmed(std::string_view text);
-
 /// Parses decimal digits and nothing else. Empty when the number does not fit into 64 bits.
 std::optional<std::uint64_t> parseWhole(std::string_view digits);
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Blanks.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -31,17 +33,10 @@ constexpr std::string_view takeLine(std::string_view& rest) {
   return line;
 }
 
-constexpr std::string_view trimmed(std::string_view line) {
-  constexpr std::string_view blanks = " \t\r\n";
-  while (!line.empty() && blanks.contains(line.front())) line.remove_prefix(1);
-  while (!line.empty() && blanks.contains(line.back())) line.remove_suffix(1);
-  return line;
-}
-
 constexpr bool setsHidden(std::string_view line) {
-  line = trimmed(line);
+  line = withoutBlanks(line);
   if (!line.starts_with("Hidden")) return false;
-  return trimmed(line.substr(6)).starts_with('=');
+  return withoutBlanks(line.substr(6)).starts_with('=');
 }
 
 /// Returns where the first line after the group header begins; empty without a header line.
@@ -51,7 +46,7 @@ constexpr std::optional<std::size_t> bodyOffset(std::string_view content) {
   if (rest.starts_with(byteOrderMark)) rest.remove_prefix(byteOrderMark.size());
   while (!rest.empty()) {
     const auto line = takeLine(rest);
-    if (line.ends_with('\n') && trimmed(line) == group) return content.size() - rest.size();
+    if (line.ends_with('\n') && withoutBlanks(line) == group) return content.size() - rest.size();
   }
   return std::nullopt;
 }
@@ -63,7 +58,7 @@ void forEachLine(std::string_view body, Take take) {
   bool inGroup = true;
   while (!body.empty()) {
     const auto line = takeLine(body);
-    const auto text = trimmed(line);
+    const auto text = withoutBlanks(line);
     if (text.starts_with('[')) inGroup = text == group;
     take(line, inGroup);
   }

@@ -1,5 +1,6 @@
 #include "formats/PowerProfile.h"
 
+#include "base/Blanks.h"
 #include "formats/KernelText.h"
 
 namespace vorli::formats {
@@ -9,8 +10,8 @@ std::string_view parsePowerProfile(std::string_view state) {
   while (!state.empty()) {
     const auto line = takeLine(state);
     const auto equals = line.find('=');
-    if (equals == std::string_view::npos || trimmed(line.substr(0, equals)) != key) continue;
-    return trimmed(line.substr(equals + 1));
+    if (equals == std::string_view::npos || withoutBlanks(line.substr(0, equals)) != key) continue;
+    return withoutBlanks(line.substr(equals + 1));
   }
   return {};
 }

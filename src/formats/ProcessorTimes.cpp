@@ -1,5 +1,6 @@
 #include "formats/ProcessorTimes.h"
 
+#include "base/Blanks.h"
 #include "formats/KernelText.h"
 
 namespace vorli::formats {
@@ -26,7 +27,7 @@ std::optional<ProcessorTimes> parseProcessorTimes(std::string_view text) {
 }
 
 std::optional<int> parseProcessorCount(std::string_view list) {
-  list = trimmed(list);
+  list = withoutBlanks(list);
   std::uint64_t count = 0;
   while (!list.empty()) {
     const auto range = list.substr(0, list.find(','));

@@ -1,5 +1,6 @@
 #include "formats/UnitFile.h"
 
+#include "base/Blanks.h"
 #include "base/UTF8.h"
 #include "formats/KernelText.h"
 
@@ -27,7 +28,7 @@ std::string_view takeLogicalLine(std::string_view& rest, std::string& joined) {
   line += ' ';
   for (bool continues = true; continues && !rest.empty();) {
     const auto piece = withoutEnd(takeLine(rest));
-    if (!line.empty() && isComment(trimmed(piece))) continue;
+    if (!line.empty() && isComment(withoutBlanks(piece))) continue;
     continues = piece.ends_with('\\');
     line += continues ? piece.substr(0, piece.size() - 1) : piece;
     if (continues) line += ' ';
@@ -55,7 +56,7 @@ char takeEscape(std::string_view rest, std::size_t& i) {
 
 // Removes the next word of a command line and returns it; quotes of either kind may enclose any part of it.
 std::string takeQuotedWord(std::string_view& rest) {
-  rest = trimmed(rest);
+  rest = withoutBlanks(rest);
   std::string word;
   char quote = 0;
   std::size_t i = 0;
@@ -82,7 +83,7 @@ bool isServiceWrapper(std::string_view program) {
 }
 
 std::string programOf(std::string_view command) {
-  command = trimmed(command);
+  command = withoutBlanks(command);
   constexpr std::string_view modifiers = "-@:+!|";
   while (!command.empty() && modifiers.contains(command.front())) command.remove_prefix(1);
   auto word = takeQuotedWord(command);
@@ -117,7 +118,7 @@ UnitFile parseUnitFile(std::string_view text) {
   std::string section, joined;
   if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
   while (!text.empty()) {
-    const auto line = trimmed(takeLogicalLine(text, joined));
+    const auto line = withoutBlanks(takeLogicalLine(text, joined));
     if (line.empty() || isComment(line)) continue;
     if (line.starts_with('[')) {
       section = line;
@@ -125,7 +126,7 @@ UnitFile parseUnitFile(std::string_view text) {
     }
     const auto equals = line.find('=');
     if (equals == std::string_view::npos) continue;
-    take(unit, section, trimmed(line.substr(0, equals)), trimmed(line.substr(equals + 1)));
+    take(unit, section, withoutBlanks(line.substr(0, equals)), withoutBlanks(line.substr(equals + 1)));
   }
   return unit;
 }

@@ -1,5 +1,6 @@
 #include "formats/VMStat.h"
 
+#include "base/Blanks.h"
 #include "formats/KernelText.h"
 #include "formats/KeyedLines.h"
 
@@ -9,7 +10,7 @@ namespace {
 
 std::uint64_t countOf(KeyedLines& lines, std::string_view key) {
   const auto value = lines.valueOf(key);
-  return value ? parseWhole(trimmed(*value)).value_or(0) : 0;
+  return value ? parseWhole(withoutBlanks(*value)).value_or(0) : 0;
 }
 
 }  // namespace

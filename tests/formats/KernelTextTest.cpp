@@ -23,12 +23,6 @@ TEST(KernelTextTest, anyBlanksSeparateWords) {
   EXPECT_EQ(takeWord(text), "");
 }
 
-TEST(KernelTextTest, blanksAroundATextAreTrimmed) {
-  EXPECT_EQ(trimmed(" \tlow power\n"), "low power");
-  EXPECT_EQ(trimmed(" \n"), "");
-  EXPECT_EQ(trimmed(""), "");
-}
-
 TEST(KernelTextTest, aWholeNumberIsDigitsOnlyAndFits) {
   EXPECT_EQ(parseWhole("18446744073709551615"), 18446744073709551615U);
   EXPECT_FALSE(parseWhole("18446744073709551616"));

@@ -17,7 +17,7 @@ void fuzz(std::string_view bytes) {
       const auto length = line.size();
       const auto word = takeWord(line);
       FUZZ_CHECK(line.size() < length);
-      FUZZ_CHECK(word.find(' ') == word.npos && trimmed(word) == word);
+      FUZZ_CHECK(word.find_first_of(" \t\n") == word.npos);
       const auto whole = parseWhole(word);
       const auto number = parseSigned(word);
       if (whole && number) FUZZ_CHECK(*whole == static_cast<std::uint64_t>(*number));
@@ -25,7 +25,6 @@ void fuzz(std::string_view bytes) {
       if (decimal) FUZZ_CHECK(std::isfinite(*decimal) && *decimal >= 0.0 && *decimal < 1e15);
     }
   }
-  FUZZ_CHECK(isWithin(trimmed(bytes), bytes));
   FUZZ_CHECK(isWithin(parsePowerProfile(bytes), bytes));
   static_cast<void>(parseKernelRelease(bytes));
 }

@@ -1,6 +1,6 @@
 #include "linux/kernel/DeviceFolder.h"
 
-#include "formats/KernelText.h"
+#include "base/Blanks.h"
 #include "linux/kernel/SmallFile.h"
 
 #include <algorithm>
@@ -34,7 +34,7 @@ std::vector<std::string> deviceNames(const std::string& folder, std::string_view
 
 std::optional<std::string> readAttribute(const std::string& path) {
   auto text = readSmallFile(path, longestAttribute);
-  if (text) *text = formats::trimmed(*text);
+  if (text) *text = withoutBlanks(*text);
   return text;
 }
 

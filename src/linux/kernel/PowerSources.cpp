@@ -1,6 +1,6 @@
 #include "linux/kernel/PowerSources.h"
 
-#include "formats/KernelText.h"
+#include "base/Blanks.h"
 #include "linux/kernel/DeviceFolder.h"
 #include "linux/kernel/SmallFile.h"
 
@@ -50,7 +50,7 @@ std::span<const ports::PowerSupply> PowerSources::readSupplies() {
   reading_.clear();
   std::array<char, longestAttribute> buffer;
   for (auto& supply : supplies_) {
-    const auto text = formats::trimmed(supply.state.read(buffer).value_or(""));
+    const auto text = withoutBlanks(supply.state.read(buffer).value_or(""));
     const auto state = supply.kind == Kind::line ? lineState(text) : batteryState(text);
     reading_.push_back({supply.kind, state});
     // Leaves the rest unread: the state of a battery comes from a slow controller.

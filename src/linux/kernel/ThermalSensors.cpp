@@ -1,5 +1,6 @@
 #include "linux/kernel/ThermalSensors.h"
 
+#include "base/Blanks.h"
 #include "formats/KernelText.h"
 #include "formats/PowerProfile.h"
 #include "linux/kernel/DeviceFolder.h"
@@ -52,8 +53,7 @@ ports::ThermalReading ThermalSensors::readThermal() {
   std::array<char, longestAttribute> buffer;
   for (auto& zone : zones_) {
     // A sleeping sensor, such as that of a radio that is switched off, has no temperature and is left out.
-    const auto temperature =
-        formats::parseSigned(formats::trimmed(zone.temperature.read(buffer).value_or("")));
+    const auto temperature = formats::parseSigned(withoutBlanks(zone.temperature.read(buffer).value_or("")));
     if (!temperature) continue;
     zone.reading.temperature = *temperature;
     reading.zones.push_back(zone.reading);
@@ -65,7 +65,7 @@ ports::ThermalReading ThermalSensors::readThermal() {
 // works where the firmware has no such mode. The service replaces its file, so that file is opened each time.
 bool ThermalSensors::isLowPowerModeEnabled() {
   std::array<char, longestAttribute> buffer;
-  if (formats::trimmed(platformProfile_.read(buffer).value_or("")) == "low-power") return true;
+  if (withoutBlanks(platformProfile_.read(buffer).value_or("")) == "low-power") return true;
   const auto state = readSmallFile(profileStatePath_, 4096);
   return state && formats::parsePowerProfile(*state) == "power-saver";
 }

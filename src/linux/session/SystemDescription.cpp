@@ -1,5 +1,6 @@
 #include "linux/session/SystemDescription.h"
 
+#include "base/Blanks.h"
 #include "base/UTF8.h"
 #include "linux/kernel/SmallFile.h"
 
@@ -14,16 +15,10 @@ namespace {
 
 constexpr std::size_t longestSystemName = 200;
 
-constexpr std::string_view blanks = " \t\r\n";
-
 // Reduces text from a foreign file, which may hold anything, to one short line.
 std::string cleaned(std::string_view text) {
   text = text.substr(0, std::min(text.find('\n'), text.find('\0')));
-  text = text.substr(0, longestSystemName);
-  const auto first = text.find_first_not_of(blanks);
-  if (first == std::string_view::npos) return {};
-  text = text.substr(first, text.find_last_not_of(blanks) - first + 1);
-  std::string clean = repairedUTF8(text);
+  std::string clean = repairedUTF8(withoutBlanks(text.substr(0, longestSystemName)));
   std::replace_if(
       clean.begin(), clean.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
   return clean;

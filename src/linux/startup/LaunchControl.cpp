@@ -1,7 +1,7 @@
 #include "linux/startup/LaunchControl.h"
 
+#include "base/Blanks.h"
 #include "base/FilePath.h"
-#include "formats/KernelText.h"
 #include "linux/startup/SystemTool.h"
 
 #include <string_view>
@@ -23,7 +23,7 @@ std::optional<ToolResult> systemctl(const QStringList& arguments) {
 // Checks the tool's output, because its exit code is also 0 for a service that only a timer or socket starts:
 // a nightly task must not run at the moment when it is resumed.
 bool isEnabledByItself(std::string_view state) {
-  return formats::trimmed(state) == "enabled" || formats::trimmed(state) == "enabled-runtime";
+  return withoutBlanks(state) == "enabled" || withoutBlanks(state) == "enabled-runtime";
 }
 
 bool isPlain(char c) {

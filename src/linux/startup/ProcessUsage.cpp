@@ -1,5 +1,6 @@
 #include "linux/startup/ProcessUsage.h"
 
+#include "base/Blanks.h"
 #include "formats/KernelText.h"
 #include "formats/KeyedLines.h"
 #include "formats/ProcStat.h"
@@ -35,7 +36,7 @@ std::vector<std::string> namesIn(const std::string& folder, bool& isListed) {
 std::optional<double> wholeAt(const std::string& path) {
   const auto text = readSmallFile(path);
   if (!text) return std::nullopt;
-  const auto number = formats::parseWhole(formats::trimmed(*text));
+  const auto number = formats::parseWhole(withoutBlanks(*text));
   return number ? std::optional(static_cast<double>(*number)) : std::nullopt;
 }
 
@@ -43,7 +44,7 @@ std::optional<double> keyedWhole(const std::string& path, std::string_view key) 
   const auto text = readSmallFile(path);
   if (!text) return std::nullopt;
   const auto value = formats::KeyedLines(*text).valueOf(key);
-  const auto number = value ? formats::parseWhole(formats::trimmed(*value)) : std::nullopt;
+  const auto number = value ? formats::parseWhole(withoutBlanks(*value)) : std::nullopt;
   return number ? std::optional(static_cast<double>(*number)) : std::nullopt;
 }
 
@@ -149,7 +150,7 @@ std::optional<ports::ServiceUse> ProcessUsage::readService(const std::string& fo
                                                            Look& look) const {
   const auto processes = readSmallFile(folder + "/cgroup.events");
   const auto populated = processes ? formats::KeyedLines(*processes).valueOf("populated") : std::nullopt;
-  if (!populated || formats::trimmed(*populated) != "1") return std::nullopt;
+  if (!populated || withoutBlanks(*populated) != "1") return std::nullopt;
   const double held = wholeAt(folder + "/memory.current").value_or(0.0);
   const double idle = keyedWhole(folder + "/memory.stat", "inactive_file").value_or(0.0);
   const double busy = keyedWhole(folder + "/cpu.stat", "usage_usec").value_or(0.0) / 1e6;
