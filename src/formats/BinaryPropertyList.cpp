@@ -8,7 +8,7 @@
 #include <limits>
 #include <optional>
 
-namespace vorli {
+namespace vorli::formats {
 
 namespace {
 
@@ -338,4 +338,4 @@ std::expected<PropertyList, std::string> readBinaryPropertyList(std::string_view
   return BinaryReader(bytes).read();
 }
 
-}  // namespace vorli
+}  // namespace vorli::formats

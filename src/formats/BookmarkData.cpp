@@ -7,7 +7,7 @@
 #include <optional>
 #include <vector>
 
-namespace vorli {
+namespace vorli::formats {
 
 namespace {
 
@@ -150,4 +150,4 @@ std::expected<BookmarkData, std::string> readBookmarkData(std::string_view bytes
   return BookmarkData{*std::move(path), *volume};
 }
 
-}  // namespace vorli
+}  // namespace vorli::formats

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace vorli {
+namespace vorli::formats {
 
 /// The file that a bookmark was made for, read from its bytes. Nothing here reads the disk: the caller checks
 /// whether the file still exists.
@@ -18,4 +18,4 @@ struct BookmarkData {
 /// Reads a bookmark. Error: why the bytes do not name a file.
 [[nodiscard]] std::expected<BookmarkData, std::string> readBookmarkData(std::string_view bytes);
 
-}  // namespace vorli
+}  // namespace vorli::formats

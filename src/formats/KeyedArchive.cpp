@@ -5,7 +5,7 @@
 #include <limits>
 #include <utility>
 
-namespace vorli {
+namespace vorli::formats {
 
 namespace {
 
@@ -173,4 +173,4 @@ std::optional<KeyedArchive::Object> KeyedArchive::Object::entry(std::string_view
   return found;
 }
 
-}  // namespace vorli
+}  // namespace vorli::formats

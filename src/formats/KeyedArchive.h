@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-namespace vorli {
+namespace vorli::formats {
 
 /// Objects that NSKeyedArchiver wrote, decoded one field at a time when they are asked for.
 ///
@@ -83,4 +83,4 @@ class KeyedArchive::Object {
   std::uint32_t number_;
 };
 
-}  // namespace vorli
+}  // namespace vorli::formats

@@ -8,7 +8,7 @@
 #include <bit>
 #include <limits>
 
-namespace vorli {
+namespace vorli::formats {
 
 PropertyList::Value PropertyList::root() const {
   return {*this, root_};
@@ -87,4 +87,4 @@ std::expected<PropertyList, std::string> readPropertyList(std::string_view bytes
   return isBinaryPropertyList(bytes) ? readBinaryPropertyList(bytes) : readXMLPropertyList(bytes);
 }
 
-}  // namespace vorli
+}  // namespace vorli::formats

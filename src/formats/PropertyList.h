@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace vorli {
+namespace vorli::formats {
 
 /// The values of a property list. Immutable.
 ///
@@ -95,4 +95,4 @@ class PropertyList::Value {
 [[nodiscard]] std::expected<PropertyList, std::string> readPropertyList(std::string_view bytes,
                                                                         std::size_t largest);
 
-}  // namespace vorli
+}  // namespace vorli::formats

@@ -6,7 +6,7 @@
 #include <bit>
 #include <utility>
 
-namespace vorli {
+namespace vorli::formats {
 
 PropertyListBuilder::Index PropertyListBuilder::add(Kind kind, std::uint64_t bits) {
   list_.nodes_.push_back({.kind = kind, .bits = bits});
@@ -119,4 +119,4 @@ PropertyList PropertyListBuilder::finish(Index root) {
   return std::move(list_);
 }
 
-}  // namespace vorli
+}  // namespace vorli::formats

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace vorli {
+namespace vorli::formats {
 
 /// Builds a property list while its bytes are read, without recursion: containers are opened and closed like
 /// brackets, and each value is appended to the innermost one that is open.
@@ -69,4 +69,4 @@ class PropertyListBuilder {
   std::vector<Index> pending_;  // the contents of all open containers, the innermost last
 };
 
-}  // namespace vorli
+}  // namespace vorli::formats

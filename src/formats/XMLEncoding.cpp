@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace vorli {
+namespace vorli::formats {
 
 namespace {
 
@@ -132,4 +132,4 @@ std::expected<std::string, std::string> decodeXML(std::string_view bytes) {
   return *std::move(text);
 }
 
-}  // namespace vorli
+}  // namespace vorli::formats

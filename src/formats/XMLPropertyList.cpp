@@ -9,7 +9,7 @@
 #include <limits>
 #include <optional>
 
-namespace vorli {
+namespace vorli::formats {
 
 namespace {
 
@@ -269,4 +269,4 @@ std::expected<PropertyList, std::string> readXMLPropertyList(std::string_view by
   return XMLReader(*text).read();
 }
 
-}  // namespace vorli
+}  // namespace vorli::formats

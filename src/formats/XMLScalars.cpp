@@ -11,11 +11,11 @@
 #include <sstream>
 #include <utility>
 
-namespace vorli {
+namespace vorli::formats {
 
 namespace {
 
-bool isDigit(char c) {
+bool isXMLDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
@@ -53,7 +53,7 @@ std::optional<double> realWord(std::string_view text) {
 bool isDecimal(std::string_view text) {
   const auto takeDigits = [&text] {
     std::size_t count = 0;
-    while (count < text.size() && isDigit(text[count])) ++count;
+    while (count < text.size() && isXMLDigit(text[count])) ++count;
     text.remove_prefix(count);
     return count;
   };
@@ -111,7 +111,7 @@ std::optional<Date> parseXMLDate(std::string_view content) {
   constexpr std::string_view pattern = "dddd-dd-ddTdd:dd:ddZ";
   if (content.size() != pattern.size()) return std::nullopt;
   for (std::size_t i = 0; i < pattern.size(); ++i) {
-    if (pattern[i] == 'd' ? !isDigit(content[i]) : content[i] != pattern[i]) return std::nullopt;
+    if (pattern[i] == 'd' ? !isXMLDigit(content[i]) : content[i] != pattern[i]) return std::nullopt;
   }
   const auto part = [content](std::size_t start, std::size_t length) {
     return *parseDigits<unsigned>(content.substr(start, length), 10);
@@ -167,4 +167,4 @@ bool takeXMLReference(std::string_view& rest, std::string& text) {
   return true;
 }
 
-}  // namespace vorli
+}  // namespace vorli::formats

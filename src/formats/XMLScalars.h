@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace vorli {
+namespace vorli::formats {
 
 // Parsers for the contents of a property list's XML elements. Each takes the whole text between the tags, and
 // returns nothing when the text is not valid for the element.
@@ -34,4 +34,4 @@ std::string decodeXMLData(std::string_view content);
 /// past it. False for an unknown one.
 [[nodiscard]] bool takeXMLReference(std::string_view& rest, std::string& text);
 
-}  // namespace vorli
+}  // namespace vorli::formats

@@ -52,10 +52,10 @@ class Reader {
   bool broken_ = false;
 };
 
-using Value = std::variant<std::int32_t, std::string_view>;
+using SettingValue = std::variant<std::int32_t, std::string_view>;
 
 // Returns the setting's value; empty when it is missing or a colour.
-std::optional<Value> find(std::string_view bytes, std::string_view name) {
+std::optional<SettingValue> find(std::string_view bytes, std::string_view name) {
   Reader reader(bytes);
   reader.take(3);
   reader.number<std::uint32_t>();  // serial
@@ -66,7 +66,7 @@ std::optional<Value> find(std::string_view bytes, std::string_view name) {
     const auto nameLength = reader.number<std::uint16_t>();
     const auto settingName = reader.padded(nameLength);
     reader.number<std::uint32_t>();  // serial of the last change
-    Value value = 0;
+    SettingValue value = 0;
     switch (type) {
       case integer:
         value = reader.number<std::int32_t>();

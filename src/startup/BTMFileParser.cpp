@@ -11,7 +11,7 @@ namespace vorli {
 
 namespace {
 
-using Object = KeyedArchive::Object;
+using Object = formats::KeyedArchive::Object;
 
 constexpr std::size_t largestStore = std::size_t{16} * 1024 * 1024;
 /// A file can refer to one long collection from many places; real stores hold a few hundred elements.
@@ -22,7 +22,7 @@ class StoreReader {
  public:
   explicit StoreReader(ports::StartupFiles& files) : files_(files) {}
 
-  std::vector<BTMFileParser::Container> containers(const KeyedArchive& archive) {
+  std::vector<BTMFileParser::Container> containers(const formats::KeyedArchive& archive) {
     std::vector<BTMFileParser::Container> containers;
     for (const auto& element : allContainers(archive)) {
       if (!takesElement()) break;
@@ -32,7 +32,7 @@ class StoreReader {
   }
 
  private:
-  static std::vector<Object> allContainers(const KeyedArchive& archive) {
+  static std::vector<Object> allContainers(const formats::KeyedArchive& archive) {
     const auto root = archive.root();
     const auto items = root ? root->entry("backgroundItems") : std::nullopt;
     if (!items || items->className() != "BackgroundItems") return {};
@@ -74,7 +74,7 @@ class StoreReader {
     const auto bytes = bookmark->object("data");
     const auto data = bytes ? bytes->data() : std::nullopt;
     if (!data) return std::nullopt;
-    auto target = readBookmarkData(*data);
+    auto target = formats::readBookmarkData(*data);
     if (!target || !files_.exists(target->path)) return std::nullopt;
     return std::move(target->path);
   }
@@ -91,9 +91,9 @@ std::vector<BTMFileParser::Container> BTMFileParser::parse(ports::StartupFiles& 
                                                            const std::string& url) {
   const auto bytes = files.read(url, largestStore);
   if (!bytes) return {};
-  auto list = readPropertyList(*bytes, largestStore);
+  auto list = formats::readPropertyList(*bytes, largestStore);
   if (!list) return {};
-  const auto archive = KeyedArchive::open(
+  const auto archive = formats::KeyedArchive::open(
       std::move(*list), {"BackgroundItems", "BackgroundItemContainer", "BackgroundItem", "Bookmark"});
   if (!archive) return {};
   return StoreReader(files).containers(*archive);

@@ -24,22 +24,22 @@ bool isPaused(std::string_view name) {
 }
 
 // Empty if any element of the array is not a text.
-std::optional<std::string> firstOfTexts(const PropertyList::Value& array) {
-  if (array.kind() != PropertyList::Kind::array || array.count() == 0) return std::nullopt;
+std::optional<std::string> firstOfTexts(const formats::PropertyList::Value& array) {
+  if (array.kind() != formats::PropertyList::Kind::array || array.count() == 0) return std::nullopt;
   for (std::size_t i = 0; i < array.count(); ++i) {
     if (!array.element(i).text()) return std::nullopt;
   }
   return std::string(*array.element(0).text());
 }
 
-std::optional<std::string> textAt(const PropertyList::Value& dictionary, std::string_view key) {
+std::optional<std::string> textAt(const formats::PropertyList::Value& dictionary, std::string_view key) {
   const auto value = dictionary.find(key);
   const auto text = value ? value->text() : std::nullopt;
   if (!text) return std::nullopt;
   return std::string(*text);
 }
 
-std::optional<std::string> programPath(const PropertyList::Value& dictionary) {
+std::optional<std::string> programPath(const formats::PropertyList::Value& dictionary) {
   if (auto program = textAt(dictionary, "Program")) return program;
   const auto arguments = dictionary.find("ProgramArguments");
   return arguments ? firstOfTexts(*arguments) : std::nullopt;
@@ -86,8 +86,8 @@ std::optional<RawCandidate> LaunchDirectories::candidateFromFile(const LaunchDir
 std::optional<LaunchPlist> LaunchDirectories::parseLaunchPlist(const std::string& url) {
   const auto bytes = files_.read(url, largestPlist);
   if (!bytes) return std::nullopt;
-  const auto list = readPropertyList(*bytes, largestPlist);
-  if (!list || list->root().kind() != PropertyList::Kind::dictionary) return std::nullopt;
+  const auto list = formats::readPropertyList(*bytes, largestPlist);
+  if (!list || list->root().kind() != formats::PropertyList::Kind::dictionary) return std::nullopt;
 
   const auto dictionary = list->root();
   const auto runAtLoad = dictionary.find("RunAtLoad");

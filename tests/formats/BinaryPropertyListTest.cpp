@@ -5,7 +5,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 
-namespace vorli {
+namespace vorli::formats {
 namespace {
 
 using Kind = PropertyList::Kind;
@@ -335,4 +335,4 @@ TEST(BinaryPropertyListTest, manyDictionariesWithTheSameLongKeysAreReadAtOnce) {
 }
 
 }  // namespace
-}  // namespace vorli
+}  // namespace vorli::formats

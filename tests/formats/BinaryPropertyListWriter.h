@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-namespace vorli {
+namespace vorli::formats {
 
 /// The lowest `width` bytes of a number, most significant first.
 inline std::string bigEndian(std::uint64_t value, std::size_t width) {
@@ -96,4 +96,4 @@ class BinaryPropertyListWriter {
   std::vector<std::uint64_t> offsets_;
 };
 
-}  // namespace vorli
+}  // namespace vorli::formats

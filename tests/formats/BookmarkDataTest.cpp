@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <optional>
 
-namespace vorli {
+namespace vorli::formats {
 namespace {
 
 using BookmarkWriter = BookmarkDataWriter;
@@ -248,4 +248,4 @@ TEST(BookmarkDataTest, unneededRecordsAreIgnored) {
 }
 
 }  // namespace
-}  // namespace vorli
+}  // namespace vorli::formats

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-namespace vorli {
+namespace vorli::formats {
 
 inline std::string littleEndian(std::uint32_t value) {
   return {static_cast<char>(value & 0xFF), static_cast<char>(value >> 8 & 0xFF),
@@ -86,4 +86,4 @@ class BookmarkDataWriter {
   std::string data_ = std::string(4, '\0');  // begins with the offset of the first table
 };
 
-}  // namespace vorli
+}  // namespace vorli::formats

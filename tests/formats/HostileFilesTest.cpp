@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 #include <random>
 
-namespace vorli {
+namespace vorli::formats {
 namespace {
 
 using Object = KeyedArchive::Object;
@@ -155,4 +155,4 @@ TEST(HostileFilesTest, changedBookmarksGiveSoundPaths) {
 }
 
 }  // namespace
-}  // namespace vorli
+}  // namespace vorli::formats

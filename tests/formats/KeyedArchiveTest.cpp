@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 #include <limits>
 
-namespace vorli {
+namespace vorli::formats {
 namespace {
 
 using ArchiveWriter = KeyedArchiveWriter;
@@ -284,4 +284,4 @@ TEST(KeyedArchiveTest, aLongListOfHintsIsNotReadToItsEnd) {
 }
 
 }  // namespace
-}  // namespace vorli
+}  // namespace vorli::formats

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-namespace vorli {
+namespace vorli::formats {
 
 /// Writes keyed archives as binary property lists. Checks nothing, so that tests can write broken ones.
 class KeyedArchiveWriter {
@@ -85,4 +85,4 @@ class KeyedArchiveWriter {
   std::vector<Number> entries_;
 };
 
-}  // namespace vorli
+}  // namespace vorli::formats

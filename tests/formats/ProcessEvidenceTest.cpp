@@ -5,49 +5,49 @@
 namespace vorli::formats {
 namespace {
 
-using Kind = CgroupEvidence::Kind;
+using EvidenceKind = CgroupEvidence::Kind;
 const std::string slice = "0::/user.slice/user-1000.slice/user@1000.service/app.slice/";
 
-CgroupEvidence evidence(Kind kind, std::vector<std::string> ids, bool autostart = false) {
+CgroupEvidence evidence(EvidenceKind kind, std::vector<std::string> ids, bool autostart = false) {
   return {kind, std::move(ids), autostart};
 }
 
 TEST(ProcessEvidenceTest, aScopeNamesTheEntryWithOrWithoutItsLauncher) {
   EXPECT_EQ(evidenceFromCgroup(slice + "app-gnome-org.example.Viewer-1234.scope\n"),
-            evidence(Kind::systemdUnit, {"gnome-org.example.Viewer", "org.example.Viewer"}));
+            evidence(EvidenceKind::systemdUnit, {"gnome-org.example.Viewer", "org.example.Viewer"}));
   EXPECT_EQ(evidenceFromCgroup(slice + "app-org.example.Viewer-9.scope\n"),
-            evidence(Kind::systemdUnit, {"org.example.Viewer"}));
+            evidence(EvidenceKind::systemdUnit, {"org.example.Viewer"}));
 }
 
 TEST(ProcessEvidenceTest, dashesInsideOfAnIDAreUnescaped) {
   EXPECT_EQ(evidenceFromCgroup(slice + "app-gnome-my\\x2dviewer-1.scope\n"),
-            evidence(Kind::systemdUnit, {"gnome-my-viewer", "my-viewer"}));
+            evidence(EvidenceKind::systemdUnit, {"gnome-my-viewer", "my-viewer"}));
   EXPECT_EQ(evidenceFromCgroup(slice + "app-a\\x2-1.scope\n").ids.front(), "a\\x2");
 }
 
 TEST(ProcessEvidenceTest, aServiceHasItsRandomPartAfterAnAtSign) {
   EXPECT_EQ(evidenceFromCgroup(slice + "app-org.example.Viewer@ab12.service\n"),
-            evidence(Kind::systemdUnit, {"org.example.Viewer"}));
+            evidence(EvidenceKind::systemdUnit, {"org.example.Viewer"}));
   EXPECT_EQ(evidenceFromCgroup(slice + "app-org.example.Agent@autostart.service\n"),
-            evidence(Kind::systemdUnit, {"org.example.Agent"}, true));
+            evidence(EvidenceKind::systemdUnit, {"org.example.Agent"}, true));
 }
 
 TEST(ProcessEvidenceTest, flatpakAndSnapNameTheirPackage) {
   EXPECT_EQ(evidenceFromCgroup(slice + "app-flatpak-org.example.Viewer-77.scope\n"),
-            evidence(Kind::flatpak, {"org.example.Viewer"}));
+            evidence(EvidenceKind::flatpak, {"org.example.Viewer"}));
   EXPECT_EQ(
       evidenceFromCgroup("0::/user.slice/x/snap.viewer.main-0f1e2d3c-0011-2233-4455-66778899aabb.scope\n"),
-      evidence(Kind::snap, {"viewer_main"}));
+      evidence(EvidenceKind::snap, {"viewer_main"}));
   EXPECT_EQ(evidenceFromCgroup("0::/system.slice/snap.tool.daemon.service\n"),
-            evidence(Kind::snap, {"tool_daemon"}));
+            evidence(EvidenceKind::snap, {"tool_daemon"}));
   EXPECT_EQ(evidenceFromCgroup("0::/system.slice/snap.tool_second.daemon.service\n"),
-            evidence(Kind::snap, {"tool+second_daemon"}));
+            evidence(EvidenceKind::snap, {"tool+second_daemon"}));
 }
 
 TEST(ProcessEvidenceTest, aHybridSystemNamesTheGroupUnderSystemdsOwnHierarchy) {
   EXPECT_EQ(
       evidenceFromCgroup("4:memory:/x\n1:name=systemd:/user.slice/app.slice/app-org.example.V-1.scope\n"),
-      evidence(Kind::systemdUnit, {"org.example.V"}));
+      evidence(EvidenceKind::systemdUnit, {"org.example.V"}));
 }
 
 TEST(ProcessEvidenceTest, anythingElseIsNoEvidence) {

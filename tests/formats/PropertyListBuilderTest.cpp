@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <string_view>
 
-namespace vorli {
+namespace vorli::formats {
 namespace {
 
 TEST(PropertyListBuilderTest, scalarsHaveTheirValues) {
@@ -90,4 +90,4 @@ TEST(PropertyListBuilderTest, leavesOutEntriesWhoseKeyIsNotAText) {
 }
 
 }  // namespace
-}  // namespace vorli
+}  // namespace vorli::formats

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-namespace vorli {
+namespace vorli::formats {
 namespace {
 
 using Kind = PropertyList::Kind;
@@ -67,4 +67,4 @@ TEST(PropertyListTest, everyKeyOfALargeDictionaryIsFound) {
 }
 
 }  // namespace
-}  // namespace vorli
+}  // namespace vorli::formats

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace vorli {
+namespace vorli::formats {
 
 // Files like those of a Mac.
 
@@ -160,4 +160,4 @@ inline std::string sampleStore(int applications) {
       dictionary, {{writer.text("version"), version}, {writer.text("backgroundItems"), backgroundItems}}));
 }
 
-}  // namespace vorli
+}  // namespace vorli::formats

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace vorli {
+namespace vorli::formats {
 namespace {
 
 using namespace std::string_literals;
@@ -73,4 +73,4 @@ TEST(XMLEncodingTest, aBrokenDeclarationDeclaresNothing) {
 }
 
 }  // namespace
-}  // namespace vorli
+}  // namespace vorli::formats

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 
-namespace vorli {
+namespace vorli::formats {
 namespace {
 
 using Kind = PropertyList::Kind;
@@ -310,4 +310,4 @@ TEST(XMLPropertyListTest, otherEncodingsAreReadByMarkOrDeclaration) {
 }
 
 }  // namespace
-}  // namespace vorli
+}  // namespace vorli::formats

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace vorli {
+namespace vorli::formats {
 namespace {
 
 TEST(XMLScalarsTest, readsDecimalAndHexadecimalIntegers) {
@@ -106,4 +106,4 @@ TEST(XMLScalarsTest, onlySpacesTabsAndLineEndsAreBlanks) {
 }
 
 }  // namespace
-}  // namespace vorli
+}  // namespace vorli::formats

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <string>
 
-using namespace vorli;
+using namespace vorli::formats;
 
 namespace {
 

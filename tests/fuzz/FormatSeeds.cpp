@@ -7,7 +7,7 @@
 #include <iostream>
 #include <map>
 
-using namespace vorli;
+using namespace vorli::formats;
 
 int main(int count, char** arguments) {
   if (count != 2) {

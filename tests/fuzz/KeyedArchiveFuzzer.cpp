@@ -3,6 +3,7 @@
 #include "tests/fuzz/Fuzz.h"
 
 using namespace vorli;
+using namespace vorli::formats;
 
 namespace {
 

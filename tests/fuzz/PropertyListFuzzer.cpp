@@ -1,7 +1,7 @@
 #include "formats/PropertyList.h"
 #include "tests/fuzz/PropertyListWalk.h"
 
-using namespace vorli;
+using namespace vorli::formats;
 
 void fuzz(std::string_view bytes) {
   constexpr std::size_t largest = 4000;

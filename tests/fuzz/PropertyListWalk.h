@@ -6,7 +6,7 @@
 
 #include <vector>
 
-namespace vorli {
+namespace vorli::formats {
 
 /// Looks at the first thousand values of a list and checks what its accessors promise.
 inline void walk(const PropertyList& list) {
@@ -33,4 +33,4 @@ inline void walk(const PropertyList& list) {
   }
 }
 
-}  // namespace vorli
+}  // namespace vorli::formats

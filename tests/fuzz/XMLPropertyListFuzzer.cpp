@@ -1,7 +1,7 @@
 #include "formats/XMLPropertyList.h"
 #include "tests/fuzz/PropertyListWalk.h"
 
-using namespace vorli;
+using namespace vorli::formats;
 
 void fuzz(std::string_view bytes) {
   const auto list = readXMLPropertyList(bytes);

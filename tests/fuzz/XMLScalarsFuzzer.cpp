@@ -3,6 +3,7 @@
 #include "tests/fuzz/Fuzz.h"
 
 using namespace vorli;
+using namespace vorli::formats;
 
 void fuzz(std::string_view bytes) {
   parseXMLInteger(bytes);

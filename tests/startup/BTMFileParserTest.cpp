@@ -13,7 +13,7 @@ namespace vorli {
 namespace {
 
 using Container = BTMFileParser::Container;
-using Reference = KeyedArchiveWriter::Reference;
+using Reference = formats::KeyedArchiveWriter::Reference;
 using Strings = std::vector<std::string>;
 
 /// Builds stores piece by piece. The pieces that a test does not set are those of a valid store.
@@ -33,13 +33,13 @@ struct BTMFileParserTest : testing::Test {
     return place->second;
   }
   Reference bookmark(const Strings& components, const std::string& className = "Bookmark") {
-    const auto data = writer.data(BookmarkDataWriter::bookmarkOf(components));
+    const auto data = writer.data(formats::BookmarkDataWriter::bookmarkOf(components));
     return writer.object(classNamed(className), {{"data", writer.refer(data)}});
   }
   Reference item(Reference itsBookmark, const std::string& className = "BackgroundItem") {
     return writer.object(classNamed(className), {{"bookmark", writer.refer(itsBookmark)}});
   }
-  Reference container(KeyedArchiveWriter::Fields fields) {
+  Reference container(formats::KeyedArchiveWriter::Fields fields) {
     return writer.object(classNamed("BackgroundItemContainer"), std::move(fields));
   }
   Reference good() { return container({{"bookmark", writer.refer(bookmark({"Applications", "A.app"}))}}); }
@@ -59,7 +59,7 @@ struct BTMFileParserTest : testing::Test {
   }
 
   fakes::StartupFiles files;
-  KeyedArchiveWriter writer;
+  formats::KeyedArchiveWriter writer;
   std::map<std::string, Reference> classes;
 };
 
@@ -67,7 +67,7 @@ TEST_F(BTMFileParserTest, readsAStoreOfTheRealShape) {
   for (const char* path :
        {"/Applications/Example 0.app", "/Applications/Example 1.app", "/Applications/Example 3.app"})
     files.add(path);
-  const auto found = parse(sampleStore(4));  // the third application does not exist
+  const auto found = parse(formats::sampleStore(4));  // the third application does not exist
   EXPECT_EQ(apps(found), (Strings{"/Applications/Example 0.app", "/Applications/Example 1.app",
                                   "/Applications/Example 3.app"}));
   EXPECT_EQ(found[1].identifier->at(0), 1);
@@ -93,7 +93,7 @@ TEST_F(BTMFileParserTest, aStoreOfMoreThanSixteenMebibytesIsEmpty) {
 TEST_F(BTMFileParserTest, anythingButAnArchiveIsEmpty) {
   EXPECT_TRUE(parse("").empty());
   EXPECT_TRUE(parse("bplist00").empty());
-  EXPECT_TRUE(parse(sampleBinaryLaunchAgent()).empty());
+  EXPECT_TRUE(parse(formats::sampleBinaryLaunchAgent()).empty());
   EXPECT_TRUE(parse("<plist><dict/></plist>").empty());
 }
 
@@ -102,7 +102,7 @@ TEST_F(BTMFileParserTest, containersComeAsASetOrAnArray) {
   EXPECT_EQ(parse(store({good()}, "NSArray")).size(), 1u);
   EXPECT_TRUE(parse(store({good()}, "NSOrderedSet")).empty());
   EXPECT_TRUE(parse(storeWith(writer.text("none"))).empty());
-  EXPECT_TRUE(parse(storeWith(KeyedArchiveWriter::noObject)).empty());
+  EXPECT_TRUE(parse(storeWith(formats::KeyedArchiveWriter::noObject)).empty());
 }
 
 TEST_F(BTMFileParserTest, aStoreOfAnotherShapeIsEmpty) {
@@ -149,7 +149,7 @@ TEST_F(BTMFileParserTest, aContainerOfHelpersAloneHasNoApplication) {
 TEST_F(BTMFileParserTest, helpersOfAnotherKindAreLeftOut) {
   const auto bad = writer.collection(
       classNamed("NSSet"),
-      {item(bookmark({"opt", "helper"}), "BackgroundLoginItem"), item(KeyedArchiveWriter::noObject),
+      {item(bookmark({"opt", "helper"}), "BackgroundLoginItem"), item(formats::KeyedArchiveWriter::noObject),
        item(bookmark({"opt", "helper"}, "Bookmarks")), writer.object(classNamed("BackgroundItem"), {})});
   EXPECT_TRUE(parse(store({container({{"internalItems", writer.refer(bad)}})})).empty());
 
@@ -169,7 +169,7 @@ TEST_F(BTMFileParserTest, unresolvableItemsAreDropped) {
 
 TEST_F(BTMFileParserTest, anItemOnAMissingVolumeIsUnresolvable) {
   const auto data =
-      writer.data(BookmarkDataWriter::bookmarkOf({"Volumes", "Disk", "A.app"}, "/Volumes/Disk"));
+      writer.data(formats::BookmarkDataWriter::bookmarkOf({"Volumes", "Disk", "A.app"}, "/Volumes/Disk"));
   const auto outside = writer.object(classNamed("Bookmark"), {{"data", writer.refer(data)}});
   const auto bytes = store({container({{"bookmark", writer.refer(outside)}})});
   EXPECT_TRUE(parse(bytes).empty());
@@ -179,7 +179,7 @@ TEST_F(BTMFileParserTest, anItemOnAMissingVolumeIsUnresolvable) {
 
 TEST_F(BTMFileParserTest, onlyAnElectionOfZeroIsEnabled) {
   auto& list = writer.inlined();
-  const std::pair<KeyedArchiveWriter::Number, bool> rows[] = {
+  const std::pair<formats::KeyedArchiveWriter::Number, bool> rows[] = {
       {list.byte(0), true},
       {list.byte(1), false},
       {list.byte(2), false},

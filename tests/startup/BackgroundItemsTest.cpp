@@ -82,7 +82,7 @@ TEST_F(BackgroundItemsTest, aContainerGivesAllThatIsInIt) {
 TEST_F(BackgroundItemsTest, theStoreIsReadFromTheHomeFolder) {
   files.add(
       "/home/kim/Library/Application Support/com.apple.backgroundtaskmanagementagent/backgrounditems.btm",
-      sampleStore(2));
+      formats::sampleStore(2));
   files.add("/Applications/Example 0.app");
   files.add("/Applications/Example 1.app");
   const auto candidates = items.candidates();
@@ -98,7 +98,7 @@ using SystemsContainers = std::vector<ports::BackgroundContainer>;
 /// A store of a disabled application with two helpers.
 struct BackgroundItemsComparisonTest : BackgroundItemsTest {
   BackgroundItemsComparisonTest() {
-    files.add(store, sampleStoreOfHelpers());
+    files.add(store, formats::sampleStoreOfHelpers());
     for (const char* path : {"/Applications/A.app", "/opt/one", "/opt/two"}) files.add(path);
   }
 
@@ -144,7 +144,7 @@ TEST_F(BackgroundItemsComparisonTest, aDifferentReadingOfTheSystemIsLoggedOnceAn
 TEST_F(BackgroundItemsTest, anEqualLabelMergesWithItsJob) {
   files.add(
       "/home/kim/Library/Application Support/com.apple.backgroundtaskmanagementagent/backgrounditems.btm",
-      sampleStore(1));
+      formats::sampleStore(1));
   applications.install("/Applications/Example 0.app", "com.example", "Example");
   files.add("/Applications/Example 0.app");
   files.add("/home/kim/Library/LaunchAgents/a.plist",

@@ -101,9 +101,9 @@ TEST_F(LaunchDirectoriesTest, aPausedAndAFreshFileOfOneLabelAreOneDisabledRow) {
 
 TEST_F(LaunchDirectoriesTest, readsRealShapedFiles) {
   EXPECT_EQ(
-      parsed(sampleLaunchAgent()),
+      parsed(formats::sampleLaunchAgent()),
       (LaunchPlist{"com.example.updater", "/Library/Application Support/Example & Sons/updater", true}));
-  EXPECT_EQ(parsed(sampleBinaryLaunchAgent()),
+  EXPECT_EQ(parsed(formats::sampleBinaryLaunchAgent()),
             (LaunchPlist{"com.example.updater", "/usr/local/bin/updater", true}));
 }
 

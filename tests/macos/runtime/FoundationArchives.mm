@@ -14,7 +14,7 @@
 // Archives are read by the program's own portable reader. What is checked is how the code under test uses the
 // system's.
 
-using Archived = vorli::KeyedArchive::Object;
+using Archived = vorli::formats::KeyedArchive::Object;
 
 NSString* const NSKeyedArchiveRootObjectKey = @"root";
 
@@ -36,7 +36,7 @@ constexpr std::size_t largestArchive = std::size_t{1} << 20;
 @implementation NSKeyedUnarchiver {
   std::string _bytes;
   std::map<std::string, Class> _classes;  // that the code under test has set, by the name in the archive
-  std::unique_ptr<vorli::KeyedArchive> _archive;
+  std::unique_ptr<vorli::formats::KeyedArchive> _archive;
   std::vector<Archived> _open;  // the objects that are being decoded, the innermost last
 }
 @synthesize requiresSecureCoding = _requiresSecureCoding;
@@ -46,8 +46,8 @@ constexpr std::size_t largestArchive = std::size_t{1} << 20;
   self = [super init];
   _bytes.assign(static_cast<const char*>(data.bytes), data.length);
   _requiresSecureCoding = YES;
-  auto list = vorli::readPropertyList(_bytes, largestArchive);
-  if (list && vorli::KeyedArchive::open(std::move(*list), {})) return self;
+  auto list = vorli::formats::readPropertyList(_bytes, largestArchive);
+  if (list && vorli::formats::KeyedArchive::open(std::move(*list), {})) return self;
   if (error) *error = [NSError errorWithCode:4864 text:@"not an archive"];
   return nil;
 }
@@ -60,9 +60,9 @@ constexpr std::size_t largestArchive = std::size_t{1} << 20;
 - (void)openArchive {
   std::vector<std::string> names;
   for (const auto& [name, type] : _classes) names.push_back(name);
-  auto list = vorli::readPropertyList(_bytes, largestArchive);
-  auto archive = vorli::KeyedArchive::open(std::move(*list), names);
-  _archive = std::make_unique<vorli::KeyedArchive>(std::move(*archive));
+  auto list = vorli::formats::readPropertyList(_bytes, largestArchive);
+  auto archive = vorli::formats::KeyedArchive::open(std::move(*list), names);
+  _archive = std::make_unique<vorli::formats::KeyedArchive>(std::move(*archive));
 }
 - (nullable id)decodeObjectForKey:(NSString*)key {
   if (!_open.empty()) return [self decoded:_open.back().object(key.UTF8String)];

@@ -223,7 +223,7 @@ enum class NumberKind { boolean, integer, real };
                                 bookmarkDataIsStale:(BOOL* _Nullable)isStale
                                               error:(NSError* __autoreleasing _Nullable* _Nullable)error {
   constexpr NSUInteger quietly = 768;
-  const auto target = vorli::readBookmarkData({static_cast<const char*>(data.bytes), data.length});
+  const auto target = vorli::formats::readBookmarkData({static_cast<const char*>(data.bytes), data.length});
   if (options == quietly && target && vorli::macfake::machine().displayNames.contains(target->path))
     return [self fileURLWithPath:vorli::macfake::string(target->path)];
   if (error) *error = [NSError errorWithCode:4 text:@"The file doesn't exist."];

@@ -12,7 +12,7 @@ namespace vorli::machost {
 namespace {
 
 using Containers = std::vector<ports::BackgroundContainer>;
-using Reference = KeyedArchiveWriter::Reference;
+using Reference = formats::KeyedArchiveWriter::Reference;
 
 class BackgroundStoreTest : public testing::Test {
  protected:
@@ -23,7 +23,7 @@ class BackgroundStoreTest : public testing::Test {
     return readBackgroundStore(path);
   }
   // A store whose containers are a list, and each of which has this class and these fields.
-  std::string storeOf(const char* className, const KeyedArchiveWriter::Fields& fields) {
+  std::string storeOf(const char* className, const formats::KeyedArchiveWriter::Fields& fields) {
     const auto container = writer.object(writer.classNamed(className), fields);
     const auto all = writer.collection(writer.classNamed("NSArray"), {container});
     const auto items =
@@ -31,19 +31,19 @@ class BackgroundStoreTest : public testing::Test {
     return writer.bytes(
         writer.dictionary(writer.classNamed("NSDictionary"), {{writer.text("backgroundItems"), items}}));
   }
-  KeyedArchiveWriter::Number bookmark() {
-    const auto data = writer.data(BookmarkDataWriter::bookmarkOf({"Applications", "A.app"}));
+  formats::KeyedArchiveWriter::Number bookmark() {
+    const auto data = writer.data(formats::BookmarkDataWriter::bookmarkOf({"Applications", "A.app"}));
     return writer.refer(writer.object(writer.classNamed("Bookmark"), {{"data", writer.refer(data)}}));
   }
   static void exists(const char* file) { macfake::machine().displayNames[file] = file; }
 
-  KeyedArchiveWriter writer;
+  formats::KeyedArchiveWriter writer;
   const std::string path = testing::TempDir() + "vorli-background-store";
 };
 
 TEST_F(BackgroundStoreTest, aContainerHasItsApplicationItsHelpersAndItsState) {
   for (const char* file : {"/Applications/A.app", "/opt/one", "/opt/two"}) exists(file);
-  EXPECT_EQ(read(sampleStoreOfHelpers()),
+  EXPECT_EQ(read(formats::sampleStoreOfHelpers()),
             (Containers{{"/Applications/A.app", false, {"/opt/one", "/opt/two"}}}));
 }
 
@@ -65,11 +65,11 @@ TEST_F(BackgroundStoreTest, everyElectionButZeroIsDisabled) {
 
 TEST_F(BackgroundStoreTest, aBookmarkThatDoesNotResolveIsLeftOut) {
   exists("/opt/two");
-  EXPECT_EQ(read(sampleStoreOfHelpers()), (Containers{{std::nullopt, false, {"/opt/two"}}}));
+  EXPECT_EQ(read(formats::sampleStoreOfHelpers()), (Containers{{std::nullopt, false, {"/opt/two"}}}));
 }
 
 TEST_F(BackgroundStoreTest, aContainerOfNothingOrOfAnotherClassIsLeftOut) {
-  EXPECT_EQ(read(sampleStoreOfHelpers()), Containers());
+  EXPECT_EQ(read(formats::sampleStoreOfHelpers()), Containers());
   exists("/Applications/A.app");
   EXPECT_EQ(read(storeOf("Bookmark", {{"bookmark", bookmark()}})), Containers());
 }
