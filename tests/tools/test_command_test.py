@@ -106,6 +106,10 @@ class TestCommand(unittest.TestCase):
         status, said = self.run_rungs("asan", second='sh -c "echo Ran 0 tests in 0s; echo; echo FAILED \\(errors=1\\)"')
         self.assertEqual((status, said.splitlines()[-1]), (1, "0 passed, 1 failed"))
 
+    def test_a_suite_of_python_without_a_test_has_failed(self):
+        status, said = self.run_rungs("asan", second='sh -c "echo Ran 0 tests in 0s; echo; echo OK"')
+        self.assertEqual((status, said.splitlines()[-1]), (1, "0 passed, 1 failed"))
+
     def test_a_preparation_that_fails_leaves_its_rung_out(self):
         status, said = self.run_rungs("elsewhere", elsewhere='step "there" true', prepared="false")
         self.assertEqual((status, said.splitlines()[-2:]), (1, ["failed: prepared there", "0 passed, 1 failed"]))

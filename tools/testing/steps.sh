@@ -44,8 +44,8 @@ log_of() {
 counts_of() {
   tail -n 3 "$1" | awk '
     /^[0-9]+ passed, [0-9]+ failed$/ { print $1, $3 + 0 }
-    /^Ran [0-9]+ tests? in / { ran = $2 }
-    /^OK/ && ran { print ran, 0 }
+    /^Ran [0-9]+ tests? in / { ran = $2; isSuite = 1 }
+    /^OK/ && isSuite { print ran, (ran == 0) }
     /^FAILED \(/ { gsub(/[^0-9]+/, " "); bad = $1 + $2; print (ran > bad ? ran - bad : 0), bad }'
 }
 
