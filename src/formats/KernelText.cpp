@@ -13,10 +13,6 @@ bool isBlank(char c) {
   return c == ' ' || c == '\n' || c == '\t';
 }
 
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
 template <typename Number>
 std::optional<Number> parseNumber(std::string_view digits) {
   Number number{};

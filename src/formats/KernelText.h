@@ -8,6 +8,11 @@
 /// reads as empty.
 namespace vorli::formats {
 
+/// True for a decimal digit of ASCII.
+constexpr bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
 /// Takes the first line off the front of `text`; the newline belongs to neither.
 std::string_view takeLine(std::string_view& text);
 

@@ -2,6 +2,7 @@
 
 #include "base/UTF8.h"
 #include "base/UnicodeText.h"
+#include "formats/KernelText.h"
 
 #include <array>
 #include <charconv>
@@ -14,10 +15,6 @@
 namespace vorli::formats {
 
 namespace {
-
-bool isXMLDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 
 void skipBlanks(std::string_view& text) {
   while (!text.empty() && isXMLBlank(text.front())) text.remove_prefix(1);
@@ -53,7 +50,7 @@ std::optional<double> realWord(std::string_view text) {
 bool isDecimal(std::string_view text) {
   const auto takeDigits = [&text] {
     std::size_t count = 0;
-    while (count < text.size() && isXMLDigit(text[count])) ++count;
+    while (count < text.size() && isDigit(text[count])) ++count;
     text.remove_prefix(count);
     return count;
   };
@@ -111,7 +108,7 @@ std::optional<Date> parseXMLDate(std::string_view content) {
   constexpr std::string_view pattern = "dddd-dd-ddTdd:dd:ddZ";
   if (content.size() != pattern.size()) return std::nullopt;
   for (std::size_t i = 0; i < pattern.size(); ++i) {
-    if (pattern[i] == 'd' ? !isXMLDigit(content[i]) : content[i] != pattern[i]) return std::nullopt;
+    if (pattern[i] == 'd' ? !isDigit(content[i]) : content[i] != pattern[i]) return std::nullopt;
   }
   const auto part = [content](std::size_t start, std::size_t length) {
     return *parseDigits<unsigned>(content.substr(start, length), 10);
