@@ -10,6 +10,6 @@ namespace vorli::detail {
 }
 }  // namespace vorli::detail
 
-/// Aborts the process on a programming error, in every build. Must not validate external data.
+/// Aborts the process on a programming error, in every build. Do not use it to validate external data.
 #define VORLI_ASSERT(condition) \
   ((condition) ? static_cast<void>(0) : ::vorli::detail::assertionFailed(#condition, __FILE__, __LINE__))

@@ -32,7 +32,7 @@ class NativeWindows {
   /// True once the compositor has described all its windows; false where it does not, and while the
   /// connection is lost.
   bool canSeeWindows() const { return protocol_ && !protocol_->hasEnded() && answers_ == neededAnswers; }
-  /// Empty while `canSeeWindows` is false. Windows on other workspaces are included and cannot be recognised.
+  /// Empty while `canSeeWindows` is false. Includes windows on other workspaces, which look like all others.
   const std::vector<NativeWindow>& windows() const { return windows_; }
   /// True while the user has put all windows aside to look at the desktop, where the compositor reports it.
   bool isShowingDesktop() const { return protocol_ && protocol_->isShowingDesktop(); }
