@@ -107,6 +107,8 @@ TEST_F(KeyValueStoreTest, aValueThatIsStoredAlreadyIsNotWrittenAgain) {
     store.setObject("autoClear", StoredValue(true));
     store.setObject("lastLaunchedBuild", StoredValue(std::string("7")));
     store.setObject("list", StoredValue(std::vector<std::string>{"a", "b"}));
+    store.setObject("noTexts", StoredValue(std::vector<std::string>{}));
+    store.setObject("noEntries", StoredValue(StoredDictionary{}));
     store.setObject("absent", std::nullopt);
   };
   {
