@@ -107,9 +107,11 @@ Task<HelperReply> RequestDesk::decide(SharedCase entry) {
   if (const auto admission = entry->place->assignTo(*entry->user); admission != Admission::admitted)
     co_return busyReply(admission);
 
-  if (!rulesOf(entry->request.method).action.empty()) {
-    if (!entry->place->countPrivileged())
-      co_return HelperReply{helper::exit_code::busy, "Too many requests of this user lately"};
+  const bool isPrivileged = !rulesOf(entry->request.method).action.empty();
+  if (!(isPrivileged ? entry->place->countPrivileged() : entry->place->countOther()))
+    co_return HelperReply{helper::exit_code::busy, "Too many requests of this user lately"};
+
+  if (isPrivileged) {
     co_await holdProcess(entry);
     if (!hasOwnProcess(*entry)) co_return strangerReply();
     co_await authorise(entry, subjectOf(*order));

@@ -39,20 +39,30 @@ RequestLimits::Admission RequestLimits::Place::assignTo(UserId user) {
 }
 
 bool RequestLimits::Place::countPrivileged() {
+  return count(state_->privileged, mostPrivilegedPerUser);
+}
+
+bool RequestLimits::Place::countOther() {
+  return count(state_->others, mostOthersPerUser);
+}
+
+bool RequestLimits::Place::count(Recent& recent, std::size_t most) {
   VORLI_ASSERT(user_);
-  forgetOld(*state_);
-  auto& starts = state_->recent[*user_];
-  if (starts.size() >= mostPrivilegedPerUser) return false;
-  starts.push_back(state_->clock.now());
+  const double now = state_->clock.now();
+  forgetOld(recent, now);
+  auto& count = recent.counts[*user_];
+  if (count >= most) return false;
+  ++count;
+  recent.starts.push_back({now, *user_});
   return true;
 }
 
-// Cleans up all users at once, so that the list of past callers does not grow.
-void RequestLimits::forgetOld(State& state) {
-  const double oldest = state.clock.now() - privilegedWindowSeconds;
-  for (auto& [user, starts] : state.recent)
-    while (!starts.empty() && starts.front() <= oldest) starts.pop_front();
-  std::erase_if(state.recent, [](const auto& entry) { return entry.second.empty(); });
+void RequestLimits::forgetOld(Recent& recent, double now) {
+  while (!recent.starts.empty() && recent.starts.front().time <= now - windowSeconds) {
+    const auto count = recent.counts.find(recent.starts.front().user);
+    if (--count->second == 0) recent.counts.erase(count);
+    recent.starts.pop_front();
+  }
 }
 
 }  // namespace vorli::daemon

@@ -21,8 +21,12 @@ class RequestLimits {
   static constexpr std::size_t mostInFlight = 64;
   static constexpr std::size_t mostInFlightPerUser = 8;
   static constexpr std::size_t mostUnidentified = 32;
+  /// Most requests of one user within the window: those that need authorisation, and the others. The others
+  /// are quick, but doing one takes longer than passing it on takes the bus, so a flood of them would queue
+  /// up there before the requests of other users. Refusing one is quicker.
   static constexpr std::size_t mostPrivilegedPerUser = 20;
-  static constexpr double privilegedWindowSeconds = 10.0;
+  static constexpr std::size_t mostOthersPerUser = 1000;
+  static constexpr double windowSeconds = 10.0;
 
   explicit RequestLimits(const Scheduler& clock) : state_(std::make_shared<State>(clock)) {}
 
@@ -40,6 +44,16 @@ class RequestLimits {
   void onRelease(std::function<void()> handler) { state_->onRelease = std::move(handler); }
 
  private:
+  /// The requests that started within the window, oldest first, and their number for each user.
+  struct Recent {
+    struct Start {
+      double time;
+      UserId user;
+    };
+    std::deque<Start> starts;
+    std::map<UserId, std::size_t> counts;
+  };
+
   struct State {
     explicit State(const Scheduler& clock) : clock(clock) {}
 
@@ -47,12 +61,12 @@ class RequestLimits {
     std::size_t unidentified = 0;
     std::size_t identified = 0;
     std::map<UserId, std::size_t> perUser;
-    /// Start times of each user's privileged requests within the window.
-    std::map<UserId, std::deque<double>> recent;
+    Recent privileged;
+    Recent others;
     std::function<void()> onRelease;
   };
 
-  static void forgetOld(State& state);
+  static void forgetOld(Recent& recent, double now);
 
   std::shared_ptr<State> state_;
 };
@@ -68,9 +82,13 @@ class RequestLimits::Place {
   /// Counts a privileged request of that user. False when there were too many recently; refused requests do
   /// not count.
   [[nodiscard]] bool countPrivileged();
+  /// Does the same for a request that needs no authorisation.
+  [[nodiscard]] bool countOther();
 
  private:
   friend class RequestLimits;
+  bool count(Recent& recent, std::size_t most);
+
   explicit Place(std::shared_ptr<State> state);
 
   std::shared_ptr<State> state_;

@@ -295,6 +295,37 @@ TEST_F(RequestDeskTest, refusesTheTwentyFirstPrivilegedRequestInTenSeconds) {
   EXPECT_EQ(codeOf(Method::purgeMemory), 0);
 }
 
+TEST_F(RequestDeskTest, refusesTheThousandAndFirstOtherRequestInTenSeconds) {
+  for (int i = 0; i < 1000; ++i) EXPECT_EQ(codeOf(Method::killPID), 0);
+  EXPECT_EQ(codeOf(Method::killPID), 202);
+  EXPECT_EQ(codeOf(Method::dumpBTM), 202);
+  EXPECT_EQ(codeOf(Method::purgeMemory), 0);
+  EXPECT_EQ(codeOf(Method::killPID, ":1.2"), 0);
+  scheduler.advance(9.999);
+  EXPECT_EQ(codeOf(Method::killPID), 202);
+  scheduler.advance(0.001);
+  EXPECT_EQ(codeOf(Method::killPID), 0);
+}
+
+TEST_F(RequestDeskTest, refusedRequestsDoNotCountAndTheWindowSlides) {
+  for (int i = 0; i < 500; ++i) EXPECT_EQ(codeOf(Method::killPID), 0);
+  scheduler.advance(5.0);
+  for (int i = 0; i < 500; ++i) EXPECT_EQ(codeOf(Method::killPID), 0);
+  for (int i = 0; i < 1000; ++i) EXPECT_EQ(codeOf(Method::killPID), 202);
+  scheduler.advance(5.0);
+  for (int i = 0; i < 500; ++i) EXPECT_EQ(codeOf(Method::killPID), 0);
+  EXPECT_EQ(codeOf(Method::killPID), 202);
+}
+
+TEST_F(RequestDeskTest, malformedRequestsDoNotCount) {
+  for (int i = 0; i < 1001; ++i) {
+    submit({Method::killPID, ":1.1", KillArguments{0, 0}});
+    scheduler.runReady();
+    EXPECT_NE(answers.back().exitCode, 202);
+  }
+  EXPECT_EQ(codeOf(Method::killPID), 0);
+}
+
 TEST_F(RequestDeskTest, malformedRequestsAreAnsweredWithoutAskingPolkit) {
   submit({Method::moveLaunchAgentPlist, ":1.1", MoveArguments{"/etc/passwd", "/etc/passwd.vorli-disabled"}});
   scheduler.runReady();
