@@ -21,9 +21,9 @@ class RequestLimits {
   static constexpr std::size_t mostInFlight = 64;
   static constexpr std::size_t mostInFlightPerUser = 8;
   static constexpr std::size_t mostUnidentified = 32;
-  /// Most requests of one user within the window: those that need authorisation, and the others. The others
-  /// are quick, but doing one takes longer than passing it on takes the bus, so a flood of them would queue
-  /// up there before the requests of other users. Refusing one is quicker.
+  /// Most requests of one user within the window: those that need authorisation, and the others. The bus may
+  /// pass the others on faster than the daemon carries them out; a flood of them would then wait there in
+  /// front of the requests of other users. Refusing a request is faster.
   static constexpr std::size_t mostPrivilegedPerUser = 20;
   static constexpr std::size_t mostOthersPerUser = 1000;
   static constexpr double windowSeconds = 10.0;
